@@ -1,0 +1,176 @@
+#include "systemcalls.h"
+
+#include <QMap>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <utility>
+
+#include <fcntl.h>
+#include <netdb.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+struct PlannedFailure
+{
+    int errorNumber;
+    int skip;
+};
+
+struct State
+{
+    QMap<SystemCalls::Call, PlannedFailure> planned;
+    QList<int> waits;
+    QList<int> closed;
+    int failures = 0;
+    int sendLimit = -1;
+};
+
+// Each thread's own, so that a peer's thread in the same program is left alone.
+thread_local State state;
+
+// True, with errno set, when this call is the one to fail.
+bool failsNow(SystemCalls::Call call)
+{
+    const auto planned = state.planned.find(call);
+    if (planned == state.planned.end() || planned->skip-- > 0)
+        return false;
+    errno = planned->errorNumber;
+    state.planned.erase(planned);
+    ++state.failures;
+    return true;
+}
+
+} // namespace
+
+void SystemCalls::fail(Call call, int errorNumber, int skip)
+{
+    state.planned.insert(call, {errorNumber, skip});
+}
+
+void SystemCalls::limitNextSend(int bytes)
+{
+    state.sendLimit = bytes;
+}
+
+int SystemCalls::failures()
+{
+    return state.failures;
+}
+
+QList<int> SystemCalls::waits()
+{
+    return state.waits;
+}
+
+QList<int> SystemCalls::closed()
+{
+    return state.closed;
+}
+
+void SystemCalls::reset()
+{
+    state = {};
+}
+
+// The linker's names for the redirected call and the real one.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" {
+
+using SystemCalls::Call;
+
+int __real_socket(int domain, int type, int protocol);
+hostent *__real_gethostbyname(const char *name);
+int __real_connect(int descriptor, const sockaddr *address, socklen_t length);
+int __real_fcntl(int descriptor, int command, ...);
+int __real_poll(pollfd *watched, nfds_t count, int timeout);
+int __real_getsockopt(int descriptor, int level, int option, void *value, socklen_t *length);
+ssize_t __real_send(int descriptor, const void *data, size_t length, int flags);
+ssize_t __real_read(int descriptor, void *data, size_t length);
+int __real_close(int descriptor);
+
+int __wrap_socket(int domain, int type, int protocol)
+{
+    return failsNow(Call::Socket) ? -1 : __real_socket(domain, type, protocol);
+}
+
+hostent *__wrap_gethostbyname(const char *name)
+{
+    if (!failsNow(Call::Resolve))
+        return __real_gethostbyname(name);
+    static char address[] = {127, 0, 0, 1};
+    static char *one[] = {address, nullptr};
+    static char *none[] = {nullptr};
+    static hostent host;
+    host = {nullptr, nullptr, AF_INET, 4, one};
+    if (errno == EAFNOSUPPORT)
+        host.h_addrtype = AF_INET6;
+    if (errno == ENODATA)
+        host.h_addr_list = none;
+    if (errno == EMSGSIZE)
+        host.h_length = 3;
+    return &host;
+}
+
+int __wrap_connect(int descriptor, const sockaddr *address, socklen_t length)
+{
+    const bool planned = failsNow(Call::Connect);
+    if (planned && errno != 0)
+        return -1;
+    const int result = __real_connect(descriptor, address, length);
+    if (!planned)
+        return result;
+    pollfd connecting{descriptor, POLLOUT, 0};
+    return __real_poll(&connecting, 1, -1) == 1 ? 0 : -1;
+}
+
+int __wrap_fcntl(int descriptor, int command, ...)
+{
+    va_list arguments;
+    va_start(arguments, command);
+    const int argument = command == F_SETFL ? va_arg(arguments, int) : 0;
+    va_end(arguments);
+    const Call call = command == F_SETFL ? Call::SetFlags : Call::GetFlags;
+    return failsNow(call) ? -1 : __real_fcntl(descriptor, command, argument);
+}
+
+int __wrap_poll(pollfd *watched, nfds_t count, int timeout)
+{
+    state.waits.append(timeout);
+    return failsNow(Call::Poll) ? -1 : __real_poll(watched, count, timeout);
+}
+
+int __wrap_getsockopt(int descriptor, int level, int option, void *value, socklen_t *length)
+{
+    return failsNow(Call::GetOption) ? -1
+                                     : __real_getsockopt(descriptor, level, option, value, length);
+}
+
+ssize_t __wrap_send(int descriptor, const void *data, size_t length, int flags)
+{
+    if (failsNow(Call::Send))
+        return -1;
+    const int limit = std::exchange(state.sendLimit, -1);
+    if (limit < 0)
+        return __real_send(descriptor, data, length, flags);
+    ++state.failures;
+    return __real_send(descriptor, data, static_cast<size_t>(limit), flags);
+}
+
+ssize_t __wrap_read(int descriptor, void *data, size_t length)
+{
+    return failsNow(Call::Receive) ? -1 : __real_read(descriptor, data, length);
+}
+
+int __wrap_close(int descriptor)
+{
+    state.closed.append(descriptor);
+    return __real_close(descriptor);
+}
+
+} // extern "C"
+// NOLINTEND(bugprone-reserved-identifier)

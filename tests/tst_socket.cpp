@@ -1,0 +1,517 @@
+#include "fullqueue.h"
+#include "scriptedpeer.h"
+#include "socket.h"
+#include "systemcalls.h"
+
+#include <QTest>
+
+#include <cerrno>
+#include <csignal>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+const QString loopback = QStringLiteral("127.0.0.1");
+
+bool isOpen(int descriptor)
+{
+    return ::fcntl(descriptor, F_GETFD) >= 0;
+}
+
+// A port on loopback that was free a moment ago.
+int closedPort()
+{
+    ScriptedPeer peer;
+    const int port = peer.port();
+    peer.finish();
+    return port;
+}
+
+} // namespace
+
+class tst_Socket : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { SystemCalls::reset(); }
+
+    void timeval_data();
+    void timeval();
+
+    void defaultObject();
+    void connects();
+    void connectsWithLeadingZeros();
+    void portIsCutTo16Bits();
+    void connectStoresTheDescriptorElsewhere();
+    void connectIgnoresSigPipe();
+    void unresolvedAddressKeepsTheText_data();
+    void unresolvedAddressKeepsTheText();
+    void refusedConnection();
+    void unansweredConnection_data();
+    void unansweredConnection();
+
+    void reConnectAfterDisconnect();
+    void reConnectLeavesAnOpenDescriptorOpen();
+    void moveConstruction();
+    void moveAssignment();
+    void comparison_data();
+    void comparison();
+    void errorText();
+
+    void exchange();
+    void readReturnsWhatOneReceiveDelivers();
+    void readOfALongAnswer();
+    void readTimeout_data();
+    void readTimeout();
+    void readAfterOrderlyClose();
+    void readReplacesOldBytes();
+    void writeRaw();
+    void writeToAPeerThatIsGone();
+    void descriptorClosedUnderneath();
+    void descriptorAbove1024();
+};
+
+void tst_Socket::timeval_data()
+{
+    QTest::addColumn<int>("ms");
+    QTest::addColumn<qint64>("seconds");
+    QTest::addColumn<qint64>("microseconds");
+
+    QTest::newRow("below zero") << -1 << qint64(0) << qint64(0);
+    QTest::newRow("far below zero") << -5 << qint64(0) << qint64(0);
+    QTest::newRow("zero") << 0 << qint64(0) << qint64(0);
+    QTest::newRow("one") << 1 << qint64(0) << qint64(1000);
+    QTest::newRow("below a second") << 999 << qint64(0) << qint64(999000);
+    QTest::newRow("a second") << 1000 << qint64(1) << qint64(0);
+    QTest::newRow("above a second") << 1001 << qint64(1) << qint64(1000);
+    QTest::newRow("seconds and a rest") << 1500 << qint64(1) << qint64(500000);
+    QTest::newRow("greatest") << 2147483647 << qint64(2147483) << qint64(647000);
+}
+
+void tst_Socket::timeval()
+{
+    QFETCH(int, ms);
+    const struct timeval result = socketTimevalFromMilliseconds(ms);
+    QTEST(qint64(result.tv_sec), "seconds");
+    QTEST(qint64(result.tv_usec), "microseconds");
+}
+
+void tst_Socket::defaultObject()
+{
+    {
+        Socket socket;
+        QVERIFY(!socket.isConnected());
+        QCOMPARE(socket.getSockfd(), -1);
+        QCOMPARE(socket.getPort(), 0);
+        QCOMPARE(socket.getIp(), QString());
+        QCOMPARE(socket.getError(), QString());
+
+        QByteArray data = "old";
+        QVERIFY(!socket.read(&data));
+        QCOMPARE(socket.getError(), QStringLiteral("Error reading: Bad file descriptor (-1)"));
+        QCOMPARE(data, QByteArray());
+        QVERIFY(!socket.write("RD DM0\r"));
+        QCOMPARE(socket.getError(), QStringLiteral("Bad file descriptor"));
+
+        socket.setError(QStringLiteral("kept"));
+        QVERIFY(!socket.reConnect());
+        QVERIFY(!socket.isConnected());
+        QCOMPARE(socket.getError(), QStringLiteral("kept"));
+        QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+    }
+    QCOMPARE(SystemCalls::closed().size(), 1);
+}
+
+void tst_Socket::connects()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("OK"));
+    QCOMPARE(socket.getIp(), loopback);
+    QCOMPARE(socket.getPort(), peer.port());
+    QVERIFY(isOpen(socket.getSockfd()));
+    QCOMPARE(::fcntl(socket.getSockfd(), F_GETFL) & O_NONBLOCK, 0);
+    QCOMPARE(SystemCalls::waits(), QList<int>{1000});
+    socket.disconnect();
+    QCOMPARE(peer.finish(), QByteArray());
+    QCOMPARE(peer.connectionCount(), 1);
+}
+
+void tst_Socket::connectsWithLeadingZeros()
+{
+    ScriptedPeer peer;
+    Socket socket(QStringLiteral("127.000.000.001"), peer.port(), 1000);
+    QVERIFY(socket.isConnected());
+}
+
+void tst_Socket::portIsCutTo16Bits()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port() + 65536, 1000);
+    QVERIFY(socket.isConnected());
+    QCOMPARE(socket.getPort(), peer.port() + 65536);
+}
+
+void tst_Socket::connectStoresTheDescriptorElsewhere()
+{
+    ScriptedPeer peer;
+    Socket socket;
+    int descriptor = -1;
+    QVERIFY(socket.connect(loopback, peer.port(), &descriptor, 1000));
+    QVERIFY(isOpen(descriptor));
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(socket.getSockfd(), -1);
+    ::close(descriptor);
+}
+
+void tst_Socket::connectIgnoresSigPipe()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    // The host may have changed it since: every connect sets it again.
+    std::signal(SIGPIPE, SIG_DFL);
+    socket.disconnect();
+    QVERIFY(socket.reConnect());
+    QVERIFY(std::signal(SIGPIPE, SIG_IGN) == SIG_IGN);
+}
+
+void tst_Socket::unresolvedAddressKeepsTheText_data()
+{
+    QTest::addColumn<QString>("address");
+
+    QTest::newRow("empty") << QString();
+    QTest::newRow("number too great") << QStringLiteral("256.0.0.1");
+    QTest::newRow("no octal number") << QStringLiteral("127.0.0.09");
+    QTest::newRow("followed by a line feed") << QStringLiteral("127.0.0.1\n");
+}
+
+void tst_Socket::unresolvedAddressKeepsTheText()
+{
+    QFETCH(QString, address);
+    Socket socket(address, 8501, 1000);
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("OK"));
+    QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+}
+
+void tst_Socket::refusedConnection()
+{
+    const int port = closedPort();
+    SystemCalls::reset();
+    Socket socket(loopback, port, 1000);
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("Error connecting: Connection refused"));
+    QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+}
+
+void tst_Socket::unansweredConnection_data()
+{
+    QTest::addColumn<int>("timeout");
+    QTest::addColumn<QString>("error");
+
+    QTest::newRow("default") << 0 << QStringLiteral(" Timeout: 1000");
+    QTest::newRow("shortest") << 2 << QStringLiteral(" Timeout: 2");
+    QTest::newRow("given") << 30 << QStringLiteral(" Timeout: 30");
+}
+
+void tst_Socket::unansweredConnection()
+{
+    QFETCH(int, timeout);
+    const FullQueue queue;
+    SystemCalls::reset();
+    Socket socket(loopback, queue.port(), timeout);
+    QVERIFY(!socket.isConnected());
+    QTEST(socket.getError(), "error");
+    QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+}
+
+void tst_Socket::reConnectAfterDisconnect()
+{
+    ScriptedPeer peer({{"1\r\n"}});
+    Socket socket(loopback, peer.port());
+    QVERIFY(!socket.disconnect());
+    QVERIFY(!socket.isConnected());
+    QVERIFY(socket.reConnect());
+    QVERIFY(socket.isConnected());
+    QVERIFY(socket.write("RD DM0\r"));
+    QByteArray answer;
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("1\r\n"));
+    socket.disconnect();
+    peer.finish();
+    QCOMPARE(peer.connectionCount(), 2);
+}
+
+void tst_Socket::reConnectLeavesAnOpenDescriptorOpen()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    const int first = socket.getSockfd();
+    QVERIFY(socket.reConnect());
+    QVERIFY(socket.getSockfd() != first);
+    QVERIFY(isOpen(first));
+    ::close(first);
+}
+
+void tst_Socket::moveConstruction()
+{
+    ScriptedPeer peer;
+    auto *first = new Socket(loopback, peer.port(), 250);
+    const int number = first->getSockfd();
+    Socket second(std::move(*first));
+
+    QCOMPARE(first->getSockfd(), -1);
+    QVERIFY(!first->isConnected());
+    QCOMPARE(first->getIp(), loopback);
+    QCOMPARE(first->getPort(), peer.port());
+    QCOMPARE(first->getError(), QStringLiteral("OK"));
+    delete first;
+    QCOMPARE(SystemCalls::closed(), QList<int>());
+
+    QVERIFY(second.isConnected());
+    QCOMPARE(second.getSockfd(), number);
+    QCOMPARE(second.getIp(), loopback);
+    QCOMPARE(second.getPort(), peer.port());
+    QCOMPARE(second.getError(), QString());
+    QByteArray data;
+    QVERIFY(!second.read(&data));
+    QCOMPARE(second.getError(), QStringLiteral("Timeout reading (250ms)"));
+}
+
+void tst_Socket::moveAssignment()
+{
+    ScriptedPeer peer;
+    Socket first(loopback, peer.port(), 250);
+    const int number = first.getSockfd();
+    Socket second(loopback, peer.port());
+    const int former = second.getSockfd();
+    second.setError(QStringLiteral("its own"));
+    second = std::move(first);
+
+    QCOMPARE(first.getSockfd(), -1); // NOLINT(bugprone-use-after-move): what is left is defined
+    QVERIFY(!first.isConnected());
+    QCOMPARE(second.getSockfd(), number);
+    QVERIFY(second.isConnected());
+    QCOMPARE(second.getError(), QStringLiteral("its own"));
+    QVERIFY(isOpen(former));
+    QCOMPARE(SystemCalls::closed(), QList<int>());
+    ::close(former);
+}
+
+void tst_Socket::comparison_data()
+{
+    QTest::addColumn<QString>("ip");
+    QTest::addColumn<int>("port");
+    QTest::addColumn<bool>("same");
+
+    QTest::newRow("same") << QStringLiteral("256.0.0.1") << 8501 << true;
+    QTest::newRow("other port") << QStringLiteral("256.0.0.1") << 8502 << false;
+    QTest::newRow("other address") << QStringLiteral("256.0.0.2") << 8501 << false;
+    QTest::newRow("leading zeros") << QStringLiteral("256.0.0.01") << 8501 << false;
+    QTest::newRow("both different") << QString() << 0 << false;
+}
+
+void tst_Socket::comparison()
+{
+    QFETCH(QString, ip);
+    QFETCH(int, port);
+    QFETCH(bool, same);
+    // An address that never resolves, so that nothing is connected.
+    Socket socket(QStringLiteral("256.0.0.1"), 8501, 100);
+    const Socket other(ip, port, 200);
+    QCOMPARE(socket.hasIpAndPort(ip, port), same);
+    QCOMPARE(socket == other, same);
+    QVERIFY(socket == socket);
+}
+
+void tst_Socket::errorText()
+{
+    Socket socket;
+    socket.setError(QStringLiteral("text"));
+    QCOMPARE(socket.getError(), QStringLiteral("text"));
+}
+
+void tst_Socket::exchange()
+{
+    ScriptedPeer peer({{"00001\r\n"}, {"OK\r\n"}});
+    Socket socket(loopback, peer.port());
+    QByteArray answer;
+    QVERIFY(socket.write("RD DM1\r"));
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("00001\r\n"));
+    QVERIFY(socket.write("WR DM1 5\r"));
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("OK\r\n"));
+    QCOMPARE(socket.getError(), QStringLiteral("OK"));
+    socket.disconnect();
+    QCOMPARE(peer.finish(), QByteArray("RD DM1\rWR DM1 5\r"));
+}
+
+void tst_Socket::readReturnsWhatOneReceiveDelivers()
+{
+    ScriptedPeer peer({{"000"}});
+    Socket socket(loopback, peer.port());
+    QByteArray answer;
+    QVERIFY(socket.write("RD DM1\r"));
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("000"));
+    peer.send("01\r\n");
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("01\r\n"));
+}
+
+void tst_Socket::readOfALongAnswer()
+{
+    const QByteArray sent = QByteArray(200000, '7') + "\r\n";
+    ScriptedPeer peer({{sent}});
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.write("RD DM1\r"));
+    QByteArray received;
+    QByteArray piece;
+    int reads = 0;
+    while (received.size() < sent.size()) {
+        QVERIFY(socket.read(&piece));
+        QVERIFY(piece.size() <= 65535);
+        received += piece;
+        ++reads;
+    }
+    QVERIFY(reads >= 4);
+    QCOMPARE(received, sent);
+}
+
+void tst_Socket::readTimeout_data()
+{
+    QTest::addColumn<int>("timeout");
+    QTest::addColumn<QString>("error");
+
+    QTest::newRow("default") << 0 << QStringLiteral("Timeout reading (1000ms)");
+    QTest::newRow("shortest") << 2 << QStringLiteral("Timeout reading (2ms)");
+    QTest::newRow("given") << 30 << QStringLiteral("Timeout reading (30ms)");
+}
+
+void tst_Socket::readTimeout()
+{
+    QFETCH(int, timeout);
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port(), timeout);
+    QByteArray data = "old";
+    QVERIFY(!socket.read(&data));
+    QTEST(socket.getError(), "error");
+    QCOMPARE(data, QByteArray());
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+}
+
+void tst_Socket::readAfterOrderlyClose()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    QVERIFY(peer.waitForConnections(1));
+    peer.closeConnection();
+    QByteArray data = "old";
+    // A number left from an earlier call must not show in the text.
+    errno = EIO;
+    QVERIFY(!socket.read(&data));
+    QCOMPARE(socket.getError(), QStringLiteral("No data received - Success"));
+    QCOMPARE(data, QByteArray());
+    QVERIFY(socket.isConnected());
+    QVERIFY(isOpen(socket.getSockfd()));
+}
+
+void tst_Socket::readReplacesOldBytes()
+{
+    ScriptedPeer peer({{QByteArray("1\0\r\n", 4)}});
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.write("RD DM1\r"));
+    QByteArray data = "something longer than the answer";
+    socket.setError(QStringLiteral("kept by a success"));
+    QVERIFY(socket.read(&data));
+    QCOMPARE(data, QByteArray("1\0\r\n", 4));
+    QCOMPARE(socket.getError(), QStringLiteral("kept by a success"));
+}
+
+void tst_Socket::writeRaw()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.write("RD DM100\r...", 9));
+    QVERIFY(socket.write("RD DM100\r...", 0));
+    QVERIFY(socket.isConnected());
+    QVERIFY(!socket.write("RD DM100\r...", -1));
+    QCOMPARE(socket.getError(), QStringLiteral("Invalid argument"));
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(peer.finish(), QByteArray("RD DM100\r"));
+}
+
+void tst_Socket::writeToAPeerThatIsGone()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    QVERIFY(peer.waitForConnections(1));
+    peer.closeConnection();
+    QByteArray data;
+    QVERIFY(!socket.read(&data));
+    // The first bytes are answered by a reset; when it has arrived, the next ones cannot be sent.
+    QVERIFY(socket.write("RD DM1\r"));
+    pollfd reset{socket.getSockfd(), 0, 0};
+    QCOMPARE(::poll(&reset, 1, 10000), 1);
+    QVERIFY((reset.revents & POLLHUP) != 0);
+
+    SystemCalls::reset();
+    std::signal(SIGPIPE, SIG_DFL);
+    QVERIFY(!socket.write("RD DM2\r"));
+    std::signal(SIGPIPE, SIG_IGN);
+    QCOMPARE(socket.getError(), QStringLiteral("Broken pipe"));
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+}
+
+void tst_Socket::descriptorClosedUnderneath()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    ::close(socket.getSockfd());
+    QByteArray data;
+    QVERIFY(!socket.read(&data));
+    QCOMPARE(socket.getError(), QStringLiteral("Error reading: Bad file descriptor (-1)"));
+    QVERIFY(!socket.isConnected());
+}
+
+void tst_Socket::descriptorAbove1024()
+{
+    struct rlimit limit = {};
+    QCOMPARE(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlim_t former = limit.rlim_cur;
+    limit.rlim_cur = 2048;
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    std::vector<int> held;
+    while (held.empty() || held.back() < 1024)
+        held.push_back(::dup(STDERR_FILENO));
+
+    ScriptedPeer peer({{"1\r\n"}});
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.getSockfd() > 1024);
+    QVERIFY(socket.isConnected());
+    QVERIFY(socket.write("RD DM1\r"));
+    QByteArray answer;
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("1\r\n"));
+
+    for (const int descriptor : held)
+        ::close(descriptor);
+    socket.disconnect();
+    peer.finish();
+    limit.rlim_cur = former;
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+}
+
+QTEST_GUILESS_MAIN(tst_Socket)
+#include "tst_socket.moc"
