@@ -1,0 +1,50 @@
+#pragma once
+
+#include <vel/records.h>
+
+#include <QString>
+
+/// A device record as a host fills it in for a controller on loopback.
+inline DeviceInstancePlugin deviceRecord(int id, const QString &name, int port,
+                                         int timeoutMs = 2000)
+{
+    DeviceInstancePlugin device;
+    device.id = id;
+    device.name = name;
+    device.ipAddress = QStringLiteral("127.0.0.1");
+    device.parameters = {
+        {QStringLiteral("port"), QString::number(port)},
+        {QStringLiteral("timeout"), QString::number(timeoutMs)},
+    };
+    return device;
+}
+
+/// An item with its value, as it is handed to a cycle. The types are the numbers' texts.
+inline DataItem dataItem(const QString &name, const QString &address, const QString &memoryType,
+                         const QString &dataType, const QString &value = {})
+{
+    DataItem item;
+    item.item.name = name;
+    item.item.parameters = {
+        {QStringLiteral("memory_address"), address},
+        {QStringLiteral("memory_type"), memoryType},
+        {QStringLiteral("data_type"), dataType},
+    };
+    item.values = {{QStringLiteral("value"), value}};
+    return item;
+}
+
+/// The list of one cycle.
+inline LogList logList(const DeviceInstancePlugin &device, const QList<DataItem> &items)
+{
+    LogList list;
+    static_cast<DeviceInstancePlugin &>(list) = device;
+    list.dataItems = items;
+    return list;
+}
+
+/// The value that the item holds.
+inline QString valueOf(const DataItem &item)
+{
+    return item.values.value(QStringLiteral("value"));
+}
