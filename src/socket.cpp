@@ -49,7 +49,7 @@ timeval socketTimevalFromMilliseconds(int ms)
     const int wait = ms < 0 ? 0 : ms;
     timeval result{};
     result.tv_sec = wait / 1000;
-    result.tv_usec = (wait % 1000) * 1000;
+    result.tv_usec = static_cast<suseconds_t>(wait % 1000) * 1000;
     return result;
 }
 
@@ -185,7 +185,7 @@ bool Socket::disconnect()
     return false;
 }
 
-bool Socket::isConnected()
+bool Socket::isConnected() const
 {
     return connected;
 }
@@ -232,17 +232,17 @@ bool Socket::write(const void *data, int length)
     return disconnect();
 }
 
-QString Socket::getIp()
+QString Socket::getIp() const
 {
     return ip;
 }
 
-int Socket::getPort()
+int Socket::getPort() const
 {
     return port;
 }
 
-int Socket::getSockfd()
+int Socket::getSockfd() const
 {
     return sockfd;
 }
@@ -257,7 +257,7 @@ void Socket::setError(const QString &text)
     error = text;
 }
 
-bool Socket::hasIpAndPort(QString address, int portNumber)
+bool Socket::hasIpAndPort(QString address, int portNumber) const
 {
     return portNumber == port && address == ip;
 }

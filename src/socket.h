@@ -55,7 +55,7 @@ public:
 
     /// Whether the connection is taken to be usable. A peer that closed it is only noticed by using
     /// it.
-    bool isConnected();
+    bool isConnected() const;
 
     /// Waits for an answer and replaces `data` by what one receive delivers, at most 65535 bytes.
     /// No attempt is made to complete an answer that comes in pieces. After a time-out the
@@ -68,16 +68,16 @@ public:
     /// The same for `length` bytes from `data`; a negative length is refused.
     bool write(const void *data, int length);
 
-    QString getIp();
-    int getPort();
+    QString getIp() const;
+    int getPort() const;
     /// The descriptor's number; -1 before the first connect and after a move.
-    int getSockfd();
+    int getSockfd() const;
     /// The text of the last failure, or "OK".
     QString getError() const;
     void setError(const QString &text);
 
     /// Whether this is the connection to that address (compared as text) and port.
-    bool hasIpAndPort(QString address, int portNumber);
+    bool hasIpAndPort(QString address, int portNumber) const;
 
     /// Whether both go to the same address (compared as text) and port.
     bool operator==(const Socket &other) const;

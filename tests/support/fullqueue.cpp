@@ -16,7 +16,8 @@ FullQueue::FullQueue()
     while (established) {
         const int filler = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
         m_descriptors.push_back(filler);
-        ::connect(filler, reinterpret_cast<const sockaddr *>(&address), sizeof address);
+        static_cast<void>(
+            ::connect(filler, reinterpret_cast<const sockaddr *>(&address), sizeof address));
         pollfd connecting{filler, POLLOUT, 0};
         established = ::poll(&connecting, 1, 100) == 1;
     }

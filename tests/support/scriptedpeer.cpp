@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdint>
 
@@ -100,7 +101,7 @@ void ScriptedPeer::run()
                 watched.push_back({connection.descriptor, POLLIN, 0});
         }
         const bool anyOpen = std::any_of(watched.begin(), watched.end(),
-                                         [](const pollfd &w) { return w.fd >= 0; });
+                                         [](pollfd entry) { return entry.fd >= 0; });
         if (!anyOpen)
             return;
         ::poll(watched.data(), watched.size(), static_cast<int>(deadline.remainingTime()));
@@ -126,16 +127,17 @@ void ScriptedPeer::acceptPending()
 // Takes what has arrived without waiting for more.
 void ScriptedPeer::receive(Connection &connection)
 {
-    char buffer[4096];
+    std::array<char, 4096> buffer;
     while (connection.descriptor >= 0) {
-        const ssize_t count = ::recv(connection.descriptor, buffer, sizeof buffer, MSG_DONTWAIT);
+        const ssize_t count
+            = ::recv(connection.descriptor, buffer.data(), buffer.size(), MSG_DONTWAIT);
         if (count < 0 && errno == EAGAIN)
             return;
         if (count <= 0) {
             closeDescriptor(connection.descriptor);
             return;
         }
-        connection.received.append(buffer, static_cast<int>(count));
+        connection.received.append(buffer.data(), static_cast<int>(count));
         answerLines(connection);
     }
 }

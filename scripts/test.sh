@@ -1,0 +1,11 @@
+#!/bin/sh
+# Installs what is missing, builds and runs all tests. test.sh [PRESET], default dev.
+set -eu
+cd "$(dirname "$0")/.."
+preset=${1:-dev}
+
+scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev
+
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset"
+ctest --preset "$preset"
