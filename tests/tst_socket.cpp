@@ -40,7 +40,8 @@ class tst_Socket : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { SystemCalls::reset(); }
+    void init() { SystemCalls::watch(); }
+    void cleanup() { SystemCalls::stop(); }
 
     void timeval_data();
     void timeval();
@@ -205,7 +206,7 @@ void tst_Socket::unresolvedAddressKeepsTheText()
 void tst_Socket::refusedConnection()
 {
     const int port = closedPort();
-    SystemCalls::reset();
+    SystemCalls::watch();
     Socket socket(loopback, port, 1000);
     QVERIFY(!socket.isConnected());
     QCOMPARE(socket.getError(), QStringLiteral("Error connecting: Connection refused"));
@@ -226,7 +227,7 @@ void tst_Socket::unansweredConnection()
 {
     QFETCH(int, timeout);
     const FullQueue queue;
-    SystemCalls::reset();
+    SystemCalls::watch();
     Socket socket(loopback, queue.port(), timeout);
     QVERIFY(!socket.isConnected());
     QTEST(socket.getError(), "error");
@@ -467,7 +468,7 @@ void tst_Socket::writeToAPeerThatIsGone()
     QCOMPARE(::poll(&reset, 1, 10000), 1);
     QVERIFY((reset.revents & POLLHUP) != 0);
 
-    SystemCalls::reset();
+    SystemCalls::watch();
     std::signal(SIGPIPE, SIG_DFL);
     QVERIFY(!socket.write("RD DM2\r"));
     std::signal(SIGPIPE, SIG_IGN);
@@ -480,6 +481,8 @@ void tst_Socket::descriptorClosedUnderneath()
 {
     ScriptedPeer peer;
     Socket socket(loopback, peer.port());
+    // The peer's own descriptor must not be the one that gets the number.
+    QVERIFY(peer.waitForConnections(1));
     ::close(socket.getSockfd());
     QByteArray data;
     QVERIFY(!socket.read(&data));

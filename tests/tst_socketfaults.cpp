@@ -22,7 +22,8 @@ class tst_SocketFaults : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { SystemCalls::reset(); }
+    void init() { SystemCalls::watch(); }
+    void cleanup() { SystemCalls::stop(); }
 
     void constructorTimeout_data();
     void constructorTimeout();
@@ -67,7 +68,7 @@ void tst_SocketFaults::connectAtOnceKeepsTheText()
     Socket socket(loopback, peer.port());
     socket.disconnect();
     socket.setError(QStringLiteral("of old"));
-    SystemCalls::reset();
+    SystemCalls::watch();
     SystemCalls::fail(Call::Connect, 0);
     QVERIFY(socket.reConnect());
     QCOMPARE(SystemCalls::failures(), 1);
@@ -234,7 +235,7 @@ void tst_SocketFaults::descriptorNumberIsNotTouchedAfterDisconnect()
         ::close(ends[0]);
     }
     QCOMPARE(::send(ends[1], "not for us", 10, 0), 10);
-    SystemCalls::reset();
+    SystemCalls::watch();
 
     QVERIFY(!socket.write("RD DM1\r"));
     QCOMPARE(socket.getError(), QStringLiteral("Bad file descriptor"));

@@ -30,12 +30,14 @@ struct State
     int sendLimit = -1;
 };
 
-// Each thread's own, so that a peer's thread in the same program is left alone.
-thread_local State state;
+State state;
+thread_local bool watching = false;
 
 // True, with errno set, when this call is the one to fail.
 bool failsNow(SystemCalls::Call call)
 {
+    if (!watching)
+        return false;
     const auto planned = state.planned.find(call);
     if (planned == state.planned.end() || planned->skip-- > 0)
         return false;
@@ -72,9 +74,15 @@ QList<int> SystemCalls::closed()
     return state.closed;
 }
 
-void SystemCalls::reset()
+void SystemCalls::watch()
 {
     state = {};
+    watching = true;
+}
+
+void SystemCalls::stop()
+{
+    watching = false;
 }
 
 // The linker's names for the redirected call and the real one.
@@ -130,19 +138,24 @@ int __wrap_connect(int descriptor, const sockaddr *address, socklen_t length)
 
 int __wrap_fcntl(int descriptor, int command, ...)
 {
+    if (command == F_GETFL || command == F_GETFD)
+        return failsNow(Call::GetFlags) ? -1 : __real_fcntl(descriptor, command);
     va_list arguments;
     va_start(arguments, command);
+    // A flag word for us, a pointer for others: a register's width either way.
     // The analyser does not know that va_start() fills the list in.
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
-    const int argument = command == F_SETFL ? va_arg(arguments, int) : 0;
+    const long argument = va_arg(arguments, long);
     va_end(arguments);
-    const Call call = command == F_SETFL ? Call::SetFlags : Call::GetFlags;
-    return failsNow(call) ? -1 : __real_fcntl(descriptor, command, argument);
+    if (command == F_SETFL && failsNow(Call::SetFlags))
+        return -1;
+    return __real_fcntl(descriptor, command, argument);
 }
 
 int __wrap_poll(pollfd *watched, nfds_t count, int timeout)
 {
-    state.waits.append(timeout);
+    if (watching)
+        state.waits.append(timeout);
     return failsNow(Call::Poll) ? -1 : __real_poll(watched, count, timeout);
 }
 
@@ -156,7 +169,7 @@ ssize_t __wrap_send(int descriptor, const void *data, size_t length, int flags)
 {
     if (failsNow(Call::Send))
         return -1;
-    const int limit = std::exchange(state.sendLimit, -1);
+    const int limit = watching ? std::exchange(state.sendLimit, -1) : -1;
     if (limit < 0)
         return __real_send(descriptor, data, length, flags);
     ++state.failures;
@@ -170,7 +183,8 @@ ssize_t __wrap_read(int descriptor, void *data, size_t length)
 
 int __wrap_close(int descriptor)
 {
-    state.closed.append(descriptor);
+    if (watching)
+        state.closed.append(descriptor);
     return __real_close(descriptor);
 }
 

@@ -3,9 +3,9 @@
 #include <QList>
 #include <QMetaType>
 
-/// The system calls of the code under test, made to fail on demand. A program that links this file
-/// redirects the calls by the linker (`--wrap`), so only its own objects are affected, not Qt; a
-/// thread interferes with itself only.
+/// The system calls of the code under test, recorded and made to fail on demand. A program that links this
+/// file redirects the calls by the linker (`--wrap`), so Qt's own calls are not affected; nor is any other
+/// thread than the one that watches.
 namespace SystemCalls {
 
 enum class Call { Socket, Resolve, Connect, GetFlags, SetFlags, Poll, GetOption, Send, Receive };
@@ -19,17 +19,20 @@ void fail(Call call, int errorNumber, int skip = 0);
 /// Makes the next send take only that many bytes; counts as one interference.
 void limitNextSend(int bytes);
 
-/// How many calls were interfered with since the last reset.
+/// How many calls were interfered with since watch().
 int failures();
 
-/// The time-outs that were passed to poll(), in milliseconds, since the last reset.
+/// The time-outs that were passed to poll(), in milliseconds, since watch().
 QList<int> waits();
 
-/// The descriptors that were closed, in order, since the last reset.
+/// The descriptors that were closed, in order, since watch().
 QList<int> closed();
 
-/// Forgets everything.
-void reset();
+/// Begins to watch the calls of this thread, with nothing recorded and nothing planned.
+void watch();
+
+/// Watches no longer. To be called before the program ends, when others still make such calls.
+void stop();
 
 } // namespace SystemCalls
 
