@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QHostAddress>
+#include <QString>
+#include <QStringList>
+
+namespace kvsim {
+
+/// What the command line asks for.
+struct Options
+{
+    enum class Action { Serve, ShowHelp, ShowVersion, RefuseUsage };
+
+    Action action = Action::Serve;
+    QHostAddress address;
+    quint16 port = 0;
+    bool trace = false;
+    /// The help text for `ShowHelp`, what is wrong for `RefuseUsage`.
+    QString text;
+};
+
+/// Reads the command line; `arguments` begins with the program's name.
+Options parseOptions(const QStringList &arguments);
+
+} // namespace kvsim
