@@ -23,12 +23,20 @@ Connection::Connection(QTcpSocket *socket, CommandInterpreter *interpreter, QObj
     socket->setReadBufferSize(receiveLimit);
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     connect(socket, &QTcpSocket::readyRead, this, &Connection::serve);
-    // A client that reads again makes room for more answers.
-    connect(socket, &QTcpSocket::bytesWritten, this, &Connection::serve);
+    // A client that reads again makes room for more answers. Queued, because flush() emits it too
+    // and no second time for what is written from within the slot.
+    connect(socket, &QTcpSocket::bytesWritten, this, &Connection::serve, Qt::QueuedConnection);
     connect(socket, &QTcpSocket::disconnected, this, &Connection::deleteLater);
 }
 
 void Connection::serve()
+{
+    answerCommands();
+    // At once: QTcpSocket throws away what still waits when the client closes its sending side.
+    m_socket->flush();
+}
+
+void Connection::answerCommands()
 {
     while (m_socket->bytesToWrite() <= unsentLimit) {
         const std::optional<Line> line = m_lines.next();

@@ -29,6 +29,7 @@ Q_SIGNALS:
 
 private:
     void serve();
+    void answerCommands();
     void reply(const Line &line);
 
     QTcpSocket *m_socket;

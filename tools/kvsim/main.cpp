@@ -47,11 +47,6 @@ int serve(const Options &options)
     kvsim::Server server(&memory);
     if (options.trace)
         QObject::connect(&server, &kvsim::Server::answered, &server, traceExchange);
-    QObject::connect(&server, &kvsim::Server::acceptFailed, &server, [](const QString &reason) {
-        fail(CannotServe, QStringLiteral("cannot accept a client: %1. The next one is accepted "
-                                         "when a connected client goes.")
-                              .arg(reason));
-    });
 
     if (!server.listen(options.address, options.port)) {
         const QByteArray endpoint = kvsim::endpointText(options.address, options.port);

@@ -10,8 +10,6 @@ Server::Server(Memory *memory, QObject *parent)
     : QObject(parent), m_interpreter(memory), m_listener(new QTcpServer(this))
 {
     connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
-    connect(m_listener, &QTcpServer::acceptError, this,
-            [this] { Q_EMIT acceptFailed(m_listener->errorString()); });
 }
 
 bool Server::listen(const QHostAddress &address, quint16 port)
@@ -44,7 +42,7 @@ void Server::acceptClients()
     while (QTcpSocket *socket = m_listener->nextPendingConnection()) {
         auto *connection = new Connection(socket, &m_interpreter, this);
         connect(connection, &Connection::answered, this, &Server::answered);
-        // After a failed accept, out of file descriptors say, Qt accepts nobody until told to.
+        // Out of file descriptors, Qt may accept nobody any more until it is told to.
         connect(connection, &Connection::destroyed, m_listener, &QTcpServer::resumeAccepting);
     }
 }

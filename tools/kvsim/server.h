@@ -30,9 +30,6 @@ Q_SIGNALS:
     /// One command of one client was answered, see Connection::answered().
     void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer);
 
-    /// A client could not be accepted. It is tried again when another one goes.
-    void acceptFailed(const QString &reason);
-
 private:
     void acceptClients();
 

@@ -1,0 +1,292 @@
+#include <QHostAddress>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+
+#include <csignal>
+
+// The built program, started as a user starts it.
+// It stands on the stack of main() and needs no parent.
+class tst_KvsimProgram : public QObject // clazy:exclude=ctor-missing-parent-argument
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void servesAndEndsOnSignal_data();
+    void servesAndEndsOnSignal();
+    void trace();
+    void noTraceUnlessAsked();
+    void moreClientsThanDescriptors();
+    void usageErrors_data();
+    void usageErrors();
+    void portTaken();
+    void foreignAddress();
+    void outputThatCannotBeWritten();
+    void version();
+    void help();
+};
+
+namespace {
+
+constexpr int timeout = 10000; // milliseconds; only a failing test takes so long
+const char *const program = KVSIM_PROGRAM;
+
+// A run to the end.
+struct Run
+{
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray errors;
+};
+
+Run run(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QLatin1String(program), arguments);
+    if (!process.waitForFinished(timeout) || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+// The port in the first line, or 0. Waits for the line.
+quint16 listeningPort(QProcess *process)
+{
+    while (!process->canReadLine()) {
+        if (!process->waitForReadyRead(timeout))
+            return 0;
+    }
+    static const QRegularExpression form(QStringLiteral("^listening 127\\.0\\.0\\.1:(\\d+)\n$"));
+    return form.match(QString::fromLatin1(process->readLine())).captured(1).toUShort();
+}
+
+quint16 startServing(QProcess *process, const QStringList &moreArguments = {})
+{
+    process->start(QLatin1String(program),
+                   QStringList{QStringLiteral("--port"), QStringLiteral("0")} + moreArguments);
+    return listeningPort(process);
+}
+
+void connectTo(quint16 port, QTcpSocket *socket)
+{
+    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    socket->waitForConnected(timeout);
+}
+
+QByteArray ask(QTcpSocket *socket, const QByteArray &command)
+{
+    socket->write(command);
+    while (!socket->canReadLine()) {
+        if (!socket->waitForReadyRead(timeout))
+            return {};
+    }
+    return socket->readLine();
+}
+
+void end(QProcess *process)
+{
+    process->terminate();
+    QVERIFY(process->waitForFinished(timeout));
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), 0);
+}
+
+} // namespace
+
+void tst_KvsimProgram::servesAndEndsOnSignal_data()
+{
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void tst_KvsimProgram::servesAndEndsOnSignal()
+{
+    QFETCH(int, signal);
+
+    QProcess process;
+    const quint16 port = startServing(&process);
+    QVERIFY(port != 0);
+    QTcpSocket socket;
+    connectTo(port, &socket);
+    QCOMPARE(ask(&socket, "RDS DM1 2\r"), QByteArray("00001 00002\r\n"));
+
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    QVERIFY(process.waitForFinished(timeout));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+}
+
+void tst_KvsimProgram::trace()
+{
+    QProcess process;
+    const quint16 port = startServing(&process, {QStringLiteral("--trace")});
+    QTcpSocket socket;
+    connectTo(port, &socket);
+    QCOMPARE(ask(&socket, QByteArray("RD\0DM1\r", 7)), QByteArray("E1\r\n"));
+    QCOMPARE(ask(&socket, "?K\r\n"), QByteArray("55\r\n"));
+    const QByteArray client = "127.0.0.1:" + QByteArray::number(socket.localPort());
+    end(&process);
+
+    QString trace = QString::fromLatin1(process.readAllStandardError());
+    trace.remove(QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d"
+                                                   "\\.\\d{3} "),
+                                    QRegularExpression::MultilineOption));
+    const QByteArray expected = client + " > RD\\x00DM1\\r\n" + client + " < E1\\r\\n\n" + client
+                                + " > ?K\\r\n" + client + " < 55\\r\\n\n";
+    QCOMPARE(trace.toLatin1(), expected);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+}
+
+void tst_KvsimProgram::noTraceUnlessAsked()
+{
+    QProcess process;
+    QTcpSocket socket;
+    connectTo(startServing(&process), &socket);
+    QCOMPARE(ask(&socket, "?K\r"), QByteArray("55\r\n"));
+    end(&process);
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+}
+
+void tst_KvsimProgram::moreClientsThanDescriptors()
+{
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("The sanitizer's own checks need a file descriptor and fail when there is none.");
+#endif
+    QProcess process;
+    process.start(QStringLiteral("/bin/sh"),
+                  {QStringLiteral("-c"), QStringLiteral("ulimit -n 16; exec \"$0\" --port 0"),
+                   QLatin1String(program)});
+    const quint16 port = listeningPort(&process);
+    QVERIFY(port != 0);
+
+    // The last clients are connected by the system, but not served before others go.
+    std::array<QTcpSocket, 20> sockets;
+    for (QTcpSocket &socket : sockets)
+        connectTo(port, &socket);
+    QCOMPARE(ask(&sockets.front(), "?K\r"), QByteArray("55\r\n"));
+    for (std::size_t i = 0; i + 1 < sockets.size(); ++i)
+        sockets.at(i).abort();
+    QCOMPARE(ask(&sockets.back(), "?K\r"), QByteArray("55\r\n"));
+    end(&process);
+}
+
+void tst_KvsimProgram::usageErrors_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("error");
+
+    const auto row = [](const char *name, const char *arguments, const char *error) {
+        QTest::newRow(name) << QString::fromLatin1(arguments).split(QLatin1Char('|'))
+                            << "kvsim: " + QByteArray(error) + " See kvsim --help.\n";
+    };
+    row("unknown option", "--prot|0", "Unknown option 'prot'.");
+    row("another help", "--help-all", "Unknown option 'help-all'.");
+    row("positional argument", "8501", "Unexpected argument '8501'; kvsim takes options only.");
+    row("option without value", "--port", "Missing value after '--port'.");
+    row("value for a switch", "--trace=1", "Unexpected value after '--trace'.");
+    const auto badPort = [&row](const char *name, const char *port) {
+        const QByteArray arguments = QByteArray("--port|") + port;
+        const QByteArray error = "'" + QByteArray(port)
+                                 + "' is no port; --port takes a number from 0 to 65535, 0 picks "
+                                   "a free port.";
+        row(name, arguments.constData(), error.constData());
+    };
+    badPort("port below 0", "-1");
+    badPort("port above 65535", "65536");
+    badPort("port in letters", "http");
+    badPort("port empty", "");
+    const auto badAddress = [&row](const char *name, const char *address) {
+        const QByteArray arguments = QByteArray("--bind|") + address;
+        const QByteArray error = "'" + QByteArray(address)
+                                 + "' is no IP address; --bind takes one such as 127.0.0.1, or "
+                                   "0.0.0.0 for all interfaces.";
+        row(name, arguments.constData(), error.constData());
+    };
+    badAddress("host name", "localhost");
+    badAddress("address with a byte over 255", "127.0.0.256");
+    badAddress("address empty", "");
+}
+
+void tst_KvsimProgram::usageErrors()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, error);
+
+    const Run result = run(arguments);
+    QCOMPARE(result.errors, error);
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.exitCode, 2);
+}
+
+void tst_KvsimProgram::portTaken()
+{
+    QTcpServer owner;
+    QVERIFY(owner.listen(QHostAddress(QHostAddress::LocalHost), 0));
+    const Run result = run({QStringLiteral("--port"), QString::number(owner.serverPort())});
+    QCOMPARE(
+        result.errors,
+        QByteArray("kvsim: cannot listen on 127.0.0.1:" + QByteArray::number(owner.serverPort())
+                   + ": The bound address is already in use. Choose another --bind or "
+                     "--port.\n"));
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_KvsimProgram::foreignAddress()
+{
+    // An address from the block kept for documentation is no machine's own.
+    const Run result = run({QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--bind"),
+                            QStringLiteral("192.0.2.1")});
+    QCOMPARE(result.errors, QByteArray("kvsim: cannot listen on 192.0.2.1:0: The address is not "
+                                       "available. Choose another --bind or --port.\n"));
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_KvsimProgram::outputThatCannotBeWritten()
+{
+    QProcess process;
+    process.setStandardOutputFile(QStringLiteral("/dev/full"));
+    process.start(QLatin1String(program), {QStringLiteral("--port"), QStringLiteral("0")});
+    QVERIFY(process.waitForFinished(timeout));
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("kvsim: cannot write to standard output: No space left on device\n"));
+    QCOMPARE(process.exitCode(), 1);
+}
+
+void tst_KvsimProgram::version()
+{
+    const Run result = run({QStringLiteral("--version")});
+    QCOMPARE(result.output, QByteArray("kvsim " KVSIM_VERSION "\n"));
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_KvsimProgram::help()
+{
+    const Run result = run({QStringLiteral("--help")});
+    const QByteArray expected = R"( [options]
+Simulates a KV-series controller: answers Host Link commands over TCP.
+The first line of output is "listening ADDRESS:PORT".
+
+Exit code: 0 ended by SIGINT or SIGTERM, 1 cannot serve, 2 wrong command line.
+
+Options:
+  -h, --help        Print this help.
+  -v, --version     Print the version.
+  --bind <address>  Listen on this IP address (127.0.0.1).
+  --port <number>   Listen on this TCP port; 0 picks one (8501).
+  --trace           Print each command and answer to standard error.
+)";
+    QCOMPARE(result.output, QByteArray("Usage: " + QByteArray(program) + expected));
+    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_KvsimProgram)
+#include "tst_kvsimprogram.moc"
