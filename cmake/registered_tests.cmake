@@ -1,11 +1,10 @@
-# require_registered_tests(<folder> <names>): stops when a tst_*.cpp in the folder is not among the names,
+# require_registered_tests(<files> <names>): stops when one of the files tst_*.cpp is not among the names,
 # because a test that is never built looks just like one that passes.
-function(require_registered_tests folder names)
-    file(GLOB on_disk RELATIVE ${folder} CONFIGURE_DEPENDS ${folder}/tst_*.cpp)
-    foreach(file IN LISTS on_disk)
-        string(REGEX REPLACE "\\.cpp$" "" name ${file})
+function(require_registered_tests files names)
+    foreach(file IN LISTS files)
+        get_filename_component(name ${file} NAME_WE)
         if(NOT name IN_LIST names)
-            message(FATAL_ERROR "${folder}/${file} is not registered: add it to CMakeLists.txt there.")
+            message(FATAL_ERROR "${name} is not registered: add it to tests/CMakeLists.txt")
         endif()
     endforeach()
 endfunction()
