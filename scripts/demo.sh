@@ -1,0 +1,98 @@
+#!/bin/sh
+# Shows the plug-in at work without hardware: builds it, starts a simulated controller, loads the plug-in the
+# way a host does, reads and writes every data type, and checks what came of it.
+set -eu
+cd "$(dirname "$0")/.."
+
+scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev
+
+cmake --preset dev >/dev/null
+cmake --build --preset dev --target keyence velhost kvsim
+
+bin=build/dev/bin
+work=build/demo
+mkdir -p "$work"
+
+title() {
+    printf '\n== %s\n' "$1"
+}
+
+fail() {
+    echo "demo: $1" >&2
+    exit 1
+}
+
+# The simulated controller picks a free port and says which.
+rm -f "$work/kvsim.out"
+mkfifo "$work/kvsim.out"
+"$bin/kvsim" --port 0 >"$work/kvsim.out" &
+simulator=$!
+trap 'kill "$simulator" 2>/dev/null || true' EXIT
+read -r line <"$work/kvsim.out" || fail "the simulated controller does not start"
+port=${line##*:}
+for plant in demo-plant bad-address; do
+    sed "s/\"8501\"/\"$port\"/" "examples/$plant.json" >"$work/$plant.json"
+done
+
+# check_values NAME: reads the plant and compares its items with the expected ones on standard input.
+check_values() {
+    "$bin/velhost" --plant "$work/demo-plant.json" --format json read |
+        sed -n 's/.*"item":"\([^"]*\)","value":"\([^"]*\)","error":"\([^"]*\)"}$/\1: \2\3/p' >"$work/$1.txt"
+    diff - "$work/$1.txt" || fail "these are not the expected values"
+    echo "All values are as expected."
+}
+
+title "What the plug-in declares"
+"$bin/velhost" columns
+
+title "A read of every data type from fresh memory, in which word n holds n"
+"$bin/velhost" --plant "$work/demo-plant.json" read
+check_values fresh <<'VALUES'
+Bit of a word: 1
+Short: 201
+Long: 13828306
+Word: 31
+DWord: 15139046
+Hex16: F0
+Hex32: FB00FA
+Float: 3.1445
+Double: 3.156266
+Text by count: ABBBCBDBEB
+Text by range: ABBBCBDBEB
+Bit device: 1
+VALUES
+
+title "A write to each of them"
+"$bin/velhost" --plant "$work/demo-plant.json" write \
+    'Press/Bit of a word=0' 'Press/Short=-1234' 'Press/Long=-70000' 'Press/Word=54321' \
+    'Press/DWord=4000000000' 'Press/Hex16=BEEF' 'Press/Hex32=DEADBEEF' 'Press/Float=-2.5' \
+    'Press/Double=1234.5' 'Press/Text by count=KV-series ' 'Press/Text by range=Host Link.' \
+    'Press/Bit device=0'
+
+title "The same items read back"
+"$bin/velhost" --plant "$work/demo-plant.json" read
+check_values written <<'VALUES'
+Bit of a word: 0
+Short: -1234
+Long: -70000
+Word: 54321
+DWord: 4000000000
+Hex16: BEEF
+Hex32: DEADBEEF
+Float: -2.5
+Double: 1234.5
+Text by count: KV-series 
+Text by range: Host Link.
+Bit device: 0
+VALUES
+
+title "An address that the controller does not have: its error, and the other item is still read"
+status=0
+"$bin/velhost" --plant "$work/bad-address.json" read || status=$?
+[ "$status" -eq 1 ] || fail "an item with an error must end velhost with 1, not $status"
+
+title "The simulated controller ends"
+kill "$simulator"
+wait "$simulator" || fail "the simulated controller did not end cleanly"
+trap - EXIT
+echo "The demonstration is complete."
