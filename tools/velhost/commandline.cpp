@@ -1,0 +1,197 @@
+#include "commandline.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int maximumCycles = 1'000'000'000;
+constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
+
+struct CommandDescription
+{
+    QString name;
+    Command command;
+    bool needsPlant;
+    bool hasCycles;
+    bool hasAssignments;
+};
+
+const std::array<CommandDescription, 3> &commands()
+{
+    static const std::array<CommandDescription, 3> table{{
+        {QStringLiteral("columns"), Command::Columns, false, false, false},
+        {QStringLiteral("read"), Command::Read, true, true, false},
+        {QStringLiteral("write"), Command::Write, true, false, true},
+    }};
+    return table;
+}
+
+void describe(QCommandLineParser *parser)
+{
+    parser->setApplicationDescription(QStringLiteral(
+        "Loads a VEL plug-in, plays the host and shows what the plug-in answers.\n\n"
+        "Commands:\n"
+        "  columns                       Show what the plug-in declares.\n"
+        "  read                          Read every item of every device.\n"
+        "  write DEVICE/ITEM=VALUE ...   Write the named items, in the order given.\n\n"
+        "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant file,\n"
+        "3 the plug-in cannot be loaded."));
+    parser->addPositionalArgument(QStringLiteral("command"),
+                                  QStringLiteral("columns, read or write."),
+                                  QStringLiteral("COMMAND"));
+    parser->addOptions({
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")},
+        {{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Show the version.")},
+        {QStringLiteral("plugin"),
+         QStringLiteral("The plug-in. Without it: libkeyence.so next to this program, then in "
+                        "../lib from there, then in Qt's plug-in folders."),
+         QStringLiteral("FILE")},
+        {QStringLiteral("plant"),
+         QStringLiteral("The devices and items as JSON. Only columns does without."),
+         QStringLiteral("FILE")},
+        {QStringLiteral("format"),
+         QStringLiteral("table (default) for people, json for one JSON object a line."),
+         QStringLiteral("FORMAT")},
+        {QStringLiteral("cycles"), QStringLiteral("read: number of cycles (default 1)."),
+         QStringLiteral("N")},
+        {QStringLiteral("interval"),
+         QStringLiteral("read: milliseconds between cycle starts (default 1000)."),
+         QStringLiteral("MS")},
+    });
+}
+
+/// Takes a number in plain decimal digits; `*number` keeps its value when the option is not given.
+bool takeNumber(const QCommandLineParser &parser, const QString &option, int minimum, int maximum,
+                int *number, QString *error)
+{
+    if (!parser.isSet(option))
+        return true;
+    const QString text = parser.value(option);
+    const bool onlyDigits = std::all_of(text.begin(), text.end(), [](QChar character) {
+        return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+    });
+    bool ok = false;
+    const int parsed = text.toInt(&ok);
+    if (!ok || !onlyDigits || parsed < minimum || parsed > maximum) {
+        *error = QStringLiteral("--%1 needs a whole number from %2 to %3, not \"%4\"")
+                     .arg(option, QString::number(minimum), QString::number(maximum), text);
+        return false;
+    }
+    *number = parsed;
+    return true;
+}
+
+bool takeFormat(const QCommandLineParser &parser, OutputFormat *format, QString *error)
+{
+    const QString option = QStringLiteral("format");
+    if (!parser.isSet(option))
+        return true;
+    const QString text = parser.value(option);
+    if (text == QLatin1String("table"))
+        *format = OutputFormat::Table;
+    else if (text == QLatin1String("json"))
+        *format = OutputFormat::Json;
+    else {
+        *error = QStringLiteral("--format is table or json, not \"%1\"").arg(text);
+        return false;
+    }
+    return true;
+}
+
+/// Says what is wrong with the options as such, without a look at the command.
+QString optionError(const QCommandLineParser &parser)
+{
+    const QStringList given = parser.optionNames();
+    for (const QString &option : given) {
+        if (given.count(option) > 1)
+            return QStringLiteral("--%1 is given more than once").arg(option);
+    }
+    for (const QString &option : {QStringLiteral("plugin"), QStringLiteral("plant")}) {
+        if (parser.isSet(option) && parser.value(option).isEmpty())
+            return QStringLiteral("--%1 needs a file name").arg(option);
+    }
+    return {};
+}
+
+/// Says what the command misses or has no use for.
+QString commandError(const CommandDescription &command, const QCommandLineParser &parser)
+{
+    for (const QString &option : {QStringLiteral("cycles"), QStringLiteral("interval")}) {
+        if (parser.isSet(option) && !command.hasCycles)
+            return QStringLiteral("%1 has no use for --%2").arg(command.name, option);
+    }
+    if (command.needsPlant && !parser.isSet(QStringLiteral("plant")))
+        return QStringLiteral("%1 needs a plant file: --plant FILE").arg(command.name);
+    const QStringList rest = parser.positionalArguments().mid(1);
+    if (command.hasAssignments && rest.isEmpty())
+        return QStringLiteral("%1 needs at least one DEVICE/ITEM=VALUE").arg(command.name);
+    if (!command.hasAssignments && !rest.isEmpty())
+        return QStringLiteral("%1 takes no argument \"%2\"").arg(command.name, rest.first());
+    return {};
+}
+
+/// The command that the arguments name, or a null pointer and what is wrong.
+const CommandDescription *requestedCommand(const QStringList &positional, QString *error)
+{
+    if (positional.isEmpty()) {
+        *error = QStringLiteral("no command given; use columns, read or write");
+        return nullptr;
+    }
+    const QString &name = positional.first();
+    for (const CommandDescription &command : commands()) {
+        if (command.name == name)
+            return &command;
+    }
+    *error = QStringLiteral("unknown command \"%1\"; use columns, read or write").arg(name);
+    return nullptr;
+}
+
+} // namespace
+
+std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QString *error)
+{
+    QCommandLineParser parser;
+    describe(&parser);
+    if (!parser.parse(arguments)) {
+        *error = parser.errorText();
+        return {};
+    }
+    CommandLine result;
+    if (parser.isSet(QStringLiteral("help")))
+        return result;
+    if (parser.isSet(QStringLiteral("version"))) {
+        result.command = Command::Version;
+        return result;
+    }
+
+    const QStringList positional = parser.positionalArguments();
+    const CommandDescription *const command = requestedCommand(positional, error);
+    if (command == nullptr)
+        return {};
+    *error = optionError(parser);
+    if (error->isEmpty())
+        *error = commandError(*command, parser);
+    if (!error->isEmpty())
+        return {};
+
+    result.command = command->command;
+    result.pluginFile = parser.value(QStringLiteral("plugin"));
+    result.plantFile = parser.value(QStringLiteral("plant"));
+    result.assignments = positional.mid(1);
+    const bool taken
+        = takeFormat(parser, &result.format, error)
+          && takeNumber(parser, QStringLiteral("cycles"), 1, maximumCycles, &result.cycles, error)
+          && takeNumber(parser, QStringLiteral("interval"), 0, maximumIntervalMs,
+                        &result.intervalMs, error);
+    return taken ? std::optional(result) : std::nullopt;
+}
+
+QString helpText()
+{
+    QCommandLineParser parser;
+    describe(&parser);
+    return parser.helpText();
+}

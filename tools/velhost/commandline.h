@@ -1,0 +1,35 @@
+#pragma once
+
+#include "output.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// What the program is to do.
+enum class Command { Help, Version, Columns, Read, Write };
+
+/// The program's arguments, checked.
+struct CommandLine
+{
+    Command command = Command::Help;
+    /// Empty: the default plug-in.
+    QString pluginFile;
+    /// Empty only for `columns`.
+    QString plantFile;
+    OutputFormat format = OutputFormat::Table;
+    /// Read cycles, 1 or more.
+    int cycles = 1;
+    /// Milliseconds from the start of one cycle to the start of the next, 0 or more.
+    int intervalMs = 1000;
+    /// The arguments of `write`, each DEVICE/ITEM=VALUE.
+    QStringList assignments;
+};
+
+/// Reads the arguments, the program's name first. Options may stand before and after the command.
+/// Returns nothing when they are wrong; `error` then says what to change.
+std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QString *error);
+
+/// The text that `--help` prints. Needs a QCoreApplication, whose name it shows.
+QString helpText();

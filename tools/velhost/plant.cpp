@@ -1,0 +1,296 @@
+#include "plant.h"
+
+#include "duplicatekey.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <limits>
+
+// Every function that takes a `place` adds its faults to `errors` under that place and goes on with
+// an empty value: one run finds all faults of a file. The caller throws the plant away when there
+// is one.
+
+namespace {
+
+constexpr qint64 maximumFileSize = 16LL * 1024 * 1024;
+
+QString kindOf(const QJsonValue &value)
+{
+    switch (value.type()) {
+    case QJsonValue::Null:
+        return QStringLiteral("null");
+    case QJsonValue::Bool:
+        return QStringLiteral("true or false");
+    case QJsonValue::Double:
+        return QStringLiteral("a number");
+    case QJsonValue::String:
+        return QStringLiteral("a text");
+    case QJsonValue::Array:
+        return QStringLiteral("a list");
+    case QJsonValue::Object:
+        return QStringLiteral("an object");
+    case QJsonValue::Undefined:
+        break;
+    }
+    return QStringLiteral("nothing");
+}
+
+QString member(const QString &place, const QString &key)
+{
+    return place.isEmpty() ? key : QString(place + u'.' + key);
+}
+
+QString element(const QString &place, int index)
+{
+    return QStringLiteral("%1[%2]").arg(place).arg(index);
+}
+
+void addError(const QString &place, const QString &text, QStringList *errors)
+{
+    errors->append(place.isEmpty() ? text : QString(place + u": " + text));
+}
+
+void addWrongKind(const QJsonValue &found, const QString &expected, const QString &place,
+                  QStringList *errors)
+{
+    const QString text = found.isUndefined()
+                             ? QStringLiteral("missing; expected %1").arg(expected)
+                             : QStringLiteral("expected %1, found %2").arg(expected, kindOf(found));
+    addError(place, text, errors);
+}
+
+QString readText(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    if (!value.isString())
+        addWrongKind(value, QStringLiteral("a text"), place, errors);
+    return value.toString();
+}
+
+QString readName(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    QString name = readText(value, place, errors);
+    if (value.isString() && name.isEmpty())
+        addError(place, QStringLiteral("must not be empty"), errors);
+    return name;
+}
+
+int readId(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    const int id = value.toInt(-1);
+    if (!value.isDouble())
+        addWrongKind(value, QStringLiteral("a number"), place, errors);
+    else if (id < 0)
+        addError(place,
+                 QStringLiteral("expected a whole number from 0 to %1")
+                     .arg(std::numeric_limits<int>::max()),
+                 errors);
+    return id;
+}
+
+QJsonArray readList(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    if (!value.isArray())
+        addWrongKind(value, QStringLiteral("a list"), place, errors);
+    return value.toArray();
+}
+
+QJsonObject readObject(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    if (!value.isObject())
+        addWrongKind(value, QStringLiteral("an object"), place, errors);
+    return value.toObject();
+}
+
+void checkKeys(const QJsonObject &object, const QStringList &known, const QString &place,
+               QStringList *errors)
+{
+    const QStringList keys = object.keys();
+    for (const QString &key : keys) {
+        if (!known.contains(key))
+            addError(
+                member(place, key),
+                QStringLiteral("unknown key; known here: %1").arg(known.join(QStringLiteral(", "))),
+                errors);
+    }
+}
+
+/// Looks for a text that stands twice. `texts` are the elements' own at `key`; an empty one is no
+/// text, its fault is known already.
+void checkUnique(const QStringList &texts, const QString &key, const QString &place,
+                 QStringList *errors)
+{
+    QMap<QString, int> firstIndex;
+    for (int i = 0; i < texts.size(); ++i) {
+        const QString &text = texts.at(i);
+        if (text.isEmpty())
+            continue;
+        if (firstIndex.contains(text))
+            addError(member(element(place, i), key),
+                     QStringLiteral("\"%1\" is already the %2 of %3")
+                         .arg(text, key, element(place, firstIndex.value(text))),
+                     errors);
+        else
+            firstIndex.insert(text, i);
+    }
+}
+
+ParameterTexts readParameters(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    if (value.isUndefined())
+        return {};
+    ParameterTexts result;
+    const QJsonObject object = readObject(value, place, errors);
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        const QJsonValue parameter = entry.value();
+        if (parameter.isString())
+            result.insert(entry.key(), parameter.toString());
+        else if (parameter.isNull())
+            result.insert(entry.key(), std::nullopt);
+        else
+            addWrongKind(parameter, QStringLiteral("a text or null"), member(place, entry.key()),
+                         errors);
+    }
+    return result;
+}
+
+PlantItem readItem(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    const QJsonObject object = readObject(value, place, errors);
+    if (!value.isObject())
+        return {};
+    const QString name = QStringLiteral("name");
+    const QString parameters = QStringLiteral("parameters");
+    checkKeys(object, {name, parameters}, place, errors);
+    return {readName(object.value(name), member(place, name), errors),
+            readParameters(object.value(parameters), member(place, parameters), errors)};
+}
+
+QList<PlantItem> readItems(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    const QJsonArray array = readList(value, place, errors);
+    QList<PlantItem> items;
+    QStringList names;
+    for (int i = 0; i < array.size(); ++i) {
+        items.append(readItem(array.at(i), element(place, i), errors));
+        names.append(items.last().name);
+    }
+    checkUnique(names, QStringLiteral("name"), place, errors);
+    return items;
+}
+
+PlantDevice readDevice(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    const QJsonObject object = readObject(value, place, errors);
+    if (!value.isObject())
+        return {};
+    const QString id = QStringLiteral("id");
+    const QString name = QStringLiteral("name");
+    const QString ip = QStringLiteral("ip");
+    const QString parameters = QStringLiteral("parameters");
+    const QString items = QStringLiteral("items");
+    checkKeys(object, {id, name, ip, parameters, items}, place, errors);
+    return {readId(object.value(id), member(place, id), errors),
+            readName(object.value(name), member(place, name), errors),
+            readText(object.value(ip), member(place, ip), errors),
+            readParameters(object.value(parameters), member(place, parameters), errors),
+            readItems(object.value(items), member(place, items), errors)};
+}
+
+QList<PlantDevice> readDevices(const QJsonValue &value, const QString &place, QStringList *errors)
+{
+    const QJsonArray array = readList(value, place, errors);
+    QList<PlantDevice> devices;
+    QStringList ids;
+    QStringList names;
+    for (int i = 0; i < array.size(); ++i) {
+        devices.append(readDevice(array.at(i), element(place, i), errors));
+        const int id = devices.last().id;
+        ids.append(id >= 0 ? QString::number(id) : QString());
+        names.append(devices.last().name);
+    }
+    checkUnique(ids, QStringLiteral("id"), place, errors);
+    checkUnique(names, QStringLiteral("name"), place, errors);
+    return devices;
+}
+
+QStringList readNetworkInterfaces(const QJsonValue &value, const QString &place,
+                                  QStringList *errors)
+{
+    if (value.isUndefined())
+        return {};
+    const QJsonArray array = readList(value, place, errors);
+    QStringList names;
+    for (int i = 0; i < array.size(); ++i)
+        names.append(readName(array.at(i), element(place, i), errors));
+    return names;
+}
+
+Plant readPlant(const QJsonDocument &document, QStringList *errors)
+{
+    const QJsonValue root
+        = document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+    const QJsonObject object = readObject(root, {}, errors);
+    if (!root.isObject())
+        return {};
+    const QString networkInterfaces = QStringLiteral("networkInterfaces");
+    const QString devices = QStringLiteral("devices");
+    checkKeys(object, {networkInterfaces, devices}, {}, errors);
+    return {readNetworkInterfaces(object.value(networkInterfaces), networkInterfaces, errors),
+            readDevices(object.value(devices), devices, errors)};
+}
+
+/// The line and the column of an offset in bytes, both from 1, as LINE:COLUMN; columns count
+/// characters.
+QString lineAndColumn(const QByteArray &json, int offset)
+{
+    const QByteArray before = json.left(offset);
+    const int line = before.count('\n') + 1;
+    const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
+    return QStringLiteral("%1:%2").arg(line).arg(column);
+}
+
+} // namespace
+
+std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
+                                QStringList *errors)
+{
+    QJsonParseError syntax{};
+    const QJsonDocument document = QJsonDocument::fromJson(json, &syntax);
+    if (syntax.error != QJsonParseError::NoError) {
+        errors->append(fileName + u':' + lineAndColumn(json, syntax.offset) + u": not valid JSON: "
+                       + syntax.errorString());
+        return {};
+    }
+    if (const std::optional<DuplicateKey> duplicate = findDuplicateKey(json)) {
+        errors->append(fileName + u':' + lineAndColumn(json, duplicate->offset) + u": the key \""
+                       + duplicate->key + u"\" is given twice in one object");
+        return {};
+    }
+    QStringList faults;
+    Plant plant = readPlant(document, &faults);
+    for (const QString &fault : std::as_const(faults))
+        errors->append(fileName + u": " + fault);
+    return faults.isEmpty() ? std::optional(std::move(plant)) : std::nullopt;
+}
+
+std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        errors->append(fileName + u": cannot be read: " + file.errorString());
+        return {};
+    }
+    const QByteArray json = file.read(maximumFileSize + 1);
+    if (file.error() != QFileDevice::NoError) {
+        errors->append(fileName + u": cannot be read: " + file.errorString());
+        return {};
+    }
+    if (json.size() > maximumFileSize) {
+        errors->append(fileName + u": larger than 16 MiB, so it is no plant file");
+        return {};
+    }
+    return parsePlant(json, fileName, errors);
+}

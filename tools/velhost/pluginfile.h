@@ -1,0 +1,27 @@
+#pragma once
+
+#include <vel/velinterface.h>
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// A plug-in that is loaded and stays so until the program ends.
+struct LoadedPlugin
+{
+    QString fileName;
+    QString className;
+    QString identifier;
+    VELInterface *plugin = nullptr;
+};
+
+/// Loads the plug-in and takes its instance; nothing of it is called yet. Returns nothing when that
+/// fails, `error` then says why: no such file, no plug-in, another interface identifier, what the
+/// loader says, an instance that is no VELInterface.
+std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QString *error);
+
+/// Loads libkeyence.so from `programFolder`, else from ../lib relative to it, else from Qt's
+/// plug-in folders. The first that is there counts, even when it does not load. Errors as with
+/// loadPlugin(); when there is none, `error` says where it was looked for.
+std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QString *error);

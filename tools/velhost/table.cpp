@@ -1,0 +1,35 @@
+#include "table.h"
+
+#include <QVector>
+
+#include <algorithm>
+
+namespace {
+
+QVector<int> columnWidths(const QList<QStringList> &rows)
+{
+    QVector<int> widths;
+    for (const QStringList &row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (int column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths.at(column), row.at(column).size());
+    }
+    return widths;
+}
+
+} // namespace
+
+QString tableText(const QList<QStringList> &rows)
+{
+    const QVector<int> widths = columnWidths(rows);
+    QString text;
+    for (const QStringList &row : rows) {
+        QString line;
+        for (int column = 0; column < row.size(); ++column)
+            line += row.at(column).leftJustified(widths.at(column) + 2);
+        while (line.endsWith(u' '))
+            line.chop(1);
+        text += line + u'\n';
+    }
+    return text;
+}
