@@ -1,0 +1,201 @@
+#include <commandline.h>
+
+#include <QtTest>
+
+Q_DECLARE_METATYPE(Command)
+
+namespace {
+
+QStringList words(const char *text)
+{
+    return QString::fromUtf8(text).split(u'|');
+}
+
+} // namespace
+
+class tst_VelhostCommandLine : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void defaults();
+    void everyOption();
+    void commands_data();
+    void commands();
+    void cycleLimits_data();
+    void cycleLimits();
+    void intervalLimits_data();
+    void intervalLimits();
+    void errors_data();
+    void errors();
+};
+
+void tst_VelhostCommandLine::defaults()
+{
+    QString error;
+    const auto line = parseCommandLine(words("velhost|columns"), &error);
+    QCOMPARE(error, QString());
+    QVERIFY(line.has_value());
+    QCOMPARE(line->command, Command::Columns);
+    QCOMPARE(line->pluginFile, QString());
+    QCOMPARE(line->plantFile, QString());
+    QCOMPARE(line->format, OutputFormat::Table);
+    QCOMPARE(line->cycles, 1);
+    QCOMPARE(line->intervalMs, 1000);
+    QCOMPARE(line->assignments, QStringList());
+}
+
+void tst_VelhostCommandLine::everyOption()
+{
+    QString error;
+    const auto line = parseCommandLine(
+        words("velhost|--plugin|a.so|--plant=p.json|read|--format|json|--cycles|3|--interval=50"),
+        &error);
+    QCOMPARE(error, QString());
+    QVERIFY(line.has_value());
+    QCOMPARE(line->command, Command::Read);
+    QCOMPARE(line->pluginFile, QStringLiteral("a.so"));
+    QCOMPARE(line->plantFile, QStringLiteral("p.json"));
+    QCOMPARE(line->format, OutputFormat::Json);
+    QCOMPARE(line->cycles, 3);
+    QCOMPARE(line->intervalMs, 50);
+}
+
+void tst_VelhostCommandLine::commands_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<Command>("command");
+    QTest::addColumn<QStringList>("assignments");
+
+    const auto row = [](const char *text, Command command, const QStringList &assignments) {
+        QTest::newRow(text) << words(text) << command << assignments;
+    };
+    row("velhost|--help", Command::Help, {});
+    row("velhost|-h", Command::Help, {});
+    row("velhost|read|--help", Command::Help, {});
+    row("velhost|--version", Command::Version, {});
+    row("velhost|-v", Command::Version, {});
+    row("velhost|columns|--plant|p", Command::Columns, {});
+    row("velhost|--plant|p|--format|table|read", Command::Read, {});
+    row("velhost|write|A/b=1|--plant|p|A/c=-2", Command::Write, words("A/b=1|A/c=-2"));
+    row("velhost|--plant|p|--|write|-A/b=1|--help", Command::Write, words("-A/b=1|--help"));
+}
+
+void tst_VelhostCommandLine::commands()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(Command, command);
+    QFETCH(QStringList, assignments);
+
+    QString error;
+    const auto line = parseCommandLine(arguments, &error);
+    QCOMPARE(error, QString());
+    QVERIFY(line.has_value());
+    QCOMPARE(line->command, command);
+    QCOMPARE(line->assignments, assignments);
+}
+
+void tst_VelhostCommandLine::cycleLimits_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("cycles");
+
+    QTest::newRow("0") << QStringLiteral("0") << -1;
+    QTest::newRow("1") << QStringLiteral("1") << 1;
+    QTest::newRow("2") << QStringLiteral("2") << 2;
+    QTest::newRow("below the largest") << QStringLiteral("999999999") << 999999999;
+    QTest::newRow("largest") << QStringLiteral("1000000000") << 1000000000;
+    QTest::newRow("above the largest") << QStringLiteral("1000000001") << -1;
+    QTest::newRow("beyond 32 bits") << QStringLiteral("4294967297") << -1;
+    QTest::newRow("negative") << QStringLiteral("-1") << -1;
+    QTest::newRow("sign") << QStringLiteral("+1") << -1;
+    QTest::newRow("space") << QStringLiteral(" 1") << -1;
+    QTest::newRow("fraction") << QStringLiteral("1.0") << -1;
+    QTest::newRow("word") << QStringLiteral("two") << -1;
+    QTest::newRow("empty") << QString() << -1;
+    QTest::newRow("other digits") << QStringLiteral(u"１") << -1;
+}
+
+void tst_VelhostCommandLine::cycleLimits()
+{
+    QFETCH(QString, text);
+    QFETCH(int, cycles);
+
+    QString error;
+    const QString option = u"--cycles=" + text;
+    const auto line = parseCommandLine(words("velhost|read|--plant|p") << option, &error);
+    QCOMPARE(line ? line->cycles : -1, cycles);
+    const QString refused
+        = u"--cycles needs a whole number from 1 to 1000000000, not \"" + text + u'"';
+    QCOMPARE(error, cycles > 0 ? QString() : refused);
+}
+
+void tst_VelhostCommandLine::intervalLimits_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("interval");
+
+    QTest::newRow("below 0") << QStringLiteral("-1") << -1;
+    QTest::newRow("0") << QStringLiteral("0") << 0;
+    QTest::newRow("1") << QStringLiteral("1") << 1;
+    QTest::newRow("below a day") << QStringLiteral("86399999") << 86399999;
+    QTest::newRow("a day") << QStringLiteral("86400000") << 86400000;
+    QTest::newRow("above a day") << QStringLiteral("86400001") << -1;
+}
+
+void tst_VelhostCommandLine::intervalLimits()
+{
+    QFETCH(QString, text);
+    QFETCH(int, interval);
+
+    QString error;
+    const QString option = u"--interval=" + text;
+    const auto line = parseCommandLine(words("velhost|read|--plant|p") << option, &error);
+    QCOMPARE(line ? line->intervalMs : -1, interval);
+    const QString refused
+        = u"--interval needs a whole number from 0 to 86400000, not \"" + text + u'"';
+    QCOMPARE(error, interval >= 0 ? QString() : refused);
+}
+
+void tst_VelhostCommandLine::errors_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("error");
+
+    const auto row = [](const char *text, const char *error) {
+        QTest::newRow(text) << words(text) << QString::fromUtf8(error);
+    };
+    row("velhost", "no command given; use columns, read or write");
+    row("velhost|raed", "unknown command \"raed\"; use columns, read or write");
+    row("velhost|", "unknown command \"\"; use columns, read or write");
+    row("velhost|columns|read", "columns takes no argument \"read\"");
+    row("velhost|read|--plant|p|Press", "read takes no argument \"Press\"");
+    row("velhost|read", "read needs a plant file: --plant FILE");
+    row("velhost|write|A/b=1", "write needs a plant file: --plant FILE");
+    row("velhost|write|--plant|p", "write needs at least one DEVICE/ITEM=VALUE");
+    row("velhost|columns|--cycles|1", "columns has no use for --cycles");
+    row("velhost|columns|--interval|1", "columns has no use for --interval");
+    row("velhost|write|A/b=1|--plant|p|--cycles|1", "write has no use for --cycles");
+    row("velhost|columns|--plnat|p", "Unknown option 'plnat'.");
+    row("velhost|columns|-x", "Unknown option 'x'.");
+    row("velhost|columns|--plugin", "Missing value after '--plugin'.");
+    row("velhost|columns|--plugin=", "--plugin needs a file name");
+    row("velhost|read|--plant|", "--plant needs a file name");
+    row("velhost|columns|--plugin|a|--plugin|a", "--plugin is given more than once");
+    row("velhost|columns|--format|xml", "--format is table or json, not \"xml\"");
+    row("velhost|columns|--format|JSON", "--format is table or json, not \"JSON\"");
+    row("velhost|--version=1", "Unexpected value after '--version'.");
+}
+
+void tst_VelhostCommandLine::errors()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, error);
+
+    QString found;
+    QCOMPARE(parseCommandLine(arguments, &found).has_value(), false);
+    QCOMPARE(found, error);
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostCommandLine)
+#include "tst_velhost_commandline.moc"

@@ -1,0 +1,343 @@
+#include "tst_velhost_run.h"
+
+#include <vel/interfaceid.h>
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+// What the built program does where something outside it is not as it should be: its plug-in, its
+// plant file, its streams, its time.
+
+namespace {
+
+const QString program = QStringLiteral(VELHOST_FILE);
+const QString scriptedPlugin = QStringLiteral(SCRIPTED_PLUGIN_FILE);
+const QString foreignPlugin = QStringLiteral(FOREIGN_PLUGIN_FILE);
+const QString objectPlugin = QStringLiteral(OBJECT_PLUGIN_FILE);
+const QString silentPlugin = QStringLiteral(SILENT_PLUGIN_FILE);
+const QString unresolvedPlugin = QStringLiteral(UNRESOLVED_PLUGIN_FILE);
+const QString plainLibrary = QStringLiteral(PLAIN_LIBRARY_FILE);
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+bool writeFile(const QString &fileName, const QByteArray &content)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+/// One device with one item, without a time stamp of the plug-in.
+const char *const smallPlant
+    = R"({"devices": [{"id": 1, "name": "Press", "ip": "", "items": [{"name": "A"}]}]})";
+
+} // namespace
+
+class tst_VelhostLoading : public QObject
+{
+    Q_OBJECT
+
+    QString inFolder(const QString &name) const { return m_folder.filePath(name); }
+
+    QTemporaryDir m_folder;
+
+private Q_SLOTS:
+    void initTestCase();
+    void notLoaded_data();
+    void notLoaded();
+    void plantFaults_data();
+    void plantFaults();
+    void defaultPlugin_data();
+    void defaultPlugin();
+    void brokenDefaultPlugin();
+    void noDefaultPlugin();
+    void stampsWithoutPlugin();
+    void keepsInterval();
+    void interruptEndsWait();
+    void fullOutput();
+    void argumentNotUtf8();
+    void help();
+    void version();
+};
+
+void tst_VelhostLoading::initTestCase()
+{
+    QVERIFY(m_folder.isValid());
+    QVERIFY(writeFile(inFolder(text("plant.json")), smallPlant));
+    QVERIFY(writeFile(inFolder(text("text.so")), "no library at all, but a text\n"));
+}
+
+void tst_VelhostLoading::notLoaded_data()
+{
+    QTest::addColumn<QString>("plugin");
+    QTest::addColumn<QString>("reason");
+
+    const QString folder = m_folder.path();
+    QTest::newRow("no such file") << text("none.so") << text("there is no such file");
+    QTest::newRow("folder") << folder << text("it is a folder");
+    QTest::newRow("text file")
+        << text("text.so")
+        << text("it is not a Qt plug-in: '%1/text.so' is not an ELF object (file too small)")
+               .arg(folder);
+    QTest::newRow("library")
+        << plainLibrary
+        << text("it is not a Qt plug-in: Failed to extract plugin meta data from '%1'")
+               .arg(plainLibrary);
+    QTest::newRow("other identifier")
+        << foreignPlugin
+        << text("its interface identifier is \"org.example.other.Interface/2.0\", this host asks "
+                "for \"" VELInterface_iid "\"");
+    QTest::newRow("missing symbol")
+        << unresolvedPlugin
+        << text("Cannot load library %1: (%1: undefined symbol: missingFromEveryLibrary)")
+               .arg(unresolvedPlugin);
+    QTest::newRow("other class") << objectPlugin
+                                 << text("its class \"ObjectPlugin\" is not a VELInterface");
+}
+
+void tst_VelhostLoading::notLoaded()
+{
+    QFETCH(QString, plugin);
+    QFETCH(QString, reason);
+
+    const ProgramRun run
+        = runProgram(program, {text("columns"), text("--plugin"), plugin}, m_folder.path());
+    QCOMPARE(run.errors, text("velhost: cannot load the plug-in %1: %2\n").arg(plugin, reason));
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, 3);
+}
+
+void tst_VelhostLoading::plantFaults_data()
+{
+    QTest::addColumn<QString>("plugin");
+    QTest::addColumn<QByteArray>("plant");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("errors");
+
+    QTest::newRow("faults are found before the plug-in is looked for")
+        << text("none.so") << QByteArray(R"({"device": []})") << 2
+        << text("velhost: fault.json: device: unknown key; known here: networkInterfaces, devices\n"
+                "velhost: fault.json: devices: missing; expected a list\n");
+    QTest::newRow("no JSON")
+        << text("none.so") << QByteArray("{\n]") << 2
+        << text("velhost: fault.json:2:2: not valid JSON: unterminated object\n");
+    QTest::newRow("control character")
+        << text("none.so") << QByteArray(R"({"devices": [], "\u001b[31m": 1})") << 2
+        << text("velhost: fault.json: \\x1b[31m: unknown key; known here: networkInterfaces, "
+                "devices\n");
+    QTest::newRow("parameters are judged by the plug-in's columns")
+        << scriptedPlugin << QByteArray(R"({"devices": [{"id": 1, "name": "Press", "ip": "",
+            "parameters": {"prot": "1", "script": "init-false"},
+            "items": [{"name": "A"}, {"name": "B", "parameters": {"memory_type": "Wrod"}}]}]})")
+        << 2
+        << text("velhost: fault.json: devices[0].parameters.prot: the plug-in declares no such "
+                "device "
+                "parameter; it declares: port, script, time_stamp\n"
+                "velhost: fault.json: devices[0].items[1].parameters.memory_type: \"Wrod\" is not "
+                "offered; use one of: \"Bit device\" (0), \"Word device\" (1)\n");
+    QTest::newRow("plug-in that does not register")
+        << silentPlugin << QByteArray(smallPlant) << 3
+        << text("velhost: the plug-in %1 did not register during init()\n").arg(silentPlugin);
+}
+
+void tst_VelhostLoading::plantFaults()
+{
+    QFETCH(QString, plugin);
+    QFETCH(QByteArray, plant);
+    QFETCH(int, exitCode);
+    QFETCH(QString, errors);
+
+    QVERIFY(writeFile(inFolder(text("fault.json")), plant));
+    const ProgramRun run = runProgram(
+        program, {text("read"), text("--plugin"), plugin, text("--plant"), text("fault.json")},
+        m_folder.path());
+    QCOMPARE(run.errors, errors);
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, exitCode);
+}
+
+void tst_VelhostLoading::defaultPlugin_data()
+{
+    QTest::addColumn<QStringList>("places");
+    QTest::addColumn<QString>("loaded");
+
+    const QString beside = text("bin/libkeyence.so");
+    const QString lib = text("lib/libkeyence.so");
+    const QString qtFolder = text("qt/libkeyence.so");
+    QTest::newRow("beside the program goes first") << QStringList{beside, lib, qtFolder} << beside;
+    QTest::newRow("then ../lib") << QStringList{lib, qtFolder} << lib;
+    QTest::newRow("then Qt's plug-in folders") << QStringList{qtFolder} << qtFolder;
+}
+
+/// Copies the program, so that nothing but the row's files is around it.
+void tst_VelhostLoading::defaultPlugin()
+{
+    QFETCH(QStringList, places);
+    QFETCH(QString, loaded);
+
+    const QTemporaryDir folder;
+    for (const QString &name : {text("bin"), text("lib"), text("qt")})
+        QVERIFY(QDir(folder.path()).mkdir(name));
+    const QString copy = folder.filePath(text("bin/velhost"));
+    QVERIFY(QFile::copy(program, copy));
+    for (const QString &place : places)
+        QVERIFY(QFile::copy(scriptedPlugin, folder.filePath(place)));
+
+    QProcessEnvironment environment = plainEnvironment();
+    environment.insert(text("QT_PLUGIN_PATH"), folder.filePath(text("qt")));
+    const ProgramRun run = runProgram(copy, {text("columns")}, m_folder.path(), environment);
+    QCOMPARE(run.errors, QString());
+    const QString fileLine = text("File        ") + folder.filePath(loaded);
+    QCOMPARE(run.output.split(u'\n').value(4), fileLine);
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_VelhostLoading::brokenDefaultPlugin()
+{
+    const QTemporaryDir folder;
+    const QString copy = folder.filePath(text("velhost"));
+    const QString beside = folder.filePath(text("libkeyence.so"));
+    QVERIFY(QFile::copy(program, copy));
+    QVERIFY(QFile::copy(objectPlugin, beside));
+    const ProgramRun run = runProgram(copy, {text("columns")}, m_folder.path());
+    QCOMPARE(run.errors,
+             text("velhost: cannot load the plug-in %1: its class \"ObjectPlugin\" is not "
+                  "a VELInterface\n")
+                 .arg(beside));
+    QCOMPARE(run.exitCode, 3);
+}
+
+void tst_VelhostLoading::noDefaultPlugin()
+{
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(text("bin")));
+    const QString copy = folder.filePath(text("bin/velhost"));
+    QVERIFY(QFile::copy(program, copy));
+    QProcessEnvironment environment = plainEnvironment();
+    environment.insert(text("QT_PLUGIN_PATH"), folder.path());
+    const ProgramRun run = runProgram(copy, {text("columns")}, m_folder.path(), environment);
+    const QString start = text("velhost: there is no plug-in at %1/bin/libkeyence.so, "
+                               "%1/lib/libkeyence.so, %1/libkeyence.so, ")
+                              .arg(folder.path());
+    QCOMPARE(run.errors.left(start.size()), start);
+    const QString end = text("/libkeyence.so; name its file with --plugin\n");
+    QCOMPARE(run.errors.right(end.size()), end);
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, 3);
+}
+
+void tst_VelhostLoading::stampsWithoutPlugin()
+{
+    const QDateTime before = QDateTime::currentDateTimeUtc();
+    const ProgramRun run
+        = runProgram(program,
+                     {text("read"), text("--plugin"), scriptedPlugin, text("--plant"),
+                      text("plant.json"), text("--format"), text("json")},
+                     m_folder.path());
+    const QDateTime after = QDateTime::currentDateTimeUtc();
+    QCOMPARE(run.errors, QString());
+    const QRegularExpression line(text(
+        R"re(^\{"type":"value","cycle":1,"time":"([-0-9]{10}T[0-9:]{8}\.[0-9]{3}[+-][0-9:]{5})",)re"
+        R"re("device":"Press","item":"A","value":"0","error":""\}\n$)re"));
+    const QRegularExpressionMatch match = line.match(run.output);
+    QVERIFY2(match.hasMatch(), qPrintable(run.output));
+    const QDateTime time = QDateTime::fromString(match.captured(1), Qt::ISODateWithMs);
+    QVERIFY(before <= time);
+    QVERIFY(time <= after);
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_VelhostLoading::keepsInterval()
+{
+    QElapsedTimer timer;
+    timer.start();
+    const ProgramRun run = runProgram(program,
+                                      {text("read"), text("--plugin"), scriptedPlugin,
+                                       text("--plant"), text("plant.json"), text("--cycles"),
+                                       text("3"), text("--interval"), text("150")},
+                                      m_folder.path());
+    QVERIFY(timer.elapsed() >= 300);
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.output.count(u'\n'), 8);
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_VelhostLoading::interruptEndsWait()
+{
+    QProcess process;
+    process.setWorkingDirectory(m_folder.path());
+    process.start(program, {text("read"), text("--plugin"), scriptedPlugin, text("--plant"),
+                            text("plant.json"), text("--cycles"), text("2"), text("--interval"),
+                            text("86400000"), text("--format"), text("json")});
+    QByteArray output;
+    while (!output.contains('\n') && process.waitForReadyRead(30000))
+        output += process.readAllStandardOutput();
+    QCOMPARE(output.count('\n'), 1);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(30000));
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(process.exitCode(), SIGINT);
+}
+
+void tst_VelhostLoading::fullOutput()
+{
+    QProcess process;
+    process.setStandardOutputFile(text("/dev/full"));
+    process.start(program, {text("columns"), text("--plugin"), scriptedPlugin});
+    QVERIFY(process.waitForFinished(30000));
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+             text("velhost: standard output could not be written\n"));
+    QCOMPARE(process.exitCode(), 1);
+}
+
+/// The shell hands the program a byte that QProcess would encode.
+void tst_VelhostLoading::argumentNotUtf8()
+{
+    const ProgramRun run = runProgram(
+        text("/bin/sh"),
+        {text("-c"), text("\"$0\" write --plant plant.json \"Press/A=$(printf '\\344')\""),
+         program},
+        m_folder.path());
+    QCOMPARE(run.errors, text("velhost: an argument is not valid UTF-8\n"));
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, 2);
+}
+
+void tst_VelhostLoading::help()
+{
+    const ProgramRun run = runProgram(program, {text("--help")}, m_folder.path());
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(
+        run.output.section(u'\n', 0, 8),
+        text("Usage: %1 [options] COMMAND\n"
+             "Loads a VEL plug-in, plays the host and shows what the plug-in answers.\n"
+             "\n"
+             "Commands:\n"
+             "  columns                       Show what the plug-in declares.\n"
+             "  read                          Read every item of every device.\n"
+             "  write DEVICE/ITEM=VALUE ...   Write the named items, in the order given.\n"
+             "\n"
+             "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant "
+             "file,")
+            .arg(program));
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_VelhostLoading::version()
+{
+    const ProgramRun run = runProgram(program, {text("--version")}, m_folder.path());
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.output, text("velhost " VELHOST_VERSION "\n"));
+    QCOMPARE(run.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostLoading)
+#include "tst_velhost_loading.moc"

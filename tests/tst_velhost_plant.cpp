@@ -1,0 +1,379 @@
+#include <assignment.h>
+#include <plant.h>
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+/// A plant with these members in its first device, which lacks nothing else.
+QByteArray withDevice(const QByteArray &members)
+{
+    return R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1", "items": [])" + members
+           + "}]}";
+}
+
+QByteArray withItems(const QByteArray &items)
+{
+    return R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1", "items": )" + items
+           + "}]}";
+}
+
+QByteArray withParameters(const QByteArray &parameters)
+{
+    return withItems(R"([{"name": "Counter", "parameters": )" + parameters + "}]");
+}
+
+QByteArray withId(const QByteArray &id)
+{
+    return R"({"devices": [{"name": "Press", "ip": "", "items": [], "id": )" + id + "}]}";
+}
+
+Plant plantOf(const QList<QPair<QString, QStringList>> &devices)
+{
+    Plant plant;
+    for (const auto &[name, items] : devices) {
+        PlantDevice device;
+        device.name = name;
+        for (const QString &item : items)
+            device.items.append({item, {}});
+        plant.devices.append(device);
+    }
+    return plant;
+}
+
+} // namespace
+
+class tst_VelhostPlant : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyField();
+    void leavesOut();
+    void errors_data();
+    void errors();
+    void idLimits_data();
+    void idLimits();
+    void collectsErrors();
+    void sizeLimits_data();
+    void sizeLimits();
+    void unreadableFile();
+    void assignments_data();
+    void assignments();
+    void assignmentErrors_data();
+    void assignmentErrors();
+};
+
+void tst_VelhostPlant::everyField()
+{
+    QStringList errors;
+    const std::optional<Plant> plant = parsePlant(
+        R"({"networkInterfaces": ["eth0", "wlan0"],
+            "devices": [{"id": 7, "name": "Press", "ip": "10.0.0.1",
+                         "parameters": {"port": "8501", "timeout": null},
+                         "items": [{"name": "Counter", "parameters": {"data_type": "Short"}},
+                                   {"name": "Täller\u0000", "parameters": {}}]},
+                        {"id": 8, "name": "Oven", "ip": "", "items": []}]})",
+        QStringLiteral("p.json"), &errors);
+    QCOMPARE(errors, QStringList());
+    QVERIFY(plant.has_value());
+    QCOMPARE(plant->networkInterfaces,
+             QStringList({QStringLiteral("eth0"), QStringLiteral("wlan0")}));
+    QCOMPARE(plant->devices.size(), 2);
+    const PlantDevice &press = plant->devices.at(0);
+    QCOMPARE(press.id, 7);
+    QCOMPARE(press.name, QStringLiteral("Press"));
+    QCOMPARE(press.ip, QStringLiteral("10.0.0.1"));
+    QCOMPARE(press.parameters.size(), 2);
+    QCOMPARE(press.parameters.value(QStringLiteral("port")).value_or(QString()),
+             QStringLiteral("8501"));
+    QCOMPARE(press.parameters.value(QStringLiteral("timeout"), QString()).has_value(), false);
+    QCOMPARE(press.items.size(), 2);
+    QCOMPARE(press.items.at(0).name, QStringLiteral("Counter"));
+    QCOMPARE(press.items.at(0).parameters.value(QStringLiteral("data_type")).value_or(QString()),
+             QStringLiteral("Short"));
+    const QString withZero = QStringLiteral(u"Täller") + QChar(0);
+    QCOMPARE(press.items.at(1).name, withZero);
+    QCOMPARE(plant->devices.at(1).id, 8);
+    QCOMPARE(plant->devices.at(1).ip, QString());
+    QCOMPARE(plant->devices.at(1).items.size(), 0);
+}
+
+void tst_VelhostPlant::leavesOut()
+{
+    QStringList errors;
+    const std::optional<Plant> plant
+        = parsePlant(withItems(R"([{"name": "Counter"}])"), QStringLiteral("p.json"), &errors);
+    QCOMPARE(errors, QStringList());
+    QVERIFY(plant.has_value());
+    QCOMPARE(plant->networkInterfaces, QStringList());
+    QCOMPARE(plant->devices.at(0).parameters.size(), 0);
+    QCOMPARE(plant->devices.at(0).items.at(0).parameters.size(), 0);
+}
+
+void tst_VelhostPlant::errors_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QString>("error");
+
+    const auto row = [](const char *name, const QByteArray &json, const char *error) {
+        QTest::newRow(name) << json << QString::fromUtf8(error);
+    };
+
+    row("empty file", "", "p.json:1:1: not valid JSON: illegal value");
+    row("text", "devices", "p.json:1:2: not valid JSON: illegal value");
+    row("fault in the third line", "{\n \"devices\": [\n  {\"id\": 1,,}\n]}",
+        "p.json:3:13: not valid JSON: unterminated object");
+    row("column counts characters", "{\"\xc3\xa4\xe2\x82\xac\": \"x\" \"y\"}",
+        "p.json:1:13: not valid JSON: unterminated object");
+    row("not UTF-8", "{\"devices\": \"\xff\"}", "p.json:1:14: not valid JSON: invalid UTF8 string");
+    row("more behind the end", "{} {}",
+        "p.json:1:4: not valid JSON: garbage at the end of the document");
+    row("1025 levels", QByteArray(1025, '['),
+        "p.json:1:1026: not valid JSON: too deeply nested document");
+
+    row("key twice", withDevice(",\n \"id\": 2"),
+        "p.json:2:2: the key \"id\" is given twice in one object");
+    row("key twice, spelt differently", R"({"devices": [], "d\u0065vices" : []})",
+        "p.json:1:17: the key \"devices\" is given twice in one object");
+    row("key twice behind a nested object", withParameters(R"({"a": "{\"", "b": "\\", "a": ""})"),
+        "p.json:1:128: the key \"a\" is given twice in one object");
+
+    row("list at the top", "[]", "p.json: expected an object, found a list");
+    row("nothing in it", "{}", "p.json: devices: missing; expected a list");
+    row("unknown key at the top", R"({"devices": [], "device": []})",
+        "p.json: device: unknown key; known here: networkInterfaces, devices");
+    row("devices no list", R"({"devices": {}})",
+        "p.json: devices: expected a list, found an object");
+    row("device no object", R"({"devices": ["Press"]})",
+        "p.json: devices[0]: expected an object, found a text");
+    row("interfaces no list", R"({"devices": [], "networkInterfaces": "eth0"})",
+        "p.json: networkInterfaces: expected a list, found a text");
+    row("interface no text", R"({"devices": [], "networkInterfaces": ["eth0", 1]})",
+        "p.json: networkInterfaces[1]: expected a text, found a number");
+    row("interface empty", R"({"devices": [], "networkInterfaces": [""]})",
+        "p.json: networkInterfaces[0]: must not be empty");
+
+    row("unknown key in a device", withDevice(R"(, "adress": "")"),
+        "p.json: devices[0].adress: unknown key; known here: id, name, ip, parameters, items");
+    row("id missing", R"({"devices": [{"name": "Press", "ip": "", "items": []}]})",
+        "p.json: devices[0].id: missing; expected a number");
+    row("id a text", withId(R"("1")"), "p.json: devices[0].id: expected a number, found a text");
+    row("id a fraction", withId("1.5"),
+        "p.json: devices[0].id: expected a whole number from 0 to 2147483647");
+    row("name missing", R"({"devices": [{"id": 1, "ip": "", "items": []}]})",
+        "p.json: devices[0].name: missing; expected a text");
+    row("name null", R"({"devices": [{"id": 1, "name": null, "ip": "", "items": []}]})",
+        "p.json: devices[0].name: expected a text, found null");
+    row("name empty", R"({"devices": [{"id": 1, "name": "", "ip": "", "items": []}]})",
+        "p.json: devices[0].name: must not be empty");
+    row("ip missing", R"({"devices": [{"id": 1, "name": "Press", "items": []}]})",
+        "p.json: devices[0].ip: missing; expected a text");
+    row("items missing", R"({"devices": [{"id": 1, "name": "Press", "ip": ""}]})",
+        "p.json: devices[0].items: missing; expected a list");
+    row("id twice",
+        R"({"devices": [{"id": 1, "name": "A", "ip": "", "items": []},
+                        {"id": 2, "name": "B", "ip": "", "items": []},
+                        {"id": 1, "name": "C", "ip": "", "items": []}]})",
+        "p.json: devices[2].id: \"1\" is already the id of devices[0]");
+    row("device name twice",
+        R"({"devices": [{"id": 1, "name": "A", "ip": "", "items": []},
+                        {"id": 2, "name": "A", "ip": "", "items": []}]})",
+        "p.json: devices[1].name: \"A\" is already the name of devices[0]");
+
+    row("item no object", withItems("[null]"),
+        "p.json: devices[0].items[0]: expected an object, found null");
+    row("unknown key in an item", withItems(R"([{"name": "A", "address": "D1"}])"),
+        "p.json: devices[0].items[0].address: unknown key; known here: name, parameters");
+    row("item name a flag", withItems(R"([{"name": "A"}, {"name": "B"}, {"name": true}])"),
+        "p.json: devices[0].items[2].name: expected a text, found true or false");
+    row("item name twice", withItems(R"([{"name": "A"}, {"name": "B"}, {"name": "B"}])"),
+        "p.json: devices[0].items[2].name: \"B\" is already the name of devices[0].items[1]");
+    row("parameters no object", withParameters("[]"),
+        "p.json: devices[0].items[0].parameters: expected an object, found a list");
+    row("parameter a number", withParameters(R"({"data_type": 1})"),
+        "p.json: devices[0].items[0].parameters.data_type: expected a text or null, found a "
+        "number");
+    row("device parameter a number", withDevice(R"(, "parameters": {"port": 8501})"),
+        "p.json: devices[0].parameters.port: expected a text or null, found a number");
+}
+
+void tst_VelhostPlant::errors()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QString, error);
+
+    QStringList errors;
+    QCOMPARE(parsePlant(json, QStringLiteral("p.json"), &errors).has_value(), false);
+    QCOMPARE(errors, QStringList(error));
+}
+
+void tst_VelhostPlant::idLimits_data()
+{
+    QTest::addColumn<QByteArray>("id");
+    QTest::addColumn<bool>("taken");
+
+    QTest::newRow("below 0") << QByteArray("-1") << false;
+    QTest::newRow("0") << QByteArray("0") << true;
+    QTest::newRow("1") << QByteArray("1") << true;
+    QTest::newRow("2147483646") << QByteArray("2147483646") << true;
+    QTest::newRow("2147483647") << QByteArray("2147483647") << true;
+    QTest::newRow("2147483648") << QByteArray("2147483648") << false;
+}
+
+void tst_VelhostPlant::idLimits()
+{
+    QFETCH(QByteArray, id);
+    QFETCH(bool, taken);
+
+    QStringList errors;
+    const std::optional<Plant> plant = parsePlant(withId(id), QStringLiteral("p.json"), &errors);
+    QCOMPARE(plant.has_value(), taken);
+    if (taken)
+        QCOMPARE(QByteArray::number(plant->devices.at(0).id), id);
+    else
+        QCOMPARE(errors,
+                 QStringList(QStringLiteral("p.json: devices[0].id: expected a whole number "
+                                            "from 0 to 2147483647")));
+}
+
+void tst_VelhostPlant::collectsErrors()
+{
+    QStringList errors;
+    parsePlant(R"({"devices": [{"id": "1", "ip": "", "items": [{}]}], "x": 1})",
+               QStringLiteral("p.json"), &errors);
+    QCOMPARE(errors,
+             QStringList(
+                 {QStringLiteral("p.json: x: unknown key; known here: networkInterfaces, devices"),
+                  QStringLiteral("p.json: devices[0].id: expected a number, found a text"),
+                  QStringLiteral("p.json: devices[0].name: missing; expected a text"),
+                  QStringLiteral("p.json: devices[0].items[0].name: missing; expected a text")}));
+}
+
+void tst_VelhostPlant::sizeLimits_data()
+{
+    QTest::addColumn<int>("excess");
+    QTest::addColumn<bool>("taken");
+
+    QTest::newRow("a byte below 16 MiB") << -1 << true;
+    QTest::newRow("16 MiB") << 0 << true;
+    QTest::newRow("a byte above 16 MiB") << 1 << false;
+}
+
+void tst_VelhostPlant::sizeLimits()
+{
+    QFETCH(int, excess);
+    QFETCH(bool, taken);
+
+    QTemporaryDir folder;
+    const QString fileName = folder.filePath(QStringLiteral("p.json"));
+    QFile file(fileName);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QByteArray json = R"({"devices": []})";
+    const QByteArray padding(16 * 1024 * 1024 + excess - json.size(), ' ');
+    QCOMPARE(file.write(json + padding), qint64(16 * 1024 * 1024 + excess));
+    file.close();
+
+    QStringList errors;
+    QCOMPARE(readPlantFile(fileName, &errors).has_value(), taken);
+    const QString tooLarge = fileName + u": larger than 16 MiB, so it is no plant file";
+    QCOMPARE(errors, taken ? QStringList() : QStringList(tooLarge));
+}
+
+void tst_VelhostPlant::unreadableFile()
+{
+    const QTemporaryDir folder;
+    const QString missing = folder.filePath(QStringLiteral("p.json"));
+    QStringList errors;
+    QCOMPARE(readPlantFile(missing, &errors).has_value(), false);
+    QCOMPARE(readPlantFile(folder.path(), &errors).has_value(), false);
+    const QString first = missing + u": cannot be read: No such file or directory";
+    const QString second = folder.path() + u": cannot be read: file to open is a directory";
+    QCOMPARE(errors, QStringList({first, second}));
+}
+
+void tst_VelhostPlant::assignments_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::addColumn<int>("device");
+    QTest::addColumn<int>("item");
+    QTest::addColumn<QString>("value");
+
+    const auto row = [](const char *argument, int device, int item, const char *value) {
+        QTest::newRow(argument) << QString::fromUtf8(argument) << device << item
+                                << QString::fromUtf8(value);
+    };
+    // Devices: 0 "Press" (Counter, Mode, a/b, a/b=c), 1 "Press/Left" (Counter, Täller), 2 "x=y"
+    // (z).
+    row("Press/Counter=5", 0, 0, "5");
+    row("Press/Mode=", 0, 1, "");
+    row("Press/Mode= 1 ", 0, 1, " 1 ");
+    row("Press/Counter=a=b", 0, 0, "a=b");
+    row("Press/Counter=Press/Mode=1", 0, 0, "Press/Mode=1");
+    row("Press/Counter=\r\n\t\"", 0, 0, "\r\n\t\"");
+    row("Press/a/b=1", 0, 2, "1");
+    row("Press/a/b=c", 0, 2, "c");
+    row("Press/a/b=c=1", 0, 3, "1");
+    row("Press/Left/Counter=1", 1, 0, "1");
+    row("Press/Left/T\xc3\xa4ller=\xc3\xb6", 1, 1, "\xc3\xb6");
+    row("x=y/z=1", 2, 0, "1");
+}
+
+void tst_VelhostPlant::assignments()
+{
+    QFETCH(QString, argument);
+    QFETCH(int, device);
+    QFETCH(int, item);
+    QFETCH(QString, value);
+
+    const Plant plant = plantOf(
+        {{QStringLiteral("Press"),
+          {QStringLiteral("Counter"), QStringLiteral("Mode"), QStringLiteral("a/b"),
+           QStringLiteral("a/b=c")}},
+         {QStringLiteral("Press/Left"), {QStringLiteral("Counter"), QStringLiteral(u"Täller")}},
+         {QStringLiteral("x=y"), {QStringLiteral("z")}}});
+    QString error;
+    const std::optional<Assignment> assignment = parseAssignment(argument, plant, &error);
+    QCOMPARE(error, QString());
+    QVERIFY(assignment.has_value());
+    QCOMPARE(assignment->device, device);
+    QCOMPARE(assignment->item, item);
+    QCOMPARE(assignment->value, value);
+}
+
+void tst_VelhostPlant::assignmentErrors_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::addColumn<QString>("error");
+
+    const auto row = [](const char *argument, const char *error) {
+        QTest::newRow(argument) << QString::fromUtf8(argument) << QString::fromUtf8(error);
+    };
+    row("", R"("": no such device in DEVICE/ITEM=VALUE; the plant has: A, A/B)");
+    row("Counter=5", R"("Counter=5": no such device in DEVICE/ITEM=VALUE; the plant has: A, A/B)");
+    row("C/x=5", R"("C/x=5": no such device in DEVICE/ITEM=VALUE; the plant has: A, A/B)");
+    row("a/x=5", R"("a/x=5": no such device in DEVICE/ITEM=VALUE; the plant has: A, A/B)");
+    row("A=5", R"("A=5": no such device in DEVICE/ITEM=VALUE; the plant has: A, A/B)");
+    row("A/x", R"("A/x": no "=VALUE" after the item)");
+    row("A/y=5", R"("A/y=5": device "A" has no such item; it has: x, B/C)");
+    row("A/x =5", R"("A/x =5": device "A" has no such item; it has: x, B/C)");
+    row("A/=5", R"("A/=5": device "A" has no such item; it has: x, B/C)");
+    row("A/B/C=5", R"("A/B/C=5": fits items of two devices; rename one in the plant file)");
+}
+
+void tst_VelhostPlant::assignmentErrors()
+{
+    QFETCH(QString, argument);
+    QFETCH(QString, error);
+
+    const Plant plant
+        = plantOf({{QStringLiteral("A"), {QStringLiteral("x"), QStringLiteral("B/C")}},
+                   {QStringLiteral("A/B"), {QStringLiteral("C")}}});
+    QString found;
+    QCOMPARE(parseAssignment(argument, plant, &found).has_value(), false);
+    QCOMPARE(found, error);
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostPlant)
+#include "tst_velhost_plant.moc"

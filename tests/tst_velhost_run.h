@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QString>
+#include <QStringList>
+
+/// What became of a run of a program.
+struct ProgramRun
+{
+    /// -1 when the program did not end by itself.
+    int exitCode = -1;
+    QString output;
+    QString errors;
+};
+
+/// The test's own environment without what changes where plug-ins are looked for.
+inline QProcessEnvironment plainEnvironment()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("QT_PLUGIN_PATH"));
+    environment.remove(QStringLiteral("LD_LIBRARY_PATH"));
+    return environment;
+}
+
+/// Runs the program in `folder` to its end, at most half a minute.
+inline ProgramRun runProgram(const QString &program, const QStringList &arguments,
+                             const QString &folder,
+                             const QProcessEnvironment &environment = plainEnvironment())
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments, QIODevice::ReadOnly);
+    if (!process.waitForFinished(30000))
+        return {-1, {}, process.errorString()};
+    const bool ended = process.exitStatus() == QProcess::NormalExit;
+    return {ended ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
