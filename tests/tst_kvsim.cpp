@@ -6,8 +6,7 @@ using kvsim::CommandInterpreter;
 using kvsim::Memory;
 
 // What the simulated controller answers, command by command and without a network.
-// It stands on the stack of main() and needs no parent.
-class tst_Kvsim : public QObject // clazy:exclude=ctor-missing-parent-argument
+class tst_Kvsim : public QObject
 {
     Q_OBJECT
 

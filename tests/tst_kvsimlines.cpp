@@ -9,8 +9,7 @@ using kvsim::Line;
 using kvsim::LineBuffer;
 
 // How the simulated controller cuts what it receives into lines, and how it shows them.
-// It stands on the stack of main() and needs no parent.
-class tst_KvsimLines : public QObject // clazy:exclude=ctor-missing-parent-argument
+class tst_KvsimLines : public QObject
 {
     Q_OBJECT
 

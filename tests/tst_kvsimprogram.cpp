@@ -8,8 +8,7 @@
 #include <csignal>
 
 // The built program, started as a user starts it.
-// It stands on the stack of main() and needs no parent.
-class tst_KvsimProgram : public QObject // clazy:exclude=ctor-missing-parent-argument
+class tst_KvsimProgram : public QObject
 {
     Q_OBJECT
 

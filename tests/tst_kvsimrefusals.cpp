@@ -6,8 +6,7 @@ using kvsim::CommandInterpreter;
 using kvsim::Memory;
 
 // What the simulated controller refuses, and that a refusal leaves the memory as it was.
-// It stands on the stack of main() and needs no parent.
-class tst_KvsimRefusals : public QObject // clazy:exclude=ctor-missing-parent-argument
+class tst_KvsimRefusals : public QObject
 {
     Q_OBJECT
 

@@ -19,8 +19,7 @@ using kvsim::Server;
 using kvsim::SimulatorThread;
 
 // The simulated controller over TCP, and in a thread of its own.
-// It stands on the stack of main() and needs no parent.
-class tst_KvsimServer : public QObject // clazy:exclude=ctor-missing-parent-argument
+class tst_KvsimServer : public QObject
 {
     Q_OBJECT
 

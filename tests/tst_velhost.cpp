@@ -1,4 +1,4 @@
-#include "tst_velhost_run.h"
+#include "programrun.h"
 
 #include <vel/interfaceid.h>
 

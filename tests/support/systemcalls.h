@@ -3,9 +3,9 @@
 #include <QList>
 #include <QMetaType>
 
-/// The system calls of the code under test, recorded and made to fail on demand. A program that links this
-/// file redirects the calls by the linker (`--wrap`), so Qt's own calls are not affected; nor is any other
-/// thread than the one that watches.
+/// The system calls of the code under test, recorded and made to fail on demand. A program that
+/// links this file redirects the calls by the linker (`--wrap`), so Qt's own calls are not
+/// affected; nor is any other thread than the one that watches.
 namespace SystemCalls {
 
 enum class Call { Socket, Resolve, Connect, GetFlags, SetFlags, Poll, GetOption, Send, Receive };

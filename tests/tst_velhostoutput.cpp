@@ -238,4 +238,4 @@ void tst_VelhostOutput::errors()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostOutput)
-#include "tst_velhost_output.moc"
+#include "tst_velhostoutput.moc"

@@ -376,4 +376,4 @@ void tst_VelhostPlant::assignmentErrors()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostPlant)
-#include "tst_velhost_plant.moc"
+#include "tst_velhostplant.moc"

@@ -1,4 +1,4 @@
-#include "tst_velhost_run.h"
+#include "programrun.h"
 
 #include <vel/interfaceid.h>
 
@@ -340,4 +340,4 @@ void tst_VelhostLoading::version()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostLoading)
-#include "tst_velhost_loading.moc"
+#include "tst_velhostloading.moc"

@@ -198,4 +198,4 @@ void tst_VelhostCommandLine::errors()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostCommandLine)
-#include "tst_velhost_commandline.moc"
+#include "tst_velhostcommandline.moc"

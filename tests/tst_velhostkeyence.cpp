@@ -1,4 +1,4 @@
-#include "tst_velhost_run.h"
+#include "programrun.h"
 
 #include <kvsim/simulatorthread.h>
 
@@ -206,4 +206,4 @@ void tst_VelhostKeyence::refusesUnknownType()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostKeyence)
-#include "tst_velhost_keyence.moc"
+#include "tst_velhostkeyence.moc"

@@ -234,4 +234,4 @@ void tst_VelhostParameters::devicesWithErrors()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostParameters)
-#include "tst_velhost_parameters.moc"
+#include "tst_velhostparameters.moc"
