@@ -3,15 +3,11 @@
 #include "keyence.h"
 #include "recordingbackend.h"
 #include "scriptedpeer.h"
+#include "text.h"
 
 #include <QTest>
 
 namespace {
-
-QString text(const char *latin1)
-{
-    return QString::fromLatin1(latin1);
-}
 
 DataItem word(const char *name, const char *address, const char *value = "")
 {

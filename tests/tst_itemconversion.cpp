@@ -1,15 +1,7 @@
 #include "itemdata.h"
+#include "text.h"
 
 #include <QTest>
-
-namespace {
-
-QString text(const char *latin1)
-{
-    return QString::fromLatin1(latin1);
-}
-
-} // namespace
 
 // The conversions between data words and user values.
 class tst_ItemConversion : public QObject

@@ -2,15 +2,11 @@
 #include "keyence.h"
 #include "recordingbackend.h"
 #include "scriptedpeer.h"
+#include "text.h"
 
 #include <QTest>
 
 namespace {
-
-QString text(const char *latin1)
-{
-    return QString::fromLatin1(latin1);
-}
 
 QList<Answer> script(const QByteArrayList &answers)
 {

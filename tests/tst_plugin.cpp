@@ -1,6 +1,7 @@
 #include "hostrecords.h"
 #include "recordingbackend.h"
 #include "scriptedpeer.h"
+#include "text.h"
 
 #include <vel/velinterface.h>
 
@@ -14,11 +15,6 @@
 namespace {
 
 const QString pluginFile = QStringLiteral(KEYENCE_PLUGIN_FILE);
-
-QString text(const char *latin1)
-{
-    return QString::fromLatin1(latin1);
-}
 
 // What a program prints, line by line.
 QStringList linesOf(const QString &program, const QStringList &arguments)

@@ -1,4 +1,5 @@
 #include "programrun.h"
+#include "text.h"
 
 #include <kvsim/simulatorthread.h>
 
@@ -10,11 +11,6 @@
 // The whole way: the built program, the real plug-in, a simulated controller.
 
 namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 /// One controller with an item of each kind of value, on a port of loopback.
 QByteArray plantAt(int port)

@@ -1,4 +1,5 @@
 #include "programrun.h"
+#include "text.h"
 
 #include <vel/interfaceid.h>
 
@@ -23,11 +24,6 @@ const QString objectPlugin = QStringLiteral(OBJECT_PLUGIN_FILE);
 const QString silentPlugin = QStringLiteral(SILENT_PLUGIN_FILE);
 const QString unresolvedPlugin = QStringLiteral(UNRESOLVED_PLUGIN_FILE);
 const QString plainLibrary = QStringLiteral(PLAIN_LIBRARY_FILE);
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 bool writeFile(const QString &fileName, const QByteArray &content)
 {
