@@ -82,7 +82,7 @@ private:
     PluginInterface m_host;
     QString m_readKey = QStringLiteral("read");
     QString m_writeKey = QStringLiteral("write");
-    // Nothing reads it; the host's build of the class has it, so it keeps its place.
+    // Read by nothing; it keeps its place in the object.
     [[maybe_unused]] int m_unused = 1;
     std::unordered_map<int, Socket> m_connections;
     const char *m_notConnected = "Not connected to PLC";
