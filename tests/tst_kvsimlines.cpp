@@ -187,7 +187,7 @@ void tst_KvsimLines::trace()
     const QByteArray expected(R"(2024-05-01T08:02:03.045 127.0.0.1:40000 > RD DM1\r
 2024-05-01T08:02:03.045 127.0.0.1:40000 < 00001\r\n
 )");
-    QCOMPARE(kvsim::traceText(time, "127.0.0.1:40000", "RD DM1\r", "00001\r\n"), expected);
+    QCOMPARE(kvsim::traceText(time, "127.0.0.1:40000", "RD DM1\r", "00001\r\n", {}), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimLines)

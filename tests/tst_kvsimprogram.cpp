@@ -17,6 +17,9 @@ private Q_SLOTS:
     void servesAndEndsOnSignal();
     void trace();
     void noTraceUnlessAsked();
+    void faultsAndValues();
+    void countersOnSignal();
+    void portTakenDuringRestart();
     void moreClientsThanDescriptors();
     void usageErrors_data();
     void usageErrors();
@@ -117,7 +120,8 @@ void tst_KvsimProgram::servesAndEndsOnSignal()
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
-    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("commands 1, answers 1, refusals 0, clients 1\n"));
 }
 
 void tst_KvsimProgram::trace()
@@ -136,7 +140,8 @@ void tst_KvsimProgram::trace()
                                                    "\\.\\d{3} "),
                                     QRegularExpression::MultilineOption));
     const QByteArray expected = client + " > RD\\x00DM1\\r\n" + client + " < E1\\r\\n\n" + client
-                                + " > ?K\\r\n" + client + " < 55\\r\\n\n";
+                                + " > ?K\\r\n" + client + " < 55\\r\\n\n"
+                                + "commands 2, answers 2, refusals 1, clients 1\n";
     QCOMPARE(trace.toLatin1(), expected);
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
 }
@@ -148,7 +153,75 @@ void tst_KvsimProgram::noTraceUnlessAsked()
     connectTo(startServing(&process), &socket);
     QCOMPARE(ask(&socket, "?K\r"), QByteArray("55\r\n"));
     end(&process);
-    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("commands 1, answers 1, refusals 0, clients 1\n"));
+}
+
+void tst_KvsimProgram::faultsAndValues()
+{
+    QProcess process;
+    const quint16 port = startServing(
+        &process,
+        {QStringLiteral("--trace"), QStringLiteral("--set"), QStringLiteral("DM100=5"),
+         QStringLiteral("--set"), QStringLiteral("CR000=1"), QStringLiteral("--fault"),
+         QStringLiteral("refuse=E5@DM7"), QStringLiteral("--fault"), QStringLiteral("silent@DM8")});
+    QTcpSocket socket;
+    connectTo(port, &socket);
+    QCOMPARE(ask(&socket, "RD DM100\r"), QByteArray("00005\r\n"));
+    QCOMPARE(ask(&socket, "RD CR000\r"), QByteArray("1\r\n"));
+    QCOMPARE(ask(&socket, "RD DM7\r"), QByteArray("E5\r\n"));
+    QCOMPARE(ask(&socket, "RD DM8\rRD DM9\r"), QByteArray("00009\r\n"));
+    end(&process);
+
+    const QByteArray client = "127.0.0.1:" + QByteArray::number(socket.localPort());
+    const QByteArray errors = process.readAllStandardError();
+    QCOMPARE(errors.count(client + " ! refuse=E5@DM7\n"), 1);
+    QCOMPARE(errors.count(client + " < E5\\r\\n\n"), 1);
+    QCOMPARE(errors.count(client + " ! silent@DM8\n"), 1);
+    QCOMPARE(errors.count(client + " < "), 4);
+    const QByteArray counters = "commands 5, answers 4, refusals 1, clients 1\n"
+                                "fault refuse=E5@DM7: seen 1, applied 1\n"
+                                "fault silent@DM8: seen 1, applied 1\n";
+    QCOMPARE(errors.right(counters.size()), counters);
+}
+
+void tst_KvsimProgram::countersOnSignal()
+{
+    QProcess process;
+    process.setReadChannel(QProcess::StandardOutput);
+    QTcpSocket socket;
+    connectTo(startServing(&process), &socket);
+    QCOMPARE(ask(&socket, "?K\r"), QByteArray("55\r\n"));
+    const QByteArray first("commands 1, answers 1, refusals 0, clients 1\n");
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGUSR1), 0);
+    process.setReadChannel(QProcess::StandardError);
+    while (!process.canReadLine())
+        QVERIFY(process.waitForReadyRead(timeout));
+    QCOMPARE(process.readLine(), first);
+    QCOMPARE(ask(&socket, "?X\r"), QByteArray("E1\r\n"));
+    end(&process);
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("commands 2, answers 2, refusals 1, clients 1\n"));
+}
+
+void tst_KvsimProgram::portTakenDuringRestart()
+{
+    QProcess process;
+    const quint16 port
+        = startServing(&process, {QStringLiteral("--fault"), QStringLiteral("restart=1000")});
+    QTcpSocket socket;
+    connectTo(port, &socket);
+    socket.write("?K\r");
+    QVERIFY(socket.waitForDisconnected(timeout));
+    QTcpServer thief;
+    QVERIFY(thief.listen(QHostAddress(QHostAddress::LocalHost), port));
+    QVERIFY(process.waitForFinished(timeout));
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("kvsim: cannot listen again after a restart: The bound address is already "
+                        "in use. End what listens on that port.\n"
+                        "commands 1, answers 0, refusals 0, clients 1\n"
+                        "fault restart=1000: seen 1, applied 1\n"));
+    QCOMPARE(process.exitCode(), 1);
 }
 
 void tst_KvsimProgram::moreClientsThanDescriptors()
@@ -188,6 +261,17 @@ void tst_KvsimProgram::usageErrors_data()
     row("positional argument", "8501", "Unexpected argument '8501'; kvsim takes options only.");
     row("option without value", "--port", "Missing value after '--port'.");
     row("value for a switch", "--trace=1", "Unexpected value after '--trace'.");
+    row("unknown selector", "--fault|silent@nth",
+        "--fault: unknown selector '@nth'; use an address that exists such as @DM100, or @nth=N, "
+        "@every=N, @percent=N, @seed=N.");
+    row("value without '='", "--set|DM100",
+        "--set: 'DM100' has no '='; write for example DM100=5.");
+    row("value at no address", "--set|DM65535=1",
+        "--set: 'DM65535' is no address that exists; write one such as DM100 or R015.");
+    row("word too large", "--set|DM100=65536",
+        "--set: '65536' is no value for DM100; write a number from 0 to 65535.");
+    row("bit too large", "--set|R100=2",
+        "--set: '2' is no value for R100; write a number from 0 to 1.");
     const auto badPort = [&row](const char *name, const char *port) {
         const QByteArray arguments = QByteArray("--port|") + port;
         const QByteArray error = "'" + QByteArray(port)
@@ -276,11 +360,15 @@ The first line of output is "listening ADDRESS:PORT".
 Exit code: 0 ended by SIGINT or SIGTERM, 1 cannot serve, 2 wrong command line.
 
 Options:
-  -h, --help        Print this help.
-  -v, --version     Print the version.
-  --bind <address>  Listen on this IP address (127.0.0.1).
-  --port <number>   Listen on this TCP port; 0 picks one (8501).
-  --trace           Print each command and answer to standard error.
+  -h, --help             Print this help.
+  -v, --version          Print the version.
+  --bind <address>       Listen on this IP address (127.0.0.1).
+  --port <number>        Listen on this TCP port; 0 picks one (8501).
+  --trace                Print each command and answer to standard error.
+  --fault <fault>        Make something go wrong, for example silent@DM100.
+                         Repeatable.
+  --set <address=value>  Start with this value, for example DM100=5.
+                         Repeatable.
 )";
     QCOMPARE(result.output, QByteArray("Usage: " + QByteArray(program) + expected));
     QCOMPARE(result.errors, QByteArray());

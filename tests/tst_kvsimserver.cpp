@@ -1,4 +1,5 @@
 #include <kvsim/connection.h>
+#include <kvsim/controller.h>
 #include <kvsim/linebuffer.h>
 #include <kvsim/server.h>
 #include <kvsim/simulatorthread.h>
@@ -13,8 +14,8 @@
 #include <sys/socket.h>
 
 using kvsim::Connection;
+using kvsim::Controller;
 using kvsim::LineBuffer;
-using kvsim::Memory;
 using kvsim::Server;
 using kvsim::SimulatorThread;
 
@@ -147,8 +148,8 @@ void tst_KvsimServer::clientThatDoesNotRead()
     const QByteArray command("RDS DM0 1000\r");
     constexpr int answerSize = 1000 * 6 + 1;
 
-    Memory memory;
-    Server server(&memory);
+    Controller controller;
+    Server server(&controller);
     QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
 
     qint64 mostUnsent = 0;
@@ -179,8 +180,8 @@ void tst_KvsimServer::clientThatDoesNotRead()
 
 void tst_KvsimServer::answeredCommands()
 {
-    Memory memory;
-    Server server(&memory);
+    Controller controller;
+    Server server(&controller);
     QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
     QSignalSpy answered(&server, &Server::answered);
 
@@ -191,10 +192,10 @@ void tst_KvsimServer::answeredCommands()
     QCOMPARE(answered.size(), 2);
 
     const QByteArray name = "127.0.0.1:" + QByteArray::number(client.localPort());
-    const QVariantList first{name, QByteArray("RD DM1\r"), QByteArray("00001\r\n")};
+    const QVariantList first{name, QByteArray("RD DM1\r"), QByteArray("00001\r\n"), QByteArray()};
     QCOMPARE(answered.at(0), first);
     const QByteArray beginning(LineBuffer::shownLength, 'A');
-    const QVariantList second{name, beginning, QByteArray("E1\r\n")};
+    const QVariantList second{name, beginning, QByteArray("E1\r\n"), QByteArray()};
     QCOMPARE(answered.at(1), second);
 }
 

@@ -1,6 +1,7 @@
+#include "controller.h"
 #include "options.h"
+#include "processsignals.h"
 #include "server.h"
-#include "terminationsignals.h"
 #include "trace.h"
 
 #include <QCoreApplication>
@@ -32,31 +33,73 @@ int print(const QString &text)
     return Success;
 }
 
-void traceExchange(const QByteArray &client, const QByteArray &command, const QByteArray &answer)
+void traceExchange(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
+                   const QByteArray &fault)
 {
     const QDateTime now = QDateTime::currentDateTime();
-    std::fputs(kvsim::traceText(now, client, command, answer).constData(), stderr);
+    std::fputs(kvsim::traceText(now, client, command, answer, fault).constData(), stderr);
+}
+
+// What is wrong with an option's value, or an empty text.
+QString prepare(const Options &options, kvsim::Controller *controller)
+{
+    for (const QString &fault : options.faults) {
+        const QString error = controller->faults.add(fault.toLocal8Bit());
+        if (!error.isEmpty())
+            return QStringLiteral("--fault: %1.").arg(error);
+    }
+    for (const QString &value : options.values) {
+        const int equals = value.indexOf(QLatin1Char('='));
+        if (equals < 0)
+            return QStringLiteral("--set: '%1' has no '='; write for example DM100=5.").arg(value);
+        const QString error = kvsim::storeText(controller, value.left(equals).toLocal8Bit(),
+                                               value.mid(equals + 1).toLocal8Bit());
+        if (!error.isEmpty())
+            return QStringLiteral("--set: %1.").arg(error);
+    }
+    return {};
+}
+
+int listen(const Options &options, kvsim::Server *server)
+{
+    if (!server->listen(options.address, options.port)) {
+        const QByteArray endpoint = kvsim::endpointText(options.address, options.port);
+        return fail(CannotServe,
+                    QStringLiteral("cannot listen on %1: %2. Choose another --bind or --port.")
+                        .arg(QLatin1String(endpoint), server->errorString()));
+    }
+    const QByteArray endpoint = kvsim::endpointText(server->address(), server->port());
+    return print(QStringLiteral("listening %1\n").arg(QLatin1String(endpoint)));
 }
 
 int serve(const Options &options)
 {
-    if (!kvsim::quitOnTerminationSignals(QCoreApplication::instance()))
+    kvsim::Controller controller;
+    const auto report
+        = [&controller] { std::fputs(kvsim::countersText(controller).constData(), stderr); };
+    if (!kvsim::handleSignals(QCoreApplication::instance(), report))
         return fail(CannotServe, QLatin1String("cannot catch signals: ") + qt_error_string(errno));
 
-    kvsim::Memory memory;
-    kvsim::Server server(&memory);
+    const QString error = prepare(options, &controller);
+    if (!error.isEmpty())
+        return fail(WrongUsage, error + QLatin1String(" See kvsim --help."));
+
+    kvsim::Server server(&controller);
     if (options.trace)
         QObject::connect(&server, &kvsim::Server::answered, &server, traceExchange);
+    QObject::connect(&server, &kvsim::Server::stayedDown, &server, [&server] {
+        QCoreApplication::exit(
+            fail(CannotServe, QStringLiteral("cannot listen again after a restart: %1. End "
+                                             "what listens on that port.")
+                                  .arg(server.errorString())));
+    });
 
-    if (!server.listen(options.address, options.port)) {
-        const QByteArray endpoint = kvsim::endpointText(options.address, options.port);
-        return fail(CannotServe,
-                    QStringLiteral("cannot listen on %1: %2. Choose another --bind or --port.")
-                        .arg(QLatin1String(endpoint), server.errorString()));
-    }
-    const QByteArray endpoint = kvsim::endpointText(server.address(), server.port());
-    const int printed = print(QStringLiteral("listening %1\n").arg(QLatin1String(endpoint)));
-    return printed == Success ? QCoreApplication::exec() : printed;
+    const int listening = listen(options, &server);
+    if (listening != Success)
+        return listening;
+    const int code = QCoreApplication::exec();
+    report();
+    return code;
 }
 
 } // namespace

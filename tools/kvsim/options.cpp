@@ -12,16 +12,21 @@ const char *const description
       "\n"
       "Exit code: 0 ended by SIGINT or SIGTERM, 1 cannot serve, 2 wrong command line.";
 
-Options refused(const QString &text)
+Options answered(Options::Action action, const QString &text)
 {
     Options options;
-    options.action = Options::Action::RefuseUsage;
+    options.action = action;
     options.text = text;
     return options;
 }
 
+Options refused(const QString &text)
+{
+    return answered(Options::Action::RefuseUsage, text);
+}
+
 // The values of --bind and --port, once the parser knows all options.
-Options servingOptions(const QString &bind, const QString &port, bool trace)
+Options servingOptions(const QString &bind, const QString &port)
 {
     Options options;
     if (!options.address.setAddress(bind))
@@ -34,7 +39,6 @@ Options servingOptions(const QString &bind, const QString &port, bool trace)
         return refused(QStringLiteral("'%1' is no port; --port takes a number from 0 to 65535, "
                                       "0 picks a free port.")
                            .arg(port));
-    options.trace = trace;
     return options;
 }
 
@@ -52,6 +56,15 @@ Options parseOptions(const QStringList &arguments)
         QStringLiteral("trace"),
         QStringLiteral("Print each command and answer to standard error."));
 
+    const QCommandLineOption fault(
+        QStringLiteral("fault"),
+        QStringLiteral("Make something go wrong, for example silent@DM100. Repeatable."),
+        QStringLiteral("fault"));
+    const QCommandLineOption value(
+        QStringLiteral("set"),
+        QStringLiteral("Start with this value, for example DM100=5. Repeatable."),
+        QStringLiteral("address=value"));
+
     // Not addHelpOption(): it brings --help-all with it, which would need an answer too.
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Print this help."));
@@ -60,18 +73,23 @@ Options parseOptions(const QStringList &arguments)
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QLatin1String(description));
-    parser.addOptions({help, version, bind, port, trace});
+    parser.addOptions({help, version, bind, port, trace, fault, value});
 
     if (!parser.parse(arguments))
         return refused(parser.errorText());
     if (parser.isSet(help))
-        return {Options::Action::ShowHelp, {}, 0, false, parser.helpText()};
+        return answered(Options::Action::ShowHelp, parser.helpText());
     if (parser.isSet(version))
-        return {Options::Action::ShowVersion, {}, 0, false, {}};
+        return answered(Options::Action::ShowVersion, {});
     if (!parser.positionalArguments().isEmpty())
         return refused(QStringLiteral("Unexpected argument '%1'; kvsim takes options only.")
                            .arg(parser.positionalArguments().constFirst()));
-    return servingOptions(parser.value(bind), parser.value(port), parser.isSet(trace));
+
+    Options options = servingOptions(parser.value(bind), parser.value(port));
+    options.trace = parser.isSet(trace);
+    options.faults = parser.values(fault);
+    options.values = parser.values(value);
+    return options;
 }
 
 } // namespace kvsim

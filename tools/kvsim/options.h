@@ -15,6 +15,10 @@ struct Options
     QHostAddress address;
     quint16 port = 0;
     bool trace = false;
+    /// As they were given, in their order.
+    QStringList faults;
+    /// What memory holds at the start, each ADDRESS=VALUE as it was given, in their order.
+    QStringList values;
     /// The help text for `ShowHelp`, what is wrong for `RefuseUsage`.
     QString text;
 };

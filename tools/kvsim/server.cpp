@@ -1,14 +1,19 @@
 #include "server.h"
 
 #include "connection.h"
+#include "controller.h"
 
 #include <QTcpSocket>
 
 namespace kvsim {
 
-Server::Server(Memory *memory, QObject *parent)
-    : QObject(parent), m_interpreter(memory), m_listener(new QTcpServer(this))
+Server::Server(Controller *controller, QObject *parent)
+    : QObject(parent), m_controller(controller), m_interpreter(&controller->memory),
+      m_listener(new QTcpServer(this)), m_down(this)
 {
+    m_down.setSingleShot(true);
+    m_down.setTimerType(Qt::PreciseTimer);
+    connect(&m_down, &QTimer::timeout, this, &Server::listenAgain);
     connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
 }
 
@@ -39,12 +44,55 @@ quint16 Server::port() const
 
 void Server::acceptClients()
 {
-    while (QTcpSocket *socket = m_listener->nextPendingConnection()) {
-        auto *connection = new Connection(socket, &m_interpreter, this);
-        connect(connection, &Connection::answered, this, &Server::answered);
-        // Out of file descriptors, Qt may accept nobody any more until it is told to.
-        connect(connection, &Connection::destroyed, m_listener, &QTcpServer::resumeAccepting);
+    while (QTcpSocket *socket = m_listener->nextPendingConnection())
+        accept(socket);
+}
+
+void Server::accept(QTcpSocket *socket)
+{
+    ++m_controller->counters.clients;
+    const Welcome welcome = m_controller->faults.welcome(m_connections.size());
+    if (welcome == Welcome::Reset) {
+        resetConnection(socket);
+        socket->deleteLater();
+        return;
     }
+
+    auto *connection = new Connection(socket, m_controller, &m_interpreter, this);
+    m_connections.append(connection);
+    connect(connection, &Connection::answered, this, &Server::answered);
+    // Queued: the connection is still at work when it asks.
+    connect(connection, &Connection::restartWanted, this, &Server::restart, Qt::QueuedConnection);
+    connect(socket, &QTcpSocket::disconnected, this,
+            [this, connection] { m_connections.removeOne(connection); });
+    // Out of file descriptors, Qt may accept nobody any more until it is told to; a listener that
+    // is closed must not be told.
+    connect(connection, &Connection::destroyed, m_listener, [this] {
+        if (m_listener->isListening())
+            m_listener->resumeAccepting();
+    });
+    if (welcome == Welcome::Ignore)
+        connection->ignore();
+}
+
+void Server::restart(int milliseconds)
+{
+    // Two clients may have asked at the same time.
+    if (!m_listener->isListening())
+        return;
+    m_downAddress = address();
+    m_downPort = port();
+    m_listener->close();
+    const QList<Connection *> connections = m_connections;
+    for (Connection *connection : connections)
+        connection->drop();
+    m_down.start(milliseconds);
+}
+
+void Server::listenAgain()
+{
+    if (!listen(m_downAddress, m_downPort))
+        Q_EMIT stayedDown();
 }
 
 } // namespace kvsim

@@ -4,17 +4,21 @@
 
 #include <QHostAddress>
 #include <QTcpServer>
+#include <QTimer>
 
 namespace kvsim {
 
-/// Serves one memory to any number of TCP clients.
+class Connection;
+struct Controller;
+
+/// Serves one controller to any number of TCP clients.
 class Server : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `memory` must outlive the server.
-    explicit Server(Memory *memory, QObject *parent = nullptr);
+    /// `controller` must outlive the server.
+    explicit Server(Controller *controller, QObject *parent = nullptr);
 
     /// Starts to accept clients; port 0 picks a free one. False when that is not possible:
     /// `errorString()` then tells why.
@@ -27,14 +31,28 @@ public:
     quint16 port() const;
 
 Q_SIGNALS:
-    /// One command of one client was answered, see Connection::answered().
-    void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer);
+    /// One command of one client is decided, see Connection::answered().
+    void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
+                  const QByteArray &fault);
+
+    /// After a restart the server could not listen again, `errorString()` tells why.
+    void stayedDown();
 
 private:
     void acceptClients();
+    void accept(QTcpSocket *socket);
+    void restart(int milliseconds);
+    void listenAgain();
 
+    Controller *m_controller;
     CommandInterpreter m_interpreter;
     QTcpServer *m_listener;
+    QList<Connection *> m_connections;
+    /// Runs while a restart keeps the server from listening, there and on that port before and
+    /// after.
+    QTimer m_down;
+    QHostAddress m_downAddress;
+    quint16 m_downPort = 0;
 };
 
 } // namespace kvsim

@@ -19,23 +19,32 @@ SimulatorThread::~SimulatorThread()
 
 int SimulatorThread::word(const QByteArray &address) const
 {
-    const std::optional<Address> place = parseAddress(address);
-    return place ? m_memory.value(*place) : -1;
+    return valueAt(m_controller, address).value_or(-1);
 }
 
 bool SimulatorThread::setWord(const QByteArray &address, int value)
 {
-    const std::optional<Address> place = parseAddress(address);
-    if (!place || value < 0 || value > maximumValue(place->device->kind))
-        return false;
+    return store(&m_controller, address, value);
+}
 
-    m_memory.setValue(*place, static_cast<quint16>(value));
-    return true;
+QString SimulatorThread::addFault(const QByteArray &fault)
+{
+    return m_controller.faults.add(fault);
+}
+
+void SimulatorThread::clearFaults()
+{
+    m_controller.faults.clear();
+}
+
+QVector<FaultCount> SimulatorThread::faultCounts() const
+{
+    return m_controller.faults.counts();
 }
 
 void SimulatorThread::run()
 {
-    Server server(&m_memory);
+    Server server(&m_controller);
     if (!server.listen(m_address, m_port))
         m_errorString = server.errorString();
     m_port = server.port();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "memory.h"
+#include "controller.h"
 
 #include <QHostAddress>
 #include <QSemaphore>
@@ -39,12 +39,27 @@ public:
     /// thread at any time; the next command sees it.
     bool setWord(const QByteArray &address, int value);
 
+    /// Puts a fault in force, for example "silent@DM100", see parseFault(). Returns an empty text,
+    /// or what is wrong. May be called from any thread at any time; the next command, or the next
+    /// client, meets it.
+    QString addFault(const QByteArray &fault);
+
+    /// Ends all faults and forgets their counters. May be called from any thread at any time.
+    void clearFaults();
+
+    /// How often each fault in force was seen and applied, in the order in which they were added.
+    /// May be called from any thread at any time.
+    QVector<FaultCount> faultCounts() const;
+
+    /// What all clients together have done. May be called from any thread at any time.
+    const Counters &counters() const { return m_controller.counters; }
+
 protected:
     void run() override;
 
 private:
     QHostAddress m_address;
-    Memory m_memory;
+    Controller m_controller;
     /// Released once `m_port` and `m_errorString` hold what came of listening.
     QSemaphore m_started;
     quint16 m_port;

@@ -45,10 +45,15 @@ QByteArray endpointText(const QHostAddress &address, quint16 port)
 }
 
 QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByteArray &command,
-                     const QByteArray &answer)
+                     const QByteArray &answer, const QByteArray &fault)
 {
     const QByteArray prefix = time.toString(Qt::ISODateWithMs).toLatin1() + ' ' + client;
-    return prefix + " > " + escaped(command) + '\n' + prefix + " < " + escaped(answer) + '\n';
+    QByteArray text = prefix + " > " + escaped(command) + '\n';
+    if (!fault.isEmpty())
+        text += prefix + " ! " + fault + '\n';
+    if (!answer.isEmpty())
+        text += prefix + " < " + escaped(answer) + '\n';
+    return text;
 }
 
 } // namespace kvsim

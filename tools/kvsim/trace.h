@@ -14,9 +14,10 @@ QByteArray escaped(const QByteArray &bytes);
 /// "127.0.0.1:8501"; an IPv6 address stands in square brackets.
 QByteArray endpointText(const QHostAddress &address, quint16 port);
 
-/// Two lines for one exchange, the command after '>', the answer after '<', each with the time to
-/// the millisecond and the client.
+/// The lines for one exchange: the command after '>', the fault that was applied, if any, after
+/// '!', the answer, if there is one, after '<'; each with the time to the millisecond and the
+/// client.
 QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByteArray &command,
-                     const QByteArray &answer);
+                     const QByteArray &answer, const QByteArray &fault);
 
 } // namespace kvsim

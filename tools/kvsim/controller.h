@@ -1,0 +1,49 @@
+#pragma once
+
+#include "faultengine.h"
+#include "memory.h"
+
+#include <atomic>
+
+namespace kvsim {
+
+/// What all clients together have done so far. Safe to use from several threads.
+struct Counters
+{
+    std::atomic<quint64> commands{0};
+    /// Commands that were answered with a byte at least, a refusal included.
+    std::atomic<quint64> answers{0};
+    /// Answers that are an E and a digit.
+    std::atomic<quint64> refusals{0};
+    /// Clients that the simulator accepted or turned away.
+    std::atomic<quint64> clients{0};
+};
+
+/// The controller behind all connections. Safe to use from several threads.
+struct Controller
+{
+    Memory memory;
+    FaultEngine faults;
+    Counters counters;
+};
+
+/// Counts a command and what is sent for it.
+void countReply(const Reply &reply, Counters *counters);
+
+/// The counters as text: a line "commands 5, answers 4, refusals 1, clients 2", then one for each
+/// fault in force, "fault silent@DM100: seen 2, applied 2".
+QByteArray countersText(const Controller &controller);
+
+/// The word (0 to 65535) or bit (0 or 1) at `address`, for example "DM100"; nothing when there is
+/// no such address.
+std::optional<int> valueAt(const Controller &controller, const QByteArray &address);
+
+/// Stores a word (0 to 65535) or a bit (0 or 1), in a read-only device too. False, and nothing is
+/// stored, when there is no such address or the value does not fit.
+bool store(Controller *controller, const QByteArray &address, int value);
+
+/// Stores what two texts say, for example "DM100" and "5". Returns an empty text, or what is wrong
+/// and what to write instead: then nothing is stored.
+QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value);
+
+} // namespace kvsim
