@@ -261,6 +261,10 @@ void tst_KvsimProgram::usageErrors_data()
     row("positional argument", "8501", "Unexpected argument '8501'; kvsim takes options only.");
     row("option without value", "--port", "Missing value after '--port'.");
     row("value for a switch", "--trace=1", "Unexpected value after '--trace'.");
+    row("control port above 65535", "--control|65536",
+        "'65536' is no port; --control takes a number from 0 to 65535, 0 picks a free port.");
+    row("control port empty", "--control|",
+        "'' is no port; --control takes a number from 0 to 65535, 0 picks a free port.");
     row("unknown selector", "--fault|silent@nth",
         "--fault: unknown selector '@nth'; use an address that exists such as @DM100, or @nth=N, "
         "@every=N, @percent=N, @seed=N.");
@@ -357,7 +361,9 @@ void tst_KvsimProgram::help()
 Simulates a KV-series controller: answers Host Link commands over TCP.
 The first line of output is "listening ADDRESS:PORT".
 
-Exit code: 0 ended by SIGINT or SIGTERM, 1 cannot serve, 2 wrong command line.
+"kvsim ctl" changes a simulator while it runs, see kvsim ctl --help.
+
+Exit code: 0 ended by SIGINT, SIGTERM or quit, 1 cannot serve, 2 wrong command line.
 
 Options:
   -h, --help             Print this help.
@@ -365,6 +371,8 @@ Options:
   --bind <address>       Listen on this IP address (127.0.0.1).
   --port <number>        Listen on this TCP port; 0 picks one (8501).
   --trace                Print each command and answer to standard error.
+  --control <number>     Take control commands on this TCP port of 127.0.0.1; 0
+                         picks one.
   --fault <fault>        Make something go wrong, for example silent@DM100.
                          Repeatable.
   --set <address=value>  Start with this value, for example DM100=5.

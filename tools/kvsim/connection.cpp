@@ -77,9 +77,14 @@ void Connection::answerCommands()
     }
 }
 
+bool Connection::isConnected() const
+{
+    return m_socket->state() == QAbstractSocket::ConnectedState;
+}
+
 bool Connection::mayReadOn() const
 {
-    return m_socket->state() == QAbstractSocket::ConnectedState && m_waiting.isEmpty()
+    return isConnected() && m_waiting.isEmpty()
            && m_socket->bytesToWrite() + m_lateBytes <= unsentLimit;
 }
 
@@ -102,7 +107,7 @@ void Connection::reply(const Line &line)
 
 void Connection::carryOutWaiting()
 {
-    while (!m_waiting.isEmpty() && !m_due.isActive()) {
+    while (isConnected() && !m_waiting.isEmpty() && !m_due.isActive()) {
         const Action &first = m_waiting.constFirst();
         if (first.kind == Action::Kind::Send && first.milliseconds > 0) {
             m_due.start(first.milliseconds);
@@ -147,7 +152,7 @@ void Connection::scheduleAnswer(const Action &action)
 // Not into the middle of another answer.
 void Connection::sendInTurn(const Action &action)
 {
-    if (m_socket->state() == QAbstractSocket::ConnectedState)
+    if (isConnected())
         m_waiting.append({Action::Kind::Send, 0, action.bytes});
 }
 

@@ -47,6 +47,7 @@ Q_SIGNALS:
 private:
     void serve();
     void answerCommands();
+    bool isConnected() const;
     bool mayReadOn() const;
     void reply(const Line &line);
     void carryOutWaiting();

@@ -1,7 +1,10 @@
 #include "controller.h"
+#include "controlserver.h"
+#include "ctl.h"
 #include "options.h"
 #include "processsignals.h"
 #include "server.h"
+#include "terminal.h"
 #include "trace.h"
 
 #include <QCoreApplication>
@@ -10,28 +13,14 @@
 #include <cerrno>
 #include <cstdio>
 
+using kvsim::fail;
+using kvsim::Failure;
 using kvsim::Options;
+using kvsim::print;
+using kvsim::Success;
+using kvsim::WrongUsage;
 
 namespace {
-
-enum ExitCode { Success = 0, CannotServe = 1, WrongUsage = 2 };
-
-int fail(ExitCode code, const QString &text)
-{
-    const QString line = QLatin1String("kvsim: ") + text + QLatin1Char('\n');
-    std::fputs(line.toLocal8Bit().constData(), stderr);
-    return code;
-}
-
-// Flushed, because a script waits for the first line; checked, because it would wait for ever.
-int print(const QString &text)
-{
-    const QByteArray bytes = text.toLocal8Bit();
-    if (std::fputs(bytes.constData(), stdout) < 0 || std::fflush(stdout) != 0)
-        return fail(CannotServe,
-                    QLatin1String("cannot write to standard output: ") + qt_error_string(errno));
-    return Success;
-}
 
 void traceExchange(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
                    const QByteArray &fault)
@@ -60,16 +49,29 @@ QString prepare(const Options &options, kvsim::Controller *controller)
     return {};
 }
 
-int listen(const Options &options, kvsim::Server *server)
+QString endpoint(const QHostAddress &address, quint16 port)
 {
-    if (!server->listen(options.address, options.port)) {
-        const QByteArray endpoint = kvsim::endpointText(options.address, options.port);
-        return fail(CannotServe,
+    return QString::fromLatin1(kvsim::endpointText(address, port));
+}
+
+// Both ports, before the first line of output promises them.
+int listen(const Options &options, kvsim::Server *server, kvsim::ControlServer *control)
+{
+    if (!server->listen(options.address, options.port))
+        return fail(Failure,
                     QStringLiteral("cannot listen on %1: %2. Choose another --bind or --port.")
-                        .arg(QLatin1String(endpoint), server->errorString()));
+                        .arg(endpoint(options.address, options.port), server->errorString()));
+    QString lines
+        = QStringLiteral("listening %1\n").arg(endpoint(server->address(), server->port()));
+    if (options.control) {
+        const QHostAddress loopback(QHostAddress::LocalHost);
+        if (!control->listen(*options.control))
+            return fail(Failure,
+                        QStringLiteral("cannot listen on %1: %2. Choose another --control.")
+                            .arg(endpoint(loopback, *options.control), control->errorString()));
+        lines += QStringLiteral("control %1\n").arg(endpoint(loopback, control->port()));
     }
-    const QByteArray endpoint = kvsim::endpointText(server->address(), server->port());
-    return print(QStringLiteral("listening %1\n").arg(QLatin1String(endpoint)));
+    return print(lines);
 }
 
 int serve(const Options &options)
@@ -78,7 +80,7 @@ int serve(const Options &options)
     const auto report
         = [&controller] { std::fputs(kvsim::countersText(controller).constData(), stderr); };
     if (!kvsim::handleSignals(QCoreApplication::instance(), report))
-        return fail(CannotServe, QLatin1String("cannot catch signals: ") + qt_error_string(errno));
+        return fail(Failure, QLatin1String("cannot catch signals: ") + qt_error_string(errno));
 
     const QString error = prepare(options, &controller);
     if (!error.isEmpty())
@@ -89,12 +91,16 @@ int serve(const Options &options)
         QObject::connect(&server, &kvsim::Server::answered, &server, traceExchange);
     QObject::connect(&server, &kvsim::Server::stayedDown, &server, [&server] {
         QCoreApplication::exit(
-            fail(CannotServe, QStringLiteral("cannot listen again after a restart: %1. End "
-                                             "what listens on that port.")
-                                  .arg(server.errorString())));
+            fail(Failure, QStringLiteral("cannot listen again after a restart: %1. End "
+                                         "what listens on that port.")
+                              .arg(server.errorString())));
     });
 
-    const int listening = listen(options, &server);
+    kvsim::ControlServer control(&controller);
+    QObject::connect(&control, &kvsim::ControlServer::quitWanted, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
+
+    const int listening = listen(options, &server, &control);
     if (listening != Success)
         return listening;
     const int code = QCoreApplication::exec();
@@ -110,7 +116,11 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("kvsim"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KVSIM_VERSION));
 
-    const Options options = kvsim::parseOptions(QCoreApplication::arguments());
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == QLatin1String("ctl"))
+        return kvsim::runCtl(arguments.mid(2));
+
+    const Options options = kvsim::parseOptions(arguments);
     switch (options.action) {
     case Options::Action::ShowHelp:
         return print(options.text);

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace kvsim {
 
 /// What the command line asks for.
@@ -14,6 +16,8 @@ struct Options
     Action action = Action::Serve;
     QHostAddress address;
     quint16 port = 0;
+    /// The port of the control protocol; nothing: there is none.
+    std::optional<quint16> control;
     bool trace = false;
     /// As they were given, in their order.
     QStringList faults;

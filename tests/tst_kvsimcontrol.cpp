@@ -1,0 +1,291 @@
+#include "programrun.h"
+#include "text.h"
+#include "textclient.h"
+
+#include <kvsim/control.h>
+#include <kvsim/controller.h>
+#include <kvsim/controlserver.h>
+
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTest>
+
+using kvsim::Controller;
+using kvsim::ControlServer;
+
+// The control protocol, alone and with the built program.
+class tst_KvsimControl : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void lines_data();
+    void lines();
+    void changesTheController();
+    void lineTooLong();
+    void program();
+    void quitEndsTheProgram();
+    void controlPortTaken();
+    void ctl();
+    void ctlFailures_data();
+    void ctlFailures();
+    void ctlWithoutSimulator();
+    void ctlHelp();
+};
+
+namespace {
+
+constexpr int timeout = TextClient::timeout;
+
+// The program with both its ports.
+class Simulator
+{
+public:
+    explicit Simulator(const QStringList &moreArguments = {})
+    {
+        m_process.start(text(KVSIM_PROGRAM),
+                        QStringList{text("--port"), text("0"), text("--control"), text("0")}
+                            + moreArguments);
+        port = portIn("listening");
+        control = portIn("control");
+    }
+
+    QProcess *process() { return &m_process; }
+
+    quint16 port = 0;
+    quint16 control = 0;
+
+private:
+    // From the next line of output; 0 when it reads differently.
+    quint16 portIn(const char *word)
+    {
+        while (!m_process.canReadLine()) {
+            if (!m_process.waitForReadyRead(timeout))
+                return 0;
+        }
+        const QRegularExpression form(
+            QStringLiteral("^%1 127\\.0\\.0\\.1:(\\d+)\n$").arg(text(word)));
+        return form.match(QString::fromLatin1(m_process.readLine())).captured(1).toUShort();
+    }
+
+    QProcess m_process;
+};
+
+ProgramRun runCtl(const QStringList &arguments)
+{
+    return runProgram(text(KVSIM_PROGRAM), QStringList{text("ctl")} + arguments, {});
+}
+
+} // namespace
+
+void tst_KvsimControl::lines_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("answer");
+
+    const auto row = [](const char *line, const char *answer) {
+        QTest::newRow(*line == '\0' ? "empty line" : line)
+            << QByteArray(line) << QByteArray(answer);
+    };
+    row("get DM100", "100\n");
+    row("get R500", "1\n");
+    row("  get   DM100  ", "100\n");
+    row("set DM100 65535", "ok\n");
+    row("set CM100 0", "ok\n");
+    row("fault silent@DM100", "ok\n");
+    row("clear", "ok\n");
+    row("counters", "commands 0, answers 0, refusals 0, clients 0\n\n");
+    row("quit", "ok\n");
+    row("get QQ1", "error 'QQ1' is no address that exists; write one such as DM100 or R015\n");
+    row("set QQ1 1", "error 'QQ1' is no address that exists; write one such as DM100 or R015\n");
+    row("set DM100 65536", "error '65536' is no value for DM100; write a number from 0 to 65535\n");
+    row("set R100 2", "error '2' is no value for R100; write a number from 0 to 1\n");
+    row("set DM100 -1", "error '-1' is no value for DM100; write a number from 0 to 65535\n");
+    row("fault silent=1", "error 'silent=1' is wrong; write silent\n");
+    row("get", "error 'get' is wrong; write get ADDRESS\n");
+    row("set DM100", "error 'set DM100' is wrong; write set ADDRESS VALUE\n");
+    row("fault", "error 'fault' is wrong; write fault FAULT\n");
+    row("clear all", "error 'clear all' is wrong; write clear\n");
+    row("quit now", "error 'quit now' is wrong; write quit\n");
+    row("Get DM100",
+        "error unknown command 'Get'; use one of: get, set, fault, clear, counters, quit\n");
+    row("", "error unknown command ''; use one of: get, set, fault, clear, counters, quit\n");
+}
+
+void tst_KvsimControl::lines()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QByteArray, answer);
+
+    Controller controller;
+    const kvsim::ControlAnswer result = kvsim::answerControl(line, &controller);
+    QCOMPARE(result.text, answer);
+    QCOMPARE(result.quit, line == "quit");
+}
+
+void tst_KvsimControl::changesTheController()
+{
+    Controller controller;
+    QCOMPARE(kvsim::answerControl("set DM100 5", &controller).text, QByteArray("ok\n"));
+    QCOMPARE(kvsim::answerControl("get DM100", &controller).text, QByteArray("5\n"));
+    QCOMPARE(kvsim::answerControl("fault silent", &controller).text, QByteArray("ok\n"));
+    QCOMPARE(kvsim::answerControl("counters", &controller).text,
+             QByteArray("commands 0, answers 0, refusals 0, clients 0\n"
+                        "fault silent: seen 0, applied 0\n\n"));
+    QCOMPARE(kvsim::answerControl("clear", &controller).text, QByteArray("ok\n"));
+    QCOMPARE(controller.faults.counts().size(), 0);
+}
+
+void tst_KvsimControl::lineTooLong()
+{
+    Simulator simulator;
+    TextClient longest(simulator.control);
+    QCOMPARE(longest.ask("get DM" + QByteArray(ControlServer::maximumLine - 10, '0') + "100\n"),
+             QByteArray("100\n"));
+    TextClient client(simulator.control);
+    client.send(QByteArray(ControlServer::maximumLine, 'x'));
+    QCOMPARE(client.receiveToEnd(),
+             QByteArray("error the line is too long; write at most 4095 bytes\n"));
+    QCOMPARE(longest.ask("get DM7\r\n"), QByteArray("7\n"));
+    simulator.process()->terminate();
+    QVERIFY(simulator.process()->waitForFinished(timeout));
+}
+
+void tst_KvsimControl::program()
+{
+    Simulator simulator({text("--fault"), text("refuse=E5@DM7")});
+    TextClient control(simulator.control);
+    TextClient client(simulator.port);
+    QCOMPARE(control.ask("set DM8 80\n"), QByteArray("ok\n"));
+    QCOMPARE(client.ask("RD DM8\r"), QByteArray("00080\r\n"));
+    QCOMPARE(client.ask("RD DM7\r"), QByteArray("E5\r\n"));
+    QCOMPARE(control.ask("clear\nfault empty@DM8\n"), QByteArray("ok\n"));
+    QCOMPARE(control.receiveLine(), QByteArray("ok\n"));
+    QCOMPARE(client.ask("RD DM7\r"), QByteArray("00007\r\n"));
+    QCOMPARE(client.ask("RD DM8\r"), QByteArray("\r\n"));
+    QCOMPARE(control.ask("counters\n"),
+             QByteArray("commands 4, answers 4, refusals 1, clients 1\n"));
+    QCOMPARE(control.receiveLine(), QByteArray("fault empty@DM8: seen 1, applied 1\n"));
+    QCOMPARE(control.receiveLine(), QByteArray("\n"));
+    simulator.process()->terminate();
+    QVERIFY(simulator.process()->waitForFinished(timeout));
+}
+
+void tst_KvsimControl::quitEndsTheProgram()
+{
+    Simulator simulator;
+    TextClient control(simulator.control);
+    QCOMPARE(control.ask("quit\n"), QByteArray("ok\n"));
+    QVERIFY(simulator.process()->waitForFinished(timeout));
+    QCOMPARE(simulator.process()->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(simulator.process()->exitCode(), 0);
+    QCOMPARE(simulator.process()->readAllStandardError(),
+             QByteArray("commands 0, answers 0, refusals 0, clients 0\n"));
+}
+
+void tst_KvsimControl::controlPortTaken()
+{
+    QTcpServer owner;
+    QVERIFY(owner.listen(QHostAddress(QHostAddress::LocalHost), 0));
+    const QString port = QString::number(owner.serverPort());
+    const ProgramRun result
+        = runProgram(text(KVSIM_PROGRAM), {text("--port"), text("0"), text("--control"), port}, {});
+    QCOMPARE(result.errors,
+             QStringLiteral("kvsim: cannot listen on 127.0.0.1:%1: The bound address "
+                            "is already in use. Choose another --control.\n")
+                 .arg(port));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_KvsimControl::ctl()
+{
+    Simulator simulator;
+    const QString port = QString::number(simulator.control);
+    const auto compare = [&port](const char *command, const char *output) {
+        const ProgramRun result
+            = runCtl(QStringList{text("--port"), port} + text(command).split(QLatin1Char(' ')));
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.output, text(output));
+        QCOMPARE(result.exitCode, 0);
+    };
+    compare("get DM100", "100\n");
+    compare("set DM100 5", "");
+    compare("get DM100", "5\n");
+    compare("fault silent@DM100", "");
+    compare("counters", "commands 0, answers 0, refusals 0, clients 0\n"
+                        "fault silent@DM100: seen 0, applied 0\n");
+    compare("clear", "");
+    compare("quit", "");
+    QVERIFY(simulator.process()->waitForFinished(timeout));
+    QCOMPARE(simulator.process()->exitCode(), 0);
+}
+
+void tst_KvsimControl::ctlFailures_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("error");
+    QTest::addColumn<int>("exitCode");
+
+    const auto answer = [](const char *arguments, const char *error) {
+        QTest::newRow(arguments) << text(arguments) << text(error) << 1;
+    };
+    const auto usage = [](const char *arguments, const char *error) {
+        QTest::newRow(arguments) << text(arguments)
+                                 << QString(text(error) + text(" See kvsim ctl --help.")) << 2;
+    };
+    answer("set DM100 -1", "'-1' is no value for DM100; write a number from 0 to 65535");
+    answer("fault silent@", "unknown selector '@'; use an address that exists such as @DM100, or "
+                            "@nth=N, @every=N, @percent=N, @seed=N");
+    answer("counters all", "'counters all' is wrong; write counters");
+    usage("--port 0 clear", "'0' is no port; --port takes a number from 1 to 65535.");
+    usage("--port 65536 clear", "'65536' is no port; --port takes a number from 1 to 65535.");
+    usage("--prot 1 clear", "Unknown option 'prot'.");
+    usage("--port", "Missing value after '--port'.");
+    usage("--port 1", "No command.");
+}
+
+void tst_KvsimControl::ctlFailures()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, error);
+    QFETCH(int, exitCode);
+
+    Simulator simulator;
+    QStringList list = arguments.split(QLatin1Char(' '));
+    if (exitCode == 1)
+        list = QStringList{text("--port"), QString::number(simulator.control)} + list;
+    const ProgramRun result = runCtl(list);
+    QCOMPARE(result.errors, QString(text("kvsim: ") + error + QLatin1Char('\n')));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, exitCode);
+    simulator.process()->terminate();
+    QVERIFY(simulator.process()->waitForFinished(timeout));
+}
+
+void tst_KvsimControl::ctlWithoutSimulator()
+{
+    QTcpServer owner;
+    QVERIFY(owner.listen(QHostAddress(QHostAddress::LocalHost), 0));
+    const QString port = QString::number(owner.serverPort());
+    owner.close();
+    const ProgramRun result = runCtl({text("--port"), port, text("clear")});
+    QCOMPARE(result.errors,
+             QStringLiteral("kvsim: no answer from 127.0.0.1:%1: Connection refused. Start the "
+                            "simulator with --control %1, or choose another --port.\n")
+                 .arg(port));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_KvsimControl::ctlHelp()
+{
+    const ProgramRun result = runCtl({text("--help")});
+    QCOMPARE(result.output.section(QLatin1Char('\n'), 0, 0),
+             text("Usage: " KVSIM_PROGRAM " ctl [options] command..."));
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_KvsimControl)
+#include "tst_kvsimcontrol.moc"

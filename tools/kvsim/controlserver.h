@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QTcpServer>
+
+namespace kvsim {
+
+struct Controller;
+
+/// Lets programs on the same machine look into a controller and change it, see answerControl().
+class ControlServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The longest line in bytes; a client that sends a longer one gets an error and is closed.
+    static constexpr int maximumLine = 4096;
+
+    /// `controller` must outlive the server.
+    explicit ControlServer(Controller *controller, QObject *parent = nullptr);
+
+    /// Starts to accept clients on 127.0.0.1; port 0 picks a free one. False when that is not
+    /// possible: `errorString()` then tells why.
+    bool listen(quint16 port);
+
+    QString errorString() const { return m_listener.errorString(); }
+    QHostAddress address() const { return m_listener.serverAddress(); }
+    quint16 port() const { return m_listener.serverPort(); }
+
+Q_SIGNALS:
+    /// A client wants the simulator to end. Its answer is sent.
+    void quitWanted();
+
+private:
+    void acceptClients();
+    void serve(QTcpSocket *socket);
+
+    Controller *m_controller;
+    QTcpServer m_listener;
+};
+
+} // namespace kvsim

@@ -1,0 +1,103 @@
+#include "ctl.h"
+
+#include "terminal.h"
+
+#include <QCommandLineParser>
+#include <QHostAddress>
+#include <QTcpSocket>
+
+namespace kvsim {
+
+namespace {
+
+constexpr int timeout = 5000; // milliseconds
+const char *const description
+    = "Speaks to a simulator on this machine that was started with --control.\n"
+      "\n"
+      "Exit code: 0 done, 1 an error answer or no simulator, 2 wrong command line.";
+
+int failUsage(const QString &text)
+{
+    return fail(WrongUsage, text + QLatin1String(" See kvsim ctl --help."));
+}
+
+// A line, "error ..." or lines up to an empty one; nothing when it did not come whole.
+QByteArray readAnswer(QTcpSocket *socket, bool severalLines)
+{
+    QByteArray answer;
+    for (;;) {
+        while (!socket->canReadLine()) {
+            if (!socket->waitForReadyRead(timeout))
+                return {};
+        }
+        const QByteArray line = socket->readLine();
+        if (!severalLines || line.startsWith("error "))
+            return line;
+        if (line == "\n")
+            return answer;
+        answer += line;
+    }
+}
+
+int askSimulator(quint16 port, const QString &command)
+{
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    const bool connected = socket.waitForConnected(timeout);
+    if (connected)
+        socket.write(command.toUtf8() + '\n');
+    const QByteArray answer
+        = connected ? readAnswer(&socket, command == QLatin1String("counters")) : QByteArray();
+    if (answer.isEmpty())
+        return fail(Failure, QStringLiteral("no answer from 127.0.0.1:%1: %2. Start the simulator "
+                                            "with --control %1, or choose another --port.")
+                                 .arg(port)
+                                 .arg(socket.errorString()));
+    if (answer.startsWith("error "))
+        return fail(Failure, QString::fromUtf8(answer.mid(6).trimmed()));
+    return answer == "ok\n" ? Success : print(QString::fromUtf8(answer));
+}
+
+const QString helpOption = QStringLiteral("help");
+const QString portOption = QStringLiteral("port");
+
+void addOptions(QCommandLineParser *parser)
+{
+    parser->setApplicationDescription(QLatin1String(description));
+    // A value may begin with a minus sign.
+    parser->setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    parser->addOptions({
+        {{QStringLiteral("h"), helpOption}, QStringLiteral("Print this help.")},
+        {portOption, QStringLiteral("The simulator's control port (8502)."),
+         QStringLiteral("number"), QStringLiteral("8502")},
+    });
+    parser->addPositionalArgument(
+        QStringLiteral("command"),
+        QStringLiteral("get ADDRESS, set ADDRESS VALUE, fault FAULT, clear, counters or quit."),
+        QStringLiteral("command..."));
+}
+
+} // namespace
+
+int runCtl(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    addOptions(&parser);
+    if (!parser.parse(QStringList{QStringLiteral("kvsim")} + arguments))
+        return failUsage(parser.errorText());
+    if (parser.isSet(helpOption))
+        // The parser knows the program's name only.
+        return print(parser.helpText().replace(QLatin1String(" [options] "),
+                                               QLatin1String(" ctl [options] ")));
+    bool ok = false;
+    const quint16 port = parser.value(portOption).toUShort(&ok);
+    if (!ok || port == 0)
+        return failUsage(QStringLiteral("'%1' is no port; --port takes a number from 1 to 65535.")
+                             .arg(parser.value(portOption)));
+    const QString command = parser.positionalArguments().join(QLatin1Char(' ')).simplified();
+    if (command.isEmpty())
+        return failUsage(QStringLiteral("No command."));
+    return askSimulator(port, command);
+}
+
+} // namespace kvsim

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+namespace kvsim {
+
+/// What the program tells its caller.
+enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
+
+/// Prints "kvsim: " and the text to standard error; returns `code`.
+int fail(ExitCode code, const QString &text);
+
+/// Prints to standard output at once. Success, or Failure after an error was printed.
+int print(const QString &text);
+
+} // namespace kvsim
