@@ -62,7 +62,7 @@ Text by range: ABBBCBDBEB
 Bit device: 1
 VALUES
 
-title "A write to each of them"
+title "A write to each of them: the old value, the new one, and the one read back"
 "$bin/velhost" --plant "$work/demo-plant.json" write \
     'Press/Bit of a word=0' 'Press/Short=-1234' 'Press/Long=-70000' 'Press/Word=54321' \
     'Press/DWord=4000000000' 'Press/Hex16=BEEF' 'Press/Hex32=DEADBEEF' 'Press/Float=-2.5' \

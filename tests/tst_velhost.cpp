@@ -239,13 +239,15 @@ Cycle  Time                           Device  Item     Value  Error
 )",
         "velhost: the plug-in %PLUGIN% returned false from stopPlugin()\n");
 
-    row("write", "write|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=a=b ", pressPlant(""), 0,
+    row("write", "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=a=b ",
+        pressPlant(""), 0,
         R"(Cycle  Time                           Device  Item     Value    Error
 1      2024-02-29T12:34:56.789+05:30  Press   Counter  a=b\x20
 )",
         "");
     row("write to two devices in the order given",
-        "write|--plugin|%PLUGIN%|--plant|plant.json|--format|json|Oven/B=1|Press/C=|Oven/A=3|Oven/"
+        "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|--format|json|Oven/B=1|Press/"
+        "C=|Oven/A=3|Oven/"
         "B=4",
         twoDevicesPlant(), 0,
         R"({"type":"log","level":"debug","text":"init: 1 Press  {port=8501 script=trace time_stamp=2024-02-29T12:34:56.789+05:30} interfaces "}
@@ -265,7 +267,8 @@ Cycle  Time                           Device  Item     Value  Error
 {"type":"log","level":"debug","text":"stop: Oven"}
 )",
         "");
-    row("refused write", "write|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=refused",
+    row("refused write",
+        "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=refused",
         pressPlant(""), 1,
         R"(Cycle  Time                           Device  Item     Value    Error
 1                                     Press                     write failed: 1 entry in the error log
@@ -273,7 +276,7 @@ Cycle  Time                           Device  Item     Value  Error
 )",
         "log error: Counter: value refused\n");
     row("two refused writes, json",
-        "write|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=refused|Press/"
+        "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=refused|Press/"
         "Mode=refused|--format|json",
         pressPlant("write-false"), 1,
         R"({"type":"log","level":"error","text":"Counter: value refused"}
@@ -284,7 +287,7 @@ Cycle  Time                           Device  Item     Value  Error
 )",
         "");
     row("write returns false",
-        "write|--plugin|%PLUGIN%|--plant|plant.json|Press/Mode=1|--format|json",
+        "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|Press/Mode=1|--format|json",
         pressPlant("write-false"), 1,
         R"({"type":"device","cycle":1,"device":"Press","error":"writeData() returned false"}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"1","error":""}

@@ -20,6 +20,7 @@ class tst_VelhostCommandLine : public QObject
 private Q_SLOTS:
     void defaults();
     void everyOption();
+    void writeOptions();
     void commands_data();
     void commands();
     void cycleLimits_data();
@@ -43,6 +44,8 @@ void tst_VelhostCommandLine::defaults()
     QCOMPARE(line->cycles, 1);
     QCOMPARE(line->intervalMs, 1000);
     QCOMPARE(line->assignments, QStringList());
+    QCOMPARE(line->isConfirmed, false);
+    QCOMPARE(line->verifies, true);
 }
 
 void tst_VelhostCommandLine::everyOption()
@@ -59,6 +62,17 @@ void tst_VelhostCommandLine::everyOption()
     QCOMPARE(line->format, OutputFormat::Json);
     QCOMPARE(line->cycles, 3);
     QCOMPARE(line->intervalMs, 50);
+}
+
+void tst_VelhostCommandLine::writeOptions()
+{
+    QString error;
+    const auto line
+        = parseCommandLine(words("velhost|write|A/b=1|--plant|p|--yes|--no-verify"), &error);
+    QCOMPARE(error, QString());
+    QVERIFY(line.has_value());
+    QCOMPARE(line->isConfirmed, true);
+    QCOMPARE(line->verifies, false);
 }
 
 void tst_VelhostCommandLine::commands_data()
@@ -176,6 +190,9 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|columns|--cycles|1", "columns has no use for --cycles");
     row("velhost|columns|--interval|1", "columns has no use for --interval");
     row("velhost|write|A/b=1|--plant|p|--cycles|1", "write has no use for --cycles");
+    row("velhost|read|--plant|p|--yes", "read has no use for --yes");
+    row("velhost|columns|--no-verify", "columns has no use for --no-verify");
+    row("velhost|write|A/b=1|--plant|p|--yes|--yes", "--yes is given more than once");
     row("velhost|columns|--plnat|p", "Unknown option 'plnat'.");
     row("velhost|columns|-x", "Unknown option 'x'.");
     row("velhost|columns|--plugin", "Missing value after '--plugin'.");

@@ -312,14 +312,15 @@ void tst_VelhostLoading::help()
     const ProgramRun run = runProgram(program, {text("--help")}, m_folder.path());
     QCOMPARE(run.errors, QString());
     QCOMPARE(
-        run.output.section(u'\n', 0, 8),
+        run.output.section(u'\n', 0, 9),
         text("Usage: %1 [options] COMMAND\n"
              "Loads a VEL plug-in, plays the host and shows what the plug-in answers.\n"
              "\n"
              "Commands:\n"
              "  columns                       Show what the plug-in declares.\n"
              "  read                          Read every item of every device.\n"
-             "  write DEVICE/ITEM=VALUE ...   Write the named items, in the order given.\n"
+             "  write DEVICE/ITEM=VALUE ...   Read, write and read back the named items, in the\n"
+             "                                order given.\n"
              "\n"
              "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant "
              "file,")

@@ -15,18 +15,33 @@ struct CommandDescription
     QString name;
     Command command;
     bool needsPlant;
-    bool hasCycles;
     bool hasAssignments;
+    /// Those options that are not for every command.
+    QStringList options;
 };
 
 const std::array<CommandDescription, 3> &commands()
 {
     static const std::array<CommandDescription, 3> table{{
-        {QStringLiteral("columns"), Command::Columns, false, false, false},
-        {QStringLiteral("read"), Command::Read, true, true, false},
-        {QStringLiteral("write"), Command::Write, true, false, true},
+        {QStringLiteral("columns"), Command::Columns, false, false, {}},
+        {QStringLiteral("read"),
+         Command::Read,
+         true,
+         false,
+         {QStringLiteral("cycles"), QStringLiteral("interval")}},
+        {QStringLiteral("write"),
+         Command::Write,
+         true,
+         true,
+         {QStringLiteral("yes"), QStringLiteral("no-verify")}},
     }};
     return table;
+}
+
+/// The options that every command takes.
+QStringList commonOptions()
+{
+    return {QStringLiteral("plugin"), QStringLiteral("plant"), QStringLiteral("format")};
 }
 
 void describe(QCommandLineParser *parser)
@@ -36,7 +51,8 @@ void describe(QCommandLineParser *parser)
         "Commands:\n"
         "  columns                       Show what the plug-in declares.\n"
         "  read                          Read every item of every device.\n"
-        "  write DEVICE/ITEM=VALUE ...   Write the named items, in the order given.\n\n"
+        "  write DEVICE/ITEM=VALUE ...   Read, write and read back the named items, in the\n"
+        "                                order given.\n\n"
         "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant file,\n"
         "3 the plug-in cannot be loaded."));
     parser->addPositionalArgument(QStringLiteral("command"),
@@ -60,6 +76,10 @@ void describe(QCommandLineParser *parser)
         {QStringLiteral("interval"),
          QStringLiteral("read: milliseconds between cycle starts (default 1000)."),
          QStringLiteral("MS")},
+        {QStringLiteral("yes"),
+         QStringLiteral("write: confirms that devices which are not on this machine may change.")},
+        {QStringLiteral("no-verify"),
+         QStringLiteral("write: only write, read nothing before or after.")},
     });
 }
 
@@ -119,8 +139,9 @@ QString optionError(const QCommandLineParser &parser)
 /// Says what the command misses or has no use for.
 QString commandError(const CommandDescription &command, const QCommandLineParser &parser)
 {
-    for (const QString &option : {QStringLiteral("cycles"), QStringLiteral("interval")}) {
-        if (parser.isSet(option) && !command.hasCycles)
+    const QStringList given = parser.optionNames();
+    for (const QString &option : given) {
+        if (!commonOptions().contains(option) && !command.options.contains(option))
             return QStringLiteral("%1 has no use for --%2").arg(command.name, option);
     }
     if (command.needsPlant && !parser.isSet(QStringLiteral("plant")))
@@ -181,6 +202,8 @@ std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QStrin
     result.pluginFile = parser.value(QStringLiteral("plugin"));
     result.plantFile = parser.value(QStringLiteral("plant"));
     result.assignments = positional.mid(1);
+    result.isConfirmed = parser.isSet(QStringLiteral("yes"));
+    result.verifies = !parser.isSet(QStringLiteral("no-verify"));
     const bool taken
         = takeFormat(parser, &result.format, error)
           && takeNumber(parser, QStringLiteral("cycles"), 1, maximumCycles, &result.cycles, error)

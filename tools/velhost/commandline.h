@@ -25,6 +25,10 @@ struct CommandLine
     int intervalMs = 1000;
     /// The arguments of `write`, each DEVICE/ITEM=VALUE.
     QStringList assignments;
+    /// `write` may change devices that are not on this machine.
+    bool isConfirmed = false;
+    /// `write` reads before and after.
+    bool verifies = true;
 };
 
 /// Reads the arguments, the program's name first. Options may stand before and after the command.

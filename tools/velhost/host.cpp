@@ -77,5 +77,6 @@ void Host::logDebug(const QString &message)
 void Host::logError(const QString &message)
 {
     ++m_errorCount;
+    m_lastError = message;
     m_log({LogEntry::Level::Error, message});
 }

@@ -33,6 +33,9 @@ public:
     /// Log entries of level error so far.
     int errorCount() const { return m_errorCount; }
 
+    /// The text of the latest of them.
+    const QString &lastError() const { return m_lastError; }
+
     /// The plant's devices as records, their parameters resolved against the registered columns.
     /// Adds to `errors` what does not resolve, by its place in the plant file.
     QList<DeviceInstancePlugin> deviceRecords(QStringList *errors) const;
@@ -50,4 +53,5 @@ private:
     std::function<void(const LogEntry &)> m_log;
     std::optional<PluginRegistration> m_registration;
     int m_errorCount = 0;
+    QString m_lastError;
 };

@@ -1,115 +1,18 @@
-#include "assignment.h"
 #include "commandline.h"
-#include "cycle.h"
+#include "console.h"
 #include "host.h"
+#include "job.h"
 #include "output.h"
-#include "plant.h"
 #include "pluginfile.h"
+#include "readcommand.h"
+#include "writecommand.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QThread>
 
-#include <algorithm>
 #include <cstdio>
 #include <optional>
 
 namespace {
-
-// As the help and docs/velhost.md promise them.
-enum ExitCode { AllWell = 0, ErrorFound = 1, WrongUsage = 2, NotLoaded = 3 };
-
-/// Writes the text at once, so that it is there when the program is stopped during a wait. A
-/// failure leaves its mark on the stream.
-void print(FILE *stream, const QString &text)
-{
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
-}
-
-void complain(const QString &text)
-{
-    print(stderr, u"velhost: " + visible(text) + u'\n');
-}
-
-void complain(const QStringList &texts)
-{
-    for (const QString &text : texts)
-        complain(text);
-}
-
-/// Everything that can be judged before a plug-in is loaded.
-struct Job
-{
-    CommandLine commandLine;
-    Plant plant;
-    QList<Assignment> assignments;
-};
-
-std::optional<Job> prepareJob(const CommandLine &commandLine)
-{
-    Job job{commandLine, {}, {}};
-    QStringList errors;
-    if (!commandLine.plantFile.isEmpty()) {
-        const std::optional<Plant> plant = readPlantFile(commandLine.plantFile, &errors);
-        if (!plant) {
-            complain(errors);
-            return {};
-        }
-        job.plant = *plant;
-    }
-    for (const QString &argument : commandLine.assignments) {
-        QString error;
-        if (const auto assignment = parseAssignment(argument, job.plant, &error))
-            job.assignments.append(*assignment);
-        else
-            errors.append(error);
-    }
-    complain(errors);
-    return errors.isEmpty() ? std::optional(job) : std::nullopt;
-}
-
-/// Prints the cycle; true when nothing in it has an error.
-bool printCycle(OutputFormat format, const QList<DeviceReport> &devices, bool isFirst)
-{
-    QString text = cycleText(format, devices);
-    if (format == OutputFormat::Table && !isFirst)
-        text.prepend(u'\n');
-    print(stdout, text);
-    return std::none_of(devices.begin(), devices.end(),
-                        [](const DeviceReport &device) { return device.hasError(); });
-}
-
-ExitCode read(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices,
-              const CommandLine &commandLine)
-{
-    QList<LogList> lists = readLists(devices);
-    ExitCode result = AllWell;
-    for (int cycle = 1; cycle <= commandLine.cycles; ++cycle) {
-        QElapsedTimer sinceStart;
-        sinceStart.start();
-        QList<DeviceReport> reports;
-        for (LogList &list : lists)
-            reports.append(readDevice(plugin, &list, cycle));
-        if (!printCycle(commandLine.format, reports, cycle == 1))
-            result = ErrorFound;
-        const qint64 rest = commandLine.intervalMs - sinceStart.elapsed();
-        if (cycle < commandLine.cycles && rest > 0)
-            QThread::msleep(static_cast<unsigned long>(rest));
-    }
-    return result;
-}
-
-ExitCode write(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, const Job &job,
-               const Host &host)
-{
-    QList<LogList> lists = writeLists(devices, job.assignments);
-    QList<DeviceReport> reports;
-    for (LogList &list : lists)
-        reports.append(writeDevice(plugin, &list, 1, host));
-    return printCycle(job.commandLine.format, reports, true) ? AllWell : ErrorFound;
-}
 
 /// What comes between init() and stopPlugin().
 ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host, bool initDone)
@@ -135,9 +38,9 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
         print(stdout, columnsText(job.commandLine.format, loaded, *registration));
         break;
     case Command::Read:
-        return read(loaded.plugin, devices, job.commandLine);
+        return runRead(loaded.plugin, devices, job.commandLine);
     case Command::Write:
-        return write(loaded.plugin, devices, job, host);
+        return runWrite(loaded.plugin, devices, job, host);
     case Command::Help:
     case Command::Version:
         break;

@@ -1,0 +1,21 @@
+#include "console.h"
+
+#include "output.h"
+
+void print(FILE *stream, const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+void complain(const QString &text)
+{
+    print(stderr, u"velhost: " + visible(text) + u'\n');
+}
+
+void complain(const QStringList &texts)
+{
+    for (const QString &text : texts)
+        complain(text);
+}

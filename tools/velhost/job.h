@@ -1,0 +1,22 @@
+#pragma once
+
+#include "assignment.h"
+#include "commandline.h"
+#include "plant.h"
+
+#include <QList>
+
+#include <optional>
+
+/// Everything that can be judged before a plug-in is loaded.
+struct Job
+{
+    CommandLine commandLine;
+    Plant plant;
+    QList<Assignment> assignments;
+};
+
+/// Reads the plant file and the assignments. Returns nothing when anything is wrong with them, or
+/// when `write` names a device that is not on this machine and `--yes` is not given; the reasons
+/// are then on standard error.
+std::optional<Job> prepareJob(const CommandLine &commandLine);

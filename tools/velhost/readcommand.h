@@ -1,0 +1,14 @@
+#pragma once
+
+#include "commandline.h"
+#include "console.h"
+
+#include <vel/records.h>
+#include <vel/velinterface.h>
+
+#include <QList>
+
+/// Reads the devices cycle by cycle and prints each cycle. ErrorFound when a device or an item had
+/// an error in any of them.
+ExitCode runRead(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices,
+                 const CommandLine &commandLine);

@@ -1,0 +1,67 @@
+#include "verifiedwrite.h"
+
+#include "cycle.h"
+#include "samevalue.h"
+
+namespace {
+
+/// What one read of one item gave: a value or an error.
+struct ItemRead
+{
+    QDateTime time;
+    std::optional<QString> value;
+    QString error;
+};
+
+LogList listOf(const DeviceInstancePlugin &device, int item, const QString &value)
+{
+    return writeLists({device}, {{0, item, value}}).first();
+}
+
+ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int item)
+{
+    LogList list = listOf(device, item, {});
+    const DeviceReport report = readDevice(plugin, &list, 1);
+    const ItemReport &itemReport = report.values.first();
+    const QString error = report.error.isEmpty() ? itemReport.error : report.error;
+    if (!error.isEmpty())
+        return {itemReport.time, {}, error};
+    return {itemReport.time, itemReport.value, {}};
+}
+
+/// Why the write failed; empty when it did not.
+QString writeItem(VELInterface *plugin, const DeviceInstancePlugin &device,
+                  const Assignment &assignment, const Host &host)
+{
+    LogList list = listOf(device, assignment.item, assignment.value);
+    const int errorsBefore = host.errorCount();
+    const DeviceReport report = writeDevice(plugin, &list, 1, host);
+    const QString reason = host.errorCount() > errorsBefore ? host.lastError() : report.error;
+    return reason.isEmpty() ? reason : QString(u"write failed: " + reason);
+}
+
+} // namespace
+
+WriteReport writeVerified(VELInterface *plugin, const DeviceInstancePlugin &device,
+                          const Assignment &assignment, const Host &host)
+{
+    const ItemInstancePlugin &item = device.items.at(assignment.item);
+    const ItemRead before = readItem(plugin, device, assignment.item);
+    WriteReport report{before.time, device.name, item.name, before.value, assignment.value, {}, {}};
+    if (!before.value) {
+        report.error = u"not written, the old value cannot be read: " + before.error;
+        return report;
+    }
+    report.error = writeItem(plugin, device, assignment, host);
+    const ItemRead after = readItem(plugin, device, assignment.item);
+    report.time = after.time;
+    report.readBack = after.value;
+    if (!report.error.isEmpty())
+        return report;
+    const ValueKind kind = valueKind(item.parameters, host.registration()->itemColumns);
+    if (!after.value)
+        report.error = u"written, but cannot be read back: " + after.error;
+    else if (!sameValue(assignment.value, *after.value, kind))
+        report.error = QStringLiteral("the value read back is not the one written");
+    return report;
+}
