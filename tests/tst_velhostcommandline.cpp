@@ -20,6 +20,7 @@ class tst_VelhostCommandLine : public QObject
 private Q_SLOTS:
     void defaults();
     void everyOption();
+    void readOptions();
     void writeOptions();
     void commands_data();
     void commands();
@@ -44,6 +45,7 @@ void tst_VelhostCommandLine::defaults()
     QCOMPARE(line->cycles, 1);
     QCOMPARE(line->intervalMs, 1000);
     QCOMPARE(line->assignments, QStringList());
+    QCOMPARE(line->onlyChanges, false);
     QCOMPARE(line->isConfirmed, false);
     QCOMPARE(line->verifies, true);
 }
@@ -62,6 +64,17 @@ void tst_VelhostCommandLine::everyOption()
     QCOMPARE(line->format, OutputFormat::Json);
     QCOMPARE(line->cycles, 3);
     QCOMPARE(line->intervalMs, 50);
+}
+
+void tst_VelhostCommandLine::readOptions()
+{
+    QString error;
+    const auto line
+        = parseCommandLine(words("velhost|read|--plant|p|--only-changes|--format|csv"), &error);
+    QCOMPARE(error, QString());
+    QVERIFY(line.has_value());
+    QCOMPARE(line->onlyChanges, true);
+    QCOMPARE(line->format, OutputFormat::Csv);
 }
 
 void tst_VelhostCommandLine::writeOptions()
@@ -190,6 +203,10 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|columns|--cycles|1", "columns has no use for --cycles");
     row("velhost|columns|--interval|1", "columns has no use for --interval");
     row("velhost|write|A/b=1|--plant|p|--cycles|1", "write has no use for --cycles");
+    row("velhost|columns|--format|csv", "--format csv is for read; columns has table and json");
+    row("velhost|write|A/b=1|--plant|p|--format|csv",
+        "--format csv is for read; write has table and json");
+    row("velhost|write|A/b=1|--plant|p|--only-changes", "write has no use for --only-changes");
     row("velhost|read|--plant|p|--yes", "read has no use for --yes");
     row("velhost|columns|--no-verify", "columns has no use for --no-verify");
     row("velhost|write|A/b=1|--plant|p|--yes|--yes", "--yes is given more than once");
@@ -199,8 +216,8 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|columns|--plugin=", "--plugin needs a file name");
     row("velhost|read|--plant|", "--plant needs a file name");
     row("velhost|columns|--plugin|a|--plugin|a", "--plugin is given more than once");
-    row("velhost|columns|--format|xml", "--format is table or json, not \"xml\"");
-    row("velhost|columns|--format|JSON", "--format is table or json, not \"JSON\"");
+    row("velhost|columns|--format|xml", "--format is table, json or csv, not \"xml\"");
+    row("velhost|columns|--format|JSON", "--format is table, json or csv, not \"JSON\"");
     row("velhost|--version=1", "Unexpected value after '--version'.");
 }
 

@@ -10,8 +10,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <csignal>
-
 // What the built program does where something outside it is not as it should be: its plug-in, its
 // plant file, its streams, its time.
 
@@ -57,7 +55,6 @@ private Q_SLOTS:
     void noDefaultPlugin();
     void stampsWithoutPlugin();
     void keepsInterval();
-    void interruptEndsWait();
     void fullOutput();
     void argumentNotUtf8();
     void help();
@@ -264,23 +261,6 @@ void tst_VelhostLoading::keepsInterval()
     QCOMPARE(run.errors, QString());
     QCOMPARE(run.output.count(u'\n'), 8);
     QCOMPARE(run.exitCode, 0);
-}
-
-void tst_VelhostLoading::interruptEndsWait()
-{
-    QProcess process;
-    process.setWorkingDirectory(m_folder.path());
-    process.start(program, {text("read"), text("--plugin"), scriptedPlugin, text("--plant"),
-                            text("plant.json"), text("--cycles"), text("2"), text("--interval"),
-                            text("86400000"), text("--format"), text("json")});
-    QByteArray output;
-    while (!output.contains('\n') && process.waitForReadyRead(30000))
-        output += process.readAllStandardOutput();
-    QCOMPARE(output.count('\n'), 1);
-    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
-    QVERIFY(process.waitForFinished(30000));
-    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
-    QCOMPARE(process.exitCode(), SIGINT);
 }
 
 void tst_VelhostLoading::fullOutput()

@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <csignal>
 
 namespace {
 
@@ -93,6 +94,10 @@ void ScriptedPlugin::trace(const QString &operation, const LogList &list)
 bool ScriptedPlugin::readData(LogList *list)
 {
     trace(QStringLiteral("read"), *list);
+    if (hasWord(*list, QStringLiteral("raise-int")))
+        ::raise(SIGINT);
+    if (hasWord(*list, QStringLiteral("raise-term")))
+        ::raise(SIGTERM);
     if (hasWord(*list, QStringLiteral("read-error")))
         list->setLastError(QStringLiteral("no answer from %1").arg(list->ipAddress));
     const QString timeStamp = list->parameters.value(QStringLiteral("time_stamp"));

@@ -28,7 +28,7 @@ const std::array<CommandDescription, 3> &commands()
          Command::Read,
          true,
          false,
-         {QStringLiteral("cycles"), QStringLiteral("interval")}},
+         {QStringLiteral("cycles"), QStringLiteral("interval"), QStringLiteral("only-changes")}},
         {QStringLiteral("write"),
          Command::Write,
          true,
@@ -69,13 +69,16 @@ void describe(QCommandLineParser *parser)
          QStringLiteral("The devices and items as JSON. Only columns does without."),
          QStringLiteral("FILE")},
         {QStringLiteral("format"),
-         QStringLiteral("table (default) for people, json for one JSON object a line."),
+         QStringLiteral("table (default) for people, json for one JSON object a line, csv for "
+                        "comma-separated values (read only)."),
          QStringLiteral("FORMAT")},
         {QStringLiteral("cycles"), QStringLiteral("read: number of cycles (default 1)."),
          QStringLiteral("N")},
         {QStringLiteral("interval"),
          QStringLiteral("read: milliseconds between cycle starts (default 1000)."),
          QStringLiteral("MS")},
+        {QStringLiteral("only-changes"),
+         QStringLiteral("read: print an item only when its value or its error has changed.")},
         {QStringLiteral("yes"),
          QStringLiteral("write: confirms that devices which are not on this machine may change.")},
         {QStringLiteral("no-verify"),
@@ -114,8 +117,10 @@ bool takeFormat(const QCommandLineParser &parser, OutputFormat *format, QString 
         *format = OutputFormat::Table;
     else if (text == QLatin1String("json"))
         *format = OutputFormat::Json;
+    else if (text == QLatin1String("csv"))
+        *format = OutputFormat::Csv;
     else {
-        *error = QStringLiteral("--format is table or json, not \"%1\"").arg(text);
+        *error = QStringLiteral("--format is table, json or csv, not \"%1\"").arg(text);
         return false;
     }
     return true;
@@ -144,6 +149,8 @@ QString commandError(const CommandDescription &command, const QCommandLineParser
         if (!commonOptions().contains(option) && !command.options.contains(option))
             return QStringLiteral("%1 has no use for --%2").arg(command.name, option);
     }
+    if (command.command != Command::Read && parser.value(QStringLiteral("format")) == u"csv")
+        return QStringLiteral("--format csv is for read; %1 has table and json").arg(command.name);
     if (command.needsPlant && !parser.isSet(QStringLiteral("plant")))
         return QStringLiteral("%1 needs a plant file: --plant FILE").arg(command.name);
     const QStringList rest = parser.positionalArguments().mid(1);
@@ -202,6 +209,7 @@ std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QStrin
     result.pluginFile = parser.value(QStringLiteral("plugin"));
     result.plantFile = parser.value(QStringLiteral("plant"));
     result.assignments = positional.mid(1);
+    result.onlyChanges = parser.isSet(QStringLiteral("only-changes"));
     result.isConfirmed = parser.isSet(QStringLiteral("yes"));
     result.verifies = !parser.isSet(QStringLiteral("no-verify"));
     const bool taken

@@ -23,6 +23,8 @@ struct CommandLine
     int cycles = 1;
     /// Milliseconds from the start of one cycle to the start of the next, 0 or more.
     int intervalMs = 1000;
+    /// `read` prints an item only when it differs from what was printed last.
+    bool onlyChanges = false;
     /// The arguments of `write`, each DEVICE/ITEM=VALUE.
     QStringList assignments;
     /// `write` may change devices that are not on this machine.

@@ -1,5 +1,6 @@
 #include "output.h"
 
+#include "csv.h"
 #include "json.h"
 #include "table.h"
 
@@ -122,7 +123,7 @@ QString columnsTable(const PluginRegistration &registration)
 QString deviceJsonLines(const DeviceReport &device)
 {
     QString lines;
-    if (!device.error.isEmpty()) {
+    if (device.hasOwnLine()) {
         lines += jsonObject({{key("type"), jsonText(key("device"))},
                              {key("cycle"), jsonText(device.cycle)},
                              {key("device"), jsonText(device.device)},
@@ -146,8 +147,9 @@ void appendDeviceRows(const DeviceReport &device, QList<QStringList> *rows)
 {
     const QString cycle = QString::number(device.cycle);
     const QString name = visible(device.device);
-    if (!device.error.isEmpty())
-        rows->append({cycle, {}, name, {}, {}, visible(device.error)});
+    const QString ended = QStringLiteral("no error any more");
+    if (device.hasOwnLine())
+        rows->append({cycle, {}, name, {}, {}, device.errorEnded ? ended : visible(device.error)});
     for (const ItemReport &item : device.values) {
         QString value = visible(item.value);
         if (item.isOld)
@@ -217,6 +219,8 @@ QString cycleText(OutputFormat format, const QList<DeviceReport> &devices)
 {
     if (format == OutputFormat::Table)
         return cycleTable(devices);
+    if (format == OutputFormat::Csv)
+        return cycleCsv(devices);
     QString lines;
     for (const DeviceReport &device : devices)
         lines += deviceJsonLines(device);
@@ -227,7 +231,7 @@ QString logText(OutputFormat format, const LogEntry &entry)
 {
     const QString level
         = entry.level == LogEntry::Level::Error ? QStringLiteral("error") : QStringLiteral("debug");
-    if (format == OutputFormat::Table)
+    if (format != OutputFormat::Json)
         return u"log " + level + u": " + visible(entry.text) + u'\n';
     return jsonObject({{key("type"), jsonText(key("log"))},
                        {key("level"), jsonText(level)},

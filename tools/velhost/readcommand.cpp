@@ -1,30 +1,58 @@
 #include "readcommand.h"
 
+#include "changes.h"
+#include "csv.h"
 #include "cycle.h"
+#include "stopsignals.h"
 
 #include <QElapsedTimer>
-#include <QThread>
 
 #include <algorithm>
 
 namespace {
 
-/// Prints the cycle; true when nothing in it has an error.
-bool printCycle(OutputFormat format, const QList<DeviceReport> &devices, bool isFirst)
+bool hasError(const QList<DeviceReport> &devices)
 {
-    QString text = cycleText(format, devices);
-    if (format == OutputFormat::Table && !isFirst)
-        text.prepend(u'\n');
-    print(stdout, text);
-    return std::none_of(devices.begin(), devices.end(),
-                        [](const DeviceReport &device) { return device.hasError(); });
+    return std::any_of(devices.begin(), devices.end(),
+                       [](const DeviceReport &device) { return device.hasError(); });
 }
+
+/// Prints cycles one after the other, as the command line wants them.
+class CyclePrinter
+{
+public:
+    explicit CyclePrinter(const CommandLine &commandLine)
+        : m_format(commandLine.format), m_onlyChanges(commandLine.onlyChanges)
+    {
+        if (m_format == OutputFormat::Csv)
+            print(stdout, cycleCsvHeader());
+    }
+
+    void printCycle(const QList<DeviceReport> &devices)
+    {
+        QString text = cycleText(m_format, m_onlyChanges ? m_changes.take(devices) : devices);
+        if (text.isEmpty())
+            return;
+        if (m_format == OutputFormat::Table && !m_isFirst)
+            text.prepend(u'\n');
+        m_isFirst = false;
+        print(stdout, text);
+    }
+
+private:
+    OutputFormat m_format;
+    bool m_onlyChanges;
+    bool m_isFirst = true;
+    Changes m_changes;
+};
 
 } // namespace
 
 ExitCode runRead(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices,
                  const CommandLine &commandLine)
 {
+    StopSignals stopSignals;
+    CyclePrinter printer(commandLine);
     QList<LogList> lists = readLists(devices);
     ExitCode result = AllWell;
     for (int cycle = 1; cycle <= commandLine.cycles; ++cycle) {
@@ -33,11 +61,14 @@ ExitCode runRead(VELInterface *plugin, const QList<DeviceInstancePlugin> &device
         QList<DeviceReport> reports;
         for (LogList &list : lists)
             reports.append(readDevice(plugin, &list, cycle));
-        if (!printCycle(commandLine.format, reports, cycle == 1))
+        printer.printCycle(reports);
+        if (hasError(reports))
             result = ErrorFound;
-        const qint64 rest = commandLine.intervalMs - sinceStart.elapsed();
-        if (cycle < commandLine.cycles && rest > 0)
-            QThread::msleep(static_cast<unsigned long>(rest));
+        const bool isLast = cycle == commandLine.cycles;
+        const int signal
+            = stopSignals.wait(isLast ? 0 : commandLine.intervalMs - sinceStart.elapsed());
+        if (signal != 0)
+            return signal == SIGINT ? Interrupted : Terminated;
     }
     return result;
 }

@@ -15,7 +15,7 @@ struct ItemRead
 
 LogList listOf(const DeviceInstancePlugin &device, int item, const QString &value)
 {
-    return writeLists({device}, {{0, item, value}}).first();
+    return writeLists({device}, {{0, item, value}}).at(0);
 }
 
 ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int item)

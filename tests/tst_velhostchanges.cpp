@@ -1,0 +1,219 @@
+#include "plantrun.h"
+#include "text.h"
+
+#include <changes.h>
+#include <csv.h>
+
+#include <QtTest>
+
+// `read --only-changes` and `read --format csv`.
+
+namespace {
+
+QStringList arguments(const char *format, bool onlyChanges)
+{
+    QStringList result{text("read"),       text("--plugin"),   text(SCRIPTED_PLUGIN_FILE),
+                       text("--plant"),    text("plant.json"), text("--format"),
+                       text(format),       text("--cycles"),   text("5"),
+                       text("--interval"), text("0")};
+    if (onlyChanges)
+        result.append(text("--only-changes"));
+    return result;
+}
+
+/// One device with two items, of which the second never changes.
+QByteArray plantWith(const QByteArray &answers, const QByteArray &script = "")
+{
+    return R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1",
+ "parameters": {"time_stamp": "2024-02-29T12:34:56.789+00:00", "script": ")"
+           + script + R"("},
+ "items": [{"name": "A", "parameters": {"answers": ")"
+           + answers + R"("}}, {"name": "B", "parameters": {"answers": "same"}}]}]})";
+}
+
+/// A cycle of one device with one item.
+QList<DeviceReport> cycleOf(int number, const char *deviceError, const char *value)
+{
+    DeviceReport device;
+    device.cycle = number;
+    device.device = text("Press");
+    device.error = text(deviceError);
+    device.values = {{QDateTime(), text("A"), text(value), {}, false}};
+    return {device};
+}
+
+/// What is let through, as text: the device's error or its end, then the values.
+QString shown(const QList<DeviceReport> &devices)
+{
+    QStringList parts;
+    for (const DeviceReport &device : devices) {
+        if (device.errorEnded)
+            parts.append(text("ended"));
+        if (!device.error.isEmpty())
+            parts.append(device.error);
+        for (const ItemReport &item : device.values)
+            parts.append(item.item + u'=' + item.value);
+    }
+    return parts.join(u' ');
+}
+
+} // namespace
+
+class tst_VelhostChanges : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void records_data();
+    void records();
+    void onlyChanges_data();
+    void onlyChanges();
+    void csv();
+    void csvOfDeviceError();
+    void deviceErrors();
+    void deviceErrorEnds();
+    void devicesApart();
+};
+
+void tst_VelhostChanges::records_data()
+{
+    QTest::addColumn<QStringList>("fields");
+    QTest::addColumn<QString>("record");
+
+    const auto row = [](const char *title, const QStringList &fields, const char *record) {
+        QTest::newRow(title) << fields << text(record);
+    };
+    row("plain", {text("a"), text("b c"), text("-1")}, "a,b c,-1\r\n");
+    row("empty fields", {text(""), text("")}, ",\r\n");
+    row("comma", {text("a,b"), text("c")}, "\"a,b\",c\r\n");
+    row("quote", {text("\"")}, "\"\"\"\"\r\n");
+    row("carriage return", {text("a\rb")}, "\"a\rb\"\r\n");
+    row("line feed", {text("a\n")}, "\"a\n\"\r\n");
+    row("spaces", {text(" a ")}, " a \r\n");
+    row("backslash", {text("\\r")}, "\\r\r\n");
+}
+
+void tst_VelhostChanges::records()
+{
+    QFETCH(QStringList, fields);
+    QFETCH(QString, record);
+    QCOMPARE(csvRecord(fields), record);
+}
+
+void tst_VelhostChanges::onlyChanges_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<QString>("output");
+
+    QTest::newRow("table")
+        << QByteArray("table")
+        << text(
+               R"(Cycle  Time                           Device  Item  Value  Error
+1      2024-02-29T12:34:56.789+00:00  Press   A     1
+1      2024-02-29T12:34:56.789+00:00  Press   B     same
+
+Cycle  Time                           Device  Item  Value    Error
+3      2024-02-29T12:34:56.789+00:00  Press   A     1 (old)  gone
+
+Cycle  Time                           Device  Item  Value  Error
+5      2024-02-29T12:34:56.789+00:00  Press   A     1
+)");
+    QTest::newRow("json")
+        << QByteArray("json")
+        << text(
+               R"({"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+00:00","device":"Press","item":"A","value":"1","error":""}
+{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+00:00","device":"Press","item":"B","value":"same","error":""}
+{"type":"value","cycle":3,"time":"2024-02-29T12:34:56.789+00:00","device":"Press","item":"A","value":"1","error":"gone"}
+{"type":"value","cycle":5,"time":"2024-02-29T12:34:56.789+00:00","device":"Press","item":"A","value":"1","error":""}
+)");
+    QTest::newRow("csv") << QByteArray("csv")
+                         << text("cycle,time,device,item,value,old,error\r\n"
+                                 "1,2024-02-29T12:34:56.789+00:00,Press,A,1,,\r\n"
+                                 "1,2024-02-29T12:34:56.789+00:00,Press,B,same,,\r\n"
+                                 "3,2024-02-29T12:34:56.789+00:00,Press,A,1,old,gone\r\n"
+                                 "5,2024-02-29T12:34:56.789+00:00,Press,A,1,,\r\n");
+}
+
+void tst_VelhostChanges::onlyChanges()
+{
+    QFETCH(QByteArray, format);
+    QFETCH(QString, output);
+
+    const ProgramRun run = runWithPlant(text(VELHOST_FILE), arguments(format.constData(), true),
+                                        plantWith("1|1|!gone|!gone|1"));
+    QCOMPARE(run.output, output);
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.exitCode, 1);
+}
+
+// Log entries stay out of the values, and what does not change is printed without --only-changes.
+void tst_VelhostChanges::csv()
+{
+    const ProgramRun run = runWithPlant(
+        text(VELHOST_FILE),
+        arguments("csv", false).mid(0, 7)
+            + QStringList{text("--cycles"), text("2"), text("--interval"), text("0")},
+        plantWith(R"(a,\"b\"\r\n)", "trace"));
+    QCOMPARE(run.output, text("cycle,time,device,item,value,old,error\r\n"
+                              "1,2024-02-29T12:34:56.789+00:00,Press,A,\"a,\"\"b\"\"\r\n\",,\r\n"
+                              "1,2024-02-29T12:34:56.789+00:00,Press,B,same,,\r\n"
+                              "2,2024-02-29T12:34:56.789+00:00,Press,A,\"a,\"\"b\"\"\r\n\",,\r\n"
+                              "2,2024-02-29T12:34:56.789+00:00,Press,B,same,,\r\n"));
+    QCOMPARE(run.errors.section(u'\n', -2), text("log debug: stop: Press\n"));
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_VelhostChanges::csvOfDeviceError()
+{
+    const ProgramRun run
+        = runWithPlant(text(VELHOST_FILE), arguments("csv", true), plantWith("1", "read-error"));
+    QCOMPARE(run.output, text("cycle,time,device,item,value,old,error\r\n"
+                              "1,,Press,,,,no answer from 127.0.0.1\r\n"
+                              "1,2024-02-29T12:34:56.789+00:00,Press,A,1,old,\r\n"
+                              "1,2024-02-29T12:34:56.789+00:00,Press,B,same,old,\r\n"));
+    QCOMPARE(run.exitCode, 1);
+}
+
+void tst_VelhostChanges::deviceErrors()
+{
+    Changes changes;
+    QCOMPARE(shown(changes.take(cycleOf(1, "", "1"))), text("A=1"));
+    QCOMPARE(shown(changes.take(cycleOf(2, "lost", "1"))), text("lost"));
+    QCOMPARE(shown(changes.take(cycleOf(3, "lost", "1"))), QString());
+    QCOMPARE(shown(changes.take(cycleOf(4, "other", "1"))), text("other"));
+    QCOMPARE(shown(changes.take(cycleOf(5, "", "1"))), text("ended"));
+    QCOMPARE(shown(changes.take(cycleOf(6, "", "1"))), QString());
+    QCOMPARE(shown(changes.take(cycleOf(7, "lost", "2"))), text("lost A=2"));
+    QCOMPARE(shown(changes.take(cycleOf(8, "", "3"))), text("ended A=3"));
+}
+
+// How the end of a device's error is printed.
+void tst_VelhostChanges::deviceErrorEnds()
+{
+    DeviceReport device;
+    device.cycle = 4;
+    device.device = text("Press");
+    device.errorEnded = true;
+    QCOMPARE(cycleText(OutputFormat::Table, {device}),
+             text("Cycle  Time  Device  Item  Value  Error\n"
+                  "4            Press                no error any more\n"));
+    QCOMPARE(cycleText(OutputFormat::Json, {device}),
+             text(R"({"type":"device","cycle":4,"device":"Press","error":""})"
+                  "\n"));
+    QCOMPARE(cycleText(OutputFormat::Csv, {device}), text("4,,Press,,,,\r\n"));
+}
+
+void tst_VelhostChanges::devicesApart()
+{
+    DeviceReport press = cycleOf(1, "", "1").at(0);
+    DeviceReport oven = press;
+    oven.device = text("Oven");
+    Changes changes;
+    QCOMPARE(shown(changes.take({press, oven})), text("A=1 A=1"));
+    oven.values[0].value = text("2");
+    QCOMPARE(shown(changes.take({press, oven})), text("A=2"));
+    QCOMPARE(shown(changes.take({press, oven})), QString());
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostChanges)
+#include "tst_velhostchanges.moc"

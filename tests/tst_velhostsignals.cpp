@@ -1,0 +1,162 @@
+#include "programrun.h"
+#include "text.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+// What SIGINT and SIGTERM do to a read: the running cycle ends, the plug-in is stopped, the exit
+// code names the signal.
+
+namespace {
+
+const QString pluginFile = QStringLiteral(SCRIPTED_PLUGIN_FILE);
+
+/// Two devices of one item each; the script is the first one's.
+QByteArray plantWith(const QByteArray &script)
+{
+    return R"({"devices": [
+ {"id": 1, "name": "A", "ip": "127.0.0.1",
+  "parameters": {"time_stamp": "2024-02-29T12:34:56.789+00:00", "script": "trace,)"
+           + script + R"("}, "items": [{"name": "x"}]},
+ {"id": 2, "name": "B", "ip": "127.0.0.1",
+  "parameters": {"time_stamp": "2024-02-29T12:34:56.789+00:00"}, "items": [{"name": "y"}]}]})";
+}
+
+QByteArray csvOfCycle()
+{
+    return "cycle,time,device,item,value,old,error\r\n"
+           "1,2024-02-29T12:34:56.789+00:00,A,x,0,,\r\n"
+           "1,2024-02-29T12:34:56.789+00:00,B,y,0,,\r\n";
+}
+
+} // namespace
+
+class tst_VelhostSignals : public QObject
+{
+    Q_OBJECT
+
+    /// Starts a read of so many cycles, a day apart.
+    void startRead(QProcess *process, const QByteArray &script, const char *cycles);
+
+    QTemporaryDir m_folder;
+
+private Q_SLOTS:
+    void betweenCycles_data();
+    void betweenCycles();
+    void duringCycle_data();
+    void duringCycle();
+    void ignoredFromTheStart();
+    void stopFails();
+};
+
+void tst_VelhostSignals::startRead(QProcess *process, const QByteArray &script, const char *cycles)
+{
+    QFile file(m_folder.filePath(text("plant.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(plantWith(script));
+    file.close();
+    process->setProcessEnvironment(plainEnvironment());
+    process->start(text(VELHOST_FILE),
+                   {text("read"), text("--plugin"), pluginFile, text("--plant"), file.fileName(),
+                    text("--cycles"), text(cycles), text("--interval"), text("86400000"),
+                    text("--format"), text("csv")});
+    QVERIFY(process->waitForStarted());
+}
+
+void tst_VelhostSignals::betweenCycles_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<int>("exitCode");
+
+    QTest::newRow("SIGINT") << SIGINT << 130;
+    QTest::newRow("SIGTERM") << SIGTERM << 143;
+}
+
+// Ends long before the day is over that lies between two cycles.
+void tst_VelhostSignals::betweenCycles()
+{
+    QFETCH(int, signal);
+    QFETCH(int, exitCode);
+
+    QProcess process;
+    startRead(&process, "", "3");
+    QByteArray output;
+    while (output != csvOfCycle() && process.waitForReadyRead(10000))
+        output += process.readAllStandardOutput();
+    QCOMPARE(output, csvOfCycle());
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), exitCode);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(process.readAllStandardError().split('\n').value(3), QByteArray("log debug: stop: A"));
+}
+
+void tst_VelhostSignals::duringCycle_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QByteArray>("cycles");
+    QTest::addColumn<int>("exitCode");
+
+    QTest::newRow("SIGINT in the first of two")
+        << QByteArray("raise-int") << QByteArray("2") << 130;
+    QTest::newRow("SIGTERM in the first of two")
+        << QByteArray("raise-term") << QByteArray("2") << 143;
+    QTest::newRow("SIGINT in the only one") << QByteArray("raise-int") << QByteArray("1") << 130;
+    QTest::newRow("both at once") << QByteArray("raise-term,raise-int") << QByteArray("2") << 130;
+    QTest::newRow("also when an item has an error")
+        << QByteArray("raise-int,read-error") << QByteArray("2") << 130;
+}
+
+// The signal comes while the first device is read; the second one is read all the same.
+void tst_VelhostSignals::duringCycle()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QByteArray, cycles);
+    QFETCH(int, exitCode);
+
+    QProcess process;
+    startRead(&process, script, cycles.constData());
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), exitCode);
+    const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
+    QCOMPARE(lines.value(lines.size() - 2),
+             QByteArray("1,2024-02-29T12:34:56.789+00:00,B,y,0,,\r"));
+    QCOMPARE(process.readAllStandardError().split('\n').value(3), QByteArray("log debug: stop: A"));
+}
+
+// As a shell starts what shall run on in the background.
+void tst_VelhostSignals::ignoredFromTheStart()
+{
+    QFile file(m_folder.filePath(text("plant.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(plantWith("raise-int"));
+    file.close();
+    const ProgramRun run = runProgram(
+        text("/bin/sh"),
+        {text("-c"),
+         text("trap '' INT; exec \"$0\" read --plugin \"$1\" --plant plant.json --cycles 2 "
+              "--interval 0 --format csv --only-changes"),
+         text(VELHOST_FILE), pluginFile},
+        m_folder.path());
+    QCOMPARE(run.output, QString::fromLatin1(csvOfCycle()));
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_VelhostSignals::stopFails()
+{
+    QProcess process;
+    startRead(&process, "raise-int,stop-false", "2");
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitCode(), 130);
+    QCOMPARE(process.readAllStandardError().split('\n').value(4),
+             QByteArray("velhost: the plug-in " SCRIPTED_PLUGIN_FILE
+                        " returned false from stopPlugin()"));
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostSignals)
+#include "tst_velhostsignals.moc"
