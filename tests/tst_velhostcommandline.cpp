@@ -28,6 +28,8 @@ private Q_SLOTS:
     void cycleLimits();
     void intervalLimits_data();
     void intervalLimits();
+    void rttLimits_data();
+    void rttLimits();
     void errors_data();
     void errors();
 };
@@ -105,6 +107,8 @@ void tst_VelhostCommandLine::commands_data()
     row("velhost|columns|--plant|p", Command::Columns, {});
     row("velhost|--plant|p|--format|table|read", Command::Read, {});
     row("velhost|write|A/b=1|--plant|p|A/c=-2", Command::Write, words("A/b=1|A/c=-2"));
+    row("velhost|plan|--plant|p", Command::Plan, {});
+    row("velhost|plan|--plant|p|--write|A/b=1|--write|A/b=1", Command::Plan, words("A/b=1|A/b=1"));
     row("velhost|--plant|p|--|write|-A/b=1|--help", Command::Write, words("-A/b=1|--help"));
 }
 
@@ -184,6 +188,32 @@ void tst_VelhostCommandLine::intervalLimits()
     QCOMPARE(error, interval >= 0 ? QString() : refused);
 }
 
+void tst_VelhostCommandLine::rttLimits_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("rtt");
+
+    QTest::newRow("below 0") << QStringLiteral("-1") << -1;
+    QTest::newRow("0") << QStringLiteral("0") << 0;
+    QTest::newRow("1") << QStringLiteral("1") << 1;
+    QTest::newRow("below a minute") << QStringLiteral("59999") << 59999;
+    QTest::newRow("a minute") << QStringLiteral("60000") << 60000;
+    QTest::newRow("above a minute") << QStringLiteral("60001") << -1;
+}
+
+void tst_VelhostCommandLine::rttLimits()
+{
+    QFETCH(QString, text);
+    QFETCH(int, rtt);
+
+    QString error;
+    const QString option = u"--rtt=" + text;
+    const auto line = parseCommandLine(words("velhost|plan|--plant|p") << option, &error);
+    QCOMPARE(line ? line->rttMs : -1, rtt);
+    const QString refused = u"--rtt needs a whole number from 0 to 60000, not \"" + text + u'"';
+    QCOMPARE(error, rtt >= 0 ? QString() : refused);
+}
+
 void tst_VelhostCommandLine::errors_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -192,9 +222,9 @@ void tst_VelhostCommandLine::errors_data()
     const auto row = [](const char *text, const char *error) {
         QTest::newRow(text) << words(text) << QString::fromUtf8(error);
     };
-    row("velhost", "no command given; use columns, read or write");
-    row("velhost|raed", "unknown command \"raed\"; use columns, read or write");
-    row("velhost|", "unknown command \"\"; use columns, read or write");
+    row("velhost", "no command given; use columns, read, write or plan");
+    row("velhost|raed", "unknown command \"raed\"; use columns, read, write or plan");
+    row("velhost|", "unknown command \"\"; use columns, read, write or plan");
     row("velhost|columns|read", "columns takes no argument \"read\"");
     row("velhost|read|--plant|p|Press", "read takes no argument \"Press\"");
     row("velhost|read", "read needs a plant file: --plant FILE");
@@ -207,6 +237,12 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|write|A/b=1|--plant|p|--format|csv",
         "--format csv is for read; write has table and json");
     row("velhost|write|A/b=1|--plant|p|--only-changes", "write has no use for --only-changes");
+    row("velhost|plan", "plan needs a plant file: --plant FILE");
+    row("velhost|plan|p.json|--plant|p", "plan takes no argument \"p.json\"");
+    row("velhost|plan|--plant|p|--cycles|2", "plan has no use for --cycles");
+    row("velhost|plan|--plant|p|--format|csv", "--format csv is for read; plan has table and json");
+    row("velhost|read|--plant|p|--write|A/b=1", "read has no use for --write");
+    row("velhost|read|--plant|p|--rtt|1", "read has no use for --rtt");
     row("velhost|read|--plant|p|--yes", "read has no use for --yes");
     row("velhost|columns|--no-verify", "columns has no use for --no-verify");
     row("velhost|write|A/b=1|--plant|p|--yes|--yes", "--yes is given more than once");

@@ -292,7 +292,7 @@ void tst_VelhostLoading::help()
     const ProgramRun run = runProgram(program, {text("--help")}, m_folder.path());
     QCOMPARE(run.errors, QString());
     QCOMPARE(
-        run.output.section(u'\n', 0, 9),
+        run.output.section(u'\n', 0, 11),
         text("Usage: %1 [options] COMMAND\n"
              "Loads a VEL plug-in, plays the host and shows what the plug-in answers.\n"
              "\n"
@@ -301,6 +301,9 @@ void tst_VelhostLoading::help()
              "  read                          Read every item of every device.\n"
              "  write DEVICE/ITEM=VALUE ...   Read, write and read back the named items, in the\n"
              "                                order given.\n"
+             "  plan                          Show what each item would send and what a cycle "
+             "costs,\n"
+             "                                without the plant's network.\n"
              "\n"
              "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant "
              "file,")

@@ -9,6 +9,7 @@ namespace {
 
 constexpr int maximumCycles = 1'000'000'000;
 constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
+constexpr int maximumRttMs = 60 * 1000;
 
 struct CommandDescription
 {
@@ -20,9 +21,9 @@ struct CommandDescription
     QStringList options;
 };
 
-const std::array<CommandDescription, 3> &commands()
+const std::array<CommandDescription, 4> &commands()
 {
-    static const std::array<CommandDescription, 3> table{{
+    static const std::array<CommandDescription, 4> table{{
         {QStringLiteral("columns"), Command::Columns, false, false, {}},
         {QStringLiteral("read"),
          Command::Read,
@@ -34,6 +35,11 @@ const std::array<CommandDescription, 3> &commands()
          true,
          true,
          {QStringLiteral("yes"), QStringLiteral("no-verify")}},
+        {QStringLiteral("plan"),
+         Command::Plan,
+         true,
+         false,
+         {QStringLiteral("write"), QStringLiteral("rtt")}},
     }};
     return table;
 }
@@ -52,11 +58,13 @@ void describe(QCommandLineParser *parser)
         "  columns                       Show what the plug-in declares.\n"
         "  read                          Read every item of every device.\n"
         "  write DEVICE/ITEM=VALUE ...   Read, write and read back the named items, in the\n"
-        "                                order given.\n\n"
+        "                                order given.\n"
+        "  plan                          Show what each item would send and what a cycle costs,\n"
+        "                                without the plant's network.\n\n"
         "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant file,\n"
-        "3 the plug-in cannot be loaded."));
+        "3 the plug-in cannot be loaded, 130 or 143 a read was ended by SIGINT or SIGTERM."));
     parser->addPositionalArgument(QStringLiteral("command"),
-                                  QStringLiteral("columns, read or write."),
+                                  QStringLiteral("columns, read, write or plan."),
                                   QStringLiteral("COMMAND"));
     parser->addOptions({
         {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")},
@@ -83,6 +91,12 @@ void describe(QCommandLineParser *parser)
          QStringLiteral("write: confirms that devices which are not on this machine may change.")},
         {QStringLiteral("no-verify"),
          QStringLiteral("write: only write, read nothing before or after.")},
+        {QStringLiteral("write"),
+         QStringLiteral("plan: show what a write of this would send, too. May be repeated."),
+         QStringLiteral("DEVICE/ITEM=VALUE")},
+        {QStringLiteral("rtt"),
+         QStringLiteral("plan: milliseconds that an exchange takes at best (default 1)."),
+         QStringLiteral("MS")},
     });
 }
 
@@ -131,7 +145,7 @@ QString optionError(const QCommandLineParser &parser)
 {
     const QStringList given = parser.optionNames();
     for (const QString &option : given) {
-        if (given.count(option) > 1)
+        if (option != u"write" && given.count(option) > 1)
             return QStringLiteral("--%1 is given more than once").arg(option);
     }
     for (const QString &option : {QStringLiteral("plugin"), QStringLiteral("plant")}) {
@@ -165,7 +179,7 @@ QString commandError(const CommandDescription &command, const QCommandLineParser
 const CommandDescription *requestedCommand(const QStringList &positional, QString *error)
 {
     if (positional.isEmpty()) {
-        *error = QStringLiteral("no command given; use columns, read or write");
+        *error = QStringLiteral("no command given; use columns, read, write or plan");
         return nullptr;
     }
     const QString &name = positional.first();
@@ -173,7 +187,7 @@ const CommandDescription *requestedCommand(const QStringList &positional, QStrin
         if (command.name == name)
             return &command;
     }
-    *error = QStringLiteral("unknown command \"%1\"; use columns, read or write").arg(name);
+    *error = QStringLiteral("unknown command \"%1\"; use columns, read, write or plan").arg(name);
     return nullptr;
 }
 
@@ -208,7 +222,8 @@ std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QStrin
     result.command = command->command;
     result.pluginFile = parser.value(QStringLiteral("plugin"));
     result.plantFile = parser.value(QStringLiteral("plant"));
-    result.assignments = positional.mid(1);
+    result.assignments
+        = command->hasAssignments ? positional.mid(1) : parser.values(QStringLiteral("write"));
     result.onlyChanges = parser.isSet(QStringLiteral("only-changes"));
     result.isConfirmed = parser.isSet(QStringLiteral("yes"));
     result.verifies = !parser.isSet(QStringLiteral("no-verify"));
@@ -216,7 +231,8 @@ std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QStrin
         = takeFormat(parser, &result.format, error)
           && takeNumber(parser, QStringLiteral("cycles"), 1, maximumCycles, &result.cycles, error)
           && takeNumber(parser, QStringLiteral("interval"), 0, maximumIntervalMs,
-                        &result.intervalMs, error);
+                        &result.intervalMs, error)
+          && takeNumber(parser, QStringLiteral("rtt"), 0, maximumRttMs, &result.rttMs, error);
     return taken ? std::optional(result) : std::nullopt;
 }
 

@@ -8,7 +8,7 @@
 #include <optional>
 
 /// What the program is to do.
-enum class Command { Help, Version, Columns, Read, Write };
+enum class Command { Help, Version, Columns, Read, Write, Plan };
 
 /// The program's arguments, checked.
 struct CommandLine
@@ -25,7 +25,9 @@ struct CommandLine
     int intervalMs = 1000;
     /// `read` prints an item only when it differs from what was printed last.
     bool onlyChanges = false;
-    /// The arguments of `write`, each DEVICE/ITEM=VALUE.
+    /// What `plan` takes an exchange to last at best, in milliseconds, 0 or more.
+    int rttMs = 1;
+    /// The arguments of `write` or the options `--write` of `plan`, each DEVICE/ITEM=VALUE.
     QStringList assignments;
     /// `write` may change devices that are not on this machine.
     bool isConfirmed = false;

@@ -3,6 +3,8 @@
 #include "host.h"
 #include "job.h"
 #include "output.h"
+#include "plancommand.h"
+#include "planhost.h"
 #include "pluginfile.h"
 #include "readcommand.h"
 #include "writecommand.h"
@@ -10,12 +12,14 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 namespace {
 
-/// What comes between init() and stopPlugin().
-ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host, bool initDone)
+/// What comes between init() and stopPlugin(). The recorder is there for `plan` alone.
+ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host, bool initDone,
+                    Recorder *recorder)
 {
     const std::optional<PluginRegistration> &registration = host.registration();
     if (!registration) {
@@ -41,11 +45,25 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
         return runRead(loaded.plugin, devices, job.commandLine);
     case Command::Write:
         return runWrite(loaded.plugin, devices, job, host);
+    case Command::Plan:
+        return runPlan(loaded.plugin, devices, job, host, recorder);
     case Command::Help:
     case Command::Version:
         break;
     }
     return AllWell;
+}
+
+/// With a recorder, the host that keeps the plug-in off the plant's network.
+std::unique_ptr<Host> makeHost(const Job &job, const Recorder *recorder)
+{
+    const OutputFormat format = job.commandLine.format;
+    const auto log = [format](const LogEntry &entry) {
+        print(format == OutputFormat::Json ? stdout : stderr, logText(format, entry));
+    };
+    if (recorder != nullptr)
+        return std::make_unique<PlanHost>(job.plant, recorder->port(), log);
+    return std::make_unique<Host>(job.plant, log);
 }
 
 ExitCode runJob(const Job &job)
@@ -59,12 +77,17 @@ ExitCode runJob(const Job &job)
         complain(error);
         return NotLoaded;
     }
-    const OutputFormat format = job.commandLine.format;
-    Host host(job.plant, [format](const LogEntry &entry) {
-        print(format == OutputFormat::Json ? stdout : stderr, logText(format, entry));
-    });
+    std::unique_ptr<Recorder> recorder;
+    if (job.commandLine.command == Command::Plan) {
+        recorder = std::make_unique<Recorder>();
+        if (recorder->port() == 0) {
+            complain(QStringLiteral("plan cannot listen on 127.0.0.1"));
+            return ErrorFound;
+        }
+    }
+    const std::unique_ptr<Host> host = makeHost(job, recorder.get());
     const bool initDone = loaded->plugin->init();
-    ExitCode result = runCommand(job, *loaded, host, initDone);
+    ExitCode result = runCommand(job, *loaded, *host, initDone, recorder.get());
     if (!loaded->plugin->stopPlugin()) {
         complain(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
                      .arg(loaded->fileName));

@@ -29,18 +29,16 @@ ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int 
     return {itemReport.time, itemReport.value, {}};
 }
 
-/// Why the write failed; empty when it did not.
-QString writeItem(VELInterface *plugin, const DeviceInstancePlugin &device,
-                  const Assignment &assignment, const Host &host)
+} // namespace
+
+QString writeError(VELInterface *plugin, const DeviceInstancePlugin &device,
+                   const Assignment &assignment, const Host &host)
 {
     LogList list = listOf(device, assignment.item, assignment.value);
     const int errorsBefore = host.errorCount();
     const DeviceReport report = writeDevice(plugin, &list, 1, host);
-    const QString reason = host.errorCount() > errorsBefore ? host.lastError() : report.error;
-    return reason.isEmpty() ? reason : QString(u"write failed: " + reason);
+    return host.errorCount() > errorsBefore ? host.lastError() : report.error;
 }
-
-} // namespace
 
 WriteReport writeVerified(VELInterface *plugin, const DeviceInstancePlugin &device,
                           const Assignment &assignment, const Host &host)
@@ -52,7 +50,9 @@ WriteReport writeVerified(VELInterface *plugin, const DeviceInstancePlugin &devi
         report.error = u"not written, the old value cannot be read: " + before.error;
         return report;
     }
-    report.error = writeItem(plugin, device, assignment, host);
+    const QString failure = writeError(plugin, device, assignment, host);
+    if (!failure.isEmpty())
+        report.error = u"write failed: " + failure;
     const ItemRead after = readItem(plugin, device, assignment.item);
     report.time = after.time;
     report.readBack = after.value;

@@ -27,6 +27,11 @@ struct WriteReport
     QString error;
 };
 
+/// Writes the item in a cycle of its own. Returns why that failed, the last entry in the error log
+/// if there is one; empty when it did not fail.
+QString writeError(VELInterface *plugin, const DeviceInstancePlugin &device,
+                   const Assignment &assignment, const Host &host);
+
 /// Reads the item, writes it and reads it back, each in a cycle of that item alone, so that an
 /// error is surely this item's. An item that cannot be read is not written. The assignment's
 /// indexes must be those of the host's records.
