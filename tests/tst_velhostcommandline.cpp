@@ -107,6 +107,7 @@ void tst_VelhostCommandLine::commands_data()
     row("velhost|columns|--plant|p", Command::Columns, {});
     row("velhost|--plant|p|--format|table|read", Command::Read, {});
     row("velhost|write|A/b=1|--plant|p|A/c=-2", Command::Write, words("A/b=1|A/c=-2"));
+    row("velhost|check|--plant|p", Command::Check, {});
     row("velhost|plan|--plant|p", Command::Plan, {});
     row("velhost|plan|--plant|p|--write|A/b=1|--write|A/b=1", Command::Plan, words("A/b=1|A/b=1"));
     row("velhost|--plant|p|--|write|-A/b=1|--help", Command::Write, words("-A/b=1|--help"));
@@ -222,9 +223,9 @@ void tst_VelhostCommandLine::errors_data()
     const auto row = [](const char *text, const char *error) {
         QTest::newRow(text) << words(text) << QString::fromUtf8(error);
     };
-    row("velhost", "no command given; use columns, read, write or plan");
-    row("velhost|raed", "unknown command \"raed\"; use columns, read, write or plan");
-    row("velhost|", "unknown command \"\"; use columns, read, write or plan");
+    row("velhost", "no command given; use columns, read, write, plan or check");
+    row("velhost|raed", "unknown command \"raed\"; use columns, read, write, plan or check");
+    row("velhost|", "unknown command \"\"; use columns, read, write, plan or check");
     row("velhost|columns|read", "columns takes no argument \"read\"");
     row("velhost|read|--plant|p|Press", "read takes no argument \"Press\"");
     row("velhost|read", "read needs a plant file: --plant FILE");
@@ -237,6 +238,9 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|write|A/b=1|--plant|p|--format|csv",
         "--format csv is for read; write has table and json");
     row("velhost|write|A/b=1|--plant|p|--only-changes", "write has no use for --only-changes");
+    row("velhost|check", "check needs a plant file: --plant FILE");
+    row("velhost|check|p.json|--plant|p", "check takes no argument \"p.json\"");
+    row("velhost|check|--plant|p|--format|json", "check has no use for --format");
     row("velhost|plan", "plan needs a plant file: --plant FILE");
     row("velhost|plan|p.json|--plant|p", "plan takes no argument \"p.json\"");
     row("velhost|plan|--plant|p|--cycles|2", "plan has no use for --cycles");

@@ -292,7 +292,7 @@ void tst_VelhostLoading::help()
     const ProgramRun run = runProgram(program, {text("--help")}, m_folder.path());
     QCOMPARE(run.errors, QString());
     QCOMPARE(
-        run.output.section(u'\n', 0, 11),
+        run.output.section(u'\n', 0, 12),
         text("Usage: %1 [options] COMMAND\n"
              "Loads a VEL plug-in, plays the host and shows what the plug-in answers.\n"
              "\n"
@@ -304,6 +304,7 @@ void tst_VelhostLoading::help()
              "  plan                          Show what each item would send and what a cycle "
              "costs,\n"
              "                                without the plant's network.\n"
+             "  check                         Show everything that is wrong with the plant file.\n"
              "\n"
              "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant "
              "file,")

@@ -21,9 +21,9 @@ struct CommandDescription
     QStringList options;
 };
 
-const std::array<CommandDescription, 4> &commands()
+const std::array<CommandDescription, 5> &commands()
 {
-    static const std::array<CommandDescription, 4> table{{
+    static const std::array<CommandDescription, 5> table{{
         {QStringLiteral("columns"), Command::Columns, false, false, {}},
         {QStringLiteral("read"),
          Command::Read,
@@ -40,6 +40,7 @@ const std::array<CommandDescription, 4> &commands()
          true,
          false,
          {QStringLiteral("write"), QStringLiteral("rtt")}},
+        {QStringLiteral("check"), Command::Check, true, false, {}},
     }};
     return table;
 }
@@ -60,11 +61,12 @@ void describe(QCommandLineParser *parser)
         "  write DEVICE/ITEM=VALUE ...   Read, write and read back the named items, in the\n"
         "                                order given.\n"
         "  plan                          Show what each item would send and what a cycle costs,\n"
-        "                                without the plant's network.\n\n"
+        "                                without the plant's network.\n"
+        "  check                         Show everything that is wrong with the plant file.\n\n"
         "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant file,\n"
         "3 the plug-in cannot be loaded, 130 or 143 a read was ended by SIGINT or SIGTERM."));
     parser->addPositionalArgument(QStringLiteral("command"),
-                                  QStringLiteral("columns, read, write or plan."),
+                                  QStringLiteral("columns, read, write, plan or check."),
                                   QStringLiteral("COMMAND"));
     parser->addOptions({
         {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")},
@@ -163,6 +165,8 @@ QString commandError(const CommandDescription &command, const QCommandLineParser
         if (!commonOptions().contains(option) && !command.options.contains(option))
             return QStringLiteral("%1 has no use for --%2").arg(command.name, option);
     }
+    if (command.command == Command::Check && parser.isSet(QStringLiteral("format")))
+        return QStringLiteral("check has no use for --format");
     if (command.command != Command::Read && parser.value(QStringLiteral("format")) == u"csv")
         return QStringLiteral("--format csv is for read; %1 has table and json").arg(command.name);
     if (command.needsPlant && !parser.isSet(QStringLiteral("plant")))
@@ -179,7 +183,7 @@ QString commandError(const CommandDescription &command, const QCommandLineParser
 const CommandDescription *requestedCommand(const QStringList &positional, QString *error)
 {
     if (positional.isEmpty()) {
-        *error = QStringLiteral("no command given; use columns, read, write or plan");
+        *error = QStringLiteral("no command given; use columns, read, write, plan or check");
         return nullptr;
     }
     const QString &name = positional.first();
@@ -187,7 +191,8 @@ const CommandDescription *requestedCommand(const QStringList &positional, QStrin
         if (command.name == name)
             return &command;
     }
-    *error = QStringLiteral("unknown command \"%1\"; use columns, read, write or plan").arg(name);
+    *error = QStringLiteral("unknown command \"%1\"; use columns, read, write, plan or check")
+                 .arg(name);
     return nullptr;
 }
 

@@ -8,7 +8,7 @@
 #include <optional>
 
 /// What the program is to do.
-enum class Command { Help, Version, Columns, Read, Write, Plan };
+enum class Command { Help, Version, Columns, Read, Write, Plan, Check };
 
 /// The program's arguments, checked.
 struct CommandLine

@@ -22,18 +22,12 @@ QList<ItemInstancePlugin> itemRecords(const QList<PlantItem> &items,
 
 } // namespace
 
-Host::Host(Plant plant, std::function<void(const LogEntry &)> log)
-    : m_plant(std::move(plant)), m_log(std::move(log))
+QList<DeviceInstancePlugin>
+deviceRecords(const Plant &plant, const PluginRegistration &registration, QStringList *errors)
 {
-    install(this);
-}
-
-QList<DeviceInstancePlugin> Host::deviceRecords(QStringList *errors) const
-{
-    const PluginRegistration registration = m_registration.value_or(PluginRegistration());
     QList<DeviceInstancePlugin> records;
-    for (int i = 0; i < m_plant.devices.size(); ++i) {
-        const PlantDevice &device = m_plant.devices.at(i);
+    for (int i = 0; i < plant.devices.size(); ++i) {
+        const PlantDevice &device = plant.devices.at(i);
         const QString place = QStringLiteral("devices[%1]").arg(i);
         DeviceInstancePlugin record;
         record.id = device.id;
@@ -47,6 +41,17 @@ QList<DeviceInstancePlugin> Host::deviceRecords(QStringList *errors) const
         records.append(record);
     }
     return records;
+}
+
+Host::Host(Plant plant, std::function<void(const LogEntry &)> log)
+    : m_plant(std::move(plant)), m_log(std::move(log))
+{
+    install(this);
+}
+
+QList<DeviceInstancePlugin> Host::deviceRecords(QStringList *errors) const
+{
+    return ::deviceRecords(m_plant, m_registration.value_or(PluginRegistration()), errors);
 }
 
 void Host::registerPlugin(const PluginRegistration &registration)

@@ -19,6 +19,11 @@ struct LogEntry
     QString text;
 };
 
+/// The plant's devices as records, their parameters resolved against the registered columns. Adds
+/// to `errors` what does not resolve, by its place in the plant file.
+QList<DeviceInstancePlugin>
+deviceRecords(const Plant &plant, const PluginRegistration &registration, QStringList *errors);
+
 /// The host as the plug-in sees it: takes its registration, hands it the plant's devices and passes
 /// its log entries on as they come. It is installed behind libvel.so.1 as long as it lives.
 class Host : public HostBackend
@@ -36,8 +41,7 @@ public:
     /// The text of the latest of them.
     const QString &lastError() const { return m_lastError; }
 
-    /// The plant's devices as records, their parameters resolved against the registered columns.
-    /// Adds to `errors` what does not resolve, by its place in the plant file.
+    /// As the function of that name, for the host's own plant.
     QList<DeviceInstancePlugin> deviceRecords(QStringList *errors) const;
 
     void registerPlugin(const PluginRegistration &registration) override;

@@ -31,11 +31,27 @@ QString unconfirmedTargets(const Plant &plant, const QList<Assignment> &assignme
         .arg(targets.join(QStringLiteral(", ")));
 }
 
+/// The plug-in gets the interfaces, from which it makes a selection, but no device to connect to.
+std::optional<Job> prepareCheck(const CommandLine &commandLine)
+{
+    Job job{commandLine, {}, {}, {}, {}};
+    const std::optional<Plant> draft = readPlantDraft(commandLine.plantFile, &job.faults);
+    if (!draft) {
+        complain(job.faults);
+        return {};
+    }
+    job.draft = *draft;
+    job.plant.networkInterfaces = draft->networkInterfaces;
+    return job;
+}
+
 } // namespace
 
 std::optional<Job> prepareJob(const CommandLine &commandLine)
 {
-    Job job{commandLine, {}, {}};
+    if (commandLine.command == Command::Check)
+        return prepareCheck(commandLine);
+    Job job{commandLine, {}, {}, {}, {}};
     QStringList errors;
     if (!commandLine.plantFile.isEmpty()) {
         const std::optional<Plant> plant = readPlantFile(commandLine.plantFile, &errors);

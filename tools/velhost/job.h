@@ -14,6 +14,10 @@ struct Job
     CommandLine commandLine;
     Plant plant;
     QList<Assignment> assignments;
+    /// For `check`, whose `plant` has no devices: the plant as far as it can be understood, and
+    /// what is wrong with the rest.
+    Plant draft;
+    QStringList faults;
 };
 
 /// Reads the plant file and the assignments. Returns nothing when anything is wrong with them, or

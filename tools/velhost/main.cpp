@@ -1,3 +1,4 @@
+#include "checkcommand.h"
 #include "commandline.h"
 #include "console.h"
 #include "host.h"
@@ -47,6 +48,8 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
         return runWrite(loaded.plugin, devices, job, host);
     case Command::Plan:
         return runPlan(loaded.plugin, devices, job, host, recorder);
+    case Command::Check:
+        return runCheck(job, *registration);
     case Command::Help:
     case Command::Version:
         break;

@@ -252,9 +252,8 @@ QString lineAndColumn(const QByteArray &json, int offset)
     return QStringLiteral("%1:%2").arg(line).arg(column);
 }
 
-} // namespace
-
-std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
+/// As parsePlant(), but with faults returns what has none.
+std::optional<Plant> parseDraft(const QByteArray &json, const QString &fileName,
                                 QStringList *errors)
 {
     QJsonParseError syntax{};
@@ -273,10 +272,11 @@ std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
     Plant plant = readPlant(document, &faults);
     for (const QString &fault : std::as_const(faults))
         errors->append(fileName + u": " + fault);
-    return faults.isEmpty() ? std::optional(std::move(plant)) : std::nullopt;
+    return plant;
 }
 
-std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors)
+/// The file's bytes; nothing when it cannot be read or is too large, `errors` then says so.
+std::optional<QByteArray> readBytes(const QString &fileName, QStringList *errors)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -292,5 +292,28 @@ std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors)
         errors->append(fileName + u": larger than 16 MiB, so it is no plant file");
         return {};
     }
-    return parsePlant(json, fileName, errors);
+    return json;
+}
+
+} // namespace
+
+std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
+                                QStringList *errors)
+{
+    QStringList faults;
+    std::optional<Plant> plant = parseDraft(json, fileName, &faults);
+    errors->append(faults);
+    return faults.isEmpty() ? std::move(plant) : std::nullopt;
+}
+
+std::optional<Plant> readPlantDraft(const QString &fileName, QStringList *faults)
+{
+    const std::optional<QByteArray> json = readBytes(fileName, faults);
+    return json ? parseDraft(*json, fileName, faults) : std::nullopt;
+}
+
+std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors)
+{
+    const std::optional<QByteArray> json = readBytes(fileName, errors);
+    return json ? parsePlant(*json, fileName, errors) : std::nullopt;
 }

@@ -1,0 +1,197 @@
+#include "plantrun.h"
+#include "scriptedpeer.h"
+#include "text.h"
+
+#include <QtTest>
+
+// `check`: every problem of a plant file at once, without a connection.
+
+namespace {
+
+ProgramRun runCheck(const char *plugin, const QByteArray &plant)
+{
+    return runWithPlant(
+        text(VELHOST_FILE),
+        {text("check"), text("--plugin"), text(plugin), text("--plant"), text("plant.json")},
+        plant);
+}
+
+QByteArray deviceAt(const QByteArray &ip, const QByteArray &parameters)
+{
+    return R"({"devices": [{"id": 1, "name": "Press", "ip": ")" + ip
+           + R"(", "items": [], "parameters": {)" + parameters + "}}]}";
+}
+
+} // namespace
+
+class tst_VelhostCheck : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everythingAtOnce();
+    void notJson();
+    void addresses_data();
+    void addresses();
+    void numbers_data();
+    void numbers();
+    void undeclaredParameters();
+    void examples_data();
+    void examples();
+    void connectsToNobody();
+};
+
+void tst_VelhostCheck::everythingAtOnce()
+{
+    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, R"({"colour": "red", "devices": [
+ {"id": "1", "name": "Press", "ip": "plc", "parameters": {"port": "0", "timeout": "2 s", "speed": "1"},
+  "items": [{"name": "A", "parameters": {"memory_type": "Byte"}}, {"name": "A"}]},
+ {"id": 2, "name": "Oven", "ip": 7, "items": []},
+ 5]})");
+    QCOMPARE(
+        run.errors,
+        text("velhost: plant.json: colour: unknown key; known here: networkInterfaces, devices\n"
+             "velhost: plant.json: devices[0].id: expected a number, found a text\n"
+             "velhost: plant.json: devices[0].items[1].name: \"A\" is already the name of "
+             "devices[0].items[0]\n"
+             "velhost: plant.json: devices[1].ip: expected a text, found a number\n"
+             "velhost: plant.json: devices[2]: expected an object, found a number\n"
+             "velhost: plant.json: devices[0].parameters.speed: the plug-in declares no such "
+             "device parameter; it declares: port, timeout, timeout_ms, network_interface, "
+             "udp_ports, tcp_ports\n"
+             "velhost: plant.json: devices[0].items[0].parameters.memory_type: \"Byte\" is not "
+             "offered; use one of: \"Bit device\" (0), \"Word device\" (1)\n"
+             "velhost: plant.json: devices[0].ip: \"plc\" is no IPv4 address; write four "
+             "numbers from 0 to 255 without leading zeros, for example 192.168.0.10\n"
+             "velhost: plant.json: devices[0].parameters.port: \"0\" is no TCP port; write a "
+             "number from 1 to 65535\n"
+             "velhost: plant.json: devices[0].parameters.timeout: \"2 s\" is no time-out; "
+             "write milliseconds as a whole number, for example 2000\n"));
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, 2);
+}
+
+void tst_VelhostCheck::notJson()
+{
+    const ProgramRun run = runCheck("none.so", "{\n \"devices\": [");
+    QCOMPARE(run.errors, text("velhost: plant.json:2:14: not valid JSON: unterminated array\n"));
+    QCOMPARE(run.exitCode, 2);
+}
+
+void tst_VelhostCheck::addresses_data()
+{
+    QTest::addColumn<QByteArray>("ip");
+    QTest::addColumn<bool>("isRight");
+
+    const auto row
+        = [](const char *ip, bool isRight) { QTest::newRow(ip) << QByteArray(ip) << isRight; };
+    row("192.168.0.10", true);
+    row("0.0.0.0", true);
+    row("255.255.255.255", true);
+    row("254.249.199.99", true);
+    row("255.255.255.256", false);
+    row("256.0.0.0", false);
+    row("192.168.0", false);
+    row("192.168.0.1.1", false);
+    row("192.168.0.010", false);
+    row("192.168.0.-1", false);
+    row("192.168.0.1 ", false);
+    row("plc", false);
+    row("", false);
+}
+
+void tst_VelhostCheck::addresses()
+{
+    QFETCH(QByteArray, ip);
+    QFETCH(bool, isRight);
+
+    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, deviceAt(ip, ""));
+    const QString problem = text("velhost: plant.json: devices[0].ip: \"%1\" is no IPv4 address; "
+                                 "write four numbers from 0 to 255 without leading zeros, for "
+                                 "example 192.168.0.10\n")
+                                .arg(QString::fromLatin1(ip));
+    QCOMPARE(run.errors, isRight ? QString() : problem);
+    QCOMPARE(run.output, isRight ? text("plant.json: no problems\n") : QString());
+    QCOMPARE(run.exitCode, isRight ? 0 : 2);
+}
+
+void tst_VelhostCheck::numbers_data()
+{
+    QTest::addColumn<QByteArray>("parameter");
+    QTest::addColumn<bool>("isRight");
+
+    const auto row = [](const char *parameter, bool isRight) {
+        QTest::newRow(parameter) << QByteArray(parameter) << isRight;
+    };
+    row(R"("port": "0")", false);
+    row(R"("port": "1")", true);
+    row(R"("port": "2")", true);
+    row(R"("port": "65534")", true);
+    row(R"("port": "65535")", true);
+    row(R"("port": "65536")", false);
+    row(R"("port": "+80")", false);
+    row(R"("port": "p1")", false);
+    row(R"("port": null)", false);
+    row(R"("timeout": "0")", false);
+    row(R"("timeout": "1")", true);
+    row(R"("timeout": "2147483647")", true);
+    row(R"("timeout": "2147483648")", false);
+    row(R"("timeout": "1.5")", false);
+    row(R"("timeout": null)", false);
+}
+
+void tst_VelhostCheck::numbers()
+{
+    QFETCH(QByteArray, parameter);
+    QFETCH(bool, isRight);
+
+    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, deviceAt("10.0.0.1", parameter));
+    QCOMPARE(run.output, isRight ? text("plant.json: no problems\n") : QString());
+    QCOMPARE(run.errors.count(u'\n'), isRight ? 0 : 1);
+    QCOMPARE(run.exitCode, isRight ? 0 : 2);
+}
+
+// What the plug-in does not declare cannot be wrong: this one has no time-out.
+void tst_VelhostCheck::undeclaredParameters()
+{
+    const ProgramRun run = runCheck(SCRIPTED_PLUGIN_FILE, deviceAt("10.0.0.1", ""));
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.output, text("plant.json: no problems\n"));
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_VelhostCheck::examples_data()
+{
+    QTest::addColumn<QString>("fileName");
+
+    const QDir folder(text(EXAMPLES_FOLDER));
+    const QStringList names = folder.entryList({text("*.json")}, QDir::Files);
+    QVERIFY(names.size() >= 2);
+    for (const QString &name : names)
+        QTest::newRow(qPrintable(name)) << folder.filePath(name);
+}
+
+void tst_VelhostCheck::examples()
+{
+    QFETCH(QString, fileName);
+
+    const ProgramRun run = runProgram(
+        text(VELHOST_FILE),
+        {text("check"), text("--plugin"), text(KEYENCE_PLUGIN_FILE), text("--plant"), fileName},
+        QDir::tempPath());
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_VelhostCheck::connectsToNobody()
+{
+    ScriptedPeer controller;
+    const QByteArray port = text(R"("port": "%1")").arg(controller.port()).toLatin1();
+    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, deviceAt("127.0.0.1", port));
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(controller.finish(), QByteArray());
+    QCOMPARE(controller.connectionCount(), 0);
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostCheck)
+#include "tst_velhostcheck.moc"

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "console.h"
+#include "job.h"
+
+#include <vel/hostbackend.h>
+
+/// Prints everything that is wrong with the job's plant, judged by what the plug-in declares and by
+/// what an address, a port and a time-out can be. WrongUsage when anything is.
+ExitCode runCheck(const Job &job, const PluginRegistration &registration);
