@@ -1,0 +1,219 @@
+#include "scriptedpeer.h"
+#include "socket.h"
+#include "systemcalls.h"
+
+#include <QTest>
+
+#include <cerrno>
+#include <csignal>
+#include <vector>
+
+#include <poll.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+const QString loopback = QStringLiteral("127.0.0.1");
+}
+
+// Sending and receiving over a connection.
+class tst_SocketTransfer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { SystemCalls::watch(); }
+    void cleanup() { SystemCalls::stop(); }
+
+    void exchange();
+    void readReturnsWhatOneReceiveDelivers();
+    void readOfALongAnswer();
+    void readTimeout_data();
+    void readTimeout();
+    void readAfterOrderlyClose();
+    void readReplacesOldBytes();
+    void writeRaw();
+    void writeToAPeerThatIsGone();
+    void descriptorClosedUnderneath();
+    void descriptorAbove1024();
+};
+
+void tst_SocketTransfer::exchange()
+{
+    ScriptedPeer peer({{"00001\r\n"}, {"OK\r\n"}});
+    Socket socket(loopback, peer.port());
+    QByteArray answer;
+    QVERIFY(socket.write("RD DM1\r"));
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("00001\r\n"));
+    QVERIFY(socket.write("WR DM1 5\r"));
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("OK\r\n"));
+    QCOMPARE(socket.getError(), QStringLiteral("OK"));
+    socket.disconnect();
+    QCOMPARE(peer.finish(), QByteArray("RD DM1\rWR DM1 5\r"));
+}
+
+void tst_SocketTransfer::readReturnsWhatOneReceiveDelivers()
+{
+    ScriptedPeer peer({{"000"}});
+    Socket socket(loopback, peer.port());
+    QByteArray answer;
+    QVERIFY(socket.write("RD DM1\r"));
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("000"));
+    peer.send("01\r\n");
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("01\r\n"));
+}
+
+void tst_SocketTransfer::readOfALongAnswer()
+{
+    const QByteArray sent = QByteArray(200000, '7') + "\r\n";
+    ScriptedPeer peer({{sent}});
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.write("RD DM1\r"));
+    QByteArray received;
+    QByteArray piece;
+    int reads = 0;
+    while (received.size() < sent.size()) {
+        QVERIFY(socket.read(&piece));
+        QVERIFY(piece.size() <= 65535);
+        received += piece;
+        ++reads;
+    }
+    QVERIFY(reads >= 4);
+    QCOMPARE(received, sent);
+}
+
+void tst_SocketTransfer::readTimeout_data()
+{
+    QTest::addColumn<int>("timeout");
+    QTest::addColumn<QString>("error");
+
+    QTest::newRow("default") << 0 << QStringLiteral("Timeout reading (1000ms)");
+    QTest::newRow("shortest") << 2 << QStringLiteral("Timeout reading (2ms)");
+    QTest::newRow("given") << 30 << QStringLiteral("Timeout reading (30ms)");
+}
+
+void tst_SocketTransfer::readTimeout()
+{
+    QFETCH(int, timeout);
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port(), timeout);
+    QByteArray data = "old";
+    QVERIFY(!socket.read(&data));
+    QTEST(socket.getError(), "error");
+    QCOMPARE(data, QByteArray());
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+}
+
+void tst_SocketTransfer::readAfterOrderlyClose()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    QVERIFY(peer.waitForConnections(1));
+    peer.closeConnection();
+    SystemCalls::watch();
+    QByteArray data = "old";
+    // A number left from an earlier call must not show in the text.
+    errno = EIO;
+    QVERIFY(!socket.read(&data));
+    QCOMPARE(socket.getError(), QStringLiteral("No data received - Success"));
+    QCOMPARE(data, QByteArray());
+    QVERIFY(socket.isConnected());
+    QCOMPARE(SystemCalls::closed(), QList<int>());
+}
+
+void tst_SocketTransfer::readReplacesOldBytes()
+{
+    ScriptedPeer peer({{QByteArray("1\0\r\n", 4)}});
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.write("RD DM1\r"));
+    QByteArray data = "something longer than the answer";
+    socket.setError(QStringLiteral("kept by a success"));
+    QVERIFY(socket.read(&data));
+    QCOMPARE(data, QByteArray("1\0\r\n", 4));
+    QCOMPARE(socket.getError(), QStringLiteral("kept by a success"));
+}
+
+void tst_SocketTransfer::writeRaw()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.write("RD DM100\r...", 9));
+    QVERIFY(socket.write("RD DM100\r...", 0));
+    QVERIFY(socket.isConnected());
+    QVERIFY(!socket.write("RD DM100\r...", -1));
+    QCOMPARE(socket.getError(), QStringLiteral("Invalid argument"));
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(peer.finish(), QByteArray("RD DM100\r"));
+}
+
+void tst_SocketTransfer::writeToAPeerThatIsGone()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    QVERIFY(peer.waitForConnections(1));
+    peer.closeConnection();
+    QByteArray data;
+    QVERIFY(!socket.read(&data));
+    // The first bytes are answered by a reset; when it has arrived, the next ones cannot be sent.
+    QVERIFY(socket.write("RD DM1\r"));
+    pollfd reset{socket.getSockfd(), 0, 0};
+    QCOMPARE(::poll(&reset, 1, 10000), 1);
+    QVERIFY((reset.revents & POLLHUP) != 0);
+
+    SystemCalls::watch();
+    std::signal(SIGPIPE, SIG_DFL);
+    QVERIFY(!socket.write("RD DM2\r"));
+    std::signal(SIGPIPE, SIG_IGN);
+    QCOMPARE(socket.getError(), QStringLiteral("Broken pipe"));
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+}
+
+void tst_SocketTransfer::descriptorClosedUnderneath()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    // The peer's own descriptor must not be the one that gets the number.
+    QVERIFY(peer.waitForConnections(1));
+    ::close(socket.getSockfd());
+    QByteArray data;
+    QVERIFY(!socket.read(&data));
+    QCOMPARE(socket.getError(), QStringLiteral("Error reading: Bad file descriptor (-1)"));
+    QVERIFY(!socket.isConnected());
+}
+
+void tst_SocketTransfer::descriptorAbove1024()
+{
+    struct rlimit limit = {};
+    QCOMPARE(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlim_t former = limit.rlim_cur;
+    limit.rlim_cur = 2048;
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    std::vector<int> held;
+    while (held.empty() || held.back() < 1024)
+        held.push_back(::dup(STDERR_FILENO));
+
+    ScriptedPeer peer({{"1\r\n"}});
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.getSockfd() > 1024);
+    QVERIFY(socket.isConnected());
+    QVERIFY(socket.write("RD DM1\r"));
+    QByteArray answer;
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("1\r\n"));
+
+    for (const int descriptor : held)
+        ::close(descriptor);
+    socket.disconnect();
+    peer.finish();
+    limit.rlim_cur = former;
+    QCOMPARE(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+}
+
+QTEST_GUILESS_MAIN(tst_SocketTransfer)
+#include "tst_sockettransfer.moc"
