@@ -26,13 +26,6 @@ QString refusal(VELInterface *plugin, const DeviceInstancePlugin &device, quint1
         .arg(port);
 }
 
-QString readError(VELInterface *plugin, const DeviceInstancePlugin &device, int item)
-{
-    LogList list = writeLists({device}, {{0, item, {}}}).at(0);
-    const DeviceReport report = readDevice(plugin, &list, 1);
-    return report.error.isEmpty() ? report.values.at(0).error : report.error;
-}
-
 DeviceBudget budgetOf(const DeviceInstancePlugin &device, const QString &error)
 {
     bool isNumber = false;
@@ -51,7 +44,7 @@ Plan makePlan(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, 
         for (int i = 0; i < device.items.size(); ++i) {
             PlannedItem item{device.name, device.items.at(i).name, false, {}, budget.error};
             if (budget.error.isEmpty()) {
-                item.error = readError(plugin, target, i);
+                item.error = readItem(plugin, target, i).error;
                 item.lines = recorder->takeLines();
             }
             budget.exchanges += item.lines.size();

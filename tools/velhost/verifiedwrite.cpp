@@ -5,18 +5,12 @@
 
 namespace {
 
-/// What one read of one item gave: a value or an error.
-struct ItemRead
-{
-    QDateTime time;
-    std::optional<QString> value;
-    QString error;
-};
-
 LogList listOf(const DeviceInstancePlugin &device, int item, const QString &value)
 {
     return writeLists({device}, {{0, item, value}}).at(0);
 }
+
+} // namespace
 
 ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int item)
 {
@@ -28,8 +22,6 @@ ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int 
         return {itemReport.time, {}, error};
     return {itemReport.time, itemReport.value, {}};
 }
-
-} // namespace
 
 QString writeError(VELInterface *plugin, const DeviceInstancePlugin &device,
                    const Assignment &assignment, const Host &host)

@@ -11,6 +11,14 @@
 
 #include <optional>
 
+/// What one read of one item gave: a value or an error.
+struct ItemRead
+{
+    QDateTime time;
+    std::optional<QString> value;
+    QString error;
+};
+
 /// One item written between two reads.
 struct WriteReport
 {
@@ -26,6 +34,9 @@ struct WriteReport
     /// Empty only when the value was written and read back as it was written.
     QString error;
 };
+
+/// Reads the item, by its index in the device's record, in a cycle of its own.
+ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int item);
 
 /// Writes the item in a cycle of its own. Returns why that failed, the last entry in the error log
 /// if there is one; empty when it did not fail.
