@@ -1,11 +1,14 @@
+#include "programrun.h"
+#include "textclient.h"
+
 #include <QHostAddress>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 
 #include <csignal>
+#include <list>
 
 // The built program, started as a user starts it.
 class tst_KvsimProgram : public QObject
@@ -32,24 +35,12 @@ private Q_SLOTS:
 
 namespace {
 
-constexpr int timeout = 10000; // milliseconds; only a failing test takes so long
+constexpr int timeout = TextClient::timeout;
 const char *const program = KVSIM_PROGRAM;
 
-// A run to the end.
-struct Run
+ProgramRun run(const QStringList &arguments)
 {
-    int exitCode = -1;
-    QByteArray output;
-    QByteArray errors;
-};
-
-Run run(const QStringList &arguments)
-{
-    QProcess process;
-    process.start(QLatin1String(program), arguments);
-    if (!process.waitForFinished(timeout) || process.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return runProgram(QLatin1String(program), arguments, {});
 }
 
 // The port in the first line, or 0. Waits for the line.
@@ -68,22 +59,6 @@ quint16 startServing(QProcess *process, const QStringList &moreArguments = {})
     process->start(QLatin1String(program),
                    QStringList{QStringLiteral("--port"), QStringLiteral("0")} + moreArguments);
     return listeningPort(process);
-}
-
-void connectTo(quint16 port, QTcpSocket *socket)
-{
-    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-    socket->waitForConnected(timeout);
-}
-
-QByteArray ask(QTcpSocket *socket, const QByteArray &command)
-{
-    socket->write(command);
-    while (!socket->canReadLine()) {
-        if (!socket->waitForReadyRead(timeout))
-            return {};
-    }
-    return socket->readLine();
 }
 
 void end(QProcess *process)
@@ -111,9 +86,8 @@ void tst_KvsimProgram::servesAndEndsOnSignal()
     QProcess process;
     const quint16 port = startServing(&process);
     QVERIFY(port != 0);
-    QTcpSocket socket;
-    connectTo(port, &socket);
-    QCOMPARE(ask(&socket, "RDS DM1 2\r"), QByteArray("00001 00002\r\n"));
+    TextClient client(port);
+    QCOMPARE(client.ask("RDS DM1 2\r"), QByteArray("00001 00002\r\n"));
 
     QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
     QVERIFY(process.waitForFinished(timeout));
@@ -128,19 +102,18 @@ void tst_KvsimProgram::trace()
 {
     QProcess process;
     const quint16 port = startServing(&process, {QStringLiteral("--trace")});
-    QTcpSocket socket;
-    connectTo(port, &socket);
-    QCOMPARE(ask(&socket, QByteArray("RD\0DM1\r", 7)), QByteArray("E1\r\n"));
-    QCOMPARE(ask(&socket, "?K\r\n"), QByteArray("55\r\n"));
-    const QByteArray client = "127.0.0.1:" + QByteArray::number(socket.localPort());
+    TextClient client(port);
+    QCOMPARE(client.ask(QByteArray("RD\0DM1\r", 7)), QByteArray("E1\r\n"));
+    QCOMPARE(client.ask("?K\r\n"), QByteArray("55\r\n"));
+    const QByteArray name = "127.0.0.1:" + QByteArray::number(client.socket()->localPort());
     end(&process);
 
     QString trace = QString::fromLatin1(process.readAllStandardError());
     trace.remove(QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d"
                                                    "\\.\\d{3} "),
                                     QRegularExpression::MultilineOption));
-    const QByteArray expected = client + " > RD\\x00DM1\\r\n" + client + " < E1\\r\\n\n" + client
-                                + " > ?K\\r\n" + client + " < 55\\r\\n\n"
+    const QByteArray expected = name + " > RD\\x00DM1\\r\n" + name + " < E1\\r\\n\n" + name
+                                + " > ?K\\r\n" + name + " < 55\\r\\n\n"
                                 + "commands 2, answers 2, refusals 1, clients 1\n";
     QCOMPARE(trace.toLatin1(), expected);
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
@@ -149,9 +122,8 @@ void tst_KvsimProgram::trace()
 void tst_KvsimProgram::noTraceUnlessAsked()
 {
     QProcess process;
-    QTcpSocket socket;
-    connectTo(startServing(&process), &socket);
-    QCOMPARE(ask(&socket, "?K\r"), QByteArray("55\r\n"));
+    TextClient client(startServing(&process));
+    QCOMPARE(client.ask("?K\r"), QByteArray("55\r\n"));
     end(&process);
     QCOMPARE(process.readAllStandardError(),
              QByteArray("commands 1, answers 1, refusals 0, clients 1\n"));
@@ -165,20 +137,19 @@ void tst_KvsimProgram::faultsAndValues()
         {QStringLiteral("--trace"), QStringLiteral("--set"), QStringLiteral("DM100=5"),
          QStringLiteral("--set"), QStringLiteral("CR000=1"), QStringLiteral("--fault"),
          QStringLiteral("refuse=E5@DM7"), QStringLiteral("--fault"), QStringLiteral("silent@DM8")});
-    QTcpSocket socket;
-    connectTo(port, &socket);
-    QCOMPARE(ask(&socket, "RD DM100\r"), QByteArray("00005\r\n"));
-    QCOMPARE(ask(&socket, "RD CR000\r"), QByteArray("1\r\n"));
-    QCOMPARE(ask(&socket, "RD DM7\r"), QByteArray("E5\r\n"));
-    QCOMPARE(ask(&socket, "RD DM8\rRD DM9\r"), QByteArray("00009\r\n"));
+    TextClient client(port);
+    QCOMPARE(client.ask("RD DM100\r"), QByteArray("00005\r\n"));
+    QCOMPARE(client.ask("RD CR000\r"), QByteArray("1\r\n"));
+    QCOMPARE(client.ask("RD DM7\r"), QByteArray("E5\r\n"));
+    QCOMPARE(client.ask("RD DM8\rRD DM9\r"), QByteArray("00009\r\n"));
     end(&process);
 
-    const QByteArray client = "127.0.0.1:" + QByteArray::number(socket.localPort());
+    const QByteArray name = "127.0.0.1:" + QByteArray::number(client.socket()->localPort());
     const QByteArray errors = process.readAllStandardError();
-    QCOMPARE(errors.count(client + " ! refuse=E5@DM7\n"), 1);
-    QCOMPARE(errors.count(client + " < E5\\r\\n\n"), 1);
-    QCOMPARE(errors.count(client + " ! silent@DM8\n"), 1);
-    QCOMPARE(errors.count(client + " < "), 4);
+    QCOMPARE(errors.count(name + " ! refuse=E5@DM7\n"), 1);
+    QCOMPARE(errors.count(name + " < E5\\r\\n\n"), 1);
+    QCOMPARE(errors.count(name + " ! silent@DM8\n"), 1);
+    QCOMPARE(errors.count(name + " < "), 4);
     const QByteArray counters = "commands 5, answers 4, refusals 1, clients 1\n"
                                 "fault refuse=E5@DM7: seen 1, applied 1\n"
                                 "fault silent@DM8: seen 1, applied 1\n";
@@ -189,16 +160,15 @@ void tst_KvsimProgram::countersOnSignal()
 {
     QProcess process;
     process.setReadChannel(QProcess::StandardOutput);
-    QTcpSocket socket;
-    connectTo(startServing(&process), &socket);
-    QCOMPARE(ask(&socket, "?K\r"), QByteArray("55\r\n"));
+    TextClient client(startServing(&process));
+    QCOMPARE(client.ask("?K\r"), QByteArray("55\r\n"));
     const QByteArray first("commands 1, answers 1, refusals 0, clients 1\n");
     QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGUSR1), 0);
     process.setReadChannel(QProcess::StandardError);
     while (!process.canReadLine())
         QVERIFY(process.waitForReadyRead(timeout));
     QCOMPARE(process.readLine(), first);
-    QCOMPARE(ask(&socket, "?X\r"), QByteArray("E1\r\n"));
+    QCOMPARE(client.ask("?X\r"), QByteArray("E1\r\n"));
     end(&process);
     QCOMPARE(process.readAllStandardError(),
              QByteArray("commands 2, answers 2, refusals 1, clients 1\n"));
@@ -209,10 +179,9 @@ void tst_KvsimProgram::portTakenDuringRestart()
     QProcess process;
     const quint16 port
         = startServing(&process, {QStringLiteral("--fault"), QStringLiteral("restart=1000")});
-    QTcpSocket socket;
-    connectTo(port, &socket);
-    socket.write("?K\r");
-    QVERIFY(socket.waitForDisconnected(timeout));
+    TextClient client(port);
+    client.socket()->write("?K\r");
+    QVERIFY(client.socket()->waitForDisconnected(timeout));
     QTcpServer thief;
     QVERIFY(thief.listen(QHostAddress(QHostAddress::LocalHost), port));
     QVERIFY(process.waitForFinished(timeout));
@@ -237,13 +206,13 @@ void tst_KvsimProgram::moreClientsThanDescriptors()
     QVERIFY(port != 0);
 
     // The last clients are connected by the system, but not served before others go.
-    std::array<QTcpSocket, 20> sockets;
-    for (QTcpSocket &socket : sockets)
-        connectTo(port, &socket);
-    QCOMPARE(ask(&sockets.front(), "?K\r"), QByteArray("55\r\n"));
-    for (std::size_t i = 0; i + 1 < sockets.size(); ++i)
-        sockets.at(i).abort();
-    QCOMPARE(ask(&sockets.back(), "?K\r"), QByteArray("55\r\n"));
+    std::list<TextClient> clients;
+    while (clients.size() < 20)
+        clients.emplace_back(port);
+    QCOMPARE(clients.front().ask("?K\r"), QByteArray("55\r\n"));
+    while (clients.size() > 1)
+        clients.pop_front();
+    QCOMPARE(clients.back().ask("?K\r"), QByteArray("55\r\n"));
     end(&process);
 }
 
@@ -304,9 +273,9 @@ void tst_KvsimProgram::usageErrors()
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, error);
 
-    const Run result = run(arguments);
-    QCOMPARE(result.errors, error);
-    QCOMPARE(result.output, QByteArray());
+    const ProgramRun result = run(arguments);
+    QCOMPARE(result.errors.toUtf8(), error);
+    QCOMPARE(result.output.toUtf8(), QByteArray());
     QCOMPARE(result.exitCode, 2);
 }
 
@@ -314,24 +283,25 @@ void tst_KvsimProgram::portTaken()
 {
     QTcpServer owner;
     QVERIFY(owner.listen(QHostAddress(QHostAddress::LocalHost), 0));
-    const Run result = run({QStringLiteral("--port"), QString::number(owner.serverPort())});
+    const ProgramRun result = run({QStringLiteral("--port"), QString::number(owner.serverPort())});
     QCOMPARE(
-        result.errors,
+        result.errors.toUtf8(),
         QByteArray("kvsim: cannot listen on 127.0.0.1:" + QByteArray::number(owner.serverPort())
                    + ": The bound address is already in use. Choose another --bind or "
                      "--port.\n"));
-    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.output.toUtf8(), QByteArray());
     QCOMPARE(result.exitCode, 1);
 }
 
 void tst_KvsimProgram::foreignAddress()
 {
     // An address from the block kept for documentation is no machine's own.
-    const Run result = run({QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--bind"),
-                            QStringLiteral("192.0.2.1")});
-    QCOMPARE(result.errors, QByteArray("kvsim: cannot listen on 192.0.2.1:0: The address is not "
-                                       "available. Choose another --bind or --port.\n"));
-    QCOMPARE(result.output, QByteArray());
+    const ProgramRun result = run({QStringLiteral("--port"), QStringLiteral("0"),
+                                   QStringLiteral("--bind"), QStringLiteral("192.0.2.1")});
+    QCOMPARE(result.errors.toUtf8(),
+             QByteArray("kvsim: cannot listen on 192.0.2.1:0: The address is not "
+                        "available. Choose another --bind or --port.\n"));
+    QCOMPARE(result.output.toUtf8(), QByteArray());
     QCOMPARE(result.exitCode, 1);
 }
 
@@ -348,15 +318,15 @@ void tst_KvsimProgram::outputThatCannotBeWritten()
 
 void tst_KvsimProgram::version()
 {
-    const Run result = run({QStringLiteral("--version")});
-    QCOMPARE(result.output, QByteArray("kvsim " KVSIM_VERSION "\n"));
-    QCOMPARE(result.errors, QByteArray());
+    const ProgramRun result = run({QStringLiteral("--version")});
+    QCOMPARE(result.output.toUtf8(), QByteArray("kvsim " KVSIM_VERSION "\n"));
+    QCOMPARE(result.errors.toUtf8(), QByteArray());
     QCOMPARE(result.exitCode, 0);
 }
 
 void tst_KvsimProgram::help()
 {
-    const Run result = run({QStringLiteral("--help")});
+    const ProgramRun result = run({QStringLiteral("--help")});
     const QByteArray expected = R"( [options]
 Simulates a KV-series controller: answers Host Link commands over TCP.
 The first line of output is "listening ADDRESS:PORT".
@@ -378,8 +348,8 @@ Options:
   --set <address=value>  Start with this value, for example DM100=5.
                          Repeatable.
 )";
-    QCOMPARE(result.output, QByteArray("Usage: " + QByteArray(program) + expected));
-    QCOMPARE(result.errors, QByteArray());
+    QCOMPARE(result.output.toUtf8(), QByteArray("Usage: " + QByteArray(program) + expected));
+    QCOMPARE(result.errors.toUtf8(), QByteArray());
     QCOMPARE(result.exitCode, 0);
 }
 

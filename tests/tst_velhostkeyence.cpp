@@ -4,7 +4,6 @@
 #include <kvsim/simulatorthread.h>
 
 #include <QFile>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -28,14 +27,6 @@ QByteArray plantAt(int port)
   {"name": "Label", "parameters": {"memory_address": "DM500-2", "memory_type": "1", "data_type": "ASCII"}},
   {"name": "Wrong", "parameters": {"memory_address": "QQ1", "memory_type": "1", "data_type": "Short"}}
  ]}]})";
-}
-
-/// The lines with every time replaced by "T", since the plug-in sets none.
-QString withoutTimes(QString lines)
-{
-    static const QRegularExpression time(
-        QStringLiteral("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:.]{12}[+-][0-9]{2}:[0-9]{2}"));
-    return lines.replace(time, QStringLiteral("T"));
 }
 
 } // namespace

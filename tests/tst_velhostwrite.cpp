@@ -4,7 +4,6 @@
 
 #include <kvsim/simulatorthread.h>
 
-#include <QRegularExpression>
 #include <QtTest>
 
 // What `write` asks for, does and prints: the built program with the scripted plug-in, whose reads
@@ -13,14 +12,6 @@
 namespace {
 
 const QString program = QStringLiteral(VELHOST_FILE);
-
-/// The lines with every time replaced by "T".
-QString withoutTimes(QString lines)
-{
-    static const QRegularExpression time(
-        QStringLiteral("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:.]{12}[+-][0-9]{2}:[0-9]{2}"));
-    return lines.replace(time, QStringLiteral("T"));
-}
 
 /// A device of the scripted plug-in at `ip` whose one item reads `answers`.
 QByteArray scriptedPlant(const QByteArray &answers, const QByteArray &script = "",

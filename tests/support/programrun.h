@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -37,4 +38,12 @@ inline ProgramRun runProgram(const QString &program, const QStringList &argument
     const bool ended = process.exitStatus() == QProcess::NormalExit;
     return {ended ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
+}
+
+/// The lines with every time replaced by "T".
+inline QString withoutTimes(QString lines)
+{
+    static const QRegularExpression time(
+        QStringLiteral("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:.]{12}[+-][0-9]{2}:[0-9]{2}"));
+    return lines.replace(time, QStringLiteral("T"));
 }
