@@ -30,7 +30,6 @@ private Q_SLOTS:
     void ctlFailures_data();
     void ctlFailures();
     void ctlWithoutSimulator();
-    void ctlHelp();
 };
 
 namespace {
@@ -276,15 +275,6 @@ void tst_KvsimControl::ctlWithoutSimulator()
                  .arg(port));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 1);
-}
-
-void tst_KvsimControl::ctlHelp()
-{
-    const ProgramRun result = runCtl({text("--help")});
-    QCOMPARE(result.output.section(QLatin1Char('\n'), 0, 0),
-             text("Usage: " KVSIM_PROGRAM " ctl [options] command..."));
-    QCOMPARE(result.errors, QString());
-    QCOMPARE(result.exitCode, 0);
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimControl)

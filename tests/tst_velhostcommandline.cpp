@@ -22,6 +22,8 @@ private Q_SLOTS:
     void everyOption();
     void readOptions();
     void writeOptions();
+    void plantFile_data();
+    void plantFile();
     void commands_data();
     void commands();
     void cycleLimits_data();
@@ -90,6 +92,25 @@ void tst_VelhostCommandLine::writeOptions()
     QCOMPARE(line->verifies, false);
 }
 
+void tst_VelhostCommandLine::plantFile_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+
+    QTest::newRow("argument") << words("velhost|read|p.json");
+    QTest::newRow("option") << words("velhost|read|--plant|p.json");
+    QTest::newRow("option before the command") << words("velhost|--plant=p.json|read");
+}
+
+void tst_VelhostCommandLine::plantFile()
+{
+    QFETCH(QStringList, arguments);
+
+    QString error;
+    const auto line = parseCommandLine(arguments, &error);
+    QCOMPARE(error, QString());
+    QCOMPARE(line->plantFile, QStringLiteral("p.json"));
+}
+
 void tst_VelhostCommandLine::commands_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -108,6 +129,9 @@ void tst_VelhostCommandLine::commands_data()
     row("velhost|--plant|p|--format|table|read", Command::Read, {});
     row("velhost|write|A/b=1|--plant|p|A/c=-2", Command::Write, words("A/b=1|A/c=-2"));
     row("velhost|check|--plant|p", Command::Check, {});
+    row("velhost|check|p", Command::Check, {});
+    row("velhost|read|p|--cycles|2", Command::Read, {});
+    row("velhost|--rtt|1|plan|p|--write|A/b=1", Command::Plan, words("A/b=1"));
     row("velhost|plan|--plant|p", Command::Plan, {});
     row("velhost|plan|--plant|p|--write|A/b=1|--write|A/b=1", Command::Plan, words("A/b=1|A/b=1"));
     row("velhost|--plant|p|--|write|-A/b=1|--help", Command::Write, words("-A/b=1|--help"));
@@ -228,23 +252,25 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|", "unknown command \"\"; use columns, read, write, plan or check");
     row("velhost|columns|read", "columns takes no argument \"read\"");
     row("velhost|read|--plant|p|Press", "read takes no argument \"Press\"");
-    row("velhost|read", "read needs a plant file: --plant FILE");
+    row("velhost|read|p|Press", "read takes no argument \"Press\"");
+    row("velhost|read", "read needs a plant file: read PLANT");
+    row("velhost|read|", "read needs a plant file: read PLANT");
     row("velhost|write|A/b=1", "write needs a plant file: --plant FILE");
     row("velhost|write|--plant|p", "write needs at least one DEVICE/ITEM=VALUE");
     row("velhost|columns|--cycles|1", "columns has no use for --cycles");
     row("velhost|columns|--interval|1", "columns has no use for --interval");
     row("velhost|write|A/b=1|--plant|p|--cycles|1", "write has no use for --cycles");
-    row("velhost|columns|--format|csv", "--format csv is for read; columns has table and json");
+    row("velhost|columns|--format|csv", "--format of columns is table or json, not \"csv\"");
     row("velhost|write|A/b=1|--plant|p|--format|csv",
-        "--format csv is for read; write has table and json");
+        "--format of write is table or json, not \"csv\"");
     row("velhost|write|A/b=1|--plant|p|--only-changes", "write has no use for --only-changes");
-    row("velhost|check", "check needs a plant file: --plant FILE");
+    row("velhost|check", "check needs a plant file: check PLANT");
     row("velhost|check|p.json|--plant|p", "check takes no argument \"p.json\"");
     row("velhost|check|--plant|p|--format|json", "check has no use for --format");
-    row("velhost|plan", "plan needs a plant file: --plant FILE");
+    row("velhost|plan", "plan needs a plant file: plan PLANT");
     row("velhost|plan|p.json|--plant|p", "plan takes no argument \"p.json\"");
     row("velhost|plan|--plant|p|--cycles|2", "plan has no use for --cycles");
-    row("velhost|plan|--plant|p|--format|csv", "--format csv is for read; plan has table and json");
+    row("velhost|plan|--plant|p|--format|csv", "--format of plan is table or json, not \"csv\"");
     row("velhost|read|--plant|p|--write|A/b=1", "read has no use for --write");
     row("velhost|read|--plant|p|--rtt|1", "read has no use for --rtt");
     row("velhost|read|--plant|p|--yes", "read has no use for --yes");
@@ -256,8 +282,9 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|columns|--plugin=", "--plugin needs a file name");
     row("velhost|read|--plant|", "--plant needs a file name");
     row("velhost|columns|--plugin|a|--plugin|a", "--plugin is given more than once");
-    row("velhost|columns|--format|xml", "--format is table, json or csv, not \"xml\"");
-    row("velhost|columns|--format|JSON", "--format is table, json or csv, not \"JSON\"");
+    row("velhost|columns|--format|xml", "--format of columns is table or json, not \"xml\"");
+    row("velhost|read|p|--format|JSON", "--format of read is table, json or csv, not \"JSON\"");
+    row("velhost|columns|--format=", "--format of columns is table or json, not \"\"");
     row("velhost|--version=1", "Unexpected value after '--version'.");
 }
 

@@ -11,10 +11,6 @@ namespace kvsim {
 namespace {
 
 constexpr int timeout = 5000; // milliseconds
-const char *const description
-    = "Speaks to a simulator on this machine that was started with --control.\n"
-      "\n"
-      "Exit code: 0 done, 1 an error answer or no simulator, 2 wrong command line.";
 
 int failUsage(const QString &text)
 {
@@ -63,18 +59,12 @@ const QString portOption = QStringLiteral("port");
 
 void addOptions(QCommandLineParser *parser)
 {
-    parser->setApplicationDescription(QLatin1String(description));
     // A value may begin with a minus sign.
     parser->setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     parser->addOptions({
-        {{QStringLiteral("h"), helpOption}, QStringLiteral("Print this help.")},
-        {portOption, QStringLiteral("The simulator's control port (8502)."),
-         QStringLiteral("number"), QStringLiteral("8502")},
+        QCommandLineOption(QStringList{QStringLiteral("h"), helpOption}),
+        {portOption, {}, QStringLiteral("value"), QStringLiteral("8502")},
     });
-    parser->addPositionalArgument(
-        QStringLiteral("command"),
-        QStringLiteral("get ADDRESS, set ADDRESS VALUE, fault FAULT, clear, counters or quit."),
-        QStringLiteral("command..."));
 }
 
 } // namespace
@@ -86,9 +76,7 @@ int runCtl(const QStringList &arguments)
     if (!parser.parse(QStringList{QStringLiteral("kvsim")} + arguments))
         return failUsage(parser.errorText());
     if (parser.isSet(helpOption))
-        // The parser knows the program's name only.
-        return print(parser.helpText().replace(QLatin1String(" [options] "),
-                                               QLatin1String(" ctl [options] ")));
+        return printHelp();
     bool ok = false;
     const quint16 port = parser.value(portOption).toUShort(&ok);
     if (!ok || port == 0)

@@ -123,7 +123,7 @@ int main(int argc, char *argv[])
     const Options options = kvsim::parseOptions(arguments);
     switch (options.action) {
     case Options::Action::ShowHelp:
-        return print(options.text);
+        return kvsim::printHelp();
     case Options::Action::ShowVersion:
         return print(QStringLiteral("kvsim %1\n").arg(QCoreApplication::applicationVersion()));
     case Options::Action::RefuseUsage:

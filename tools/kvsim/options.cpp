@@ -6,14 +6,6 @@ namespace kvsim {
 
 namespace {
 
-const char *const description
-    = "Simulates a KV-series controller: answers Host Link commands over TCP.\n"
-      "The first line of output is \"listening ADDRESS:PORT\".\n"
-      "\n"
-      "\"kvsim ctl\" changes a simulator while it runs, see kvsim ctl --help.\n"
-      "\n"
-      "Exit code: 0 ended by SIGINT, SIGTERM or quit, 1 cannot serve, 2 wrong command line.";
-
 Options answered(Options::Action action, const QString &text)
 {
     Options options;
@@ -63,28 +55,20 @@ Options servingOptions(const QCommandLineParser &parser)
     return options;
 }
 
+// What there is to parse. What it means to people stands in help.txt.
 void addOptions(QCommandLineParser *parser)
 {
-    parser->setApplicationDescription(QLatin1String(description));
+    const QString value = QStringLiteral("value");
     parser->addOptions({
         // Not addHelpOption(): it brings --help-all with it, which would need an answer too.
-        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Print this help.")},
-        {{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Print the version.")},
-        {QStringLiteral("bind"), QStringLiteral("Listen on this IP address (127.0.0.1)."),
-         QStringLiteral("address"), QStringLiteral("127.0.0.1")},
-        {QStringLiteral("port"), QStringLiteral("Listen on this TCP port; 0 picks one (8501)."),
-         QStringLiteral("number"), QStringLiteral("8501")},
-        {QStringLiteral("trace"),
-         QStringLiteral("Print each command and answer to standard error.")},
-        {QStringLiteral("control"),
-         QStringLiteral("Take control commands on this TCP port of 127.0.0.1; 0 picks one."),
-         QStringLiteral("number")},
-        {QStringLiteral("fault"),
-         QStringLiteral("Make something go wrong, for example silent@DM100. Repeatable."),
-         QStringLiteral("fault")},
-        {QStringLiteral("set"),
-         QStringLiteral("Start with this value, for example DM100=5. Repeatable."),
-         QStringLiteral("address=value")},
+        QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}),
+        QCommandLineOption(QStringList{QStringLiteral("v"), QStringLiteral("version")}),
+        QCommandLineOption(QStringLiteral("trace")),
+        {QStringLiteral("bind"), {}, value, QStringLiteral("127.0.0.1")},
+        {QStringLiteral("port"), {}, value, QStringLiteral("8501")},
+        {QStringLiteral("control"), {}, value},
+        {QStringLiteral("fault"), {}, value},
+        {QStringLiteral("set"), {}, value},
     });
 }
 
@@ -97,7 +81,7 @@ Options parseOptions(const QStringList &arguments)
     if (!parser.parse(arguments))
         return refused(parser.errorText());
     if (parser.isSet(QStringLiteral("help")))
-        return answered(Options::Action::ShowHelp, parser.helpText());
+        return answered(Options::Action::ShowHelp, {});
     if (parser.isSet(QStringLiteral("version")))
         return answered(Options::Action::ShowVersion, {});
     if (!parser.positionalArguments().isEmpty())

@@ -23,7 +23,7 @@ struct Options
     QStringList faults;
     /// What memory holds at the start, each ADDRESS=VALUE as it was given, in their order.
     QStringList values;
-    /// The help text for `ShowHelp`, what is wrong for `RefuseUsage`.
+    /// What is wrong, for `RefuseUsage`.
     QString text;
 };
 

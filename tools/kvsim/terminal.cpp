@@ -1,5 +1,7 @@
 #include "terminal.h"
 
+#include <QFile>
+
 #include <cerrno>
 #include <cstdio>
 
@@ -20,6 +22,13 @@ int print(const QString &text)
         return fail(Failure,
                     QLatin1String("cannot write to standard output: ") + qt_error_string(errno));
     return Success;
+}
+
+int printHelp()
+{
+    QFile file(QStringLiteral(":/help.txt"));
+    return file.open(QIODevice::ReadOnly) ? print(QString::fromUtf8(file.readAll()))
+                                          : fail(Failure, file.errorString());
 }
 
 } // namespace kvsim

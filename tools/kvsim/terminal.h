@@ -13,4 +13,7 @@ int fail(ExitCode code, const QString &text);
 /// Prints to standard output at once. Success, or Failure after an error was printed.
 int print(const QString &text);
 
+/// Prints what --help shows, which the manual page is made of, too; as print().
+int printHelp();
+
 } // namespace kvsim

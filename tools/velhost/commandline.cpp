@@ -1,9 +1,9 @@
 #include "commandline.h"
 
 #include <QCommandLineParser>
+#include <QVector>
 
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -11,38 +11,45 @@ constexpr int maximumCycles = 1'000'000'000;
 constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
 constexpr int maximumRttMs = 60 * 1000;
 
+/// What a command takes besides options.
+enum class Arguments { None, Plant, Assignments };
+
 struct CommandDescription
 {
     QString name;
     Command command;
-    bool needsPlant;
-    bool hasAssignments;
+    Arguments arguments;
     /// Those options that are not for every command.
     QStringList options;
+    /// What --format may ask for; nothing: there is no choice.
+    QStringList formats;
 };
 
-const std::array<CommandDescription, 5> &commands()
+const QVector<CommandDescription> &commands()
 {
-    static const std::array<CommandDescription, 5> table{{
-        {QStringLiteral("columns"), Command::Columns, false, false, {}},
+    static const QString table = QStringLiteral("table");
+    static const QString json = QStringLiteral("json");
+    static const QString csv = QStringLiteral("csv");
+    static const QVector<CommandDescription> list{
+        {QStringLiteral("columns"), Command::Columns, Arguments::None, {}, {table, json}},
         {QStringLiteral("read"),
          Command::Read,
-         true,
-         false,
-         {QStringLiteral("cycles"), QStringLiteral("interval"), QStringLiteral("only-changes")}},
+         Arguments::Plant,
+         {QStringLiteral("cycles"), QStringLiteral("interval"), QStringLiteral("only-changes")},
+         {table, json, csv}},
         {QStringLiteral("write"),
          Command::Write,
-         true,
-         true,
-         {QStringLiteral("yes"), QStringLiteral("no-verify")}},
+         Arguments::Assignments,
+         {QStringLiteral("yes"), QStringLiteral("no-verify")},
+         {table, json}},
         {QStringLiteral("plan"),
          Command::Plan,
-         true,
-         false,
-         {QStringLiteral("write"), QStringLiteral("rtt")}},
-        {QStringLiteral("check"), Command::Check, true, false, {}},
-    }};
-    return table;
+         Arguments::Plant,
+         {QStringLiteral("write"), QStringLiteral("rtt")},
+         {table, json}},
+        {QStringLiteral("check"), Command::Check, Arguments::Plant, {}, {}},
+    };
+    return list;
 }
 
 /// The options that every command takes.
@@ -51,55 +58,33 @@ QStringList commonOptions()
     return {QStringLiteral("plugin"), QStringLiteral("plant"), QStringLiteral("format")};
 }
 
-void describe(QCommandLineParser *parser)
+/// What there is to parse. What it means to people stands in help.txt.
+void addOptions(QCommandLineParser *parser)
 {
-    parser->setApplicationDescription(QStringLiteral(
-        "Loads a VEL plug-in, plays the host and shows what the plug-in answers.\n\n"
-        "Commands:\n"
-        "  columns                       Show what the plug-in declares.\n"
-        "  read                          Read every item of every device.\n"
-        "  write DEVICE/ITEM=VALUE ...   Read, write and read back the named items, in the\n"
-        "                                order given.\n"
-        "  plan                          Show what each item would send and what a cycle costs,\n"
-        "                                without the plant's network.\n"
-        "  check                         Show everything that is wrong with the plant file.\n\n"
-        "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant file,\n"
-        "3 the plug-in cannot be loaded, 130 or 143 a read was ended by SIGINT or SIGTERM."));
-    parser->addPositionalArgument(QStringLiteral("command"),
-                                  QStringLiteral("columns, read, write, plan or check."),
-                                  QStringLiteral("COMMAND"));
-    parser->addOptions({
-        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")},
-        {{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Show the version.")},
-        {QStringLiteral("plugin"),
-         QStringLiteral("The plug-in. Without it: libkeyence.so next to this program, then in "
-                        "../lib from there, then in Qt's plug-in folders."),
-         QStringLiteral("FILE")},
-        {QStringLiteral("plant"),
-         QStringLiteral("The devices and items as JSON. Only columns does without."),
-         QStringLiteral("FILE")},
-        {QStringLiteral("format"),
-         QStringLiteral("table (default) for people, json for one JSON object a line, csv for "
-                        "comma-separated values (read only)."),
-         QStringLiteral("FORMAT")},
-        {QStringLiteral("cycles"), QStringLiteral("read: number of cycles (default 1)."),
-         QStringLiteral("N")},
-        {QStringLiteral("interval"),
-         QStringLiteral("read: milliseconds between cycle starts (default 1000)."),
-         QStringLiteral("MS")},
-        {QStringLiteral("only-changes"),
-         QStringLiteral("read: print an item only when its value or its error has changed.")},
-        {QStringLiteral("yes"),
-         QStringLiteral("write: confirms that devices which are not on this machine may change.")},
-        {QStringLiteral("no-verify"),
-         QStringLiteral("write: only write, read nothing before or after.")},
-        {QStringLiteral("write"),
-         QStringLiteral("plan: show what a write of this would send, too. May be repeated."),
-         QStringLiteral("DEVICE/ITEM=VALUE")},
-        {QStringLiteral("rtt"),
-         QStringLiteral("plan: milliseconds that an exchange takes at best (default 1)."),
-         QStringLiteral("MS")},
-    });
+    parser->addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}));
+    parser->addOption(
+        QCommandLineOption(QStringList{QStringLiteral("v"), QStringLiteral("version")}));
+    for (const char *const flag : {"only-changes", "yes", "no-verify"})
+        parser->addOption(QCommandLineOption(QString::fromLatin1(flag)));
+    for (const char *const option :
+         {"plugin", "plant", "format", "cycles", "interval", "write", "rtt"})
+        parser->addOption({QString::fromLatin1(option), QString(), QStringLiteral("value")});
+}
+
+/// "a, b or c"
+QString choice(const QStringList &words)
+{
+    if (words.size() < 2)
+        return words.join(QString());
+    return words.mid(0, words.size() - 1).join(QStringLiteral(", ")) + u" or " + words.last();
+}
+
+QString commandNames()
+{
+    QStringList names;
+    for (const CommandDescription &command : commands())
+        names.append(command.name);
+    return choice(names);
 }
 
 /// Takes a number in plain decimal digits; `*number` keeps its value when the option is not given.
@@ -123,23 +108,11 @@ bool takeNumber(const QCommandLineParser &parser, const QString &option, int min
     return true;
 }
 
-bool takeFormat(const QCommandLineParser &parser, OutputFormat *format, QString *error)
+OutputFormat formatNamed(const QString &name)
 {
-    const QString option = QStringLiteral("format");
-    if (!parser.isSet(option))
-        return true;
-    const QString text = parser.value(option);
-    if (text == QLatin1String("table"))
-        *format = OutputFormat::Table;
-    else if (text == QLatin1String("json"))
-        *format = OutputFormat::Json;
-    else if (text == QLatin1String("csv"))
-        *format = OutputFormat::Csv;
-    else {
-        *error = QStringLiteral("--format is table, json or csv, not \"%1\"").arg(text);
-        return false;
-    }
-    return true;
+    if (name == QLatin1String("json"))
+        return OutputFormat::Json;
+    return name == QLatin1String("csv") ? OutputFormat::Csv : OutputFormat::Table;
 }
 
 /// Says what is wrong with the options as such, without a look at the command.
@@ -157,6 +130,25 @@ QString optionError(const QCommandLineParser &parser)
     return {};
 }
 
+/// Says what is wrong with what is no option.
+QString argumentError(const CommandDescription &command, const QCommandLineParser &parser)
+{
+    const QStringList rest = parser.positionalArguments().mid(1);
+    const bool hasPlant = parser.isSet(QStringLiteral("plant"));
+    if (command.arguments == Arguments::Assignments) {
+        if (!hasPlant)
+            return command.name + u" needs a plant file: --plant FILE";
+        return rest.isEmpty() ? command.name + u" needs at least one DEVICE/ITEM=VALUE" : QString();
+    }
+    const bool needsPlant = command.arguments == Arguments::Plant && !hasPlant;
+    if (needsPlant && rest.value(0).isEmpty())
+        return command.name + u" needs a plant file: " + command.name + u" PLANT";
+    const int allowed = needsPlant ? 1 : 0;
+    if (rest.size() > allowed)
+        return QStringLiteral("%1 takes no argument \"%2\"").arg(command.name, rest.at(allowed));
+    return {};
+}
+
 /// Says what the command misses or has no use for.
 QString commandError(const CommandDescription &command, const QCommandLineParser &parser)
 {
@@ -165,25 +157,21 @@ QString commandError(const CommandDescription &command, const QCommandLineParser
         if (!commonOptions().contains(option) && !command.options.contains(option))
             return QStringLiteral("%1 has no use for --%2").arg(command.name, option);
     }
-    if (command.command == Command::Check && parser.isSet(QStringLiteral("format")))
-        return QStringLiteral("check has no use for --format");
-    if (command.command != Command::Read && parser.value(QStringLiteral("format")) == u"csv")
-        return QStringLiteral("--format csv is for read; %1 has table and json").arg(command.name);
-    if (command.needsPlant && !parser.isSet(QStringLiteral("plant")))
-        return QStringLiteral("%1 needs a plant file: --plant FILE").arg(command.name);
-    const QStringList rest = parser.positionalArguments().mid(1);
-    if (command.hasAssignments && rest.isEmpty())
-        return QStringLiteral("%1 needs at least one DEVICE/ITEM=VALUE").arg(command.name);
-    if (!command.hasAssignments && !rest.isEmpty())
-        return QStringLiteral("%1 takes no argument \"%2\"").arg(command.name, rest.first());
-    return {};
+    const QString format = parser.value(QStringLiteral("format"));
+    if (parser.isSet(QStringLiteral("format")) && !command.formats.contains(format)) {
+        if (command.formats.isEmpty())
+            return QStringLiteral("%1 has no use for --format").arg(command.name);
+        return QStringLiteral("--format of %1 is %2, not \"%3\"")
+            .arg(command.name, choice(command.formats), format);
+    }
+    return argumentError(command, parser);
 }
 
 /// The command that the arguments name, or a null pointer and what is wrong.
 const CommandDescription *requestedCommand(const QStringList &positional, QString *error)
 {
     if (positional.isEmpty()) {
-        *error = QStringLiteral("no command given; use columns, read, write, plan or check");
+        *error = u"no command given; use " + commandNames();
         return nullptr;
     }
     const QString &name = positional.first();
@@ -191,8 +179,7 @@ const CommandDescription *requestedCommand(const QStringList &positional, QStrin
         if (command.name == name)
             return &command;
     }
-    *error = QStringLiteral("unknown command \"%1\"; use columns, read, write, plan or check")
-                 .arg(name);
+    *error = u"unknown command \"" + name + u"\"; use " + commandNames();
     return nullptr;
 }
 
@@ -201,7 +188,7 @@ const CommandDescription *requestedCommand(const QStringList &positional, QStrin
 std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QString *error)
 {
     QCommandLineParser parser;
-    describe(&parser);
+    addOptions(&parser);
     if (!parser.parse(arguments)) {
         *error = parser.errorText();
         return {};
@@ -227,23 +214,19 @@ std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QStrin
     result.command = command->command;
     result.pluginFile = parser.value(QStringLiteral("plugin"));
     result.plantFile = parser.value(QStringLiteral("plant"));
-    result.assignments
-        = command->hasAssignments ? positional.mid(1) : parser.values(QStringLiteral("write"));
+    if (command->arguments == Arguments::Plant && result.plantFile.isEmpty())
+        result.plantFile = positional.at(1);
+    result.assignments = command->arguments == Arguments::Assignments
+                             ? positional.mid(1)
+                             : parser.values(QStringLiteral("write"));
+    result.format = formatNamed(parser.value(QStringLiteral("format")));
     result.onlyChanges = parser.isSet(QStringLiteral("only-changes"));
     result.isConfirmed = parser.isSet(QStringLiteral("yes"));
     result.verifies = !parser.isSet(QStringLiteral("no-verify"));
     const bool taken
-        = takeFormat(parser, &result.format, error)
-          && takeNumber(parser, QStringLiteral("cycles"), 1, maximumCycles, &result.cycles, error)
+        = takeNumber(parser, QStringLiteral("cycles"), 1, maximumCycles, &result.cycles, error)
           && takeNumber(parser, QStringLiteral("interval"), 0, maximumIntervalMs,
                         &result.intervalMs, error)
           && takeNumber(parser, QStringLiteral("rtt"), 0, maximumRttMs, &result.rttMs, error);
     return taken ? std::optional(result) : std::nullopt;
-}
-
-QString helpText()
-{
-    QCommandLineParser parser;
-    describe(&parser);
-    return parser.helpText();
 }

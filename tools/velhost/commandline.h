@@ -38,6 +38,3 @@ struct CommandLine
 /// Reads the arguments, the program's name first. Options may stand before and after the command.
 /// Returns nothing when they are wrong; `error` then says what to change.
 std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QString *error);
-
-/// The text that `--help` prints. Needs a QCoreApplication, whose name it shows.
-QString helpText();

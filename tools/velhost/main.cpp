@@ -11,6 +11,7 @@
 #include "writecommand.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 #include <cstdio>
 #include <memory>
@@ -97,6 +98,13 @@ ExitCode runJob(const Job &job)
         result = result == AllWell ? ErrorFound : result;
     }
     return result;
+}
+
+/// The text of --help, which the manual page is made of, too.
+QString helpText()
+{
+    QFile file(QStringLiteral(":/help.txt"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 ExitCode run(const QStringList &arguments)

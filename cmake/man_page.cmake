@@ -1,0 +1,27 @@
+# add_man_page(<program> <help> <what it is>): makes <program>.1 from the text that the program prints for
+# --help, so that the two cannot differ. The text is taken from its file, because a program for another
+# processor cannot be asked.
+find_program(HELP2MAN help2man)
+mark_as_advanced(HELP2MAN)
+
+set(KEYENCE_MAN_FOLDER ${PROJECT_BINARY_DIR}/man CACHE INTERNAL "")
+
+function(add_man_page program help description)
+    if(NOT HELP2MAN)
+        message(STATUS "No manual page of ${program}: help2man is not installed")
+        return()
+    endif()
+    # What help2man asks instead of the program.
+    set(speaker ${CMAKE_CURRENT_BINARY_DIR}/man/${program})
+    file(CONFIGURE OUTPUT ${speaker} CONTENT
+        "#!/bin/sh\nexec sed 's/^Exit status:$/*Exit status*/' '${help}'\n" @ONLY)
+    file(CHMOD ${speaker} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    set(page ${KEYENCE_MAN_FOLDER}/${program}.1)
+    add_custom_command(OUTPUT ${page}
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${KEYENCE_MAN_FOLDER}
+        COMMAND ${HELP2MAN} --no-info --section=1 --version-string=${PROJECT_VERSION}
+            --name=${description} --output=${page} ${speaker}
+        DEPENDS ${help}
+        VERBATIM)
+    add_custom_target(${program}-man ALL DEPENDS ${page})
+endfunction()

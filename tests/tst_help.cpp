@@ -1,0 +1,199 @@
+#include <programrun.h>
+#include <text.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <QtTest>
+
+namespace {
+
+struct Tool
+{
+    QString program;
+    QString helpFile;
+    QString manPage;
+    QString completion;
+};
+
+Tool toolNamed(const QString &name)
+{
+    const QString folder = text(TOOLS_FOLDER "/") + name;
+    const QString program = name == text("kvsim") ? text(KVSIM_PROGRAM) : text(VELHOST_FILE);
+    return {program, folder + text("/help.txt"), text(MAN_FOLDER "/") + name + text(".1"),
+            text(TOOLS_FOLDER "/completion/") + name};
+}
+
+QString contents(const QString &fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+/// The page as `man` shows it, without bold and underlining.
+ProgramRun formatted(const QString &manPage)
+{
+    return runProgram(text("groff"),
+                      {text("-man"), text("-ww"), text("-Tutf8"), text("-P-cbou"), manPage}, {});
+}
+
+} // namespace
+
+/// What the programs say of themselves: help, manual page, completion.
+class tst_Help : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void printsTheHelp_data();
+    void printsTheHelp();
+    void helpNamesNothingElse_data();
+    void helpNamesNothingElse();
+    void manPage_data();
+    void manPage();
+    void completes_data();
+    void completes();
+};
+
+void tst_Help::printsTheHelp_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("arguments");
+
+    QTest::newRow("velhost") << text("velhost") << QStringList{text("--help")};
+    QTest::newRow("velhost, short") << text("velhost") << QStringList{text("-h")};
+    QTest::newRow("velhost, behind a command")
+        << text("velhost") << QStringList{text("read"), text("--help")};
+    QTest::newRow("kvsim") << text("kvsim") << QStringList{text("--help")};
+    QTest::newRow("kvsim, short") << text("kvsim") << QStringList{text("-h")};
+    QTest::newRow("kvsim ctl") << text("kvsim") << QStringList{text("ctl"), text("--help")};
+}
+
+void tst_Help::printsTheHelp()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, arguments);
+
+    const Tool tool = toolNamed(name);
+    const ProgramRun run = runProgram(tool.program, arguments, {});
+    QCOMPARE(run.errors, QString());
+    QVERIFY(run.output.startsWith(text("Usage: ") + name));
+    QCOMPARE(run.output, contents(tool.helpFile));
+    QCOMPARE(run.exitCode, 0);
+    const QStringList lines = run.output.split(QLatin1Char('\n'));
+    for (const QString &line : lines)
+        QVERIFY2(line.size() < 80, qPrintable(line));
+}
+
+void tst_Help::helpNamesNothingElse_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("option");
+
+    for (const QString &name : {text("velhost"), text("kvsim")}) {
+        const QString help = contents(toolNamed(name).helpFile);
+        const QRegularExpression pattern(text("^  (?:-[a-z], )?(--[a-z-]+)"),
+                                         QRegularExpression::MultilineOption);
+        QRegularExpressionMatchIterator matches = pattern.globalMatch(help);
+        while (matches.hasNext()) {
+            const QString option = matches.next().captured(1);
+            QTest::newRow(qPrintable(name + QLatin1Char(' ') + option)) << name << option;
+        }
+    }
+}
+
+/// Only the option that does not exist is unknown, whether the other one takes the value or not.
+void tst_Help::helpNamesNothingElse()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, option);
+
+    const ProgramRun run = runProgram(toolNamed(name).program,
+                                      {option, text("value"), text("--no-such-option")}, {});
+    QVERIFY2(run.errors.contains(text("Unknown option 'no-such-option'.")), qPrintable(run.errors));
+    QCOMPARE(run.exitCode, 2);
+}
+
+void tst_Help::manPage_data()
+{
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("velhost") << text("velhost");
+    QTest::newRow("kvsim") << text("kvsim");
+}
+
+void tst_Help::manPage()
+{
+    QFETCH(QString, name);
+
+    const Tool tool = toolNamed(name);
+    const ProgramRun run = formatted(tool.manPage);
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.exitCode, 0);
+    const QStringList lines = run.output.split(QLatin1Char('\n'));
+    for (const char *const section :
+         {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXIT STATUS", "EXAMPLES"})
+        QVERIFY2(lines.contains(text(section)), section);
+    const QRegularExpression option(text("--[a-z-]+"));
+    QRegularExpressionMatchIterator matches = option.globalMatch(contents(tool.helpFile));
+    QVERIFY(matches.hasNext());
+    while (matches.hasNext()) {
+        const QString word = matches.next().captured();
+        QVERIFY2(run.output.contains(word), qPrintable(word));
+    }
+    QVERIFY(lines.constLast().isEmpty());
+    QVERIFY(run.output.contains(name + text(" " PROJECT_VERSION " ")));
+}
+
+void tst_Help::completes_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("words");
+
+    QTest::newRow("commands") << text("velhost re") << text("read");
+    QTest::newRow("one command of several options")
+        << text("velhost --format json pl") << text("plan");
+    QTest::newRow("options") << text("velhost read --on") << text("--only-changes");
+    QTest::newRow("formats") << text("velhost read --format ") << text("csv json table");
+    QTest::newRow("files behind a command") << text("velhost check pl") << text("plant.json");
+    QTest::newRow("files behind --plant") << text("velhost --plant pl") << text("plant.json");
+    QTest::newRow("simulator's options") << text("kvsim --p") << text("--port");
+    QTest::newRow("ctl") << text("kvsim c") << text("ctl");
+    QTest::newRow("commands of ctl") << text("kvsim ctl c") << text("clear counters");
+    QTest::newRow("options of ctl") << text("kvsim ctl --p") << text("--port");
+    QTest::newRow("nothing") << text("kvsim --nothing") << QString();
+}
+
+void tst_Help::completes()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, words);
+
+    QTemporaryDir folder;
+    QFile plant(folder.filePath(text("plant.json")));
+    QVERIFY(plant.open(QIODevice::WriteOnly));
+    const QString name = line.section(QLatin1Char(' '), 0, 0);
+    const Tool tool = toolNamed(name);
+    // What bash does when the tab key is pressed behind the line.
+    const QString script = text(R"(
+        . /usr/share/bash-completion/bash_completion
+        . "$1"
+        COMP_LINE=$2
+        COMP_POINT=${#COMP_LINE}
+        read -ra COMP_WORDS <<< "$COMP_LINE"
+        [[ $COMP_LINE != *' ' ]] || COMP_WORDS+=('')
+        COMP_WORDS[0]=$3
+        COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+        _$4 "$3" "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD-1]}"
+        printf '%s\n' "${COMPREPLY[@]}" | sort | xargs echo
+    )");
+    const ProgramRun run = runProgram(
+        text("bash"), {text("-c"), script, text("bash"), tool.completion, line, tool.program, name},
+        folder.path());
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.output.trimmed(), words);
+    QCOMPARE(run.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_Help)
+#include "tst_help.moc"
