@@ -2,7 +2,7 @@
 # libraries and include folders, as part of the ordinary build. A header that only compiles after another
 # one breaks here and not in its next user's file.
 function(check_headers target)
-    if(NOT KEYENCE_BUILD_TESTS)
+    if(NOT KEYENCE_CHECK_HEADERS)
         return()
     endif()
     get_target_property(folder ${target} SOURCE_DIR)

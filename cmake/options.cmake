@@ -16,8 +16,12 @@ cmake_dependent_option(KEYENCE_BUILD_TOOLS
     "NOT VEL_ROOT" OFF)
 
 cmake_dependent_option(KEYENCE_BUILD_TESTS
-    "Build the tests and the check that every header compiles alone. Needs the tools." ON
+    "Build the tests. Needs the tools." ON
     "KEYENCE_BUILD_TOOLS" OFF)
+
+cmake_dependent_option(KEYENCE_CHECK_HEADERS
+    "Compile every header alone, too. Once is enough: the preset dev does it." ON
+    "KEYENCE_BUILD_TESTS" OFF)
 
 option(KEYENCE_WERROR "Treat compiler warnings in our own code as errors." OFF)
 

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Runs all tests with line counters and prints how much of the plug-in's sources they reach; below 98 % it
+# Runs the plug-in's own tests with line counters and prints how much of its sources they reach; below 98 % it
 # fails.
 set -eu
 cd "$(dirname "$0")/.."
