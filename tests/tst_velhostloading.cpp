@@ -57,7 +57,6 @@ private Q_SLOTS:
     void keepsInterval();
     void fullOutput();
     void argumentNotUtf8();
-    void help();
     void version();
 };
 
@@ -285,31 +284,6 @@ void tst_VelhostLoading::argumentNotUtf8()
     QCOMPARE(run.errors, text("velhost: an argument is not valid UTF-8\n"));
     QCOMPARE(run.output, QString());
     QCOMPARE(run.exitCode, 2);
-}
-
-void tst_VelhostLoading::help()
-{
-    const ProgramRun run = runProgram(program, {text("--help")}, m_folder.path());
-    QCOMPARE(run.errors, QString());
-    QCOMPARE(
-        run.output.section(u'\n', 0, 12),
-        text("Usage: %1 [options] COMMAND\n"
-             "Loads a VEL plug-in, plays the host and shows what the plug-in answers.\n"
-             "\n"
-             "Commands:\n"
-             "  columns                       Show what the plug-in declares.\n"
-             "  read                          Read every item of every device.\n"
-             "  write DEVICE/ITEM=VALUE ...   Read, write and read back the named items, in the\n"
-             "                                order given.\n"
-             "  plan                          Show what each item would send and what a cycle "
-             "costs,\n"
-             "                                without the plant's network.\n"
-             "  check                         Show everything that is wrong with the plant file.\n"
-             "\n"
-             "Exit code: 0 all well, 1 a device or an item has an error, 2 wrong usage or plant "
-             "file,")
-            .arg(program));
-    QCOMPARE(run.exitCode, 0);
 }
 
 void tst_VelhostLoading::version()
