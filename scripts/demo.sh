@@ -1,17 +1,29 @@
 #!/bin/sh
 # Shows the plug-in at work without hardware: builds it, starts a simulated controller, loads the plug-in the
 # way a host does, reads and writes every data type, and checks what came of it.
+#
+# With DEMO_BIN, the folder of an installed velhost and kvsim, nothing is built. DEMO_EXAMPLES is the folder of
+# the plant files, DEMO_WORK one for what is written, and DEMO_RUNNER what stands before each program, such as
+# an emulator with its options.
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev
+if [ -z "${DEMO_BIN-}" ]; then
+    scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev
 
-cmake --preset dev >/dev/null
-cmake --build --preset dev --target keyence velhost kvsim
+    cmake --preset dev >/dev/null
+    cmake --build --preset dev --target keyence velhost kvsim
+fi
 
-bin=build/dev/bin
-work=build/demo
+bin=${DEMO_BIN:-build/dev/bin}
+examples=${DEMO_EXAMPLES:-examples}
+work=${DEMO_WORK:-build/demo}
 mkdir -p "$work"
+
+velhost() {
+    # shellcheck disable=SC2086 # one word an argument
+    ${DEMO_RUNNER-} "$bin/velhost" "$@"
+}
 
 title() {
     printf '\n== %s\n' "$1"
@@ -25,28 +37,29 @@ fail() {
 # The simulated controller picks a free port and says which.
 rm -f "$work/kvsim.out"
 mkfifo "$work/kvsim.out"
-"$bin/kvsim" --port 0 >"$work/kvsim.out" &
+# shellcheck disable=SC2086 # one word an argument
+${DEMO_RUNNER-} "$bin/kvsim" --port 0 >"$work/kvsim.out" &
 simulator=$!
 trap 'kill "$simulator" 2>/dev/null || true' EXIT
 read -r line <"$work/kvsim.out" || fail "the simulated controller does not start"
 port=${line##*:}
 for plant in demo-plant bad-address; do
-    sed "s/\"8501\"/\"$port\"/" "examples/$plant.json" >"$work/$plant.json"
+    sed "s/\"8501\"/\"$port\"/" "$examples/$plant.json" >"$work/$plant.json"
 done
 
 # check_values NAME: reads the plant and compares its items with the expected ones on standard input.
 check_values() {
-    "$bin/velhost" --plant "$work/demo-plant.json" --format json read |
+    velhost --plant "$work/demo-plant.json" --format json read |
         sed -n 's/.*"item":"\([^"]*\)","value":"\([^"]*\)","error":"\([^"]*\)"}$/\1: \2\3/p' >"$work/$1.txt"
     diff - "$work/$1.txt" || fail "these are not the expected values"
     echo "All values are as expected."
 }
 
 title "What the plug-in declares"
-"$bin/velhost" columns
+velhost columns
 
 title "A read of every data type from fresh memory, in which word n holds n"
-"$bin/velhost" --plant "$work/demo-plant.json" read
+velhost --plant "$work/demo-plant.json" read
 check_values fresh <<'VALUES'
 Bit of a word: 1
 Short: 201
@@ -63,14 +76,14 @@ Bit device: 1
 VALUES
 
 title "A write to each of them: the old value, the new one, and the one read back"
-"$bin/velhost" --plant "$work/demo-plant.json" write \
+velhost --plant "$work/demo-plant.json" write \
     'Press/Bit of a word=0' 'Press/Short=-1234' 'Press/Long=-70000' 'Press/Word=54321' \
     'Press/DWord=4000000000' 'Press/Hex16=BEEF' 'Press/Hex32=DEADBEEF' 'Press/Float=-2.5' \
     'Press/Double=1234.5' 'Press/Text by count=KV-series ' 'Press/Text by range=Host Link.' \
     'Press/Bit device=0'
 
 title "The same items read back"
-"$bin/velhost" --plant "$work/demo-plant.json" read
+velhost --plant "$work/demo-plant.json" read
 check_values written <<'VALUES'
 Bit of a word: 0
 Short: -1234
@@ -88,7 +101,7 @@ VALUES
 
 title "An address that the controller does not have: its error, and the other item is still read"
 status=0
-"$bin/velhost" --plant "$work/bad-address.json" read || status=$?
+velhost --plant "$work/bad-address.json" read || status=$?
 [ "$status" -eq 1 ] || fail "an item with an error must end velhost with 1, not $status"
 
 title "The simulated controller ends"
