@@ -1,6 +1,6 @@
 #!/bin/sh
 # Shows the plug-in at work without hardware: builds it, starts a simulated controller, loads the plug-in the
-# way a host does, reads and writes every data type, and checks what came of it.
+# way a host does, plans, reads and writes every data type, breaks the connection, and checks what came of it.
 #
 # With DEMO_BIN, the folder of an installed velhost and kvsim, nothing is built. DEMO_EXAMPLES is the folder of
 # the plant files, DEMO_WORK one for what is written, and DEMO_RUNNER what stands before each program, such as
@@ -25,6 +25,12 @@ velhost() {
     ${DEMO_RUNNER-} "$bin/velhost" "$@"
 }
 
+# Changes the simulated controller while it runs.
+kvsim_ctl() {
+    # shellcheck disable=SC2086
+    ${DEMO_RUNNER-} "$bin/kvsim" ctl --port "$control" "$@"
+}
+
 title() {
     printf '\n== %s\n' "$1"
 }
@@ -34,15 +40,16 @@ fail() {
     exit 1
 }
 
-# The simulated controller picks a free port and says which.
+# The simulated controller picks free ports and says which.
 rm -f "$work/kvsim.out"
 mkfifo "$work/kvsim.out"
 # shellcheck disable=SC2086 # one word an argument
-${DEMO_RUNNER-} "$bin/kvsim" --port 0 >"$work/kvsim.out" &
+${DEMO_RUNNER-} "$bin/kvsim" --port 0 --control 0 >"$work/kvsim.out" &
 simulator=$!
 trap 'kill "$simulator" 2>/dev/null || true' EXIT
-read -r line <"$work/kvsim.out" || fail "the simulated controller does not start"
-port=${line##*:}
+{
+    read -r line && port=${line##*:} && read -r line && control=${line##*:}
+} <"$work/kvsim.out" || fail "the simulated controller does not start"
 for plant in demo-plant bad-address; do
     sed "s/\"8501\"/\"$port\"/" "$examples/$plant.json" >"$work/$plant.json"
 done
@@ -57,6 +64,10 @@ check_values() {
 
 title "What the plug-in declares"
 velhost columns
+
+title "What each item would send, without a controller"
+velhost plan "$work/demo-plant.json" --write 'Press/Bit of a word=1' | tee "$work/plan.txt"
+grep -q 'Bit of a word  write      1      WR DM100 4' "$work/plan.txt" || fail "this is not the expected plan"
 
 title "A read of every data type from fresh memory, in which word n holds n"
 velhost --plant "$work/demo-plant.json" read
@@ -104,6 +115,23 @@ status=0
 velhost --plant "$work/bad-address.json" read || status=$?
 [ "$status" -eq 1 ] || fail "an item with an error must end velhost with 1, not $status"
 
+title "The connection breaks once, in the second of three cycles: the errors, and the recovery"
+kvsim_ctl fault close=before@DM201@nth=2
+status=0
+velhost read "$work/demo-plant.json" --cycles 3 --interval 0 --only-changes >"$work/recovery.txt" || status=$?
+cat "$work/recovery.txt"
+[ "$status" -eq 1 ] || fail "a cycle with an error must end velhost with 1, not $status"
+kvsim_ctl counters | tee "$work/counters.txt"
+grep -q 'fault close=before@DM201@nth=2: seen 3, applied 1$' "$work/counters.txt" ||
+    fail "the connection was not broken once"
+sed -n 's/^\([0-9]\) .*  Press   Short  *\(-1234\) *\((old)\)\{0,1\} *\(..*\)\{0,1\}$/\1: \2 \3/p' \
+    "$work/recovery.txt" >"$work/short.txt"
+diff - "$work/short.txt" <<'VALUES' || fail "Short did not come back"
+1: -1234 
+2: -1234 (old)
+3: -1234 
+VALUES
+kvsim_ctl clear
 title "The simulated controller ends"
 kill "$simulator"
 wait "$simulator" || fail "the simulated controller did not end cleanly"
