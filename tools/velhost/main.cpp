@@ -13,6 +13,7 @@
 #include <QCoreApplication>
 #include <QFile>
 
+#include <clocale>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -72,13 +73,13 @@ std::unique_ptr<Host> makeHost(const Job &job, const Recorder *recorder)
 
 ExitCode runJob(const Job &job)
 {
-    QString error;
+    QStringList errors;
     const QString &pluginFile = job.commandLine.pluginFile;
     const std::optional<LoadedPlugin> loaded
-        = pluginFile.isEmpty() ? loadDefaultPlugin(QCoreApplication::applicationDirPath(), &error)
-                               : loadPlugin(pluginFile, &error);
+        = pluginFile.isEmpty() ? loadDefaultPlugin(QCoreApplication::applicationDirPath(), &errors)
+                               : loadPlugin(pluginFile, &errors);
     if (!loaded) {
-        complain(error);
+        complain(errors);
         return NotLoaded;
     }
     std::unique_ptr<Recorder> recorder;
@@ -147,6 +148,9 @@ int main(int argc, char *argv[])
 {
     const std::optional<QStringList> arguments = utf8Arguments(argc, argv);
     QCoreApplication application(argc, argv);
+    // The system's texts are shown among English ones, and the loader's are explained by their
+    // words.
+    std::setlocale(LC_MESSAGES, "C");
     QCoreApplication::setApplicationVersion(QStringLiteral(VELHOST_VERSION));
     if (!arguments) {
         complain(QStringLiteral("an argument is not valid UTF-8"));

@@ -1,5 +1,7 @@
 #include "pluginfile.h"
 
+#include "loadfailure.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -8,50 +10,67 @@
 
 namespace {
 
-/// What keeps the file from being a plug-in of this host, judged by its metadata alone; none of its
-/// code has run. Empty when nothing does.
-QString metadataError(const QFileInfo &file, const QPluginLoader &loader)
+/// Nothing for a file with the host's identifier; also for one without any, which the loader
+/// refuses.
+std::optional<LoadFailure> identifierFailure(const QJsonObject &metadata)
 {
-    if (!file.exists())
-        return QStringLiteral("there is no such file");
-    if (file.isDir())
-        return QStringLiteral("it is a folder");
-    if (loader.metaData().isEmpty())
-        return QStringLiteral("it is not a Qt plug-in: %1").arg(loader.errorString());
-    const QString identifier = loader.metaData().value(u"IID").toString();
-    if (identifier != QLatin1String(VELInterface_iid))
-        return QStringLiteral("its interface identifier is \"%1\", this host asks for \"%2\"")
-            .arg(identifier, QLatin1String(VELInterface_iid));
-    return {};
+    const QString identifier = metadata.value(u"IID").toString();
+    if (metadata.isEmpty() || identifier == QLatin1String(VELInterface_iid))
+        return {};
+    return LoadFailure{
+        QStringLiteral("its interface identifier is \"%1\", this host asks for \"%2\"")
+            .arg(identifier, QLatin1String(VELInterface_iid)),
+        QStringLiteral("build both with the same VEL_INTERFACE_PREFIX")};
+}
+
+LoadFailure classFailure(const QString &className)
+{
+    return {QStringLiteral("its class \"%1\" is not a VELInterface").arg(className),
+            QStringLiteral("derive it from VELInterface and name that in Q_INTERFACES")};
+}
+
+/// Says it in a line; what the loader said itself, if it was asked, stands in another.
+void addFailure(const QString &fileName, const LoadFailure &failure, const QString &loaderText,
+                QStringList *errors)
+{
+    errors->append(QStringLiteral("cannot load the plug-in %1: %2; %3")
+                       .arg(fileName, failure.fault, failure.remedy));
+    if (!loaderText.isEmpty())
+        errors->append(u"the loader says: " + loaderText);
 }
 
 } // namespace
 
-std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QString *error)
+std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *errors)
 {
     const QFileInfo file(fileName);
     // An absolute path, because the loader searches its own folders for a bare name.
     QPluginLoader loader(file.absoluteFilePath());
-    const QString className = loader.metaData().value(u"className").toString();
-    QString reason = metadataError(file, loader);
-    VELInterface *plugin = nullptr;
-    if (reason.isEmpty()) {
-        QObject *const instance = loader.instance();
-        plugin = qobject_cast<VELInterface *>(instance);
-        if (instance == nullptr)
-            reason = loader.errorString();
-        else if (plugin == nullptr)
-            reason = QStringLiteral("its class \"%1\" is not a VELInterface").arg(className);
+    const QJsonObject metadata = loader.metaData();
+    const std::optional<LoadFailure> pathFault = pathFailure(file);
+    const std::optional<LoadFailure> failure = pathFault ? pathFault : identifierFailure(metadata);
+    if (failure) {
+        addFailure(fileName, *failure, {}, errors);
+        return {};
     }
+    // Not before here does any of the plug-in's code run.
+    QObject *const instance = loader.instance();
+    if (instance == nullptr) {
+        addFailure(fileName, loaderFailure(file, metadata, loader.errorString()),
+                   loader.errorString(), errors);
+        return {};
+    }
+    const QString className = metadata.value(u"className").toString();
+    auto *const plugin = qobject_cast<VELInterface *>(instance);
     if (plugin == nullptr) {
-        *error = QStringLiteral("cannot load the plug-in %1: %2").arg(fileName, reason);
+        addFailure(fileName, classFailure(className), {}, errors);
         return {};
     }
     return LoadedPlugin{file.absoluteFilePath(), className, QStringLiteral(VELInterface_iid),
                         plugin};
 }
 
-std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QString *error)
+std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStringList *errors)
 {
     const QString name = QStringLiteral("libkeyence.so");
     const QDir folder(programFolder);
@@ -59,16 +78,16 @@ std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStr
                       QDir::cleanPath(folder.filePath(QStringLiteral("../lib/") + name))};
     for (const QString &candidate : std::as_const(tried)) {
         if (QFileInfo::exists(candidate))
-            return loadPlugin(candidate, error);
+            return loadPlugin(candidate, errors);
     }
     const QPluginLoader byName(name);
     if (!byName.fileName().isEmpty())
-        return loadPlugin(byName.fileName(), error);
+        return loadPlugin(byName.fileName(), errors);
     const QStringList pluginFolders = QCoreApplication::libraryPaths();
     for (const QString &pluginFolder : pluginFolders)
         tried.append(QDir(pluginFolder).filePath(name));
     tried.removeDuplicates();
-    *error = QStringLiteral("there is no plug-in at %1; name its file with --plugin")
-                 .arg(tried.join(QStringLiteral(", ")));
+    errors->append(QStringLiteral("there is no plug-in at %1; name its file with --plugin")
+                       .arg(tried.join(QStringLiteral(", "))));
     return {};
 }

@@ -17,11 +17,11 @@ struct LoadedPlugin
 };
 
 /// Loads the plug-in and takes its instance; nothing of it is called yet. Returns nothing when that
-/// fails, `error` then says why: no such file, no plug-in, another interface identifier, what the
-/// loader says, an instance that is no VELInterface.
-std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QString *error);
+/// fails; `errors` then has a line with the fault and its remedy and, where the loader was asked,
+/// one with the loader's own text.
+std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *errors);
 
 /// Loads libkeyence.so from `programFolder`, else from ../lib relative to it, else from Qt's
 /// plug-in folders. The first that is there counts, even when it does not load. Errors as with
-/// loadPlugin(); when there is none, `error` says where it was looked for.
-std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QString *error);
+/// loadPlugin(); when there is none, `errors` says where it was looked for.
+std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStringList *errors);
