@@ -31,6 +31,13 @@ class tst_VelhostCheck : public QObject
 private Q_SLOTS:
     void everythingAtOnce();
     void notJson();
+    void json_data();
+    void json();
+    void manyProblems();
+    void duplicateKeys_data();
+    void duplicateKeys();
+    void memoryAddresses_data();
+    void memoryAddresses();
     void addresses_data();
     void addresses();
     void numbers_data();
@@ -45,15 +52,20 @@ void tst_VelhostCheck::everythingAtOnce()
 {
     const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, R"({"colour": "red", "devices": [
  {"id": "1", "name": "Press", "ip": "plc", "parameters": {"port": "0", "timeout": "2 s", "speed": "1"},
-  "items": [{"name": "A", "parameters": {"memory_type": "Byte"}}, {"name": "A"}]},
+  "items": [{"name": "A", "parameters": {"memory_type": "Byte"}}, {"name": "A",
+    "parameters": {"memory_address": "200"}}, {"name": "B", "parameters": {"memory_address": 5}}, 6]},
  {"id": 2, "name": "Oven", "ip": 7, "items": []},
  5]})");
     QCOMPARE(
         run.errors,
-        text("velhost: plant.json: colour: unknown key; known here: networkInterfaces, devices\n"
+        text("velhost: plant.json: colour: unknown key; known here: $schema, networkInterfaces, "
+             "devices\n"
              "velhost: plant.json: devices[0].id: expected a number, found a text\n"
+             "velhost: plant.json: devices[0].items[2].parameters.memory_address: expected a text "
+             "or null, found a number; write \"5\"\n"
+             "velhost: plant.json: devices[0].items[3]: expected an object, found a number\n"
              "velhost: plant.json: devices[0].items[1].name: \"A\" is already the name of "
-             "devices[0].items[0]\n"
+             "devices[0].items[0]; write another one\n"
              "velhost: plant.json: devices[1].ip: expected a text, found a number\n"
              "velhost: plant.json: devices[2]: expected an object, found a number\n"
              "velhost: plant.json: devices[0].parameters.speed: the plug-in declares no such "
@@ -66,7 +78,13 @@ void tst_VelhostCheck::everythingAtOnce()
              "velhost: plant.json: devices[0].parameters.port: \"0\" is no TCP port; write a "
              "number from 1 to 65535\n"
              "velhost: plant.json: devices[0].parameters.timeout: \"2 s\" is no time-out; "
-             "write milliseconds as a whole number, for example 2000\n"));
+             "write milliseconds as a whole number, for example 2000\n"
+             "velhost: plant.json: devices[0].items[0].parameters.memory_address: \"\" is no "
+             "address in a controller; write a device and its number, for example D201, DM100.3, "
+             "D200-10 or D200-209\n"
+             "velhost: plant.json: devices[0].items[1].parameters.memory_address: \"200\" is no "
+             "address in a controller; write a device and its number, for example D201, DM100.3, "
+             "D200-10 or D200-209\n"));
     QCOMPARE(run.output, QString());
     QCOMPARE(run.exitCode, 2);
 }
@@ -76,6 +94,138 @@ void tst_VelhostCheck::notJson()
     const ProgramRun run = runCheck("none.so", "{\n \"devices\": [");
     QCOMPARE(run.errors, text("velhost: plant.json:2:14: not valid JSON: unterminated array\n"));
     QCOMPARE(run.exitCode, 2);
+}
+
+void tst_VelhostCheck::json_data()
+{
+    QTest::addColumn<QByteArray>("plant");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<int>("exitCode");
+
+    QTest::newRow("no problem") << deviceAt("10.0.0.1", "") << QString() << 0;
+    QTest::newRow("fault in the JSON")
+        << QByteArray("{\n]")
+        << text(R"({"type":"problem","file":"plant.json","position":"2:2","path":"",)"
+                R"("message":"not valid JSON: unterminated object"})"
+                "\n")
+        << 2;
+    QTest::newRow("one of the file's form and one of its values")
+        << QByteArray(
+               R"({"\"": 1, "devices": [{"id": 1, "name": "Press", "ip": "plc", "items": []}]})")
+        << text(R"({"type":"problem","file":"plant.json","position":"","path":"\"",)"
+                R"("message":"unknown key; known here: $schema, networkInterfaces, devices"})"
+                "\n"
+                R"({"type":"problem","file":"plant.json","position":"","path":"devices[0].ip",)"
+                R"("message":"\"plc\" is no IPv4 address; write four numbers from 0 to 255 )"
+                R"(without leading zeros, for example 192.168.0.10"})"
+                "\n")
+        << 2;
+}
+
+void tst_VelhostCheck::json()
+{
+    QFETCH(QByteArray, plant);
+    QFETCH(QString, output);
+    QFETCH(int, exitCode);
+
+    const ProgramRun run = runWithPlant(text(VELHOST_FILE),
+                                        {text("check"), text("plant.json"), text("--plugin"),
+                                         text(KEYENCE_PLUGIN_FILE), text("--format"), text("json")},
+                                        plant);
+    QCOMPARE(run.output, output);
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.exitCode, exitCode);
+}
+
+// Each item is wrong twice, and none of it is left out.
+void tst_VelhostCheck::manyProblems()
+{
+    const int count = 5000;
+    QByteArray items;
+    for (int i = 0; i < count; ++i)
+        items += (i == 0 ? "{\"name\": \"" : ",{\"name\": \"") + QByteArray::number(i)
+                 + R"(", "parameters": {"memory_type": "x", "memory_address": "?"}})";
+    const ProgramRun run = runCheck(
+        KEYENCE_PLUGIN_FILE,
+        R"({"devices": [{"id": 1, "name": "A", "ip": "10.0.0.1", "items": [)" + items + "]}]}");
+    QCOMPARE(run.errors.count(u'\n'), 2 * count);
+    QCOMPARE(run.exitCode, 2);
+}
+
+void tst_VelhostCheck::duplicateKeys_data()
+{
+    QTest::addColumn<int>("extra");
+    QTest::addColumn<int>("told");
+
+    QTest::newRow("none") << 0 << 0;
+    QTest::newRow("one") << 1 << 1;
+    QTest::newRow("99") << 99 << 99;
+    QTest::newRow("100") << 100 << 100;
+    QTest::newRow("101 are too many") << 101 << 100;
+}
+
+// They do not keep the other problems back.
+void tst_VelhostCheck::duplicateKeys()
+{
+    QFETCH(int, extra);
+    QFETCH(int, told);
+
+    QByteArray plant = "{\"devices\": [], \"x\": 0";
+    QString errors;
+    for (int i = 0; i < extra; ++i)
+        plant += ",\n\"devices\": []";
+    for (int i = 0; i < told; ++i)
+        errors
+            += text("velhost: plant.json:%1:1: the key \"devices\" is given twice in one object; "
+                    "leave one out\n")
+                   .arg(i + 2);
+    errors += text("velhost: plant.json: x: unknown key; known here: $schema, networkInterfaces, "
+                   "devices\n");
+    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, plant + "}");
+    QCOMPARE(run.errors, errors);
+    QCOMPARE(run.exitCode, 2);
+}
+
+void tst_VelhostCheck::memoryAddresses_data()
+{
+    QTest::addColumn<QByteArray>("address");
+    QTest::addColumn<bool>("isRight");
+
+    const auto row = [](const char *address, bool isRight) {
+        QTest::newRow(address) << QByteArray(address) << isRight;
+    };
+    row("D201", true);
+    row("dm0", true);
+    row("W1F", true);
+    row("DM100.3", true);
+    row("D200-10", true);
+    row("D200-209", true);
+    row("D", false);
+    row("201", false);
+    row("", false);
+    row("D 201", false);
+    row("D201 ", false);
+    row("D201\\n", false);
+    row("D201.", false);
+    row("D201-", false);
+    row("D201.3-5", false);
+    row("W1F-2", false);
+    row("DX-1", false);
+}
+
+void tst_VelhostCheck::memoryAddresses()
+{
+    QFETCH(QByteArray, address);
+    QFETCH(bool, isRight);
+
+    const QByteArray item
+        = R"([{"name": "A", "parameters": {"memory_address": ")" + address + "\"}}]";
+    const ProgramRun run = runCheck(
+        KEYENCE_PLUGIN_FILE,
+        R"({"devices": [{"id": 1, "name": "P", "ip": "10.0.0.1", "items": )" + item + "}]}");
+    QCOMPARE(run.output, isRight ? text("plant.json: no problems\n") : QString());
+    QCOMPARE(run.errors.count(text("parameters.memory_address: \"")), isRight ? 0 : 1);
+    QCOMPARE(run.exitCode, isRight ? 0 : 2);
 }
 
 void tst_VelhostCheck::addresses_data()
@@ -151,7 +301,7 @@ void tst_VelhostCheck::numbers()
     QCOMPARE(run.exitCode, isRight ? 0 : 2);
 }
 
-// What the plug-in does not declare cannot be wrong: this one has no time-out.
+// What the plug-in does not declare cannot be wrong: this one has no time-out and no addresses.
 void tst_VelhostCheck::undeclaredParameters()
 {
     const ProgramRun run = runCheck(SCRIPTED_PLUGIN_FILE, deviceAt("10.0.0.1", ""));
@@ -165,7 +315,9 @@ void tst_VelhostCheck::examples_data()
     QTest::addColumn<QString>("fileName");
 
     const QDir folder(text(EXAMPLES_FOLDER));
-    const QStringList names = folder.entryList({text("*.json")}, QDir::Files);
+    // What begins with "kvsim-" is for the simulated controller.
+    const QRegularExpression plantName(text("\\A(?!kvsim-).*\\.json\\z"));
+    const QStringList names = folder.entryList(QDir::Files).filter(plantName);
     QVERIFY(names.size() >= 2);
     for (const QString &name : names)
         QTest::newRow(qPrintable(name)) << folder.filePath(name);

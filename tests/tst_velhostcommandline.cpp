@@ -266,7 +266,7 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|write|A/b=1|--plant|p|--only-changes", "write has no use for --only-changes");
     row("velhost|check", "check needs a plant file: check PLANT");
     row("velhost|check|p.json|--plant|p", "check takes no argument \"p.json\"");
-    row("velhost|check|--plant|p|--format|json", "check has no use for --format");
+    row("velhost|check|--plant|p|--format|csv", "--format of check is table or json, not \"csv\"");
     row("velhost|plan", "plan needs a plant file: plan PLANT");
     row("velhost|plan|p.json|--plant|p", "plan takes no argument \"p.json\"");
     row("velhost|plan|--plant|p|--cycles|2", "plan has no use for --cycles");

@@ -68,14 +68,16 @@ void tst_VelhostLoading::plantFaults_data()
 
     QTest::newRow("faults are found before the plug-in is looked for")
         << text("none.so") << QByteArray(R"({"device": []})") << 2
-        << text("velhost: fault.json: device: unknown key; known here: networkInterfaces, devices\n"
+        << text("velhost: fault.json: device: unknown key; known here: $schema, networkInterfaces, "
+                "devices\n"
                 "velhost: fault.json: devices: missing; expected a list\n");
     QTest::newRow("no JSON")
         << text("none.so") << QByteArray("{\n]") << 2
         << text("velhost: fault.json:2:2: not valid JSON: unterminated object\n");
     QTest::newRow("control character")
         << text("none.so") << QByteArray(R"({"devices": [], "\u001b[31m": 1})") << 2
-        << text("velhost: fault.json: \\x1b[31m: unknown key; known here: networkInterfaces, "
+        << text("velhost: fault.json: \\x1b[31m: unknown key; known here: $schema, "
+                "networkInterfaces, "
                 "devices\n");
     QTest::newRow("parameters are judged by the plug-in's columns")
         << scriptedPlugin << QByteArray(R"({"devices": [{"id": 1, "name": "Press", "ip": "",

@@ -37,6 +37,15 @@ QList<DatabaseColumnStructure> columns()
     };
 }
 
+/// Each as PLACE: TEXT.
+QStringList linesOf(const QList<Problem> &problems)
+{
+    QStringList lines;
+    for (const Problem &problem : problems)
+        lines.append(problem.place + u": " + problem.text);
+    return lines;
+}
+
 } // namespace
 
 class tst_VelhostParameters : public QObject
@@ -58,7 +67,7 @@ private Q_SLOTS:
 
 void tst_VelhostParameters::defaults()
 {
-    QStringList errors;
+    QList<Problem> errors;
     const Record record = resolveParameters({}, columns(), QStringLiteral("item"),
                                             QStringLiteral("parameters"), &errors);
     const Record expected{{QStringLiteral("free"), QStringLiteral("8501")},
@@ -68,17 +77,17 @@ void tst_VelhostParameters::defaults()
                           {QStringLiteral("flagged choice"), QString()},
                           {QStringLiteral("editable"), QString()}};
     QCOMPARE(record, expected);
-    QCOMPARE(errors, QStringList());
+    QCOMPARE(errors.size(), 0);
 }
 
 void tst_VelhostParameters::leftOut()
 {
-    QStringList errors;
+    QList<Problem> errors;
     const Record record
         = resolveParameters({{QStringLiteral("free"), std::nullopt}}, columns().mid(0, 1),
                             QStringLiteral("item"), QStringLiteral("parameters"), &errors);
     QCOMPARE(record, Record());
-    QCOMPARE(errors, QStringList());
+    QCOMPARE(errors.size(), 0);
 }
 
 void tst_VelhostParameters::texts_data()
@@ -110,12 +119,12 @@ void tst_VelhostParameters::texts()
     QFETCH(QString, text);
     QFETCH(QString, value);
 
-    QStringList errors;
+    QList<Problem> errors;
     const Record record = resolveParameters({{name, text}}, columns(), QStringLiteral("item"),
                                             QStringLiteral("parameters"), &errors);
     QCOMPARE(record.value(name), value);
     QCOMPARE(record.size(), columns().size());
-    QCOMPARE(errors, QStringList());
+    QCOMPARE(errors.size(), 0);
 }
 
 void tst_VelhostParameters::refused_data()
@@ -147,21 +156,21 @@ void tst_VelhostParameters::refused()
     QFETCH(QString, text);
     QFETCH(QString, error);
 
-    QStringList errors;
+    QList<Problem> errors;
     const Record record = resolveParameters({{name, text}}, columns(), QStringLiteral("item"),
                                             QStringLiteral("parameters"), &errors);
-    QCOMPARE(errors, QStringList(error.arg(text)));
+    QCOMPARE(linesOf(errors), QStringList(error.arg(text)));
     QCOMPARE(record.contains(name), false);
 }
 
 void tst_VelhostParameters::unknownNames()
 {
-    QStringList errors;
+    QList<Problem> errors;
     const Record record = resolveParameters(
         {{QStringLiteral("fre"), QStringLiteral("1")}, {QStringLiteral("gone"), std::nullopt}},
         columns().mid(0, 2), QStringLiteral("device"), QStringLiteral("devices[3].parameters"),
         &errors);
-    QCOMPARE(errors,
+    QCOMPARE(linesOf(errors),
              QStringList({QStringLiteral("devices[3].parameters.fre: the plug-in declares no such "
                                          "device parameter; it declares: free, choice"),
                           QStringLiteral("devices[3].parameters.gone: the plug-in declares no such "
@@ -171,10 +180,10 @@ void tst_VelhostParameters::unknownNames()
 
 void tst_VelhostParameters::noColumns()
 {
-    QStringList errors;
+    QList<Problem> errors;
     resolveParameters({{QStringLiteral("port"), QStringLiteral("1")}}, {}, QStringLiteral("device"),
                       QStringLiteral("parameters"), &errors);
-    QCOMPARE(errors,
+    QCOMPARE(linesOf(errors),
              QStringList(QStringLiteral("parameters.port: the plug-in declares no such device "
                                         "parameter; it declares: none")));
 }
@@ -226,11 +235,11 @@ void tst_VelhostParameters::devicesWithErrors()
               [](const LogEntry &) {});
     host.registerPlugin(registrationWithColumns());
     QCOMPARE(host.devices().size(), 0);
-    QStringList errors;
+    QList<Problem> errors;
     QCOMPARE(host.deviceRecords(&errors).size(), 1);
-    QCOMPARE(errors, QStringList(QStringLiteral(
-                         "devices[0].items[0].parameters.choice: \"x\" is not offered; "
-                         "use one of: \"Bit device\" (0), \"Word device\" (1)")));
+    QCOMPARE(linesOf(errors), QStringList(QStringLiteral(
+                                  "devices[0].items[0].parameters.choice: \"x\" is not offered; "
+                                  "use one of: \"Bit device\" (0), \"Word device\" (1)")));
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostParameters)

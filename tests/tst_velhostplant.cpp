@@ -134,16 +134,16 @@ void tst_VelhostPlant::errors_data()
         "p.json:1:1026: not valid JSON: too deeply nested document");
 
     row("key twice", withDevice(",\n \"id\": 2"),
-        "p.json:2:2: the key \"id\" is given twice in one object");
+        "p.json:2:2: the key \"id\" is given twice in one object; leave one out");
     row("key twice, spelt differently", R"({"devices": [], "d\u0065vices" : []})",
-        "p.json:1:17: the key \"devices\" is given twice in one object");
+        "p.json:1:17: the key \"devices\" is given twice in one object; leave one out");
     row("key twice behind a nested object", withParameters(R"({"a": "{\"", "b": "\\", "a": ""})"),
-        "p.json:1:128: the key \"a\" is given twice in one object");
+        "p.json:1:128: the key \"a\" is given twice in one object; leave one out");
 
     row("list at the top", "[]", "p.json: expected an object, found a list");
     row("nothing in it", "{}", "p.json: devices: missing; expected a list");
     row("unknown key at the top", R"({"devices": [], "device": []})",
-        "p.json: device: unknown key; known here: networkInterfaces, devices");
+        "p.json: device: unknown key; known here: $schema, networkInterfaces, devices");
     row("devices no list", R"({"devices": {}})",
         "p.json: devices: expected a list, found an object");
     row("device no object", R"({"devices": ["Press"]})",
@@ -153,7 +153,7 @@ void tst_VelhostPlant::errors_data()
     row("interface no text", R"({"devices": [], "networkInterfaces": ["eth0", 1]})",
         "p.json: networkInterfaces[1]: expected a text, found a number");
     row("interface empty", R"({"devices": [], "networkInterfaces": [""]})",
-        "p.json: networkInterfaces[0]: must not be empty");
+        "p.json: networkInterfaces[0]: must not be empty; write a name");
 
     row("unknown key in a device", withDevice(R"(, "adress": "")"),
         "p.json: devices[0].adress: unknown key; known here: id, name, ip, parameters, items");
@@ -167,7 +167,7 @@ void tst_VelhostPlant::errors_data()
     row("name null", R"({"devices": [{"id": 1, "name": null, "ip": "", "items": []}]})",
         "p.json: devices[0].name: expected a text, found null");
     row("name empty", R"({"devices": [{"id": 1, "name": "", "ip": "", "items": []}]})",
-        "p.json: devices[0].name: must not be empty");
+        "p.json: devices[0].name: must not be empty; write a name");
     row("ip missing", R"({"devices": [{"id": 1, "name": "Press", "items": []}]})",
         "p.json: devices[0].ip: missing; expected a text");
     row("items missing", R"({"devices": [{"id": 1, "name": "Press", "ip": ""}]})",
@@ -176,11 +176,11 @@ void tst_VelhostPlant::errors_data()
         R"({"devices": [{"id": 1, "name": "A", "ip": "", "items": []},
                         {"id": 2, "name": "B", "ip": "", "items": []},
                         {"id": 1, "name": "C", "ip": "", "items": []}]})",
-        "p.json: devices[2].id: \"1\" is already the id of devices[0]");
+        "p.json: devices[2].id: \"1\" is already the id of devices[0]; write another one");
     row("device name twice",
         R"({"devices": [{"id": 1, "name": "A", "ip": "", "items": []},
                         {"id": 2, "name": "A", "ip": "", "items": []}]})",
-        "p.json: devices[1].name: \"A\" is already the name of devices[0]");
+        "p.json: devices[1].name: \"A\" is already the name of devices[0]; write another one");
 
     row("item no object", withItems("[null]"),
         "p.json: devices[0].items[0]: expected an object, found null");
@@ -189,14 +189,16 @@ void tst_VelhostPlant::errors_data()
     row("item name a flag", withItems(R"([{"name": "A"}, {"name": "B"}, {"name": true}])"),
         "p.json: devices[0].items[2].name: expected a text, found true or false");
     row("item name twice", withItems(R"([{"name": "A"}, {"name": "B"}, {"name": "B"}])"),
-        "p.json: devices[0].items[2].name: \"B\" is already the name of devices[0].items[1]");
+        "p.json: devices[0].items[2].name: \"B\" is already the name of devices[0].items[1]; write "
+        "another one");
     row("parameters no object", withParameters("[]"),
         "p.json: devices[0].items[0].parameters: expected an object, found a list");
     row("parameter a number", withParameters(R"({"data_type": 1})"),
         "p.json: devices[0].items[0].parameters.data_type: expected a text or null, found a "
-        "number");
+        "number; write \"1\"");
     row("device parameter a number", withDevice(R"(, "parameters": {"port": 8501})"),
-        "p.json: devices[0].parameters.port: expected a text or null, found a number");
+        "p.json: devices[0].parameters.port: expected a text or null, found a number; write "
+        "\"8501\"");
 }
 
 void tst_VelhostPlant::errors()
@@ -245,7 +247,8 @@ void tst_VelhostPlant::collectsErrors()
                QStringLiteral("p.json"), &errors);
     QCOMPARE(errors,
              QStringList(
-                 {QStringLiteral("p.json: x: unknown key; known here: networkInterfaces, devices"),
+                 {QStringLiteral(
+                      "p.json: x: unknown key; known here: $schema, networkInterfaces, devices"),
                   QStringLiteral("p.json: devices[0].id: expected a number, found a text"),
                   QStringLiteral("p.json: devices[0].name: missing; expected a text"),
                   QStringLiteral("p.json: devices[0].items[0].name: missing; expected a text")}));

@@ -3,30 +3,12 @@
 #include "host.h"
 
 #include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
 #include <limits>
 
 namespace {
-
-/// A device parameter that holds a whole number.
-struct NumberRule
-{
-    QString name;
-    int maximum;
-    /// What the number is, and what to write instead.
-    QString meaning;
-};
-
-const QList<NumberRule> &numberRules()
-{
-    static const QList<NumberRule> rules{
-        {QStringLiteral("port"), 65535,
-         QStringLiteral("no TCP port; write a number from 1 to 65535")},
-        {QStringLiteral("timeout"), std::numeric_limits<int>::max(),
-         QStringLiteral("no time-out; write milliseconds as a whole number, for example 2000")}};
-    return rules;
-}
 
 bool isWholeNumber(const QString &text, int maximum)
 {
@@ -36,62 +18,140 @@ bool isWholeNumber(const QString &text, int maximum)
     return isInt && digits.match(text).hasMatch() && number >= 1 && number <= maximum;
 }
 
-void checkAddress(const QString &address, const QString &place, QStringList *problems)
+bool isPort(const QString &text)
+{
+    return isWholeNumber(text, 65535);
+}
+
+bool isTimeout(const QString &text)
+{
+    return isWholeNumber(text, std::numeric_limits<int>::max());
+}
+
+bool isIpAddress(const QString &text)
 {
     // No leading zeros: the system reads such a number as octal.
     static const QRegularExpression dotted(
         QStringLiteral("\\A(25[0-5]|2[0-4][0-9]|1[0-9]{2}|[1-9]?[0-9])"
                        "(\\.(25[0-5]|2[0-4][0-9]|1[0-9]{2}|[1-9]?[0-9])){3}\\z"));
-    if (!dotted.match(address).hasMatch())
-        problems->append(
-            QStringLiteral("%1: \"%2\" is no IPv4 address; write four numbers from 0 to "
-                           "255 without leading zeros, for example 192.168.0.10")
-                .arg(place, address));
+    return dotted.match(text).hasMatch();
 }
 
-void checkNumbers(const QMap<QString, QString> &parameters,
-                  const QList<DatabaseColumnStructure> &columns, const QString &place,
-                  QStringList *problems)
+bool isMemoryAddress(const QString &text)
 {
-    for (const NumberRule &rule : numberRules()) {
+    static const QRegularExpression form(
+        QStringLiteral("\\A[A-Za-z]+([0-9A-Fa-f]+|[0-9]+[.-][0-9]+)\\z"));
+    return form.match(text).hasMatch();
+}
+
+/// What a parameter's text must be, where the plug-in declares that parameter.
+struct Rule
+{
+    QString name;
+    bool (*isRight)(const QString &text);
+    /// What a wrong text is not, and what to write instead.
+    QString meaning;
+};
+
+const QList<Rule> &deviceRules()
+{
+    static const QList<Rule> rules{
+        {QStringLiteral("port"), isPort,
+         QStringLiteral("no TCP port; write a number from 1 to 65535")},
+        {QStringLiteral("timeout"), isTimeout,
+         QStringLiteral("no time-out; write milliseconds as a whole number, for example 2000")}};
+    return rules;
+}
+
+const QList<Rule> &itemRules()
+{
+    static const QList<Rule> rules{
+        {QStringLiteral("memory_address"), isMemoryAddress,
+         QStringLiteral("no address in a controller; write a device and its number, for example "
+                        "D201, DM100.3, D200-10 or D200-209")}};
+    return rules;
+}
+
+/// The problems, those that were found before among them. A place with one of these is not looked
+/// at again.
+struct Findings
+{
+    QList<Problem> problems;
+    QSet<QString> faultyPlaces;
+};
+
+Findings findingsFrom(const QList<Problem> &problems)
+{
+    Findings findings{problems, {}};
+    for (const Problem &problem : problems)
+        findings.faultyPlaces.insert(problem.place);
+    return findings;
+}
+
+void addFinding(const QString &place, const QString &text, Findings *findings)
+{
+    if (!findings->faultyPlaces.contains(place))
+        findings->problems.append({{}, place, text});
+}
+
+void checkParameters(const QMap<QString, QString> &parameters, const QList<Rule> &rules,
+                     const QList<DatabaseColumnStructure> &columns, const QString &place,
+                     Findings *findings)
+{
+    for (const Rule &rule : rules) {
         const bool isDeclared
             = std::any_of(columns.begin(), columns.end(),
                           [&](const auto &column) { return column.name == rule.name; });
         const QString text = parameters.value(rule.name);
-        if (isDeclared && !isWholeNumber(text, rule.maximum))
-            problems->append(QStringLiteral("%1.parameters.%2: \"%3\" is %4")
-                                 .arg(place, rule.name, text, rule.meaning));
+        if (isDeclared && !rule.isRight(text))
+            addFinding(place + u".parameters." + rule.name,
+                       QStringLiteral("\"%1\" is %2").arg(text, rule.meaning), findings);
     }
 }
 
-/// Whether the place has a fault already, so that a look at what stands there has no sense.
-bool isFaulty(const QString &place, const QStringList &faults)
+void checkDevice(const DeviceInstancePlugin &device, const PluginRegistration &registration,
+                 const QString &place, Findings *findings)
 {
-    return std::any_of(faults.begin(), faults.end(),
-                       [&](const QString &fault) { return fault.startsWith(place + u": "); });
+    if (!isIpAddress(device.ipAddress))
+        addFinding(place + u".ip",
+                   QStringLiteral("\"%1\" is no IPv4 address; write four numbers from 0 to "
+                                  "255 without leading zeros, for example 192.168.0.10")
+                       .arg(device.ipAddress),
+                   findings);
+    checkParameters(device.parameters, deviceRules(), registration.deviceColumns, place, findings);
+    for (int i = 0; i < device.items.size(); ++i) {
+        const QString itemPlace = QStringLiteral("%1.items[%2]").arg(place).arg(i);
+        if (!findings->faultyPlaces.contains(itemPlace))
+            checkParameters(device.items.at(i).parameters, itemRules(), registration.itemColumns,
+                            itemPlace, findings);
+    }
 }
 
 } // namespace
 
+void printProblems(const CommandLine &commandLine, const QList<Problem> &problems)
+{
+    if (commandLine.format == OutputFormat::Json)
+        print(stdout, problemsJson(commandLine.plantFile, problems));
+    else
+        complain(problemLines(commandLine.plantFile, problems));
+}
+
 ExitCode runCheck(const Job &job, const PluginRegistration &registration)
 {
-    QStringList problems;
+    QList<Problem> problems = job.problems;
     const QList<DeviceInstancePlugin> devices = deviceRecords(job.draft, registration, &problems);
+    Findings findings = findingsFrom(problems);
     for (int i = 0; i < devices.size(); ++i) {
         const QString place = QStringLiteral("devices[%1]").arg(i);
-        const QString filePlace = job.commandLine.plantFile + u": " + place;
-        // A device that is no object has nothing to be looked at.
-        if (isFaulty(filePlace, job.faults))
-            continue;
-        if (!isFaulty(filePlace + u".ip", job.faults))
-            checkAddress(devices.at(i).ipAddress, place + u".ip", &problems);
-        checkNumbers(devices.at(i).parameters, registration.deviceColumns, place, &problems);
+        // What is no object has nothing to be looked at.
+        if (!findings.faultyPlaces.contains(place))
+            checkDevice(devices.at(i), registration, place, &findings);
     }
-    complain(job.faults);
-    for (const QString &problem : std::as_const(problems))
-        complain(job.commandLine.plantFile + u": " + problem);
-    if (!job.faults.isEmpty() || !problems.isEmpty())
+    printProblems(job.commandLine, findings.problems);
+    if (!findings.problems.isEmpty())
         return WrongUsage;
-    print(stdout, job.commandLine.plantFile + u": no problems\n");
+    if (job.commandLine.format != OutputFormat::Json)
+        print(stdout, job.commandLine.plantFile + u": no problems\n");
     return AllWell;
 }

@@ -21,7 +21,7 @@ struct CommandDescription
     Arguments arguments;
     /// Those options that are not for every command.
     QStringList options;
-    /// What --format may ask for; nothing: there is no choice.
+    /// What --format may ask for.
     QStringList formats;
 };
 
@@ -47,7 +47,7 @@ const QVector<CommandDescription> &commands()
          Arguments::Plant,
          {QStringLiteral("write"), QStringLiteral("rtt")},
          {table, json}},
-        {QStringLiteral("check"), Command::Check, Arguments::Plant, {}, {}},
+        {QStringLiteral("check"), Command::Check, Arguments::Plant, {}, {table, json}},
     };
     return list;
 }
@@ -158,12 +158,9 @@ QString commandError(const CommandDescription &command, const QCommandLineParser
             return QStringLiteral("%1 has no use for --%2").arg(command.name, option);
     }
     const QString format = parser.value(QStringLiteral("format"));
-    if (parser.isSet(QStringLiteral("format")) && !command.formats.contains(format)) {
-        if (command.formats.isEmpty())
-            return QStringLiteral("%1 has no use for --format").arg(command.name);
+    if (parser.isSet(QStringLiteral("format")) && !command.formats.contains(format))
         return QStringLiteral("--format of %1 is %2, not \"%3\"")
             .arg(command.name, choice(command.formats), format);
-    }
     return argumentError(command, parser);
 }
 

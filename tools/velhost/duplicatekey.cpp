@@ -9,6 +9,9 @@
 
 namespace {
 
+/// Many in a file mean a fault of the program that wrote it, which shows in the first ones.
+constexpr int maximumCount = 100;
+
 /// The offset behind the string that begins with the quote at `offset`.
 int endOfString(const QByteArray &json, int offset)
 {
@@ -35,10 +38,11 @@ QString unescaped(const QByteArray &string)
 
 } // namespace
 
-std::optional<DuplicateKey> findDuplicateKey(const QByteArray &json)
+QList<DuplicateKey> findDuplicateKeys(const QByteArray &json)
 {
+    QList<DuplicateKey> duplicates;
     QVector<QSet<QString>> keysOfOpenObjects;
-    for (int offset = 0; offset < json.size(); ++offset) {
+    for (int offset = 0; offset < json.size() && duplicates.size() < maximumCount; ++offset) {
         const char character = json.at(offset);
         if (character == '{')
             keysOfOpenObjects.append(QSet<QString>());
@@ -50,10 +54,10 @@ std::optional<DuplicateKey> findDuplicateKey(const QByteArray &json)
         if (isKey(json, end) && !keysOfOpenObjects.isEmpty()) {
             const QString key = unescaped(json.mid(offset, end - offset));
             if (keysOfOpenObjects.last().contains(key))
-                return DuplicateKey{key, offset};
+                duplicates.append({key, offset});
             keysOfOpenObjects.last().insert(key);
         }
         offset = end - 1;
     }
-    return {};
+    return duplicates;
 }

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
-
-#include <optional>
 
 /// A key that stands a second time in the same object.
 struct DuplicateKey
@@ -13,6 +12,6 @@ struct DuplicateKey
     int offset = 0;
 };
 
-/// The first key that an object of the text has twice. QJsonDocument would silently keep one of the
-/// two. The text must be JSON that QJsonDocument takes.
-std::optional<DuplicateKey> findDuplicateKey(const QByteArray &json);
+/// The keys that stand in an object of the text again, the first 100 of them. QJsonDocument would
+/// silently keep one of each. The text must be JSON that QJsonDocument takes.
+QList<DuplicateKey> findDuplicateKeys(const QByteArray &json);

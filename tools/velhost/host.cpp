@@ -6,7 +6,7 @@ namespace {
 
 QList<ItemInstancePlugin> itemRecords(const QList<PlantItem> &items,
                                       const QList<DatabaseColumnStructure> &columns,
-                                      const QString &place, QStringList *errors)
+                                      const QString &place, QList<Problem> *errors)
 {
     QList<ItemInstancePlugin> records;
     for (int i = 0; i < items.size(); ++i) {
@@ -23,7 +23,7 @@ QList<ItemInstancePlugin> itemRecords(const QList<PlantItem> &items,
 } // namespace
 
 QList<DeviceInstancePlugin>
-deviceRecords(const Plant &plant, const PluginRegistration &registration, QStringList *errors)
+deviceRecords(const Plant &plant, const PluginRegistration &registration, QList<Problem> *errors)
 {
     QList<DeviceInstancePlugin> records;
     for (int i = 0; i < plant.devices.size(); ++i) {
@@ -49,7 +49,7 @@ Host::Host(Plant plant, std::function<void(const LogEntry &)> log)
     install(this);
 }
 
-QList<DeviceInstancePlugin> Host::deviceRecords(QStringList *errors) const
+QList<DeviceInstancePlugin> Host::deviceRecords(QList<Problem> *errors) const
 {
     return ::deviceRecords(m_plant, m_registration.value_or(PluginRegistration()), errors);
 }
@@ -61,7 +61,7 @@ void Host::registerPlugin(const PluginRegistration &registration)
 
 QList<DeviceInstancePlugin> Host::devices()
 {
-    QStringList errors;
+    QList<Problem> errors;
     const QList<DeviceInstancePlugin> records = deviceRecords(&errors);
     return errors.isEmpty() ? records : QList<DeviceInstancePlugin>();
 }

@@ -6,7 +6,6 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 #include <optional>
@@ -22,7 +21,7 @@ struct LogEntry
 /// The plant's devices as records, their parameters resolved against the registered columns. Adds
 /// to `errors` what does not resolve, by its place in the plant file.
 QList<DeviceInstancePlugin>
-deviceRecords(const Plant &plant, const PluginRegistration &registration, QStringList *errors);
+deviceRecords(const Plant &plant, const PluginRegistration &registration, QList<Problem> *errors);
 
 /// The host as the plug-in sees it: takes its registration, hands it the plant's devices and passes
 /// its log entries on as they come. It is installed behind libvel.so.1 as long as it lives.
@@ -42,7 +41,7 @@ public:
     const QString &lastError() const { return m_lastError; }
 
     /// As the function of that name, for the host's own plant.
-    QList<DeviceInstancePlugin> deviceRecords(QStringList *errors) const;
+    QList<DeviceInstancePlugin> deviceRecords(QList<Problem> *errors) const;
 
     void registerPlugin(const PluginRegistration &registration) override;
     /// As deviceRecords(); empty when a parameter does not resolve, because no connection must be

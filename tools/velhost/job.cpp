@@ -1,5 +1,6 @@
 #include "job.h"
 
+#include "checkcommand.h"
 #include "console.h"
 
 #include <QRegularExpression>
@@ -35,9 +36,9 @@ QString unconfirmedTargets(const Plant &plant, const QList<Assignment> &assignme
 std::optional<Job> prepareCheck(const CommandLine &commandLine)
 {
     Job job{commandLine, {}, {}, {}, {}};
-    const std::optional<Plant> draft = readPlantDraft(commandLine.plantFile, &job.faults);
+    const std::optional<Plant> draft = readPlantDraft(commandLine.plantFile, &job.problems);
     if (!draft) {
-        complain(job.faults);
+        printProblems(commandLine, job.problems);
         return {};
     }
     job.draft = *draft;

@@ -17,7 +17,7 @@ struct Job
     /// For `check`, whose `plant` has no devices: the plant as far as it can be understood, and
     /// what is wrong with the rest.
     Plant draft;
-    QStringList faults;
+    QList<Problem> problems;
 };
 
 /// Reads the plant file and the assignments. Returns nothing when anything is wrong with them, or

@@ -30,11 +30,10 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
             QStringLiteral("the plug-in %1 did not register during init()").arg(loaded.fileName));
         return NotLoaded;
     }
-    QStringList errors;
-    const QList<DeviceInstancePlugin> devices = host.deviceRecords(&errors);
-    for (const QString &error : std::as_const(errors))
-        complain(job.commandLine.plantFile + u": " + error);
-    if (!errors.isEmpty())
+    QList<Problem> problems;
+    const QList<DeviceInstancePlugin> devices = host.deviceRecords(&problems);
+    complain(problemLines(job.commandLine.plantFile, problems));
+    if (!problems.isEmpty())
         return WrongUsage;
     if (!initDone) {
         complain(QStringLiteral("the plug-in %1 returned false from init()").arg(loaded.fileName));

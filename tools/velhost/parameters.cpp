@@ -63,7 +63,7 @@ QString unknownParameter(const QList<Column> &columns, const QString &scope)
 QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
                                          const QList<DatabaseColumnStructure> &columns,
                                          const QString &scope, const QString &place,
-                                         QStringList *errors)
+                                         QList<Problem> *errors)
 {
     QMap<QString, QString> record;
     ParameterTexts rest = parameters;
@@ -79,10 +79,10 @@ QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
         if (const std::optional<QString> value = valueFor(*text, column))
             record.insert(column.name, *value);
         else
-            errors->append(place + u'.' + column.name + u": " + notOffered(*text, column));
+            errors->append({{}, place + u'.' + column.name, notOffered(*text, column)});
     }
     const QStringList unknown = rest.keys();
     for (const QString &name : unknown)
-        errors->append(place + u'.' + name + u": " + unknownParameter(columns, scope));
+        errors->append({{}, place + u'.' + name, unknownParameter(columns, scope)});
     return record;
 }

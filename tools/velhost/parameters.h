@@ -7,7 +7,6 @@
 #include <QList>
 #include <QMap>
 #include <QString>
-#include <QStringList>
 
 /// Turns parameters of the plant file into those of a record. A column that the file leaves out
 /// gives its default, `null` leaves it out of the record. In a column with a selection a text
@@ -15,9 +14,9 @@
 /// with "__vel_" are flags of the host and no choices; free text is taken where a column has no
 /// choices or carries the flag "__vel_discovery_editable".
 ///
-/// Adds one line to `errors`, beginning with `place`, for each parameter without a column and each
-/// text that is not offered. `scope` names the columns in these lines: "device" or "item".
+/// Adds to `errors` each parameter without a column and each text that is not offered, with its
+/// place below `place`. `scope` names the columns: "device" or "item".
 QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
                                          const QList<DatabaseColumnStructure> &columns,
                                          const QString &scope, const QString &place,
-                                         QStringList *errors);
+                                         QList<Problem> *errors);

@@ -1,6 +1,7 @@
 #include "plant.h"
 
 #include "duplicatekey.h"
+#include "json.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -48,13 +49,13 @@ QString element(const QString &place, int index)
     return QStringLiteral("%1[%2]").arg(place).arg(index);
 }
 
-void addError(const QString &place, const QString &text, QStringList *errors)
+void addError(const QString &place, const QString &text, QList<Problem> *errors)
 {
-    errors->append(place.isEmpty() ? text : QString(place + u": " + text));
+    errors->append({{}, place, text});
 }
 
 void addWrongKind(const QJsonValue &found, const QString &expected, const QString &place,
-                  QStringList *errors)
+                  QList<Problem> *errors)
 {
     const QString text = found.isUndefined()
                              ? QStringLiteral("missing; expected %1").arg(expected)
@@ -62,22 +63,22 @@ void addWrongKind(const QJsonValue &found, const QString &expected, const QStrin
     addError(place, text, errors);
 }
 
-QString readText(const QJsonValue &value, const QString &place, QStringList *errors)
+QString readText(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     if (!value.isString())
         addWrongKind(value, QStringLiteral("a text"), place, errors);
     return value.toString();
 }
 
-QString readName(const QJsonValue &value, const QString &place, QStringList *errors)
+QString readName(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     QString name = readText(value, place, errors);
     if (value.isString() && name.isEmpty())
-        addError(place, QStringLiteral("must not be empty"), errors);
+        addError(place, QStringLiteral("must not be empty; write a name"), errors);
     return name;
 }
 
-int readId(const QJsonValue &value, const QString &place, QStringList *errors)
+int readId(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     const int id = value.toInt(-1);
     if (!value.isDouble())
@@ -90,14 +91,14 @@ int readId(const QJsonValue &value, const QString &place, QStringList *errors)
     return id;
 }
 
-QJsonArray readList(const QJsonValue &value, const QString &place, QStringList *errors)
+QJsonArray readList(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     if (!value.isArray())
         addWrongKind(value, QStringLiteral("a list"), place, errors);
     return value.toArray();
 }
 
-QJsonObject readObject(const QJsonValue &value, const QString &place, QStringList *errors)
+QJsonObject readObject(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     if (!value.isObject())
         addWrongKind(value, QStringLiteral("an object"), place, errors);
@@ -105,7 +106,7 @@ QJsonObject readObject(const QJsonValue &value, const QString &place, QStringLis
 }
 
 void checkKeys(const QJsonObject &object, const QStringList &known, const QString &place,
-               QStringList *errors)
+               QList<Problem> *errors)
 {
     const QStringList keys = object.keys();
     for (const QString &key : keys) {
@@ -120,7 +121,7 @@ void checkKeys(const QJsonObject &object, const QStringList &known, const QStrin
 /// Looks for a text that stands twice. `texts` are the elements' own at `key`; an empty one is no
 /// text, its fault is known already.
 void checkUnique(const QStringList &texts, const QString &key, const QString &place,
-                 QStringList *errors)
+                 QList<Problem> *errors)
 {
     QMap<QString, int> firstIndex;
     for (int i = 0; i < texts.size(); ++i) {
@@ -129,7 +130,7 @@ void checkUnique(const QStringList &texts, const QString &key, const QString &pl
             continue;
         if (firstIndex.contains(text))
             addError(member(element(place, i), key),
-                     QStringLiteral("\"%1\" is already the %2 of %3")
+                     QStringLiteral("\"%1\" is already the %2 of %3; write another one")
                          .arg(text, key, element(place, firstIndex.value(text))),
                      errors);
         else
@@ -137,7 +138,7 @@ void checkUnique(const QStringList &texts, const QString &key, const QString &pl
     }
 }
 
-ParameterTexts readParameters(const QJsonValue &value, const QString &place, QStringList *errors)
+ParameterTexts readParameters(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     if (value.isUndefined())
         return {};
@@ -149,6 +150,11 @@ ParameterTexts readParameters(const QJsonValue &value, const QString &place, QSt
             result.insert(entry.key(), parameter.toString());
         else if (parameter.isNull())
             result.insert(entry.key(), std::nullopt);
+        else if (parameter.isDouble())
+            addError(member(place, entry.key()),
+                     QStringLiteral("expected a text or null, found a number; write \"%1\"")
+                         .arg(jsonText(parameter)),
+                     errors);
         else
             addWrongKind(parameter, QStringLiteral("a text or null"), member(place, entry.key()),
                          errors);
@@ -156,7 +162,7 @@ ParameterTexts readParameters(const QJsonValue &value, const QString &place, QSt
     return result;
 }
 
-PlantItem readItem(const QJsonValue &value, const QString &place, QStringList *errors)
+PlantItem readItem(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     const QJsonObject object = readObject(value, place, errors);
     if (!value.isObject())
@@ -168,7 +174,7 @@ PlantItem readItem(const QJsonValue &value, const QString &place, QStringList *e
             readParameters(object.value(parameters), member(place, parameters), errors)};
 }
 
-QList<PlantItem> readItems(const QJsonValue &value, const QString &place, QStringList *errors)
+QList<PlantItem> readItems(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     const QJsonArray array = readList(value, place, errors);
     QList<PlantItem> items;
@@ -181,7 +187,7 @@ QList<PlantItem> readItems(const QJsonValue &value, const QString &place, QStrin
     return items;
 }
 
-PlantDevice readDevice(const QJsonValue &value, const QString &place, QStringList *errors)
+PlantDevice readDevice(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     const QJsonObject object = readObject(value, place, errors);
     if (!value.isObject())
@@ -199,7 +205,8 @@ PlantDevice readDevice(const QJsonValue &value, const QString &place, QStringLis
             readItems(object.value(items), member(place, items), errors)};
 }
 
-QList<PlantDevice> readDevices(const QJsonValue &value, const QString &place, QStringList *errors)
+QList<PlantDevice> readDevices(const QJsonValue &value, const QString &place,
+                               QList<Problem> *errors)
 {
     const QJsonArray array = readList(value, place, errors);
     QList<PlantDevice> devices;
@@ -217,7 +224,7 @@ QList<PlantDevice> readDevices(const QJsonValue &value, const QString &place, QS
 }
 
 QStringList readNetworkInterfaces(const QJsonValue &value, const QString &place,
-                                  QStringList *errors)
+                                  QList<Problem> *errors)
 {
     if (value.isUndefined())
         return {};
@@ -228,7 +235,7 @@ QStringList readNetworkInterfaces(const QJsonValue &value, const QString &place,
     return names;
 }
 
-Plant readPlant(const QJsonDocument &document, QStringList *errors)
+Plant readPlant(const QJsonDocument &document, QList<Problem> *errors)
 {
     const QJsonValue root
         = document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
@@ -237,7 +244,10 @@ Plant readPlant(const QJsonDocument &document, QStringList *errors)
         return {};
     const QString networkInterfaces = QStringLiteral("networkInterfaces");
     const QString devices = QStringLiteral("devices");
-    checkKeys(object, {networkInterfaces, devices}, {}, errors);
+    const QString schema = QStringLiteral("$schema");
+    checkKeys(object, {schema, networkInterfaces, devices}, {}, errors);
+    if (object.contains(schema))
+        readText(object.value(schema), schema, errors);
     return {readNetworkInterfaces(object.value(networkInterfaces), networkInterfaces, errors),
             readDevices(object.value(devices), devices, errors)};
 }
@@ -252,44 +262,38 @@ QString lineAndColumn(const QByteArray &json, int offset)
     return QStringLiteral("%1:%2").arg(line).arg(column);
 }
 
-/// As parsePlant(), but with faults returns what has none.
-std::optional<Plant> parseDraft(const QByteArray &json, const QString &fileName,
-                                QStringList *errors)
+/// The plant as far as it can be understood; nothing when the text is no JSON.
+std::optional<Plant> parseDraft(const QByteArray &json, QList<Problem> *problems)
 {
     QJsonParseError syntax{};
     const QJsonDocument document = QJsonDocument::fromJson(json, &syntax);
     if (syntax.error != QJsonParseError::NoError) {
-        errors->append(fileName + u':' + lineAndColumn(json, syntax.offset) + u": not valid JSON: "
-                       + syntax.errorString());
+        problems->append(
+            {lineAndColumn(json, syntax.offset), {}, u"not valid JSON: " + syntax.errorString()});
         return {};
     }
-    if (const std::optional<DuplicateKey> duplicate = findDuplicateKey(json)) {
-        errors->append(fileName + u':' + lineAndColumn(json, duplicate->offset) + u": the key \""
-                       + duplicate->key + u"\" is given twice in one object");
-        return {};
-    }
-    QStringList faults;
-    Plant plant = readPlant(document, &faults);
-    for (const QString &fault : std::as_const(faults))
-        errors->append(fileName + u": " + fault);
-    return plant;
+    const QList<DuplicateKey> duplicates = findDuplicateKeys(json);
+    for (const DuplicateKey &duplicate : duplicates)
+        problems->append(
+            {lineAndColumn(json, duplicate.offset),
+             {},
+             QStringLiteral("the key \"%1\" is given twice in one object; leave one out")
+                 .arg(duplicate.key)});
+    return readPlant(document, problems);
 }
 
-/// The file's bytes; nothing when it cannot be read or is too large, `errors` then says so.
-std::optional<QByteArray> readBytes(const QString &fileName, QStringList *errors)
+/// The file's bytes; nothing when it cannot be read or is too large, `problem` then says so.
+std::optional<QByteArray> readBytes(const QString &fileName, QString *problem)
 {
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        errors->append(fileName + u": cannot be read: " + file.errorString());
-        return {};
-    }
-    const QByteArray json = file.read(maximumFileSize + 1);
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    const QByteArray json = isOpen ? file.read(maximumFileSize + 1) : QByteArray();
     if (file.error() != QFileDevice::NoError) {
-        errors->append(fileName + u": cannot be read: " + file.errorString());
+        *problem = u"cannot be read: " + file.errorString();
         return {};
     }
     if (json.size() > maximumFileSize) {
-        errors->append(fileName + u": larger than 16 MiB, so it is no plant file");
+        *problem = QStringLiteral("larger than 16 MiB, so it is no plant file");
         return {};
     }
     return json;
@@ -300,20 +304,26 @@ std::optional<QByteArray> readBytes(const QString &fileName, QStringList *errors
 std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
                                 QStringList *errors)
 {
-    QStringList faults;
-    std::optional<Plant> plant = parseDraft(json, fileName, &faults);
-    errors->append(faults);
-    return faults.isEmpty() ? std::move(plant) : std::nullopt;
+    QList<Problem> problems;
+    std::optional<Plant> plant = parseDraft(json, &problems);
+    errors->append(problemLines(fileName, problems));
+    return problems.isEmpty() ? std::move(plant) : std::nullopt;
 }
 
-std::optional<Plant> readPlantDraft(const QString &fileName, QStringList *faults)
+std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems)
 {
-    const std::optional<QByteArray> json = readBytes(fileName, faults);
-    return json ? parseDraft(*json, fileName, faults) : std::nullopt;
+    QString problem;
+    if (const std::optional<QByteArray> json = readBytes(fileName, &problem))
+        return parseDraft(*json, problems);
+    problems->append({{}, {}, problem});
+    return {};
 }
 
 std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors)
 {
-    const std::optional<QByteArray> json = readBytes(fileName, errors);
-    return json ? parsePlant(*json, fileName, errors) : std::nullopt;
+    QString problem;
+    if (const std::optional<QByteArray> json = readBytes(fileName, &problem))
+        return parsePlant(*json, fileName, errors);
+    errors->append(fileName + u": " + problem);
+    return {};
 }

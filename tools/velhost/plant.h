@@ -1,5 +1,7 @@
 #pragma once
 
+#include "problem.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QMap>
@@ -46,9 +48,9 @@ std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
                                 QStringList *errors);
 
 /// Reads a plant file of at most 16 MiB as far as it can be understood: what has a fault, whose
-/// line is then in `faults` as with parsePlant(), is empty. Returns nothing when the file cannot be
-/// read, is no JSON or has a key twice in an object; `faults` has that reason alone.
-std::optional<Plant> readPlantDraft(const QString &fileName, QStringList *faults);
+/// problem is then in `problems`, is empty. Returns nothing when the file cannot be read or is no
+/// JSON; `problems` has that reason alone.
+std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems);
 
 /// Reads a plant file of at most 16 MiB; errors as with parsePlant().
 std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors);
