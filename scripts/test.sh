@@ -4,7 +4,7 @@ set -eu
 cd "$(dirname "$0")/.."
 preset=${1:-dev}
 
-scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev help2man groff-base bash-completion
+scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev help2man groff-base bash-completion python3-jsonschema
 
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"

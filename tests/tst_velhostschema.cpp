@@ -1,0 +1,346 @@
+#include "plantrun.h"
+#include "text.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QSet>
+#include <QtTest>
+
+// The schema of plant files says what `velhost check` says, as far as a schema can.
+
+namespace {
+
+const QString schemaFile = QStringLiteral(DOCS_FOLDER "/plant.schema.json");
+
+/// A plant with one device and one item.
+const QByteArray goodPlant
+    = R"({"$schema": "s", "networkInterfaces": ["eth0"], "devices": [{"id": 1, "name": "Press",)"
+      R"( "ip": "10.0.0.1", "parameters": {"port": "8501", "timeout": "2000", "udp_ports": null},)"
+      R"( "items": [{"name": "A", "parameters": {"memory_address": "D1", "memory_type": "1",)"
+      R"( "data_type": "Short"}}]}]})";
+
+QJsonObject objectIn(const QByteArray &json)
+{
+    return QJsonDocument::fromJson(json).object();
+}
+
+QJsonObject schema()
+{
+    QFile file(schemaFile);
+    return file.open(QIODevice::ReadOnly) ? objectIn(file.readAll()) : QJsonObject();
+}
+
+/// The properties of the plant itself, or of the definition with that name.
+QJsonObject properties(const QString &definition)
+{
+    const QJsonObject root = schema();
+    const QJsonObject object
+        = definition.isEmpty() ? root
+                               : root.value(u"definitions").toObject().value(definition).toObject();
+    return object.value(u"properties").toObject();
+}
+
+/// Judges the plant with Debian's own Python, to which its package belongs. A problem is a line
+/// with the place alone.
+ProgramRun validate(const QByteArray &plant)
+{
+    return runWithPlant(text("/usr/bin/python3"),
+                        {text("-m"), text("jsonschema"), text("--instance"), text("plant.json"),
+                         text("--error-format"), text("{error.json_path}\n"), schemaFile},
+                        plant);
+}
+
+ProgramRun check(const QByteArray &plant)
+{
+    return runWithPlant(
+        text(VELHOST_FILE),
+        {text("check"), text("plant.json"), text("--plugin"), text(KEYENCE_PLUGIN_FILE)}, plant);
+}
+
+QStringList sorted(QStringList texts)
+{
+    texts.sort();
+    return texts;
+}
+
+/// What may be chosen in a column, nothing where any text may be written.
+QSet<QString> choicesOf(const QJsonObject &column)
+{
+    QSet<QString> choices;
+    const QJsonArray selection = column.value(u"selection").toArray();
+    for (const QJsonValue &entry : selection) {
+        const QString shown = entry.toArray().at(0).toString();
+        if (shown == u"__vel_discovery_editable")
+            return {};
+        if (!shown.startsWith(u"__vel_"))
+            choices += {shown, entry.toArray().at(1).toString()};
+    }
+    return choices;
+}
+
+} // namespace
+
+class tst_VelhostSchema : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void examples_data();
+    void examples();
+    void goodPlantIsRight();
+    void refused_data();
+    void refused();
+    void limits_data();
+    void limits();
+    void knownKeys_data();
+    void knownKeys();
+    void columns_data();
+    void columns();
+    void everyKeyIsDescribed();
+};
+
+void tst_VelhostSchema::examples_data()
+{
+    QTest::addColumn<QString>("fileName");
+
+    // What begins with "kvsim-" is for the simulated controller.
+    const QRegularExpression plantName(text("\\A(?!kvsim-).*\\.json\\z"));
+    const QDir folder(text(EXAMPLES_FOLDER));
+    const QStringList plants = folder.entryList(QDir::Files).filter(plantName);
+    QVERIFY(plants.size() >= 2);
+    for (const QString &name : plants)
+        QTest::newRow(qPrintable(name)) << folder.filePath(name);
+}
+
+void tst_VelhostSchema::examples()
+{
+    QFETCH(QString, fileName);
+
+    QFile file(fileName);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray plant = file.readAll();
+    const ProgramRun run = validate(plant);
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.exitCode, 0);
+    const QString named = objectIn(plant).value(u"$schema").toString();
+    QCOMPARE(QDir::cleanPath(QFileInfo(fileName).dir().filePath(named)), schemaFile);
+}
+
+void tst_VelhostSchema::goodPlantIsRight()
+{
+    for (const ProgramRun &run : {check(goodPlant), validate(goodPlant)}) {
+        QCOMPARE(run.errors, QString());
+        QCOMPARE(run.exitCode, 0);
+    }
+}
+
+void tst_VelhostSchema::refused_data()
+{
+    QTest::addColumn<QByteArray>("part");
+    QTest::addColumn<QByteArray>("replacement");
+    QTest::addColumn<QString>("place");
+
+    const auto row
+        = [](const char *name, const char *part, const char *replacement, const char *place) {
+              QTest::newRow(name) << QByteArray(part) << QByteArray(replacement) << text(place);
+          };
+    row("schema no text", R"("s")", "1", "$.$schema");
+    row("unknown key", R"("$schema")", R"("schema")", "$");
+    row("no devices", R"("devices")", R"("Devices")", "$");
+    row("devices no list", R"("devices": [)", R"("devices": {}, "x": [)", "$.devices");
+    row("interface no text", R"("eth0")", "0", "$.networkInterfaces[0]");
+    row("interface empty", R"("eth0")", R"("")", "$.networkInterfaces[0]");
+    row("unknown key of a device", R"("id")", R"("colour": 1, "id")", "$.devices[0]");
+    row("id missing", R"("id": 1,)", "", "$.devices[0]");
+    row("id a text", R"("id": 1)", R"("id": "1")", "$.devices[0].id");
+    row("id a fraction", R"("id": 1)", R"("id": 1.5)", "$.devices[0].id");
+    row("name null", R"("Press")", "null", "$.devices[0].name");
+    row("name empty", R"("Press")", R"("")", "$.devices[0].name");
+    row("address a name", "10.0.0.1", "plc", "$.devices[0].ip");
+    row("address a number", R"("10.0.0.1")", "10", "$.devices[0].ip");
+    row("address with leading zero", "10.0.0.1", "10.0.0.01", "$.devices[0].ip");
+    row("address with 256", "10.0.0.1", "10.0.0.256", "$.devices[0].ip");
+    row("unknown parameter", R"("port")", R"("prot")", "$.devices[0].parameters");
+    row("port a number", R"("8501")", "8501", "$.devices[0].parameters.port");
+    row("port null", R"("8501")", "null", "$.devices[0].parameters.port");
+    row("time-out with unit", R"("2000")", R"("2 s")", "$.devices[0].parameters.timeout");
+    row("time-out null", R"("2000")", "null", "$.devices[0].parameters.timeout");
+    row("search ports a number", "null", "8501", "$.devices[0].parameters.udp_ports");
+    row("item no object", R"("items": [)", R"("items": [5, )", "$.devices[0].items[0]");
+    row("unknown key of an item", R"("name": "A")", R"("name": "A", "x": 1)",
+        "$.devices[0].items[0]");
+    row("item name missing", R"("name": "A",)", "", "$.devices[0].items[0]");
+    row("parameters missing", R"("A", "parameters": {)", R"("A"}, {"name": "B", "parameters": {)",
+        "$.devices[0].items[0]");
+    row("memory address missing", R"("memory_address": "D1", )", "",
+        "$.devices[0].items[0].parameters");
+    row("memory address a number", R"("D1")", "1",
+        "$.devices[0].items[0].parameters.memory_address");
+    row("memory address without device", R"("D1")", R"("1")",
+        "$.devices[0].items[0].parameters.memory_address");
+    row("memory type not offered", R"("memory_type": "1")", R"("memory_type": "2")",
+        "$.devices[0].items[0].parameters.memory_type");
+    row("data type in other letters", R"("Short")", R"("short")",
+        "$.devices[0].items[0].parameters.data_type");
+}
+
+// Both refuse the good plant with one part replaced.
+void tst_VelhostSchema::refused()
+{
+    QFETCH(QByteArray, part);
+    QFETCH(QByteArray, replacement);
+    QFETCH(QString, place);
+
+    QCOMPARE(goodPlant.count(part), 1);
+    QByteArray plant = goodPlant;
+    plant.replace(part, replacement);
+    QCOMPARE(check(plant).exitCode, 2);
+    const ProgramRun run = validate(plant);
+    QVERIFY2(run.errors.split(u'\n').contains(place), qPrintable(run.errors));
+    QCOMPARE(run.exitCode, 1);
+}
+
+void tst_VelhostSchema::limits_data()
+{
+    QTest::addColumn<QByteArray>("part");
+    QTest::addColumn<QByteArray>("replacement");
+    QTest::addColumn<bool>("isRight");
+
+    const auto row = [](const char *part, const char *replacement, bool isRight) {
+        QTest::newRow(replacement) << QByteArray(part) << QByteArray(replacement) << isRight;
+    };
+    const char *const id = R"("id": 1)";
+    row(id, R"("id": -1)", false);
+    row(id, R"("id": 0)", true);
+    row(id, R"("id": 2147483646)", true);
+    row(id, R"("id": 2147483647)", true);
+    row(id, R"("id": 2147483648)", false);
+    const char *const port = R"("port": "8501")";
+    row(port, R"("port": "0")", false);
+    row(port, R"("port": "1")", true);
+    row(port, R"("port": "02")", true);
+    row(port, R"("port": "9999")", true);
+    row(port, R"("port": "10000")", true);
+    row(port, R"("port": "59999")", true);
+    row(port, R"("port": "65534")", true);
+    row(port, R"("port": "65535")", true);
+    row(port, R"("port": "65536")", false);
+    row(port, R"("port": "70000")", false);
+    row(port, R"("port": "")", false);
+    const char *const timeout = R"("timeout": "2000")";
+    row(timeout, R"("timeout": "0")", false);
+    row(timeout, R"("timeout": "1")", true);
+    row(timeout, R"("timeout": "999999999")", true);
+    row(timeout, R"("timeout": "1999999999")", true);
+    row(timeout, R"("timeout": "2146999999")", true);
+    row(timeout, R"("timeout": "2147483646")", true);
+    row(timeout, R"("timeout": "2147483647")", true);
+    row(timeout, R"("timeout": "2147483648")", false);
+    row(timeout, R"("timeout": "3000000000")", false);
+    row(timeout, R"("timeout": "10000000000")", false);
+}
+
+void tst_VelhostSchema::limits()
+{
+    QFETCH(QByteArray, part);
+    QFETCH(QByteArray, replacement);
+    QFETCH(bool, isRight);
+
+    QCOMPARE(goodPlant.count(part), 1);
+    QByteArray plant = goodPlant;
+    plant.replace(part, replacement);
+    QCOMPARE(check(plant).exitCode, isRight ? 0 : 2);
+    const ProgramRun run = validate(plant);
+    QCOMPARE(run.errors.count(u'\n'), isRight ? 0 : 1);
+    QCOMPARE(run.exitCode, isRight ? 0 : 1);
+}
+
+void tst_VelhostSchema::knownKeys_data()
+{
+    QTest::addColumn<QString>("definition");
+    QTest::addColumn<QByteArray>("plant");
+
+    QTest::newRow("plant") << QString() << QByteArray(R"({"devices": [], "?": 0})");
+    QTest::newRow("device") << text("device")
+                            << QByteArray(R"({"devices": [{"id": 1, "name": "P", "ip": "10.0.0.1",)"
+                                          R"( "items": [], "?": 0}]})");
+    QTest::newRow("item") << text(
+        "item") << QByteArray(goodPlant).replace(R"("name": "A")", R"("name": "A", "?": 0)");
+}
+
+// A key that the program learns must be in the schema, and the other way round.
+void tst_VelhostSchema::knownKeys()
+{
+    QFETCH(QString, definition);
+    QFETCH(QByteArray, plant);
+
+    const QString told = check(plant).errors;
+    const QString start = text("unknown key; known here: ");
+    QCOMPARE(told.count(start), 1);
+    const QString keys = told.section(start, 1).trimmed();
+    QCOMPARE(properties(definition).keys(), sorted(keys.split(text(", "))));
+}
+
+void tst_VelhostSchema::columns_data()
+{
+    QTest::addColumn<QString>("scope");
+    QTest::addColumn<QString>("definition");
+
+    QTest::newRow("device") << text("device") << text("deviceParameters");
+    QTest::newRow("item") << text("item") << text("itemParameters");
+}
+
+void tst_VelhostSchema::columns()
+{
+    QFETCH(QString, scope);
+    QFETCH(QString, definition);
+
+    const ProgramRun run = runProgram(text(VELHOST_FILE),
+                                      {text("columns"), text("--format"), text("json"),
+                                       text("--plugin"), text(KEYENCE_PLUGIN_FILE)},
+                                      QDir::tempPath());
+    const QJsonObject parameters = properties(definition);
+    QStringList declared;
+    const QStringList lines = run.output.split(u'\n');
+    for (const QString &line : lines) {
+        const QJsonObject column = objectIn(line.toUtf8());
+        if (column.value(u"scope").toString() != scope)
+            continue;
+        declared.append(column.value(u"name").toString());
+        QSet<QString> offered;
+        const QJsonArray entries
+            = parameters.value(declared.last()).toObject().value(u"enum").toArray();
+        for (const QJsonValue &entry : entries) {
+            if (entry.isString())
+                offered.insert(entry.toString());
+        }
+        QCOMPARE(offered, choicesOf(column));
+    }
+    QCOMPARE(parameters.keys(), sorted(declared));
+}
+
+void tst_VelhostSchema::everyKeyIsDescribed()
+{
+    int count = 0;
+    for (const char *const definition :
+         {"", "device", "deviceParameters", "item", "itemParameters"}) {
+        const QJsonObject keys = properties(text(definition));
+        for (auto key = keys.begin(); key != keys.end(); ++key) {
+            const QJsonObject value = key.value().toObject();
+            const bool isElsewhere = value.value(u"$ref").toString().startsWith(u"#/definitions/");
+            const QString description = value.value(u"description").toString();
+            QVERIFY2(isElsewhere || !description.isEmpty(), qPrintable(key.key()));
+            ++count;
+        }
+    }
+    QVERIFY(count >= 19);
+    const QJsonObject definitions = schema().value(u"definitions").toObject();
+    for (const QJsonValue &definition : definitions)
+        QVERIFY(!definition.toObject().value(u"description").toString().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostSchema)
+#include "tst_velhostschema.moc"
