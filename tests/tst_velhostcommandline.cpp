@@ -24,6 +24,8 @@ private Q_SLOTS:
     void writeOptions();
     void plantFile_data();
     void plantFile();
+    void explainText_data();
+    void explainText();
     void commands_data();
     void commands();
     void cycleLimits_data();
@@ -109,6 +111,33 @@ void tst_VelhostCommandLine::plantFile()
     const auto line = parseCommandLine(arguments, &error);
     QCOMPARE(error, QString());
     QCOMPARE(line->plantFile, QStringLiteral("p.json"));
+}
+
+void tst_VelhostCommandLine::explainText_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("text");
+
+    const auto row = [](const char *arguments, const char *text) {
+        QTest::newRow(arguments) << words(arguments) << QString::fromUtf8(text);
+    };
+    row("velhost|explain|invalid port", "invalid port");
+    row("velhost|--format|json|explain|E0", "E0");
+    row("velhost|explain|-", "-");
+    row("velhost|explain|", "");
+    row("velhost|explain|--|--plant", "--plant");
+}
+
+void tst_VelhostCommandLine::explainText()
+{
+    QFETCH(QStringList, arguments);
+
+    QString error;
+    const auto line = parseCommandLine(arguments, &error);
+    QCOMPARE(error, QString());
+    QVERIFY(line.has_value());
+    QCOMPARE(line->command, Command::Explain);
+    QTEST(line->text, "text");
 }
 
 void tst_VelhostCommandLine::commands_data()
@@ -247,9 +276,10 @@ void tst_VelhostCommandLine::errors_data()
     const auto row = [](const char *text, const char *error) {
         QTest::newRow(text) << words(text) << QString::fromUtf8(error);
     };
-    row("velhost", "no command given; use columns, read, write, plan or check");
-    row("velhost|raed", "unknown command \"raed\"; use columns, read, write, plan or check");
-    row("velhost|", "unknown command \"\"; use columns, read, write, plan or check");
+    row("velhost", "no command given; use columns, read, write, plan, check or explain");
+    row("velhost|raed",
+        "unknown command \"raed\"; use columns, read, write, plan, check or explain");
+    row("velhost|", "unknown command \"\"; use columns, read, write, plan, check or explain");
     row("velhost|columns|read", "columns takes no argument \"read\"");
     row("velhost|read|--plant|p|Press", "read takes no argument \"Press\"");
     row("velhost|read|p|Press", "read takes no argument \"Press\"");
@@ -271,6 +301,12 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|plan|p.json|--plant|p", "plan takes no argument \"p.json\"");
     row("velhost|plan|--plant|p|--cycles|2", "plan has no use for --cycles");
     row("velhost|plan|--plant|p|--format|csv", "--format of plan is table or json, not \"csv\"");
+    row("velhost|explain", "explain needs one text, in quotes");
+    row("velhost|explain|invalid|port", "explain needs one text, in quotes");
+    row("velhost|explain|a|--plant|p", "explain has no use for --plant");
+    row("velhost|explain|a|--plugin|p", "explain has no use for --plugin");
+    row("velhost|explain|a|--cycles|1", "explain has no use for --cycles");
+    row("velhost|explain|a|--format|csv", "--format of explain is table or json, not \"csv\"");
     row("velhost|read|--plant|p|--write|A/b=1", "read has no use for --write");
     row("velhost|read|--plant|p|--rtt|1", "read has no use for --rtt");
     row("velhost|read|--plant|p|--yes", "read has no use for --yes");

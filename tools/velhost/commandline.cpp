@@ -12,7 +12,7 @@ constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
 constexpr int maximumRttMs = 60 * 1000;
 
 /// What a command takes besides options.
-enum class Arguments { None, Plant, Assignments };
+enum class Arguments { None, Plant, Assignments, Text };
 
 struct CommandDescription
 {
@@ -48,14 +48,17 @@ const QVector<CommandDescription> &commands()
          {QStringLiteral("write"), QStringLiteral("rtt")},
          {table, json}},
         {QStringLiteral("check"), Command::Check, Arguments::Plant, {}, {table, json}},
+        {QStringLiteral("explain"), Command::Explain, Arguments::Text, {}, {table, json}},
     };
     return list;
 }
 
-/// The options that every command takes.
-QStringList commonOptions()
+/// Whether the command takes the option. What `--format` may ask for is judged for itself.
+bool takesOption(const CommandDescription &command, const QString &option)
 {
-    return {QStringLiteral("plugin"), QStringLiteral("plant"), QStringLiteral("format")};
+    if (option == u"plugin" || option == u"plant")
+        return command.arguments != Arguments::Text;
+    return option == u"format" || command.options.contains(option);
 }
 
 /// What there is to parse. What it means to people stands in help.txt.
@@ -140,6 +143,8 @@ QString argumentError(const CommandDescription &command, const QCommandLineParse
             return command.name + u" needs a plant file: --plant FILE";
         return rest.isEmpty() ? command.name + u" needs at least one DEVICE/ITEM=VALUE" : QString();
     }
+    if (command.arguments == Arguments::Text)
+        return rest.size() == 1 ? QString() : command.name + u" needs one text, in quotes";
     const bool needsPlant = command.arguments == Arguments::Plant && !hasPlant;
     if (needsPlant && rest.value(0).isEmpty())
         return command.name + u" needs a plant file: " + command.name + u" PLANT";
@@ -154,7 +159,7 @@ QString commandError(const CommandDescription &command, const QCommandLineParser
 {
     const QStringList given = parser.optionNames();
     for (const QString &option : given) {
-        if (!commonOptions().contains(option) && !command.options.contains(option))
+        if (!takesOption(command, option))
             return QStringLiteral("%1 has no use for --%2").arg(command.name, option);
     }
     const QString format = parser.value(QStringLiteral("format"));
@@ -216,6 +221,8 @@ std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QStrin
     result.assignments = command->arguments == Arguments::Assignments
                              ? positional.mid(1)
                              : parser.values(QStringLiteral("write"));
+    if (command->arguments == Arguments::Text)
+        result.text = positional.at(1);
     result.format = formatNamed(parser.value(QStringLiteral("format")));
     result.onlyChanges = parser.isSet(QStringLiteral("only-changes"));
     result.isConfirmed = parser.isSet(QStringLiteral("yes"));

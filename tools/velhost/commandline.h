@@ -8,7 +8,7 @@
 #include <optional>
 
 /// What the program is to do.
-enum class Command { Help, Version, Columns, Read, Write, Plan, Check };
+enum class Command { Help, Version, Columns, Read, Write, Plan, Check, Explain };
 
 /// The program's arguments, checked.
 struct CommandLine
@@ -16,7 +16,7 @@ struct CommandLine
     Command command = Command::Help;
     /// Empty: the default plug-in.
     QString pluginFile;
-    /// Empty only for `columns`.
+    /// Empty only for `columns` and `explain`.
     QString plantFile;
     OutputFormat format = OutputFormat::Table;
     /// Read cycles, 1 or more.
@@ -29,6 +29,8 @@ struct CommandLine
     int rttMs = 1;
     /// The arguments of `write` or the options `--write` of `plan`, each DEVICE/ITEM=VALUE.
     QStringList assignments;
+    /// What `explain` is to explain; "-" is standard input.
+    QString text;
     /// `write` may change devices that are not on this machine.
     bool isConfirmed = false;
     /// `write` reads before and after.

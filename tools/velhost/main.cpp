@@ -1,6 +1,7 @@
 #include "checkcommand.h"
 #include "commandline.h"
 #include "console.h"
+#include "explaincommand.h"
 #include "host.h"
 #include "job.h"
 #include "output.h"
@@ -51,6 +52,7 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
         return runPlan(loaded.plugin, devices, job, host, recorder);
     case Command::Check:
         return runCheck(job, *registration);
+    case Command::Explain:
     case Command::Help:
     case Command::Version:
         break;
@@ -100,11 +102,12 @@ ExitCode runJob(const Job &job)
     return result;
 }
 
-/// The text of --help, which the manual page is made of, too.
-QString helpText()
+/// A file that is part of the program: the text of --help, which the manual page is made of, too,
+/// or the catalogue of errors, of which docs/errors.md is made.
+QByteArray ownFile(const QString &name)
 {
-    QFile file(QStringLiteral(":/help.txt"));
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    QFile file(u":/" + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 ExitCode run(const QStringList &arguments)
@@ -116,13 +119,15 @@ ExitCode run(const QStringList &arguments)
         return WrongUsage;
     }
     if (commandLine->command == Command::Help) {
-        print(stdout, helpText());
+        print(stdout, QString::fromUtf8(ownFile(QStringLiteral("help.txt"))));
         return AllWell;
     }
     if (commandLine->command == Command::Version) {
         print(stdout, u"velhost " + QCoreApplication::applicationVersion() + u'\n');
         return AllWell;
     }
+    if (commandLine->command == Command::Explain)
+        return runExplain(*commandLine, ownFile(QStringLiteral("errors.json")));
     const std::optional<Job> job = prepareJob(*commandLine);
     return job ? runJob(*job) : WrongUsage;
 }

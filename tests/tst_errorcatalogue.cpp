@@ -1,0 +1,278 @@
+#include "hostlink.h"
+#include "itemdata.h"
+#include "keyence.h"
+#include "recordingbackend.h"
+#include "text.h"
+
+#include <errorcatalogue.h>
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTest>
+
+namespace {
+
+QByteArray contentOf(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("%s cannot be read", qPrintable(fileName));
+    return file.readAll();
+}
+
+QList<KnownError> catalogue()
+{
+    return errorCatalogue(contentOf(text(ERRORS_FILE)));
+}
+
+/// What stands between the placeholders.
+QStringList pieces(const QString &textTemplate)
+{
+    static const QRegularExpression placeholder(text("\\{[a-z]+\\}"));
+    return textTemplate.split(placeholder, Qt::SkipEmptyParts);
+}
+
+/// The pieces that all texts of the catalogue are made of, those of the forms and those of the
+/// errors for themselves, as the plug-in joins them.
+QSet<QString> cataloguePieces()
+{
+    const QJsonObject root = QJsonDocument::fromJson(contentOf(text(ERRORS_FILE))).object();
+    QStringList result;
+    const QJsonArray forms = root.value(text("forms")).toArray();
+    for (const QJsonValue &form : forms) {
+        const QJsonArray places = form[text("places")].toArray();
+        for (const QJsonValue &place : places)
+            result += pieces(place[text("text")].toString());
+    }
+    const QJsonArray errors = root.value(text("errors")).toArray();
+    for (const QJsonValue &error : errors)
+        result += pieces(error[text("text")].toString());
+    return {result.cbegin(), result.cend()};
+}
+
+/// The text literals of a source file. Neighbours are one; comments, includes and single characters
+/// are none.
+QStringList literals(const QString &source)
+{
+    static const QRegularExpression token(
+        text("//[^\\n]*|/\\*.*?\\*/|#include[^\\n]*|'(?:[^'\\\\\\n]|\\\\.)+'"
+             "|\"((?:[^\"\\\\\\n]|\\\\.)*)\""),
+        QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression escape(text("\\\\(.)"));
+    QStringList result;
+    int end = -1;
+    for (auto found = token.globalMatch(source); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
+        if (match.capturedStart(1) < 0)
+            continue;
+        QString literal = match.captured(1);
+        literal.replace(escape, text("\\1"));
+        const bool isNeighbour
+            = end >= 0 && source.mid(end, match.capturedStart() - end).trimmed().isEmpty();
+        if (isNeighbour)
+            result.last() += literal;
+        else
+            result.append(literal);
+        end = match.capturedEnd();
+    }
+    return result;
+}
+
+/// All of the plug-in's, each with its file.
+QList<QPair<QString, QString>> pluginLiterals()
+{
+    QList<QPair<QString, QString>> result;
+    const QDir folder(text(SOURCE_FOLDER));
+    const QStringList files = folder.entryList({text("*.cpp"), text("*.h")}, QDir::Files);
+    for (const QString &file : files) {
+        const QStringList texts = literals(QString::fromUtf8(contentOf(folder.filePath(file))));
+        for (const QString &literal : texts)
+            result.append({file, literal});
+    }
+    return result;
+}
+
+/// What the plug-in declares to the host.
+QSet<QString> declaredTexts()
+{
+    RecordingBackend host;
+    Keyence plugin;
+    plugin.init();
+    const PluginRegistration &said = host.registrations.constFirst();
+    QSet<QString> result{said.name, said.options.text10};
+    const QList<DatabaseColumnStructure> columns = said.itemColumns + said.deviceColumns;
+    for (const DatabaseColumnStructure &column : columns) {
+        result += {column.name, column.defaultValue, column.description};
+        for (const auto &choice : column.selectionValues)
+            result += {choice.text, choice.value};
+    }
+    return result;
+}
+
+/// What the plug-in uses within.
+QSet<QString> innerTexts()
+{
+    QSet<QString> result{ItemData::lettersPattern,
+                         ItemData::hexPattern,
+                         ItemData::floatPattern,
+                         ItemData::integerPattern,
+                         ItemData::unsignedIntegerPattern,
+                         ItemData::simpleAddressPattern,
+                         ItemData::dotAddessPattern,
+                         ItemData::rangeAddressPattern,
+                         ItemData::bitPattern,
+                         ItemData::stringPattern,
+                         text(R"(^(\D+)(\d+)-(\d+)$)"),
+                         text("value"),
+                         text("^(?:(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)\\.){3}"
+                              "(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)$")};
+    const QMap<QString, QString> commands = Frame::commands();
+    for (auto command = commands.cbegin(); command != commands.cend(); ++command)
+        result += {command.key(), command.value()};
+    return result;
+}
+
+} // namespace
+
+// Whether the catalogue knows every text of the plug-in, and no other.
+class tst_ErrorCatalogue : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void literalsOfASource_data();
+    void literalsOfASource();
+    void everyLiteralIsKnown();
+    void everyCodeIsKnown_data();
+    void everyCodeIsKnown();
+    void everyEntryIsWhole_data();
+    void everyEntryIsWhole();
+    void unreportedTextsExist_data();
+    void unreportedTextsExist();
+};
+
+void tst_ErrorCatalogue::literalsOfASource_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QStringList>("found");
+
+    const auto row = [](const char *name, const char *source, const QStringList &found) {
+        QTest::newRow(name) << text(source) << found;
+    };
+    row("none", "int a = 5;", {});
+    row("one", "f(\"a b\");", {text("a b")});
+    row("two", R"(f("a", "b");)", {text("a"), text("b")});
+    row("neighbours", "f(\"a\"\n  \"b\");", {text("ab")});
+    row("escaped quote", R"(f("a\"b");)", {text("a\"b")});
+    row("escaped backslash", R"(f("a\\", "b");)", {text("a\\"), text("b")});
+    row("comment", "// \"a\"\nf(\"b\"); // \"c\"", {text("b")});
+    row("comment of lines", "/* \"a\"\n \"b\" */ f(\"c\");", {text("c")});
+    row("comment in a text", "f(\"a // b\");", {text("a // b")});
+    row("include", "#include \"a.h\"\nf(\"b\");", {text("b")});
+    row("character", R"(f('"', "a", '\'', "b");)", {text("a"), text("b")});
+}
+
+void tst_ErrorCatalogue::literalsOfASource()
+{
+    QFETCH(QString, source);
+    QTEST(literals(source), "found");
+}
+
+void tst_ErrorCatalogue::everyLiteralIsKnown()
+{
+    const QSet<QString> known = cataloguePieces() + declaredTexts() + innerTexts();
+    const auto all = pluginLiterals();
+    QVERIFY(all.contains({text("keyence.h"), text("Not connected to PLC")}));
+    QVERIFY(all.contains({text("socket.cpp"), text("Timeout reading (")}));
+    QVERIFY(all.contains({text("hostlink.cpp"), text("data lenght invalid")}));
+    QStringList unknown;
+    for (const auto &literal : all) {
+        if (!known.contains(literal.second))
+            unknown.append(literal.first + u": \"" + literal.second + u'"');
+    }
+    QVERIFY2(unknown.isEmpty(),
+             qPrintable(text("not in tools/velhost/errors.json: ") + unknown.join(text(", "))));
+}
+
+void tst_ErrorCatalogue::everyCodeIsKnown_data()
+{
+    QTest::addColumn<unsigned int>("code");
+
+    for (unsigned int code = Errors::Ok; code <= Errors::UnknownError + 1; ++code)
+        QTest::addRow("%u", code) << code;
+}
+
+void tst_ErrorCatalogue::everyCodeIsKnown()
+{
+    QFETCH(unsigned int, code);
+    const unsigned int knownCode = qMin<unsigned int>(code, Errors::UnknownError);
+    QStringList known;
+    const QJsonObject root = QJsonDocument::fromJson(contentOf(text(ERRORS_FILE))).object();
+    const QJsonArray errors = root.value(text("errors")).toArray();
+    for (const QJsonValue &error : errors) {
+        QString shown = error[text("text")].toString();
+        if (error[text("code")] == static_cast<int>(knownCode))
+            known.append(shown.replace(text("{code}"), text("13")));
+    }
+    known.removeDuplicates();
+    QCOMPARE(known, QStringList{Errors::errorToString(static_cast<Errors::Error>(code))});
+}
+
+void tst_ErrorCatalogue::everyEntryIsWhole_data()
+{
+    QTest::addColumn<int>("index");
+
+    const QList<KnownError> errors = catalogue();
+    for (int i = 0; i < errors.size(); ++i)
+        QTest::newRow(qPrintable(errors.at(i).id)) << i;
+}
+
+void tst_ErrorCatalogue::everyEntryIsWhole()
+{
+    QFETCH(int, index);
+    const QList<KnownError> errors = catalogue();
+    const KnownError &error = errors.at(index);
+    const bool isReported = error.unreported.isEmpty();
+    QVERIFY(!error.text.isEmpty() && !error.title.isEmpty() && !error.meaning.isEmpty());
+    QVERIFY(!error.remedies.isEmpty());
+    QCOMPARE(!error.places.isEmpty(), isReported);
+    QVERIFY(!isReported || !error.causes.isEmpty());
+    const auto sameId = [&error](const KnownError &other) { return other.id == error.id; };
+    QCOMPARE(std::count_if(errors.begin(), errors.end(), sameId), 1);
+    const QJsonObject root = QJsonDocument::fromJson(contentOf(text(ERRORS_FILE))).object();
+    const QJsonValue entry = root.value(text("errors"))[index];
+    QCOMPARE(!entry[text("provocations")].toArray().isEmpty(), isReported);
+}
+
+void tst_ErrorCatalogue::unreportedTextsExist_data()
+{
+    QTest::addColumn<QString>("shown");
+
+    const QList<KnownError> errors = catalogue();
+    for (const KnownError &error : errors) {
+        if (error.places.isEmpty())
+            QTest::newRow(qPrintable(error.id)) << error.text;
+    }
+}
+
+// Those that are reported are provoked by tst_errorprovocation.
+void tst_ErrorCatalogue::unreportedTextsExist()
+{
+    QFETCH(QString, shown);
+    QStringList all;
+    const auto literals = pluginLiterals();
+    for (const auto &literal : literals)
+        all.append(literal.second);
+    const QStringList parts = pieces(shown);
+    QVERIFY(!parts.isEmpty());
+    for (const QString &part : parts)
+        QVERIFY2(all.contains(part), qPrintable(part));
+}
+
+QTEST_GUILESS_MAIN(tst_ErrorCatalogue)
+#include "tst_errorcatalogue.moc"
