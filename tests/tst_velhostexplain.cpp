@@ -3,7 +3,6 @@
 
 #include <explain.h>
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -211,21 +210,18 @@ void tst_VelhostExplain::longText_data()
         QTest::newRow(pattern) << text(pattern);
 }
 
-// A text is found behind a mebibyte of its own beginnings, and what takes this long is no search
-// that goes over the text again and again.
+// A text is found behind a mebibyte of its own beginnings. A search that went over them again and
+// again would not end within the test's time-out.
 void tst_VelhostExplain::longText()
 {
     QFETCH(QString, pattern);
     const QString shown
         = filler(pattern)
           + text(" [RD D1\r ] socket read data error from <A> :Timeout reading (5ms)");
-    QElapsedTimer time;
-    time.start();
     const QList<KnownError> errors = catalogue();
     QVERIFY(idsOf(explanations(shown, errors)).contains(text("timeout-reading")));
     const QStringList near = nearestTexts(shown, errors);
     QVERIFY(near.contains(text("Timeout reading ({milliseconds}ms)")));
-    QVERIFY2(time.elapsed() < 10000, qPrintable(QString::number(time.elapsed())));
 }
 
 void tst_VelhostExplain::input_data()
