@@ -5,12 +5,15 @@
 
 #include <vel/velinterface.h>
 
+#include <QFile>
 #include <QJsonObject>
 #include <QLibrary>
 #include <QPluginLoader>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
+
+#include <algorithm>
 
 namespace {
 
@@ -27,13 +30,12 @@ QStringList linesOf(const QString &program, const QStringList &arguments)
         .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-// The names at the end of the lines that `nm` prints.
-QStringList symbols(const QStringList &options)
+// The dynamic symbols of a library.
+QStringList symbols(const QString &file, const QStringList &options)
 {
-    QStringList names;
-    const QStringList lines = linesOf(text("nm"), options + QStringList{pluginFile});
-    for (const QString &line : lines)
-        names.append(line.mid(19));
+    QStringList names = linesOf(text("nm"), QStringList{text("--dynamic"), text("--just-symbols"),
+                                                        text("--without-symbol-versions"), file}
+                                                + options);
     names.sort();
     return names;
 }
@@ -49,6 +51,7 @@ private Q_SLOTS:
     void metaData();
     void exports();
     void importsFromTheHost();
+    void importsAsLinked();
     void neededLibraries_data();
     void neededLibraries();
     void staysMapped();
@@ -69,13 +72,14 @@ void tst_Plugin::metaData()
 
 void tst_Plugin::exports()
 {
-    QCOMPARE(symbols({text("-D"), text("--defined-only")}),
+    QCOMPARE(symbols(pluginFile, {text("--defined-only")}),
              (QStringList{text("qt_plugin_instance"), text("qt_plugin_query_metadata")}));
 }
 
 void tst_Plugin::importsFromTheHost()
 {
-    const QStringList imported = symbols({text("-D"), text("-C"), text("--undefined-only")});
+    const QStringList imported
+        = symbols(pluginFile, {text("--demangle"), text("--undefined-only")});
     QCOMPARE(imported.filter(text("PluginInterface")),
              (QStringList{
                  text("PluginInterface::PluginInterface()"),
@@ -92,6 +96,21 @@ void tst_Plugin::importsFromTheHost()
     const QRegularExpression otherRecords(text(
         "HostBackend|VELInterface|DatabaseColumnStructure::|InstancePlugin::|LogList|DataItem"));
     QCOMPARE(imported.filter(otherRecords), QStringList());
+}
+
+// A changed argument changes the name that the host's library must have.
+void tst_Plugin::importsAsLinked()
+{
+    QFile file(text(IMPORTS_FILE));
+    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
+    const QStringList expected
+        = QString::fromLatin1(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+
+    const QStringList imported = symbols(pluginFile, {text("--undefined-only")});
+    QStringList fromHost = symbols(text(VEL_LIBRARY_FILE), {text("--defined-only")});
+    const auto notImported = [&imported](const QString &name) { return !imported.contains(name); };
+    fromHost.erase(std::remove_if(fromHost.begin(), fromHost.end(), notImported), fromHost.end());
+    QCOMPARE(fromHost, expected);
 }
 
 void tst_Plugin::neededLibraries_data()
