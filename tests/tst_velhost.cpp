@@ -191,21 +191,21 @@ Cycle  Time                           Device  Item     Value  Error
         "");
     row("device error", "read|--plugin|%PLUGIN%|--plant|plant.json", pressPlant("read-error"), 1,
         R"(Cycle  Time                           Device  Item     Value    Error
-1                                     Press                     no answer from 10.0.0.1
+1      T  Press                     no answer from 10.0.0.1
 1      2024-02-29T12:34:56.789+05:30  Press   Counter  1 (old)
 1      2024-02-29T12:34:56.789+05:30  Press   Mode     0 (old)
 )",
         "");
     row("device error, json", "read|--plugin|%PLUGIN%|--plant|plant.json|--format|json",
         pressPlant("read-error"), 1,
-        R"({"type":"device","cycle":1,"device":"Press","error":"no answer from 10.0.0.1"}
+        R"({"type":"device","cycle":1,"time":"T","device":"Press","error":"no answer from 10.0.0.1"}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"1","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
 )",
         "");
     row("read returns false", "read|--plugin|%PLUGIN%|--plant|plant.json|--format|json",
         pressPlant("read-false"), 1,
-        R"({"type":"device","cycle":1,"device":"Press","error":"readData() returned false"}
+        R"({"type":"device","cycle":1,"time":"T","device":"Press","error":"readData() returned false"}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"1","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
 )",
@@ -217,11 +217,11 @@ Cycle  Time                           Device  Item     Value  Error
 {"type":"log","level":"debug","text":"init: Counter {answers=7|!no answer editable= flagged= memory_type=1}"}
 {"type":"log","level":"debug","text":"init: Mode {answers=0 flagged= memory_type=0}"}
 {"type":"log","level":"debug","text":"read: Press error \"\" of 2 items: Press/Counter=\"\" error \"\", Press/Mode=\"\" error \"\""}
-{"type":"device","cycle":1,"device":"Press","error":"no answer from 10.0.0.1"}
+{"type":"device","cycle":1,"time":"T","device":"Press","error":"no answer from 10.0.0.1"}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"7","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
 {"type":"log","level":"debug","text":"read: Press error \"\" of 2 items: Press/Counter=\"7\" error \"\", Press/Mode=\"0\" error \"\""}
-{"type":"device","cycle":2,"device":"Press","error":"no answer from 10.0.0.1"}
+{"type":"device","cycle":2,"time":"T","device":"Press","error":"no answer from 10.0.0.1"}
 {"type":"value","cycle":2,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"7","error":"no answer"}
 {"type":"value","cycle":2,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
 {"type":"log","level":"debug","text":"stop: Press"}
@@ -271,7 +271,7 @@ Cycle  Time                           Device  Item     Value  Error
         "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=refused",
         pressPlant(""), 1,
         R"(Cycle  Time                           Device  Item     Value    Error
-1                                     Press                     write failed: 1 entry in the error log
+1      T  Press                     write failed: 1 entry in the error log
 1      2024-02-29T12:34:56.789+05:30  Press   Counter  refused
 )",
         "log error: Counter: value refused\n");
@@ -281,7 +281,7 @@ Cycle  Time                           Device  Item     Value  Error
         pressPlant("write-false"), 1,
         R"({"type":"log","level":"error","text":"Counter: value refused"}
 {"type":"log","level":"error","text":"Mode: value refused"}
-{"type":"device","cycle":1,"device":"Press","error":"write failed: 2 entries in the error log"}
+{"type":"device","cycle":1,"time":"T","device":"Press","error":"write failed: 2 entries in the error log"}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"refused","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"refused","error":""}
 )",
@@ -289,7 +289,7 @@ Cycle  Time                           Device  Item     Value  Error
     row("write returns false",
         "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|Press/Mode=1|--format|json",
         pressPlant("write-false"), 1,
-        R"({"type":"device","cycle":1,"device":"Press","error":"writeData() returned false"}
+        R"({"type":"device","cycle":1,"time":"T","device":"Press","error":"writeData() returned false"}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"1","error":""}
 )",
         "");
@@ -315,7 +315,7 @@ void tst_Velhost::runs()
 
     const ProgramRun run = runPlant(arguments, plant);
     QCOMPARE(run.errors, errors);
-    QCOMPARE(run.output, output);
+    QCOMPARE(withoutCurrentTimes(run.output), output);
     QCOMPARE(run.exitCode, exitCode);
 }
 

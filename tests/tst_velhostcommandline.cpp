@@ -32,6 +32,8 @@ private Q_SLOTS:
     void cycleLimits();
     void intervalLimits_data();
     void intervalLimits();
+    void forLimits_data();
+    void forLimits();
     void rttLimits_data();
     void rttLimits();
     void errors_data();
@@ -159,6 +161,8 @@ void tst_VelhostCommandLine::commands_data()
     row("velhost|write|A/b=1|--plant|p|A/c=-2", Command::Write, words("A/b=1|A/c=-2"));
     row("velhost|check|--plant|p", Command::Check, {});
     row("velhost|check|p", Command::Check, {});
+    row("velhost|watch|p", Command::Watch, {});
+    row("velhost|watch|--plant|p|--only-changes|--format|csv", Command::Watch, {});
     row("velhost|read|p|--cycles|2", Command::Read, {});
     row("velhost|--rtt|1|plan|p|--write|A/b=1", Command::Plan, words("A/b=1"));
     row("velhost|plan|--plant|p", Command::Plan, {});
@@ -242,6 +246,44 @@ void tst_VelhostCommandLine::intervalLimits()
     QCOMPARE(error, interval >= 0 ? QString() : refused);
 }
 
+void tst_VelhostCommandLine::forLimits_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("seconds");
+    QTest::addColumn<QString>("error");
+
+    const QString limits
+        = QStringLiteral("--for needs a whole number from 1 to 1000000000, not \"%1\"");
+    const auto good = [](const char *text, int seconds) {
+        QTest::newRow(text) << QString::fromLatin1(text) << seconds << QString();
+    };
+    const auto bad = [&limits](const char *text) {
+        QTest::newRow(text) << QString::fromLatin1(text) << 0
+                            << limits.arg(QString::fromLatin1(text));
+    };
+    bad("0");
+    good("1", 1);
+    good("2", 2);
+    good("999999999", 999999999);
+    good("1000000000", 1000000000);
+    bad("1000000001");
+    bad("0.5");
+    bad("1s");
+}
+
+void tst_VelhostCommandLine::forLimits()
+{
+    QFETCH(QString, text);
+    QFETCH(int, seconds);
+    QFETCH(QString, error);
+
+    QString found;
+    const auto line = parseCommandLine(words("velhost|watch|p|--for") + QStringList(text), &found);
+    QCOMPARE(found, error);
+    QCOMPARE(line.has_value(), error.isEmpty());
+    QCOMPARE(line.value_or(CommandLine()).forSeconds, seconds);
+}
+
 void tst_VelhostCommandLine::rttLimits_data()
 {
     QTest::addColumn<QString>("text");
@@ -276,10 +318,11 @@ void tst_VelhostCommandLine::errors_data()
     const auto row = [](const char *text, const char *error) {
         QTest::newRow(text) << words(text) << QString::fromUtf8(error);
     };
-    row("velhost", "no command given; use columns, read, write, plan, check or explain");
+    row("velhost", "no command given; use columns, read, watch, write, plan, check or explain");
     row("velhost|raed",
-        "unknown command \"raed\"; use columns, read, write, plan, check or explain");
-    row("velhost|", "unknown command \"\"; use columns, read, write, plan, check or explain");
+        "unknown command \"raed\"; use columns, read, watch, write, plan, check or explain");
+    row("velhost|",
+        "unknown command \"\"; use columns, read, watch, write, plan, check or explain");
     row("velhost|columns|read", "columns takes no argument \"read\"");
     row("velhost|read|--plant|p|Press", "read takes no argument \"Press\"");
     row("velhost|read|p|Press", "read takes no argument \"Press\"");
@@ -287,6 +330,9 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|read|", "read needs a plant file: read PLANT");
     row("velhost|write|A/b=1", "write needs a plant file: --plant FILE");
     row("velhost|write|--plant|p", "write needs at least one DEVICE/ITEM=VALUE");
+    row("velhost|watch", "watch needs a plant file: watch PLANT");
+    row("velhost|watch|p|--cycles|1", "watch has no use for --cycles");
+    row("velhost|read|p|--for|1", "read has no use for --for");
     row("velhost|columns|--cycles|1", "columns has no use for --cycles");
     row("velhost|columns|--interval|1", "columns has no use for --interval");
     row("velhost|write|A/b=1|--plant|p|--cycles|1", "write has no use for --cycles");

@@ -141,7 +141,7 @@ void tst_VelhostKeyence::failedWrite()
         text(
             R"json({"type":"log","level":"error","text":"[write data] item error from <Counter> :value out of range"}
 {"type":"log","level":"error","text":"[WR QQ1 0001\r] <Wrong> :invalid address"}
-{"type":"device","cycle":1,"device":"Press","error":"write failed: 2 entries in the error log"}
+{"type":"device","cycle":1,"time":"T","device":"Press","error":"write failed: 2 entries in the error log"}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Counter","value":"32768","error":""}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Wrong","value":"1","error":""}
 )json"));
@@ -161,7 +161,7 @@ void tst_VelhostKeyence::notConnected()
     const ProgramRun result = run({text("read")}, plantAt(port));
     QCOMPARE(withoutTimes(result.output),
              text(R"json({"type":"log","level":"error","text":"Not connected to PLC"}
-{"type":"device","cycle":1,"device":"Press","error":"Not connected to PLC"}
+{"type":"device","cycle":1,"time":"T","device":"Press","error":"Not connected to PLC"}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Running","value":"","error":""}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Counter","value":"","error":""}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Total","value":"","error":""}

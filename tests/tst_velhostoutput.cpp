@@ -26,6 +26,7 @@ QList<DeviceReport> twoDevices()
                      QStringLiteral("no\nanswer"), true}};
     DeviceReport oven;
     oven.cycle = 12;
+    oven.time = someTime();
     oven.device = QStringLiteral("Oven 2");
     oven.error = QStringLiteral("not connected");
     oven.values = {{someTime(), QStringLiteral("Heat"), {}, {}, false}};
@@ -171,7 +172,7 @@ void tst_VelhostOutput::cycleAsTable()
             "Cycle  Time                           Device  Item     Value        Error\n"
             "12     2024-02-29T12:34:56.007-03:30  Press   Counter  -1\n"
             "12     2024-02-29T12:34:56.007-03:30  Press   M        \"\\\\\\r (old)  no\\nanswer\n"
-            "12                                    Oven 2                        not connected\n"
+            "12     2024-02-29T12:34:56.007-03:30  Oven 2                        not connected\n"
             "12     2024-02-29T12:34:56.007-03:30  Oven 2  Heat\n"));
 }
 
@@ -184,7 +185,7 @@ void tst_VelhostOutput::cycleAsJson()
             "\n"
             R"({"type":"value","cycle":12,"time":"2024-02-29T12:34:56.007-03:30","device":"Press","item":"M","value":"\"\\\r","error":"no\nanswer"})"
             "\n"
-            R"({"type":"device","cycle":12,"device":"Oven 2","error":"not connected"})"
+            R"({"type":"device","cycle":12,"time":"2024-02-29T12:34:56.007-03:30","device":"Oven 2","error":"not connected"})"
             "\n"
             R"({"type":"value","cycle":12,"time":"2024-02-29T12:34:56.007-03:30","device":"Oven 2","item":"Heat","value":"","error":""})"
             "\n"));

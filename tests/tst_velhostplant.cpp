@@ -72,7 +72,8 @@ void tst_VelhostPlant::everyField()
         R"({"networkInterfaces": ["eth0", "wlan0"],
             "devices": [{"id": 7, "name": "Press", "ip": "10.0.0.1",
                          "parameters": {"port": "8501", "timeout": null},
-                         "items": [{"name": "Counter", "parameters": {"data_type": "Short"}},
+                         "items": [{"name": "Counter", "parameters": {"data_type": "Short"},
+                                    "expect": "7"},
                                    {"name": "Täller\u0000", "parameters": {}}]},
                         {"id": 8, "name": "Oven", "ip": "", "items": []}]})",
         QStringLiteral("p.json"), &errors);
@@ -93,6 +94,8 @@ void tst_VelhostPlant::everyField()
     QCOMPARE(press.items.at(0).name, QStringLiteral("Counter"));
     QCOMPARE(press.items.at(0).parameters.value(QStringLiteral("data_type")).value_or(QString()),
              QStringLiteral("Short"));
+    QCOMPARE(press.items.at(0).expect.value_or(QString()), QStringLiteral("7"));
+    QCOMPARE(press.items.at(1).expect.has_value(), false);
     const QString withZero = QStringLiteral(u"Täller") + QChar(0);
     QCOMPARE(press.items.at(1).name, withZero);
     QCOMPARE(plant->devices.at(1).id, 8);
@@ -185,7 +188,9 @@ void tst_VelhostPlant::errors_data()
     row("item no object", withItems("[null]"),
         "p.json: devices[0].items[0]: expected an object, found null");
     row("unknown key in an item", withItems(R"([{"name": "A", "address": "D1"}])"),
-        "p.json: devices[0].items[0].address: unknown key; known here: name, parameters");
+        "p.json: devices[0].items[0].address: unknown key; known here: name, parameters, expect");
+    row("expected value a number", withItems(R"([{"name": "A", "expect": 7}])"),
+        "p.json: devices[0].items[0].expect: expected a text, found a number");
     row("item name a flag", withItems(R"([{"name": "A"}, {"name": "B"}, {"name": true}])"),
         "p.json: devices[0].items[2].name: expected a text, found true or false");
     row("item name twice", withItems(R"([{"name": "A"}, {"name": "B"}, {"name": "B"}])"),

@@ -40,6 +40,14 @@ inline ProgramRun runProgram(const QString &program, const QStringList &argument
             QString::fromUtf8(process.readAllStandardError())};
 }
 
+/// The lines with every time but those of 2024, which a plant gives, replaced by "T".
+inline QString withoutCurrentTimes(QString lines)
+{
+    static const QRegularExpression time(
+        QStringLiteral("(?!2024)[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:.]{12}[+-][0-9]{2}:[0-9]{2}"));
+    return lines.replace(time, QStringLiteral("T"));
+}
+
 /// The lines with every time replaced by "T".
 inline QString withoutTimes(QString lines)
 {

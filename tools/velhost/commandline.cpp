@@ -9,6 +9,7 @@ namespace {
 
 constexpr int maximumCycles = 1'000'000'000;
 constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
+constexpr int maximumForSeconds = 1'000'000'000;
 constexpr int maximumRttMs = 60 * 1000;
 
 /// What a command takes besides options.
@@ -36,6 +37,11 @@ const QVector<CommandDescription> &commands()
          Command::Read,
          Arguments::Plant,
          {QStringLiteral("cycles"), QStringLiteral("interval"), QStringLiteral("only-changes")},
+         {table, json, csv}},
+        {QStringLiteral("watch"),
+         Command::Watch,
+         Arguments::Plant,
+         {QStringLiteral("for"), QStringLiteral("interval"), QStringLiteral("only-changes")},
          {table, json, csv}},
         {QStringLiteral("write"),
          Command::Write,
@@ -70,7 +76,7 @@ void addOptions(QCommandLineParser *parser)
     for (const char *const flag : {"only-changes", "yes", "no-verify"})
         parser->addOption(QCommandLineOption(QString::fromLatin1(flag)));
     for (const char *const option :
-         {"plugin", "plant", "format", "cycles", "interval", "write", "rtt"})
+         {"plugin", "plant", "format", "cycles", "interval", "for", "write", "rtt"})
         parser->addOption({QString::fromLatin1(option), QString(), QStringLiteral("value")});
 }
 
@@ -231,6 +237,8 @@ std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QStrin
         = takeNumber(parser, QStringLiteral("cycles"), 1, maximumCycles, &result.cycles, error)
           && takeNumber(parser, QStringLiteral("interval"), 0, maximumIntervalMs,
                         &result.intervalMs, error)
+          && takeNumber(parser, QStringLiteral("for"), 1, maximumForSeconds, &result.forSeconds,
+                        error)
           && takeNumber(parser, QStringLiteral("rtt"), 0, maximumRttMs, &result.rttMs, error);
     return taken ? std::optional(result) : std::nullopt;
 }

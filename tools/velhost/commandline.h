@@ -8,7 +8,7 @@
 #include <optional>
 
 /// What the program is to do.
-enum class Command { Help, Version, Columns, Read, Write, Plan, Check, Explain };
+enum class Command { Help, Version, Columns, Read, Watch, Write, Plan, Check, Explain };
 
 /// The program's arguments, checked.
 struct CommandLine
@@ -23,7 +23,9 @@ struct CommandLine
     int cycles = 1;
     /// Milliseconds from the start of one cycle to the start of the next, 0 or more.
     int intervalMs = 1000;
-    /// `read` prints an item only when it differs from what was printed last.
+    /// Seconds after which `watch` ends; 0: it goes on.
+    int forSeconds = 0;
+    /// `read` and `watch` print an item only when it differs from what was printed last.
     bool onlyChanges = false;
     /// What `plan` takes an exchange to last at best, in milliseconds, 0 or more.
     int rttMs = 1;

@@ -38,7 +38,8 @@ QString cycleCsv(const QList<DeviceReport> &devices)
     for (const DeviceReport &device : devices) {
         const QString cycle = QString::number(device.cycle);
         if (device.hasOwnLine())
-            records += csvRecord({cycle, {}, device.device, {}, {}, {}, device.error});
+            records += csvRecord(
+                {cycle, timeText(device.time), device.device, {}, {}, {}, device.error});
         for (const ItemReport &item : device.values) {
             const QString isOld = item.isOld ? QStringLiteral("old") : QString();
             records += csvRecord({cycle, timeText(item.time), device.device, item.item, item.value,

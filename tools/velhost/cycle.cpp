@@ -1,6 +1,7 @@
 #include "cycle.h"
 
 #include <QDateTime>
+#include <QElapsedTimer>
 
 #include <algorithm>
 
@@ -34,10 +35,11 @@ void beginCycle(LogList *list)
     }
 }
 
-DeviceReport report(const LogList &list, int cycle)
+DeviceReport report(const LogList &list, qint64 cycle)
 {
     const QDateTime now = QDateTime::currentDateTime();
     DeviceReport report;
+    report.time = now;
     report.cycle = cycle;
     report.device = list.name;
     report.error = list.lastError;
@@ -79,11 +81,15 @@ QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
     return lists;
 }
 
-DeviceReport readDevice(VELInterface *plugin, LogList *list, int cycle)
+DeviceReport readDevice(VELInterface *plugin, LogList *list, qint64 cycle)
 {
     beginCycle(list);
+    QElapsedTimer sinceCall;
+    sinceCall.start();
     const bool done = plugin->readData(list);
+    const qint64 nanoseconds = sinceCall.nsecsElapsed();
     DeviceReport result = report(*list, cycle);
+    result.microseconds = nanoseconds / 1000;
     if (!done && result.error.isEmpty())
         result.error = QStringLiteral("readData() returned false");
     // A plug-in that gets no answer from the device need not set an error on each of its items.
@@ -94,7 +100,7 @@ DeviceReport readDevice(VELInterface *plugin, LogList *list, int cycle)
     return result;
 }
 
-DeviceReport writeDevice(VELInterface *plugin, LogList *list, int cycle, const Host &host)
+DeviceReport writeDevice(VELInterface *plugin, LogList *list, qint64 cycle, const Host &host)
 {
     beginCycle(list);
     const int errorsBefore = host.errorCount();

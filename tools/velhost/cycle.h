@@ -20,9 +20,9 @@ QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
 /// Clears the errors of the last cycle, lets the plug-in read the list and reports what it left
 /// there. The items keep the values of the last cycle until the plug-in replaces them. The device
 /// has an error when the plug-in set one or readData() returned false.
-DeviceReport readDevice(VELInterface *plugin, LogList *list, int cycle);
+DeviceReport readDevice(VELInterface *plugin, LogList *list, qint64 cycle);
 
 /// Lets the plug-in write the list, as readDevice() does. A plug-in has no other way to tell of a
 /// refused value than the host's error log, so an entry there during the call is an error of the
 /// device, too.
-DeviceReport writeDevice(VELInterface *plugin, LogList *list, int cycle, const Host &host);
+DeviceReport writeDevice(VELInterface *plugin, LogList *list, qint64 cycle, const Host &host);

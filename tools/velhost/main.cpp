@@ -4,11 +4,13 @@
 #include "explaincommand.h"
 #include "host.h"
 #include "job.h"
+#include "logoutput.h"
 #include "output.h"
 #include "plancommand.h"
 #include "planhost.h"
 #include "pluginfile.h"
 #include "readcommand.h"
+#include "watchcommand.h"
 #include "writecommand.h"
 
 #include <QCoreApplication>
@@ -23,7 +25,7 @@ namespace {
 
 /// What comes between init() and stopPlugin(). The recorder is there for `plan` alone.
 ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host, bool initDone,
-                    Recorder *recorder)
+                    LogOutput *log, Recorder *recorder)
 {
     const std::optional<PluginRegistration> &registration = host.registration();
     if (!registration) {
@@ -46,6 +48,8 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
         break;
     case Command::Read:
         return runRead(loaded.plugin, devices, job.commandLine);
+    case Command::Watch:
+        return runWatch(loaded.plugin, devices, job, *registration, log);
     case Command::Write:
         return runWrite(loaded.plugin, devices, job, host);
     case Command::Plan:
@@ -61,15 +65,12 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
 }
 
 /// With a recorder, the host that keeps the plug-in off the plant's network.
-std::unique_ptr<Host> makeHost(const Job &job, const Recorder *recorder)
+std::unique_ptr<Host> makeHost(const Job &job, LogOutput *log, const Recorder *recorder)
 {
-    const OutputFormat format = job.commandLine.format;
-    const auto log = [format](const LogEntry &entry) {
-        print(format == OutputFormat::Json ? stdout : stderr, logText(format, entry));
-    };
+    const auto addEntry = [log](const LogEntry &entry) { log->add(entry); };
     if (recorder != nullptr)
-        return std::make_unique<PlanHost>(job.plant, recorder->port(), log);
-    return std::make_unique<Host>(job.plant, log);
+        return std::make_unique<PlanHost>(job.plant, recorder->port(), addEntry);
+    return std::make_unique<Host>(job.plant, addEntry);
 }
 
 ExitCode runJob(const Job &job)
@@ -91,10 +92,13 @@ ExitCode runJob(const Job &job)
             return ErrorFound;
         }
     }
-    const std::unique_ptr<Host> host = makeHost(job, recorder.get());
+    LogOutput log(job.commandLine.format);
+    const std::unique_ptr<Host> host = makeHost(job, &log, recorder.get());
     const bool initDone = loaded->plugin->init();
-    ExitCode result = runCommand(job, *loaded, *host, initDone, recorder.get());
-    if (!loaded->plugin->stopPlugin()) {
+    ExitCode result = runCommand(job, *loaded, *host, initDone, &log, recorder.get());
+    const bool isStopped = loaded->plugin->stopPlugin();
+    log.printOpenCount();
+    if (!isStopped) {
         complain(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
                      .arg(loaded->fileName));
         result = result == AllWell ? ErrorFound : result;

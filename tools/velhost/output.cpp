@@ -126,19 +126,20 @@ QString deviceJsonLines(const DeviceReport &device)
     if (device.hasOwnLine()) {
         lines += jsonObject({{key("type"), jsonText(key("device"))},
                              {key("cycle"), jsonText(device.cycle)},
+                             {key("time"), jsonText(timeText(device.time))},
                              {key("device"), jsonText(device.device)},
                              {key("error"), jsonText(device.error)}})
                  + u'\n';
     }
     for (const ItemReport &item : device.values) {
-        lines += jsonObject({{key("type"), jsonText(key("value"))},
-                             {key("cycle"), jsonText(device.cycle)},
-                             {key("time"), jsonText(timeText(item.time))},
-                             {key("device"), jsonText(device.device)},
-                             {key("item"), jsonText(item.item)},
-                             {key("value"), jsonText(item.value)},
-                             {key("error"), jsonText(item.error)}})
-                 + u'\n';
+        QList<JsonMember> members{
+            {key("type"), jsonText(key("value"))},        {key("cycle"), jsonText(device.cycle)},
+            {key("time"), jsonText(timeText(item.time))}, {key("device"), jsonText(device.device)},
+            {key("item"), jsonText(item.item)},           {key("value"), jsonText(item.value)},
+            {key("error"), jsonText(item.error)}};
+        if (item.expected)
+            members.append({key("expected"), jsonText(*item.expected)});
+        lines += jsonObject(members) + u'\n';
     }
     return lines;
 }
@@ -147,16 +148,11 @@ void appendDeviceRows(const DeviceReport &device, QList<QStringList> *rows)
 {
     const QString cycle = QString::number(device.cycle);
     const QString name = visible(device.device);
-    const QString ended = QStringLiteral("no error any more");
     if (device.hasOwnLine())
-        rows->append({cycle, {}, name, {}, {}, device.errorEnded ? ended : visible(device.error)});
-    for (const ItemReport &item : device.values) {
-        QString value = visible(item.value);
-        if (item.isOld)
-            value += u" (old)";
-        rows->append(
-            {cycle, timeText(item.time), name, visible(item.item), value, visible(item.error)});
-    }
+        rows->append({cycle, timeText(device.time), name, {}, {}, visible(deviceNews(device))});
+    for (const ItemReport &item : device.values)
+        rows->append({cycle, timeText(item.time), name, visible(item.item), valueText(item),
+                      visible(item.error)});
 }
 
 QString cycleTable(const QList<DeviceReport> &devices)
@@ -225,6 +221,19 @@ QString cycleText(OutputFormat format, const QList<DeviceReport> &devices)
     for (const DeviceReport &device : devices)
         lines += deviceJsonLines(device);
     return lines;
+}
+
+QString valueText(const ItemReport &item)
+{
+    QString text = visible(item.value);
+    if (item.isOld)
+        text += u" (old)";
+    return text;
+}
+
+QString deviceNews(const DeviceReport &device)
+{
+    return device.errorEnded ? QStringLiteral("no error any more") : device.error;
 }
 
 QString logText(OutputFormat format, const LogEntry &entry)

@@ -169,9 +169,13 @@ PlantItem readItem(const QJsonValue &value, const QString &place, QList<Problem>
         return {};
     const QString name = QStringLiteral("name");
     const QString parameters = QStringLiteral("parameters");
-    checkKeys(object, {name, parameters}, place, errors);
-    return {readName(object.value(name), member(place, name), errors),
-            readParameters(object.value(parameters), member(place, parameters), errors)};
+    const QString expect = QStringLiteral("expect");
+    checkKeys(object, {name, parameters, expect}, place, errors);
+    PlantItem item{readName(object.value(name), member(place, name), errors),
+                   readParameters(object.value(parameters), member(place, parameters), errors)};
+    if (object.contains(expect))
+        item.expect = readText(object.value(expect), member(place, expect), errors);
+    return item;
 }
 
 QList<PlantItem> readItems(const QJsonValue &value, const QString &place, QList<Problem> *errors)

@@ -20,6 +20,8 @@ struct PlantItem
     /// Not empty and unique within the device.
     QString name;
     ParameterTexts parameters;
+    /// The value that the item should have; nothing when none is known.
+    std::optional<QString> expect = {};
 };
 
 /// One device.

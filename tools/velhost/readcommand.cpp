@@ -1,8 +1,7 @@
 #include "readcommand.h"
 
-#include "changes.h"
-#include "csv.h"
 #include "cycle.h"
+#include "cycleprinter.h"
 #include "stopsignals.h"
 
 #include <QElapsedTimer>
@@ -17,42 +16,13 @@ bool hasError(const QList<DeviceReport> &devices)
                        [](const DeviceReport &device) { return device.hasError(); });
 }
 
-/// Prints cycles one after the other, as the command line wants them.
-class CyclePrinter
-{
-public:
-    explicit CyclePrinter(const CommandLine &commandLine)
-        : m_format(commandLine.format), m_onlyChanges(commandLine.onlyChanges)
-    {
-        if (m_format == OutputFormat::Csv)
-            print(stdout, cycleCsvHeader());
-    }
-
-    void printCycle(const QList<DeviceReport> &devices)
-    {
-        QString text = cycleText(m_format, m_onlyChanges ? m_changes.take(devices) : devices);
-        if (text.isEmpty())
-            return;
-        if (m_format == OutputFormat::Table && !m_isFirst)
-            text.prepend(u'\n');
-        m_isFirst = false;
-        print(stdout, text);
-    }
-
-private:
-    OutputFormat m_format;
-    bool m_onlyChanges;
-    bool m_isFirst = true;
-    Changes m_changes;
-};
-
 } // namespace
 
 ExitCode runRead(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices,
                  const CommandLine &commandLine)
 {
     StopSignals stopSignals;
-    CyclePrinter printer(commandLine);
+    CyclePrinter printer(commandLine, devices);
     QList<LogList> lists = readLists(devices);
     ExitCode result = AllWell;
     for (int cycle = 1; cycle <= commandLine.cycles; ++cycle) {

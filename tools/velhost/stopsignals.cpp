@@ -5,16 +5,12 @@
 #include <algorithm>
 #include <cerrno>
 
-namespace {
-
 bool isIgnored(int signal)
 {
     struct sigaction action = {};
     sigaction(signal, nullptr, &action);
     return action.sa_handler == SIG_IGN;
 }
-
-} // namespace
 
 StopSignals::StopSignals()
 {

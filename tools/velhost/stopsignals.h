@@ -4,6 +4,9 @@
 
 #include <csignal>
 
+/// Whether the program was started to ignore the signal, or does so by now.
+bool isIgnored(int signal);
+
 /// Keeps SIGINT and SIGTERM back from this thread and from those that it starts: the system holds
 /// one that arrives until the program asks for it. So no handler interrupts the plug-in's own
 /// waits, and nothing but an ordinary function decides what a signal does. A signal that the

@@ -1,10 +1,10 @@
 #include "table.h"
 
+#include "textwidth.h"
+
 #include <QVector>
 
 #include <algorithm>
-
-namespace {
 
 QVector<int> columnWidths(const QList<QStringList> &rows)
 {
@@ -12,12 +12,10 @@ QVector<int> columnWidths(const QList<QStringList> &rows)
     for (const QStringList &row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (int column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths.at(column), row.at(column).size());
+            widths[column] = std::max(widths.at(column), textWidth(row.at(column)));
     }
     return widths;
 }
-
-} // namespace
 
 QString tableText(const QList<QStringList> &rows)
 {
@@ -26,7 +24,7 @@ QString tableText(const QList<QStringList> &rows)
     for (const QStringList &row : rows) {
         QString line;
         for (int column = 0; column < row.size(); ++column)
-            line += row.at(column).leftJustified(widths.at(column) + 2);
+            line += paddedToWidth(row.at(column), widths.at(column) + 2);
         while (line.endsWith(u' '))
             line.chop(1);
         text += line + u'\n';

@@ -1,0 +1,357 @@
+#include "plantrun.h"
+#include "text.h"
+
+#include <kvsim/simulatorthread.h>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QtTest>
+
+#include <csignal>
+
+// `watch` away from a terminal: the built program, the real plug-in, a simulated controller.
+
+namespace {
+
+/// An item that is a signed word, with what else stands in the file.
+QByteArray item(const QByteArray &name, const QByteArray &address, const QByteArray &rest = "")
+{
+    return R"({"name": ")" + name + R"(", "parameters": {"memory_address": ")" + address
+           + R"(", "memory_type": "1", "data_type": "Short"})" + rest + '}';
+}
+
+QByteArray plantAt(int port, const QList<QByteArray> &items)
+{
+    return R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1", "parameters": {"port": ")"
+           + QByteArray::number(port) + R"(", "timeout": "2000"}, "items": [)" + items.join(',')
+           + "]}]}";
+}
+
+/// Runs the plant with the real plug-in.
+ProgramRun run(const char *arguments, const QByteArray &plant)
+{
+    const QStringList common{text("--plugin"), text(KEYENCE_PLUGIN_FILE)};
+    return runWithPlant(text(VELHOST_FILE), common + text(arguments).split(u' '), plant);
+}
+
+/// The summary's numbers of the only device, without the times.
+QStringList counts(const QString &errors)
+{
+    return errors.section(u'\n', -2, -2).split(u' ', Qt::SkipEmptyParts).mid(0, 6);
+}
+
+QList<QJsonObject> objects(const QString &lines)
+{
+    QList<QJsonObject> result;
+    const QStringList list = lines.split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &line : list)
+        result.append(QJsonDocument::fromJson(line.toUtf8()).object());
+    return result;
+}
+
+} // namespace
+
+class tst_VelhostWatch : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void endsByItself();
+    void printsChanges();
+    void countsErrors();
+    void expected_data();
+    void expected();
+    void json();
+    void csv();
+    void readsAreCollapsed();
+    void jsonKeepsAllEntries();
+    void lostConnection();
+    void signalEnds_data();
+    void signalEnds();
+    void stops();
+    void outputIsLost();
+};
+
+// Long before the second cycle, but not before the time is over.
+void tst_VelhostWatch::endsByItself()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 7));
+    QElapsedTimer sinceStart;
+    sinceStart.start();
+    const ProgramRun result = run("watch plant.json --for 1 --interval 86400000",
+                                  plantAt(controller.port(), {item("Counter", "DM1")}));
+    QVERIFY(sinceStart.elapsed() >= 1000);
+    QCOMPARE(withoutTimes(result.output),
+             text("Time                           Device  Item     Value       Error\n"
+                  "T  Press   Counter  7\n"));
+    QCOMPARE(result.errors.section(u'\n', 0, 0),
+             text("Device  Cycles  Failed  Reads  Errors  Wrong  p50 ms  p99 ms  Max ms"));
+    QCOMPARE(counts(result.errors), text("Press 1 0 1 0 0").split(u' '));
+    QCOMPARE(result.exitCode, 0);
+}
+
+// A line for each change and none between; the value changes as soon as the line before is there.
+void tst_VelhostWatch::printsChanges()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 0));
+    QTemporaryDir folder;
+    QFile file(folder.filePath(text("plant.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(plantAt(controller.port(), {item("Counter", "DM1"), item("Constant", "DM2")}));
+    file.close();
+    QProcess process;
+    process.setProcessEnvironment(plainEnvironment());
+    process.start(text(VELHOST_FILE), {text("watch"), file.fileName(), text("--plugin"),
+                                       text(KEYENCE_PLUGIN_FILE), text("--interval"), text("5")});
+    QString output;
+    for (int value = 1; value <= 3; ++value) {
+        const int lines = value + 2;
+        while (output.count(u'\n') < lines && process.waitForReadyRead(10000))
+            output += QString::fromUtf8(process.readAllStandardOutput());
+        QCOMPARE(output.count(u'\n'), lines);
+        QVERIFY(controller.setWord("DM1", value));
+    }
+    while (output.count(u'\n') < 6 && process.waitForReadyRead(10000))
+        output += QString::fromUtf8(process.readAllStandardOutput());
+    QCOMPARE(withoutTimes(output),
+             text("Time                           Device  Item      Value       Error\n"
+                  "T  Press   Counter   0\n"
+                  "T  Press   Constant  2\n"
+                  "T  Press   Counter   1\n"
+                  "T  Press   Counter   2\n"
+                  "T  Press   Counter   3\n"));
+    process.terminate();
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitCode(), 143);
+}
+
+void tst_VelhostWatch::countsErrors()
+{
+    kvsim::SimulatorThread controller;
+    QCOMPARE(controller.addFault("refuse=E1@DM1@every=2"), QString());
+    const ProgramRun result
+        = run("watch plant.json --for 1 --interval 20",
+              plantAt(controller.port(), {item("Counter", "DM1"), item("Constant", "DM2")}));
+    const quint64 applied = controller.faultCounts().at(0).applied;
+    const quint64 cycles = controller.faultCounts().at(0).seen;
+    QVERIFY(applied > 1);
+    QCOMPARE(counts(result.errors),
+             text("Press %1 0 %2 %3 0").arg(cycles).arg(2 * cycles).arg(applied).split(u' '));
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_VelhostWatch::expected_data()
+{
+    QTest::addColumn<QByteArray>("rest");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("wrong");
+    QTest::addColumn<int>("exitCode");
+
+    const auto row = [](const char *title, const char *rest, const char *line, const char *wrong,
+                        int exitCode) {
+        QTest::newRow(title) << QByteArray(rest) << text(line) << text(wrong) << exitCode;
+    };
+    row("nothing", "", "T  Press   Counter  7", "0", 0);
+    row("the same text", R"(, "expect": "7")", "T  Press   Counter  7", "0", 0);
+    row("the same number", R"(, "expect": "007")", "T  Press   Counter  7", "0", 0);
+    row("another number", R"(, "expect": "8")", R"(T  Press   Counter  7           expected "8")",
+        "1", 1);
+    row("no value", R"(, "expect": "")", R"(T  Press   Counter  7           expected "")", "1", 1);
+    row("a control character", R"(, "expect": "\u001b")",
+        R"(T  Press   Counter  7           expected "\x1b")", "1", 1);
+}
+
+void tst_VelhostWatch::expected()
+{
+    QFETCH(QByteArray, rest);
+    QFETCH(QString, line);
+    QFETCH(QString, wrong);
+    QFETCH(int, exitCode);
+
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 7));
+    const ProgramRun result = run("watch plant.json --for 1 --interval 1000",
+                                  plantAt(controller.port(), {item("Counter", "DM1", rest)}));
+    QCOMPARE(withoutTimes(result.output).section(u'\n', 1, 1), line);
+    QCOMPARE(counts(result.errors),
+             QStringList(text("Press 1 0 1 0").split(u' ') + QStringList(wrong)));
+    QCOMPARE(result.exitCode, exitCode);
+}
+
+// What cannot be read is no wrong value.
+void tst_VelhostWatch::json()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 7));
+    const ProgramRun result
+        = run("watch plant.json --for 1 --interval 1000 --format json",
+              plantAt(controller.port(), {item("Counter", "DM1", R"(, "expect": "8")"),
+                                          item("Beyond", "DM70000", R"(, "expect": "8")")}));
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(
+        withoutTimes(result.output).section(u'\n', 0, 2),
+        text(R"json({"type":"log","level":"error","text":"[RD DM70000\r] <Beyond> :invalid address"}
+{"type":"value","cycle":1,"time":"T","device":"Press","item":"Counter","value":"7","error":"","expected":"8"}
+{"type":"value","cycle":1,"time":"T","device":"Press","item":"Beyond","value":"","error":"[RD DM70000\r] <Beyond> :invalid address"})json"));
+    const QList<QJsonObject> lines = objects(result.output);
+    QCOMPARE(lines.size(), 4);
+    for (const QJsonObject &line : lines)
+        QVERIFY(line.contains(text("type")));
+    QJsonObject summary = lines.last();
+    for (const char *const time : {"p50_ms", "p99_ms", "max_ms"})
+        QVERIFY(summary.take(text(time)).toDouble() > 0);
+    QCOMPARE(summary, (QJsonObject{{text("type"), text("summary")},
+                                   {text("device"), text("Press")},
+                                   {text("cycles"), 1},
+                                   {text("failed"), 0},
+                                   {text("reads"), 2},
+                                   {text("errors"), 1},
+                                   {text("wrong"), 1}}));
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_VelhostWatch::csv()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 7));
+    const ProgramRun result
+        = run("watch plant.json --for 1 --interval 300 --format csv --only-changes",
+              plantAt(controller.port(), {item("Counter", "DM1")}));
+    QCOMPARE(withoutTimes(result.output), text("cycle,time,device,item,value,old,error\r\n"
+                                               "1,T,Press,Counter,7,,\r\n"));
+    QVERIFY(counts(result.errors).value(1).toInt() > 1);
+    QCOMPARE(result.exitCode, 0);
+}
+
+void tst_VelhostWatch::readsAreCollapsed()
+{
+    kvsim::SimulatorThread controller;
+    const ProgramRun twoEntries
+        = run("read plant.json --cycles 2 --interval 0",
+              plantAt(controller.port(), {item("A", "DM70000"), item("B", "DM70001")}));
+    QCOMPARE(twoEntries.errors, text("log error: [RD DM70000\\r] <A> :invalid address\n"
+                                     "log error: [RD DM70001\\r] <B> :invalid address\n")
+                                    .repeated(2));
+    const ProgramRun oneEntry = run("read plant.json --cycles 3 --interval 0",
+                                    plantAt(controller.port(), {item("A", "DM70000")}));
+    QCOMPARE(oneEntry.errors, text("log error: [RD DM70000\\r] <A> :invalid address\n"
+                                   "log error: [RD DM70000\\r] <A> :invalid address (x 3)\n"));
+    QCOMPARE(oneEntry.output.count(text("invalid address")), 3);
+}
+
+void tst_VelhostWatch::jsonKeepsAllEntries()
+{
+    kvsim::SimulatorThread controller;
+    const ProgramRun result = run("read plant.json --cycles 3 --interval 0 --format json",
+                                  plantAt(controller.port(), {item("A", "DM70000")}));
+    QCOMPARE(result.output.count(text("\"type\":\"log\"")), 3);
+    QCOMPARE(result.errors, QString());
+}
+
+// The first line is that of the device itself; the count comes when another entry does.
+void tst_VelhostWatch::lostConnection()
+{
+    int port = 0;
+    {
+        const kvsim::SimulatorThread controller;
+        port = controller.port();
+    }
+    const ProgramRun result
+        = run("watch plant.json --for 1 --interval 100", plantAt(port, {item("Counter", "DM1")}));
+    QCOMPARE(withoutTimes(result.output).section(u'\n', 1),
+             text("T  Press                        Not connected to PLC\n"
+                  "T  Press   Counter\n"));
+    const QStringList count = counts(result.errors);
+    const int cycles = count.value(1).toInt();
+    QVERIFY(cycles > 1);
+    QCOMPARE(count, text("Press %1 %1 %1 %1 0").arg(cycles).split(u' '));
+    QCOMPARE(result.errors.section(u'\n', 0, 0), text("log error: Not connected to PLC"));
+    QCOMPARE(result.errors.section(u'\n', 1, 1),
+             text("log error: Not connected to PLC (x %1)").arg(cycles));
+    QCOMPARE(result.exitCode, 1);
+}
+
+void tst_VelhostWatch::signalEnds_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<int>("exitCode");
+
+    QTest::newRow("SIGINT") << SIGINT << 130;
+    QTest::newRow("SIGTERM") << SIGTERM << 143;
+}
+
+// A controller that sees its client go, a day before the next cycle.
+void tst_VelhostWatch::signalEnds()
+{
+    QFETCH(int, signal);
+    QFETCH(int, exitCode);
+
+    QTcpServer controller;
+    QVERIFY(controller.listen(QHostAddress(QHostAddress::LocalHost)));
+    QTemporaryDir folder;
+    QFile file(folder.filePath(text("plant.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(plantAt(controller.serverPort(), {item("Counter", "DM1")}));
+    file.close();
+    QProcess process;
+    process.setProcessEnvironment(plainEnvironment());
+    process.start(text(VELHOST_FILE),
+                  {text("watch"), text("--plant"), file.fileName(), text("--plugin"),
+                   text(KEYENCE_PLUGIN_FILE), text("--interval"), text("86400000")});
+    QVERIFY(controller.waitForNewConnection(10000));
+    QTcpSocket *const client = controller.nextPendingConnection();
+    QVERIFY(client->waitForReadyRead(10000));
+    QCOMPARE(client->readAll(), QByteArray("RD DM1\r"));
+    client->write("00007\r\n");
+    QByteArray output;
+    while (output.count('\n') < 2
+           && (client->bytesToWrite() > 0 ? client->waitForBytesWritten(10000)
+                                          : process.waitForReadyRead(10000)))
+        output += process.readAllStandardOutput();
+    QVERIFY2(output.endsWith("Press   Counter  7\n"), output.constData());
+    QCOMPARE(client->state(), QAbstractSocket::ConnectedState);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    QVERIFY(client->waitForDisconnected(10000));
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), exitCode);
+    QCOMPARE(counts(QString::fromUtf8(process.readAllStandardError())),
+             text("Press 1 0 1 0 0").split(u' '));
+}
+
+// The plug-in is stopped after the summary, whatever ends the watch.
+void tst_VelhostWatch::stops()
+{
+    const QByteArray plant = R"({"devices": [{"id": 1, "name": "A", "ip": "127.0.0.1",
+ "parameters": {"script": "trace,raise-int"}, "items": [{"name": "x"}]}]})";
+    const ProgramRun result = runWithPlant(
+        text(VELHOST_FILE),
+        {text("watch"), text("plant.json"), text("--plugin"), text(SCRIPTED_PLUGIN_FILE)}, plant);
+    QCOMPARE(result.errors.section(u'\n', -2), text("log debug: stop: A\n"));
+    QCOMPARE(counts(result.errors.section(u'\n', 0, -3) + u'\n'), text("A 1 0 1 0 0").split(u' '));
+    QCOMPARE(result.exitCode, 130);
+}
+
+// Nobody sees what would come.
+void tst_VelhostWatch::outputIsLost()
+{
+    const QByteArray plant
+        = R"({"devices": [{"id": 1, "name": "A", "ip": "127.0.0.1", "items": [{"name": "x"}]}]})";
+    const ProgramRun result = runWithPlant(
+        text("/bin/sh"),
+        {text("-c"), text(R"(exec "$0" watch plant.json --plugin "$1" --interval 10 >/dev/full)"),
+         text(VELHOST_FILE), text(SCRIPTED_PLUGIN_FILE)},
+        plant);
+    QCOMPARE(result.errors.section(u'\n', -2),
+             text("velhost: standard output could not be written\n"));
+    QCOMPARE(counts(result.errors.section(u'\n', 0, -3) + u'\n'), text("A 1 0 1 0 0").split(u' '));
+    QCOMPARE(result.exitCode, 1);
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostWatch)
+#include "tst_velhostwatch.moc"

@@ -1,0 +1,343 @@
+#include "programrun.h"
+#include "terminalrun.h"
+#include "text.h"
+
+#include <kvsim/simulatorthread.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+// `watch` on a terminal: what it draws, and how it leaves the terminal behind.
+
+namespace {
+
+const QByteArray enter = "\x1b[?1049h\x1b[?25l";
+const QByteArray leave = "\x1b[0m\x1b[?7h\x1b[?25h\x1b[?1049l";
+const QByteArray top = "\x1b[H\x1b[?7l";
+const QByteArray end = "\x1b[J\x1b[?7h";
+
+QProcessEnvironment terminalEnvironment()
+{
+    QProcessEnvironment environment = plainEnvironment();
+    environment.insert(text("TERM"), text("xterm"));
+    environment.remove(text("NO_COLOR"));
+    return environment;
+}
+
+/// The lines of the drawing that ends last, without what wipes the rest of a line.
+QList<QByteArray> lastDrawing(QByteArray output)
+{
+    output.truncate(output.lastIndexOf(end));
+    output.remove(0, output.lastIndexOf(top) + top.size());
+    return output.replace("\x1b[K\r", "").split('\n');
+}
+
+/// Everything that came when the terminal was given back.
+QByteArray afterLeaving(const QByteArray &output)
+{
+    return output.mid(output.lastIndexOf(leave) + leave.size());
+}
+
+} // namespace
+
+class tst_VelhostWatchTerminal : public QObject
+{
+    Q_OBJECT
+
+    /// The arguments that watch these items, each NAME=ADDRESS, of the controller.
+    QStringList arguments(const kvsim::SimulatorThread &controller, const QStringList &items,
+                          const char *interval = "20");
+
+    QTemporaryDir m_folder;
+
+private Q_SLOTS:
+    void redraws();
+    void colour_data();
+    void colour();
+    void wrongValue();
+    void smallWindow();
+    void windowChanges();
+    void ages();
+    void logBelow();
+    void controlCharacters();
+    void ends_data();
+    void ends();
+    void stoppedAndContinued();
+    void lines_data();
+    void lines();
+};
+
+QStringList tst_VelhostWatchTerminal::arguments(const kvsim::SimulatorThread &controller,
+                                                const QStringList &items, const char *interval)
+{
+    QStringList texts;
+    for (const QString &item : items)
+        texts.append(text(R"({"name": "%1", "expect": "5", "parameters": {"memory_address": "%2",
+ "memory_type": "1", "data_type": "Short"}})")
+                         .arg(item.section(u'=', 0, 0), item.section(u'=', 1)));
+    QFile file(m_folder.filePath(text("plant.json")));
+    if (!file.open(QIODevice::WriteOnly))
+        return {};
+    file.write(text(R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1",
+ "parameters": {"port": "%1"}, "items": [%2]}]})")
+                   .arg(controller.port())
+                   .arg(texts.join(u','))
+                   .toUtf8());
+    return {text("watch"),  file.fileName(),  text("--interval"),
+            text(interval), text("--plugin"), text(KEYENCE_PLUGIN_FILE)};
+}
+
+void tst_VelhostWatchTerminal::redraws()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 5));
+    TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}), 24, 100,
+                      terminalEnvironment());
+    QVERIFY(watch.waitFor(enter + top + "velhost watch, cycle 1, "));
+    QVERIFY(watch.waitFor("Press   Counter  5      0 s         0        0       "));
+    QVERIFY(watch.waitFor(end + top + "velhost watch, cycle "));
+    QVERIFY(watch.waitFor(end));
+    QCOMPARE(watch.output().count(enter), 1);
+    const QList<QByteArray> lines = lastDrawing(watch.output());
+    QCOMPARE(lines.size(), 4);
+    QCOMPARE(lines.at(1).trimmed(),
+             QByteArray("Device  Item     Value  Age  Error  Changes  Errors  Last read"));
+    QVERIFY2(lines.at(2).startsWith("Press                   0 s                  0       "),
+             lines.at(2).constData());
+    QVERIFY2(lines.at(3).startsWith("Press   Counter  5      0 s         0        0       "),
+             lines.at(3).constData());
+    QVERIFY(controller.setWord("DM1", 6));
+    QVERIFY(watch.waitFor("expected \"5\"\x1b[0m  1 "));
+    QVERIFY(controller.setWord("DM1", 5));
+    QVERIFY(watch.waitFor("  2        0 "));
+}
+
+void tst_VelhostWatchTerminal::colour_data()
+{
+    QTest::addColumn<QByteArray>("noColor");
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("changed");
+    QTest::addColumn<bool>("isColoured");
+
+    QTest::newRow("colour") << QByteArray() << QByteArray("Press   Counter  5 ")
+                            << QByteArray("Press   Counter  \x1b[30;43m1234\x1b[0m ") << true;
+    QTest::newRow("NO_COLOR") << QByteArray("1") << QByteArray("Press   Counter   5 ")
+                              << QByteArray("Press   Counter  *1234 ") << false;
+    QTest::newRow("NO_COLOR of any value") << QByteArray("0") << QByteArray("Press   Counter   5 ")
+                                           << QByteArray("Press   Counter  *1234 ") << false;
+}
+
+// The changed value stands out, then no more.
+void tst_VelhostWatchTerminal::colour()
+{
+    QFETCH(QByteArray, noColor);
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, changed);
+    QFETCH(bool, isColoured);
+
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 5));
+    QProcessEnvironment environment = terminalEnvironment();
+    environment.insert(text("NO_COLOR"), QString::fromLatin1(noColor));
+    TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}), 24, 100,
+                      environment);
+    QVERIFY(watch.waitFor(before));
+    QVERIFY(controller.setWord("DM1", 1234));
+    QVERIFY(watch.waitFor(changed));
+    QVERIFY(controller.setWord("DM1", 5));
+    QVERIFY(watch.waitFor(QByteArray(changed).replace("1234", "5")));
+    QVERIFY(watch.waitFor(before));
+    QCOMPARE(watch.output().contains("\x1b[30;43m"), isColoured);
+}
+
+void tst_VelhostWatchTerminal::wrongValue()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 7));
+    TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}), 24, 100,
+                      terminalEnvironment());
+    QVERIFY(watch.waitFor("Press   Counter  \x1b[31m7\x1b[0m "));
+    QVERIFY(watch.waitFor("\x1b[31mexpected \"5\"\x1b[0m  0 "));
+}
+
+void tst_VelhostWatchTerminal::smallWindow()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 12345));
+    QProcessEnvironment environment = terminalEnvironment();
+    environment.insert(text("NO_COLOR"), text("1"));
+    TerminalRun watch(
+        text(VELHOST_FILE),
+        arguments(controller, {text("Counter=DM1"), text("B=DM70000"), text("C=DM3")}), 6, 22,
+        environment);
+    QVERIFY(watch.waitFor(end));
+    const QList<QByteArray> lines = lastDrawing(watch.output());
+    QCOMPARE(lines.size(), 6);
+    QCOMPARE(lines.at(0), QByteArray("velhost watch, cycle…"));
+    QCOMPARE(lines.at(3), QByteArray("… 3 more, 3 of them …"));
+    QCOMPARE(lines.at(4), QByteArray(""));
+    QCOMPARE(lines.at(5), QByteArray("log error: [RD DM700…"));
+    for (const QByteArray &line : lines)
+        QVERIFY2(QString::fromUtf8(line).size() <= 21, line.constData());
+}
+
+void tst_VelhostWatchTerminal::windowChanges()
+{
+    kvsim::SimulatorThread controller;
+    TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("A=DM1"), text("B=DM2")}), 5,
+                      100, terminalEnvironment());
+    QVERIFY(watch.waitFor("Press   B "));
+    QVERIFY(watch.waitFor(end));
+    QVERIFY(!watch.output().contains(" more"));
+    watch.resize(4, 100);
+    QVERIFY(watch.waitFor("\xe2\x80\xa6 2 more, 2 of them with an error"));
+}
+
+// Long before the next cycle.
+void tst_VelhostWatchTerminal::ages()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 5));
+    TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}, "86400000"),
+                      24, 100, terminalEnvironment());
+    QVERIFY(watch.waitFor("Press   Counter  5      0 s "));
+    QVERIFY(watch.waitFor("Press   Counter  5      1 s "));
+}
+
+// An entry that comes again and again stands there once, and nowhere but in the drawings; at the
+// end it is printed once.
+void tst_VelhostWatchTerminal::logBelow()
+{
+    kvsim::SimulatorThread controller;
+    TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("A=DM70000")}), 24, 100,
+                      terminalEnvironment());
+    const QByteArray entry = "log error: [RD DM70000\\r] <A> :invalid address";
+    QVERIFY(watch.waitFor("\x1b[K\r\n\x1b[K\r\n" + entry + end));
+    QVERIFY(watch.waitFor("\x1b[K\r\n\x1b[K\r\n" + entry + " (x "));
+    watch.type("\x03");
+    QCOMPARE(watch.finish(), 130);
+    QCOMPARE(watch.output().count(entry), watch.output().count(top) + 1);
+    QCOMPARE(afterLeaving(watch.output()).count(entry + " (x "), 1);
+}
+
+void tst_VelhostWatchTerminal::controlCharacters()
+{
+    QFile file(m_folder.filePath(text("plant.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(R"({"devices": [{"id": 1, "name": "P\u001b]0;x\u0007", "ip": "127.0.0.1",
+ "items": [{"name": "A\u001b[2J", "parameters": {"answers": "1\u001b[2J\u009b2J|!\u001b[2J"}}]}]})");
+    file.close();
+    TerminalRun watch(text(VELHOST_FILE),
+                      {text("watch"), file.fileName(), text("--interval"), text("150"),
+                       text("--plugin"), text(SCRIPTED_PLUGIN_FILE)},
+                      24, 150, terminalEnvironment());
+    QVERIFY(watch.waitFor("P\\x1b]0;x\\x07  A\\x1b[2J  1\\x1b[2J\\x9b2J  "));
+    QVERIFY(watch.waitFor("30;43m\\x1b[2J\x1b[0m"));
+    watch.type("\x03");
+    QCOMPARE(watch.finish(), 130);
+    QVERIFY(!watch.output().contains("\x1b[2J"));
+    QVERIFY(!watch.output().contains("\x1b]"));
+    QVERIFY(!watch.output().contains("\xc2\x9b"));
+}
+
+void tst_VelhostWatchTerminal::ends_data()
+{
+    QTest::addColumn<QByteArray>("keys");
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<bool>("hasSummary");
+
+    QTest::newRow("Ctrl+C") << QByteArray("\x03") << 0 << 130 << true;
+    QTest::newRow("SIGTERM") << QByteArray() << SIGTERM << 143 << true;
+    QTest::newRow("SIGQUIT") << QByteArray() << SIGQUIT << -SIGQUIT << false;
+    QTest::newRow("SIGHUP") << QByteArray() << SIGHUP << -SIGHUP << false;
+    QTest::newRow("a fault of the plug-in") << QByteArray() << SIGABRT << -SIGABRT << false;
+}
+
+// The terminal is given back once, and nothing is drawn after it.
+void tst_VelhostWatchTerminal::ends()
+{
+    QFETCH(QByteArray, keys);
+    QFETCH(int, signal);
+    QFETCH(int, exitCode);
+    QFETCH(bool, hasSummary);
+
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.setWord("DM1", 5));
+    TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}), 24, 100,
+                      terminalEnvironment());
+    QVERIFY(watch.waitFor("velhost watch, cycle "));
+    QVERIFY(watch.waitFor(end));
+    if (!keys.isEmpty())
+        watch.type(keys);
+    if (signal != 0)
+        watch.sendSignal(signal);
+    QCOMPARE(watch.finish(), exitCode);
+    QCOMPARE(watch.output().count("\x1b[?25l"), 1);
+    QCOMPARE(watch.output().count(leave), 1);
+    const QByteArray rest = afterLeaving(watch.output());
+    QVERIFY2(!rest.contains('\x1b'), rest.constData());
+    QCOMPARE(rest.contains("\r\n\r\nDevice  Cycles  Failed  Reads "), hasSummary);
+    QCOMPARE(rest.contains("Press   Counter  5 "), hasSummary);
+}
+
+// A stop gives it back, too; who goes on takes it again.
+void tst_VelhostWatchTerminal::stoppedAndContinued()
+{
+    kvsim::SimulatorThread controller;
+    const QStringList words = arguments(controller, {text("Counter=DM1")});
+    // A shell with job control, without which nothing could be stopped.
+    TerminalRun shell(text("/bin/bash"),
+                      QStringList{text("--norc"), text("-c"),
+                                  text("set -m; \"$@\"; echo stopped; fg"), text("bash"),
+                                  text(VELHOST_FILE)}
+                          + words,
+                      24, 100, terminalEnvironment());
+    QVERIFY(shell.waitFor(end));
+    shell.type("\x1a");
+    QVERIFY(shell.waitFor(leave));
+    QVERIFY(shell.waitFor("stopped"));
+    QVERIFY(shell.waitFor(enter + top));
+    QVERIFY(shell.waitFor(end));
+    shell.type("\x03");
+    QVERIFY(shell.waitFor(leave));
+    QCOMPARE(shell.finish(), 130);
+    QCOMPARE(shell.output().count(leave), 2);
+}
+
+void tst_VelhostWatchTerminal::lines_data()
+{
+    QTest::addColumn<QByteArray>("term");
+    QTest::addColumn<QByteArray>("option");
+
+    QTest::newRow("changes alone") << QByteArray("xterm") << QByteArray("--only-changes");
+    QTest::newRow("json") << QByteArray("xterm") << QByteArray("--format=json");
+    QTest::newRow("dumb terminal") << QByteArray("dumb") << QByteArray("--format=table");
+    QTest::newRow("unknown terminal") << QByteArray("") << QByteArray("--format=table");
+}
+
+// No drawing: lines that scroll.
+void tst_VelhostWatchTerminal::lines()
+{
+    QFETCH(QByteArray, term);
+    QFETCH(QByteArray, option);
+
+    kvsim::SimulatorThread controller;
+    QProcessEnvironment environment = terminalEnvironment();
+    environment.insert(text("TERM"), QString::fromLatin1(term));
+    TerminalRun watch(text(VELHOST_FILE),
+                      arguments(controller, {text("Counter=DM1")})
+                          + QStringList{QString::fromLatin1(option)},
+                      24, 100, environment);
+    QVERIFY(watch.waitFor("Counter"));
+    QVERIFY(watch.waitFor("\r\n"));
+    watch.type("\x03");
+    QCOMPARE(watch.finish(), 130);
+    QVERIFY2(!watch.output().contains('\x1b'), watch.output().constData());
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostWatchTerminal)
+#include "tst_velhostwatchterminal.moc"
