@@ -154,6 +154,7 @@ void tst_Help::completes_data()
     QTest::newRow("one command of several options")
         << text("velhost --format json pl") << text("plan");
     QTest::newRow("options") << text("velhost read --on") << text("--only-changes");
+    QTest::newRow("options of discover") << text("velhost discover --su") << text("--subnet");
     QTest::newRow("formats") << text("velhost read --format ") << text("csv json table");
     QTest::newRow("files behind a command") << text("velhost check pl") << text("plant.json");
     QTest::newRow("files behind --plant") << text("velhost --plant pl") << text("plant.json");

@@ -318,11 +318,12 @@ void tst_VelhostCommandLine::errors_data()
     const auto row = [](const char *text, const char *error) {
         QTest::newRow(text) << words(text) << QString::fromUtf8(error);
     };
-    row("velhost", "no command given; use columns, read, watch, write, plan, check or explain");
-    row("velhost|raed",
-        "unknown command \"raed\"; use columns, read, watch, write, plan, check or explain");
+    row("velhost",
+        "no command given; use columns, read, watch, write, plan, check, discover or explain");
+    row("velhost|raed", "unknown command \"raed\"; use columns, read, watch, write, plan, check, "
+                        "discover or explain");
     row("velhost|",
-        "unknown command \"\"; use columns, read, watch, write, plan, check or explain");
+        "unknown command \"\"; use columns, read, watch, write, plan, check, discover or explain");
     row("velhost|columns|read", "columns takes no argument \"read\"");
     row("velhost|read|--plant|p|Press", "read takes no argument \"Press\"");
     row("velhost|read|p|Press", "read takes no argument \"Press\"");

@@ -1,6 +1,7 @@
 #include "commandline.h"
 
 #include <QCommandLineParser>
+#include <QMap>
 #include <QVector>
 
 #include <algorithm>
@@ -54,6 +55,12 @@ const QVector<CommandDescription> &commands()
          {QStringLiteral("write"), QStringLiteral("rtt")},
          {table, json}},
         {QStringLiteral("check"), Command::Check, Arguments::Plant, {}, {table, json}},
+        {QStringLiteral("discover"),
+         Command::Discover,
+         Arguments::None,
+         {QStringLiteral("interface"), QStringLiteral("subnet"), QStringLiteral("udp-ports"),
+          QStringLiteral("tcp-ports"), QStringLiteral("timeout"), QStringLiteral("force")},
+         {table, json}},
         {QStringLiteral("explain"), Command::Explain, Arguments::Text, {}, {table, json}},
     };
     return list;
@@ -73,10 +80,11 @@ void addOptions(QCommandLineParser *parser)
     parser->addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}));
     parser->addOption(
         QCommandLineOption(QStringList{QStringLiteral("v"), QStringLiteral("version")}));
-    for (const char *const flag : {"only-changes", "yes", "no-verify"})
+    for (const char *const flag : {"only-changes", "yes", "no-verify", "force"})
         parser->addOption(QCommandLineOption(QString::fromLatin1(flag)));
     for (const char *const option :
-         {"plugin", "plant", "format", "cycles", "interval", "for", "write", "rtt"})
+         {"plugin", "plant", "format", "cycles", "interval", "for", "write", "rtt", "interface",
+          "subnet", "udp-ports", "tcp-ports", "timeout"})
         parser->addOption({QString::fromLatin1(option), QString(), QStringLiteral("value")});
 }
 
@@ -122,6 +130,26 @@ OutputFormat formatNamed(const QString &name)
     if (name == QLatin1String("json"))
         return OutputFormat::Json;
     return name == QLatin1String("csv") ? OutputFormat::Csv : OutputFormat::Table;
+}
+
+/// The options of a search. What their texts mean only the plug-in's columns tell.
+SearchOptions takeSearch(const QCommandLineParser &parser)
+{
+    static const QMap<QString, QString> columns{
+        {QStringLiteral("interface"), QStringLiteral("network_interface")},
+        {QStringLiteral("udp-ports"), QStringLiteral("udp_ports")},
+        {QStringLiteral("tcp-ports"), QStringLiteral("tcp_ports")},
+        {QStringLiteral("timeout"), QStringLiteral("timeout_ms")}};
+    SearchOptions search;
+    for (auto column = columns.begin(); column != columns.end(); ++column) {
+        if (parser.isSet(column.key()))
+            search.parameters.insert(column.value(), parser.value(column.key()));
+    }
+    const QString subnet = QStringLiteral("subnet");
+    if (parser.isSet(subnet))
+        search.subnet = parser.value(subnet);
+    search.isForced = parser.isSet(QStringLiteral("force"));
+    return search;
 }
 
 /// Says what is wrong with the options as such, without a look at the command.
@@ -233,6 +261,7 @@ std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QStrin
     result.onlyChanges = parser.isSet(QStringLiteral("only-changes"));
     result.isConfirmed = parser.isSet(QStringLiteral("yes"));
     result.verifies = !parser.isSet(QStringLiteral("no-verify"));
+    result.search = takeSearch(parser);
     const bool taken
         = takeNumber(parser, QStringLiteral("cycles"), 1, maximumCycles, &result.cycles, error)
           && takeNumber(parser, QStringLiteral("interval"), 0, maximumIntervalMs,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "output.h"
+#include "searchoptions.h"
 
 #include <QString>
 #include <QStringList>
@@ -8,7 +9,7 @@
 #include <optional>
 
 /// What the program is to do.
-enum class Command { Help, Version, Columns, Read, Watch, Write, Plan, Check, Explain };
+enum class Command { Help, Version, Columns, Read, Watch, Write, Plan, Check, Discover, Explain };
 
 /// The program's arguments, checked.
 struct CommandLine
@@ -16,7 +17,7 @@ struct CommandLine
     Command command = Command::Help;
     /// Empty: the default plug-in.
     QString pluginFile;
-    /// Empty only for `columns` and `explain`.
+    /// May be empty for `columns` and `explain`; for `discover` the file to write, empty for none.
     QString plantFile;
     OutputFormat format = OutputFormat::Table;
     /// Read cycles, 1 or more.
@@ -37,6 +38,7 @@ struct CommandLine
     bool isConfirmed = false;
     /// `write` reads before and after.
     bool verifies = true;
+    SearchOptions search;
 };
 
 /// Reads the arguments, the program's name first. Options may stand before and after the command.

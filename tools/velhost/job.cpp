@@ -2,6 +2,7 @@
 
 #include "checkcommand.h"
 #include "console.h"
+#include "searcharea.h"
 
 #include <QRegularExpression>
 
@@ -46,12 +47,25 @@ std::optional<Job> prepareCheck(const CommandLine &commandLine)
     return job;
 }
 
+/// The plug-in gets the machine's interfaces and no device.
+Job prepareDiscover(const CommandLine &commandLine)
+{
+    Job job{commandLine, {}, {}, {}, {}};
+    const QList<InterfaceNetwork> networks = machineNetworks();
+    for (const InterfaceNetwork &network : networks)
+        job.plant.networkInterfaces.append(network.interface);
+    job.plant.networkInterfaces.removeDuplicates();
+    return job;
+}
+
 } // namespace
 
 std::optional<Job> prepareJob(const CommandLine &commandLine)
 {
     if (commandLine.command == Command::Check)
         return prepareCheck(commandLine);
+    if (commandLine.command == Command::Discover)
+        return prepareDiscover(commandLine);
     Job job{commandLine, {}, {}, {}, {}};
     QStringList errors;
     if (!commandLine.plantFile.isEmpty()) {

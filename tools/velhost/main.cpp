@@ -1,6 +1,7 @@
 #include "checkcommand.h"
 #include "commandline.h"
 #include "console.h"
+#include "discovercommand.h"
 #include "explaincommand.h"
 #include "host.h"
 #include "job.h"
@@ -56,6 +57,8 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
         return runPlan(loaded.plugin, devices, job, host, recorder);
     case Command::Check:
         return runCheck(job, *registration);
+    case Command::Discover:
+        return runDiscover(job, *registration);
     case Command::Explain:
     case Command::Help:
     case Command::Version:

@@ -1,0 +1,182 @@
+#include "fullqueue.h"
+#include "scriptedpeer.h"
+#include "searchrun.h"
+#include "terminalrun.h"
+
+#include <kvsim/simulatorthread.h>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+// How `discover` ends: by a signal, by its time, without resources; and what it shows meanwhile.
+
+namespace {
+
+/// Of each of its eight million addresses one port is asked, which takes longer than any test. No
+/// other program's port is asked: it is taken at 127.0.0.1, so nobody can have it for all.
+QStringList endlessArea()
+{
+    return {text("--interface"), text("lo"), text("--subnet"), text("127.0.0.0/9"),
+            text("--force")};
+}
+
+} // namespace
+
+class tst_VelhostDiscoverEnd : public QObject
+{
+    Q_OBJECT
+
+    SilentPort m_nobody;
+
+private Q_SLOTS:
+    void signal_data();
+    void signal();
+    void time();
+    void silentController();
+    void connectsToNobody();
+    void sockets_data();
+    void sockets();
+    void terminal();
+};
+
+void tst_VelhostDiscoverEnd::signal_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<int>("exitCode");
+
+    QTest::newRow("SIGINT") << SIGINT << 130;
+    QTest::newRow("SIGTERM") << SIGTERM << 143;
+}
+
+// The controller's connection is closed when its answer has been taken.
+void tst_VelhostDiscoverEnd::signal()
+{
+    QFETCH(int, number);
+    QFETCH(int, exitCode);
+
+    const QTemporaryDir folder;
+    const QString plant = folder.filePath(text("plant.json"));
+    ScriptedPeer controller({{"55\r\n", Answer::KeepOpen}});
+    QProcess process;
+    process.setProcessEnvironment(plainEnvironment());
+    process.start(text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(),
+                                                      QString::number(controller.port()),
+                                                      {text("--plant"), plant}, endlessArea()));
+    QVERIFY(controller.waitForConnections(1));
+    QCOMPARE(controller.finish(), QByteArray("?K\r"));
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), number), 0);
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), exitCode);
+    QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()),
+             text("Address    Port   Protocol  Model\n127.0.0.1  %1  TCP       KV-7500\n")
+                 .arg(controller.port()));
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+             text("velhost: asking 1 addresses by UDP at 1 ports, then 8388606 by TCP at 1, for at "
+                  "most 60000 ms\n"
+                  "velhost: the search was ended early; there may be more controllers\n"));
+    QVERIFY(QFile::exists(plant));
+}
+
+void tst_VelhostDiscoverEnd::time()
+{
+    QElapsedTimer sinceStart;
+    sinceStart.start();
+    const ProgramRun run = runBesideLoop(
+        text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp(),
+                                            {text("--timeout"), text("800")}, endlessArea()));
+    const qint64 elapsed = sinceStart.elapsed();
+    QVERIFY2(elapsed >= 800 && elapsed < 10000, qPrintable(QString::number(elapsed)));
+    QCOMPARE(run.exitCode, 1);
+    const QRegularExpression told(
+        text("\\Avelhost: ([0-9]+) of 8388606 questions by TCP were not asked to the end: the "
+             "time was over\\z"));
+    const QRegularExpressionMatch match = told.match(run.errors.section(u'\n', 1, 1));
+    QVERIFY2(match.hasMatch(), qPrintable(run.errors));
+    const int unasked = match.captured(1).toInt();
+    QVERIFY2(unasked > 0 && unasked < 8388606, qPrintable(match.captured(1)));
+}
+
+// Connected, but no answer: the probe ends after its own time, not with the search.
+void tst_VelhostDiscoverEnd::silentController()
+{
+    kvsim::SimulatorThread controller;
+    QVERIFY(controller.isListening());
+    QCOMPARE(controller.addFault("silent"), QString());
+    const ProgramRun run
+        = runBesideLoop(text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(),
+                                                            QString::number(controller.port())));
+    QCOMPARE(controller.faultCounts().constFirst().applied, 1);
+    QCOMPARE(run.errors.section(u'\n', 1, 1),
+             text("velhost: 127.0.0.1:%1 (TCP) is no controller: it answered nothing")
+                 .arg(controller.port()));
+    QCOMPARE(run.exitCode, 1);
+}
+
+void tst_VelhostDiscoverEnd::connectsToNobody()
+{
+    const FullQueue queue;
+    const ProgramRun run
+        = runBesideLoop(text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(),
+                                                            QString::number(queue.port())));
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.errors.count(u'\n'), 2);
+    QVERIFY(run.errors.section(u'\n', 1).startsWith(text("velhost: no controller found; check")));
+    QCOMPARE(run.exitCode, 1);
+}
+
+void tst_VelhostDiscoverEnd::sockets_data()
+{
+    QTest::addColumn<int>("descriptors");
+    QTest::addColumn<bool>("isEnough");
+
+    // 128 probes and what the program has open besides.
+    QTest::newRow("enough for all at once") << 160 << true;
+    QTest::newRow("too few") << 60 << false;
+}
+
+void tst_VelhostDiscoverEnd::sockets()
+{
+    QFETCH(int, descriptors);
+    QFETCH(bool, isEnough);
+
+#ifdef __SANITIZE_ADDRESS__
+    if (!isEnough)
+        QSKIP("The sanitizer's own checks need a file descriptor and fail when there is none.");
+#endif
+    const ProgramRun run = runBesideLoop(
+        text("/bin/sh"),
+        QStringList{text("-c"), text(R"(ulimit -n %1; exec "$0" "$@")").arg(descriptors),
+                    text(VELHOST_FILE)}
+            + searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp(), {},
+                              {text("--subnet"), text("127.0.0.0/22")}));
+    const QRegularExpression told(text("questions by TCP were not asked to the end: [^\n]*"));
+    QCOMPARE(told.match(run.errors).captured(),
+             isEnough ? QString()
+                      : text("questions by TCP were not asked to the end: Out of resources"));
+    QCOMPARE(run.exitCode, 1);
+}
+
+void tst_VelhostDiscoverEnd::terminal()
+{
+    TerminalRun run(text(VELHOST_FILE),
+                    searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp()), 25, 80,
+                    plainEnvironment());
+    QCOMPARE(run.finish(), 1);
+    const QByteArray &shown = run.output();
+    const QList<QByteArray> states = shown.split('\r');
+    QVERIFY2(states.contains("0 of 14 asked by TCP, 0 controllers found\x1b[K"), shown.constData());
+    // The state is gone before the next message.
+    QVERIFY2(states.contains(
+                 "\x1b[Kvelhost: no controller found; check that it has power and an address in "
+                 "this network, that its Host Link port is among those asked, and that no "
+                 "firewall is between"),
+             shown.constData());
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostDiscoverEnd)
+#include "tst_velhostdiscoverend.moc"

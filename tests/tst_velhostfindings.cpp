@@ -1,0 +1,217 @@
+#include "text.h"
+
+#include <discoveroutput.h>
+
+#include <QtTest>
+
+// What an answer means, and how the findings are shown.
+
+Q_DECLARE_METATYPE(Identity::Kind)
+
+namespace {
+
+Finding finding(quint32 address, quint16 port, const QByteArray &answer, bool byTcp, bool byUdp)
+{
+    return {address, port, identityOf(answer, true), byTcp, byUdp};
+}
+
+/// Two controllers and one that is none, not in order.
+Findings someFindings()
+{
+    Findings findings;
+    findings.add(finding(0x0a000014, 8501, "55\r\n", true, false));
+    findings.add(finding(0x0a000003, 8501, "E1\r\n", false, true));
+    findings.add(finding(0x0a000003, 8500, "SSH-2.0\r\n", true, false));
+    findings.add(finding(0x0a000003, 8502, "134\r\n", true, false));
+    findings.add(finding(0x0a000014, 8501, "55", false, true));
+    findings.add(finding(0xc0a80001, 8501, "", true, false));
+    return findings;
+}
+
+} // namespace
+
+class tst_VelhostFindings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void identities_data();
+    void identities();
+    void models_data();
+    void models();
+    void shows();
+    void nothing();
+    void json();
+    void strangers();
+    void plant();
+    void differentAnswers();
+    void limit_data();
+    void limit();
+};
+
+void tst_VelhostFindings::identities_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("isWhole");
+    QTest::addColumn<Identity::Kind>("kind");
+    QTest::addColumn<QString>("line");
+
+    const auto row
+        = [](const char *title, const QByteArray &bytes, bool isWhole, Identity::Kind kind,
+             const char *line) { QTest::newRow(title) << bytes << isWhole << kind << text(line); };
+    row("two digits", "55\r\n", false, Identity::Model, "55");
+    row("one digit", "5\r\n", false, Identity::Model, "5");
+    row("three digits", "134\r\n", false, Identity::Model, "134");
+    row("four digits", "1234\r\n", false, Identity::Other, "1234");
+    row("no digit", "\r\n", false, Identity::Other, "");
+    row("carriage return alone", "55\r", false, Identity::Model, "55");
+    row("line feed alone", "55\n", false, Identity::Model, "55");
+    row("twice", "55\r\n55\r\n", false, Identity::Model, "55");
+    row("no end", "55", false, Identity::Other, "55");
+    row("no end, datagram", "55", true, Identity::Model, "55");
+    row("nothing", "", false, Identity::Other, "");
+    row("nothing, datagram", "", true, Identity::Other, "");
+    row("refusal", "E1\r\n", false, Identity::Refusal, "E1");
+    row("refusal without a digit", "E\r\n", false, Identity::Other, "E");
+    row("refusal of two digits", "E10\r\n", false, Identity::Other, "E10");
+    row("values", "00055 00056\r\n", false, Identity::Other, "00055 00056");
+    row("blank", " 55\r\n", false, Identity::Other, " 55");
+    row("greeting", "220 ready\r\n", false, Identity::Other, "220 ready");
+    row("zero byte instead of an end", QByteArray("55\0\n", 4), false, Identity::Other, "55?");
+    row("zero byte in a datagram", QByteArray("55\0", 3), true, Identity::Other, "55?");
+    row("end at the limit", QByteArray(63, 'x') + '\r', false, Identity::Other,
+        QByteArray(63, 'x').constData());
+    row("end behind the limit", QByteArray(65, 'x') + '\r', false, Identity::Other,
+        QByteArray(64, 'x').constData());
+}
+
+void tst_VelhostFindings::identities()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, isWhole);
+    QFETCH(Identity::Kind, kind);
+    QFETCH(QString, line);
+
+    const Identity identity = identityOf(bytes, isWhole);
+    QCOMPARE(identity.kind, kind);
+    QCOMPARE(QString(identity.text).replace(QChar(0), u'?'), line);
+}
+
+void tst_VelhostFindings::models_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("54") << text("54") << QString();
+    QTest::newRow("55") << text("55") << text("KV-7500");
+    QTest::newRow("56") << text("56") << QString();
+    QTest::newRow("055") << text("055") << QString();
+    QTest::newRow("empty") << QString() << QString();
+}
+
+void tst_VelhostFindings::models()
+{
+    QFETCH(QString, code);
+    QFETCH(QString, name);
+    QCOMPARE(modelName(code), name);
+}
+
+void tst_VelhostFindings::shows()
+{
+    QCOMPARE(controllersText(OutputFormat::Table, someFindings()),
+             text("Address    Port  Protocol  Model\n"
+                  "10.0.0.3   8501  UDP       not told, refused with E1\n"
+                  "10.0.0.3   8502  TCP       model code 134\n"
+                  "10.0.0.20  8501  TCP, UDP  KV-7500\n"));
+}
+
+void tst_VelhostFindings::nothing()
+{
+    Findings findings;
+    findings.add(finding(0x0a000003, 8500, "SSH-2.0\r\n", true, false));
+    QCOMPARE(findings.controllerCount(), 0);
+    QCOMPARE(controllersText(OutputFormat::Table, findings), QString());
+    QCOMPARE(controllersText(OutputFormat::Json, findings), QString());
+}
+
+void tst_VelhostFindings::json()
+{
+    QCOMPARE(controllersText(OutputFormat::Json, someFindings()),
+             text(R"({"type":"controller","address":"10.0.0.3","port":8501,"protocols":["udp"],)"
+                  R"("model":null,"answer":"E1"})"
+                  "\n"
+                  R"({"type":"controller","address":"10.0.0.3","port":8502,"protocols":["tcp"],)"
+                  R"("model":null,"answer":"134"})"
+                  "\n"
+                  R"({"type":"controller","address":"10.0.0.20","port":8501,)"
+                  R"("protocols":["tcp","udp"],"model":"KV-7500","answer":"55"})"
+                  "\n"));
+}
+
+void tst_VelhostFindings::strangers()
+{
+    QCOMPARE(strangerTexts(someFindings()),
+             QStringList({text("10.0.0.3:8500 (TCP) is no controller: it answered \"SSH-2.0\""),
+                          text("192.168.0.1:8501 (TCP) is no controller: it answered nothing")}));
+}
+
+void tst_VelhostFindings::plant()
+{
+    SearchArea area;
+    area.interfaces = QStringList{text("eth0"), text("eth1")};
+    QCOMPARE(plantJson(area, someFindings()), QByteArray(
+                                                  R"({
+  "networkInterfaces": ["eth0","eth1"],
+  "devices": [
+    {"id":1,"name":"10.0.0.3:8501","ip":"10.0.0.3","parameters":{"port":"8501"},"items":[]},
+    {"id":2,"name":"10.0.0.3:8502","ip":"10.0.0.3","parameters":{"port":"8502"},"items":[]},
+    {"id":3,"name":"10.0.0.20:8501","ip":"10.0.0.20","parameters":{"port":"8501"},"items":[]}
+  ]
+}
+)"));
+}
+
+// Something else answers by UDP than by TCP: two findings, but one device.
+void tst_VelhostFindings::differentAnswers()
+{
+    Findings findings;
+    findings.add(finding(0x0a000003, 8501, "55\r\n", true, false));
+    findings.add(finding(0x0a000003, 8501, "E0\r\n", false, true));
+    QCOMPARE(findings.controllerCount(), 2);
+    QCOMPARE(controllersText(OutputFormat::Table, findings),
+             text("Address   Port  Protocol  Model\n"
+                  "10.0.0.3  8501  TCP       KV-7500\n"
+                  "10.0.0.3  8501  UDP       not told, refused with E0\n"));
+    QCOMPARE(plantJson({}, findings).count("\"id\""), 1);
+}
+
+void tst_VelhostFindings::limit_data()
+{
+    QTest::addColumn<int>("answers");
+    QTest::addColumn<int>("kept");
+    QTest::addColumn<bool>("isFull");
+
+    QTest::newRow("below") << 4095 << 4095 << false;
+    QTest::newRow("at") << 4096 << 4096 << false;
+    QTest::newRow("above") << 4097 << 4096 << true;
+}
+
+void tst_VelhostFindings::limit()
+{
+    QFETCH(int, answers);
+    QFETCH(int, kept);
+    QFETCH(bool, isFull);
+
+    Findings findings;
+    for (int i = 0; i < answers; ++i)
+        findings.add(finding(static_cast<quint32>(i), 8501, "55\r\n", false, true));
+    // One that is there already takes no more room.
+    findings.add(finding(0, 8501, "55\r\n", true, false));
+    QCOMPARE(findings.all().size(), kept);
+    QCOMPARE(findings.controllerCount(), kept);
+    QCOMPARE(findings.isFull(), isFull);
+    QVERIFY(findings.all().first().byTcp);
+}
+
+QTEST_GUILESS_MAIN(tst_VelhostFindings)
+#include "tst_velhostfindings.moc"
