@@ -90,10 +90,7 @@ bool Connection::mayReadOn() const
 
 void Connection::reply(const Line &line)
 {
-    const Reply reply = m_controller->faults.reply(line, m_previous, m_interpreter);
-    countReply(reply, &m_controller->counters);
-    if (!reply.answer.isEmpty())
-        m_previous = reply.answer;
+    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previous);
     if (reply.detached) {
         for (const Action &action : reply.actions)
             scheduleAnswer(action);

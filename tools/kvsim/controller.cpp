@@ -13,14 +13,20 @@ bool isRefusal(const QByteArray &bytes)
 
 } // namespace
 
-void countReply(const Reply &reply, Counters *counters)
+Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *interpreter,
+              QByteArray *previous)
 {
+    const Reply reply = controller->faults.reply(line, *previous, interpreter);
+    if (!reply.answer.isEmpty())
+        *previous = reply.answer;
     const QByteArray bytes = reply.bytes();
-    ++counters->commands;
+    Counters &counters = controller->counters;
+    ++counters.commands;
     if (!bytes.isEmpty())
-        ++counters->answers;
+        ++counters.answers;
     if (isRefusal(bytes))
-        ++counters->refusals;
+        ++counters.refusals;
+    return reply;
 }
 
 QByteArray countersText(const Controller &controller)

@@ -27,8 +27,10 @@ struct Controller
     Counters counters;
 };
 
-/// Counts a command and what is sent for it.
-void countReply(const Reply &reply, Counters *counters);
+/// What follows from one client's command: executed or not, counted, and its proper answer kept in
+/// `previous`, which holds that to the client's command before, or nothing.
+Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *interpreter,
+              QByteArray *previous);
 
 /// The counters as text: a line "commands 5, answers 4, refusals 1, clients 2", then one for each
 /// fault in force, "fault silent@DM100: seen 2, applied 2".

@@ -2,6 +2,7 @@
 
 #include "connection.h"
 #include "controller.h"
+#include "datagramserver.h"
 
 #include <QTcpSocket>
 
@@ -9,27 +10,39 @@ namespace kvsim {
 
 Server::Server(Controller *controller, QObject *parent)
     : QObject(parent), m_controller(controller), m_interpreter(&controller->memory),
-      m_listener(new QTcpServer(this)), m_down(this)
+      m_listener(new QTcpServer(this)),
+      m_datagrams(new DatagramServer(controller, &m_interpreter, this)), m_down(this)
 {
     m_down.setSingleShot(true);
     m_down.setTimerType(Qt::PreciseTimer);
     connect(&m_down, &QTimer::timeout, this, &Server::listenAgain);
     connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
+    connect(m_datagrams, &DatagramServer::answered, this, &Server::answered);
+    // Queued: the datagram is still at work when it asks.
+    connect(m_datagrams, &DatagramServer::restartWanted, this, &Server::restart,
+            Qt::QueuedConnection);
 }
 
 bool Server::listen(const QHostAddress &address, quint16 port)
 {
-    return m_listener->listen(address, port);
+    // A port that is free for TCP may be in use for UDP.
+    const int attempts = port == 0 ? 20 : 1;
+    for (int i = 0; i < attempts; ++i) {
+        if (!m_listener->listen(address, port)) {
+            m_errorString = m_listener->errorString();
+            return false;
+        }
+        if (m_datagrams->listen(m_listener->serverAddress(), m_listener->serverPort()))
+            return true;
+        m_errorString = m_datagrams->errorString() + QLatin1String(" (UDP)");
+        m_listener->close();
+    }
+    return false;
 }
 
 bool Server::isListening() const
 {
     return m_listener->isListening();
-}
-
-QString Server::errorString() const
-{
-    return m_listener->errorString();
 }
 
 QHostAddress Server::address() const
@@ -83,6 +96,7 @@ void Server::restart(int milliseconds)
     m_downAddress = address();
     m_downPort = port();
     m_listener->close();
+    m_datagrams->close();
     const QList<Connection *> connections = m_connections;
     for (Connection *connection : connections)
         connection->drop();

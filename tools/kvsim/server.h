@@ -9,9 +9,10 @@
 namespace kvsim {
 
 class Connection;
+class DatagramServer;
 struct Controller;
 
-/// Serves one controller to any number of TCP clients.
+/// Serves one controller to any number of TCP clients, and over UDP on the same port.
 class Server : public QObject
 {
     Q_OBJECT
@@ -25,13 +26,14 @@ public:
     bool listen(const QHostAddress &address, quint16 port);
 
     bool isListening() const;
-    QString errorString() const;
+    QString errorString() const { return m_errorString; }
     QHostAddress address() const;
     /// The port in use, 0 while the server is not listening.
     quint16 port() const;
 
 Q_SIGNALS:
-    /// One command of one client is decided, see Connection::answered().
+    /// One command of one client is decided, see Connection::answered() and
+    /// DatagramServer::answered().
     void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
                   const QByteArray &fault);
 
@@ -47,6 +49,8 @@ private:
     Controller *m_controller;
     CommandInterpreter m_interpreter;
     QTcpServer *m_listener;
+    DatagramServer *m_datagrams;
+    QString m_errorString;
     QList<Connection *> m_connections;
     /// Runs while a restart keeps the server from listening, there and on that port before and
     /// after.
