@@ -159,6 +159,8 @@ void tst_Help::completes_data()
     QTest::newRow("files behind a command") << text("velhost check pl") << text("plant.json");
     QTest::newRow("files behind --plant") << text("velhost --plant pl") << text("plant.json");
     QTest::newRow("simulator's options") << text("kvsim --p") << text("--port");
+    QTest::newRow("what controllers differ in")
+        << text("kvsim --consecutive ") << text("addresses ports");
     QTest::newRow("ctl") << text("kvsim c") << text("ctl");
     QTest::newRow("commands of ctl") << text("kvsim ctl c") << text("clear counters");
     QTest::newRow("options of ctl") << text("kvsim ctl --p") << text("--port");

@@ -1,3 +1,4 @@
+#include "kvsimprocess.h"
 #include "programrun.h"
 #include "text.h"
 #include "textclient.h"
@@ -6,7 +7,6 @@
 #include <kvsim/controller.h>
 #include <kvsim/controlserver.h>
 
-#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTest>
 
@@ -37,38 +37,22 @@ namespace {
 constexpr int timeout = TextClient::timeout;
 
 // The program with both its ports.
-class Simulator
+class Simulator : public KvsimProcess
 {
 public:
     explicit Simulator(const QStringList &moreArguments = {})
+        : KvsimProcess(
+            QStringList{text("--port"), text("0"), text("--control"), text("0")} + moreArguments, 2)
     {
-        m_process.start(text(KVSIM_PROGRAM),
-                        QStringList{text("--port"), text("0"), text("--control"), text("0")}
-                            + moreArguments);
-        port = portIn("listening");
-        control = portIn("control");
     }
 
-    QProcess *process() { return &m_process; }
-
-    quint16 port = 0;
-    quint16 control = 0;
-
-private:
-    // From the next line of output; 0 when it reads differently.
-    quint16 portIn(const char *word)
-    {
-        while (!m_process.canReadLine()) {
-            if (!m_process.waitForReadyRead(timeout))
-                return 0;
-        }
-        const QRegularExpression form(
-            QStringLiteral("^%1 127\\.0\\.0\\.1:(\\d+)\n$").arg(text(word)));
-        return form.match(QString::fromLatin1(m_process.readLine())).captured(1).toUShort();
-    }
-
-    QProcess m_process;
+    quint16 control() const { return port(1); }
 };
+
+QByteArray answer(const QByteArray &line, Controller *controller)
+{
+    return kvsim::answerControl(line, {{"1", {}, controller}}).text;
+}
 
 ProgramRun runCtl(const QStringList &arguments)
 {
@@ -117,7 +101,7 @@ void tst_KvsimControl::lines()
     QFETCH(QByteArray, answer);
 
     Controller controller;
-    const kvsim::ControlAnswer result = kvsim::answerControl(line, &controller);
+    const kvsim::ControlAnswer result = kvsim::answerControl(line, {{"1", {}, &controller}});
     QCOMPARE(result.text, answer);
     QCOMPARE(result.quit, line == "quit");
 }
@@ -125,36 +109,35 @@ void tst_KvsimControl::lines()
 void tst_KvsimControl::changesTheController()
 {
     Controller controller;
-    QCOMPARE(kvsim::answerControl("set DM100 5", &controller).text, QByteArray("ok\n"));
-    QCOMPARE(kvsim::answerControl("get DM100", &controller).text, QByteArray("5\n"));
-    QCOMPARE(kvsim::answerControl("fault silent", &controller).text, QByteArray("ok\n"));
-    QCOMPARE(kvsim::answerControl("counters", &controller).text,
+    QCOMPARE(answer("set DM100 5", &controller), QByteArray("ok\n"));
+    QCOMPARE(answer("get DM100", &controller), QByteArray("5\n"));
+    QCOMPARE(answer("fault silent", &controller), QByteArray("ok\n"));
+    QCOMPARE(answer("counters", &controller),
              QByteArray("commands 0, answers 0, refusals 0, clients 0\n"
                         "fault silent: seen 0, applied 0\n\n"));
-    QCOMPARE(kvsim::answerControl("clear", &controller).text, QByteArray("ok\n"));
+    QCOMPARE(answer("clear", &controller), QByteArray("ok\n"));
     QCOMPARE(controller.faults.counts().size(), 0);
 }
 
 void tst_KvsimControl::lineTooLong()
 {
     Simulator simulator;
-    TextClient longest(simulator.control);
+    TextClient longest(simulator.control());
     QCOMPARE(longest.ask("get DM" + QByteArray(ControlServer::maximumLine - 10, '0') + "100\n"),
              QByteArray("100\n"));
-    TextClient client(simulator.control);
+    TextClient client(simulator.control());
     client.send(QByteArray(ControlServer::maximumLine, 'x'));
     QCOMPARE(client.receiveToEnd(),
              QByteArray("error the line is too long; write at most 4095 bytes\n"));
     QCOMPARE(longest.ask("get DM7\r\n"), QByteArray("7\n"));
-    simulator.process()->terminate();
-    QVERIFY(simulator.process()->waitForFinished(timeout));
+    QVERIFY(simulator.terminate());
 }
 
 void tst_KvsimControl::program()
 {
     Simulator simulator({text("--fault"), text("refuse=E5@DM7")});
-    TextClient control(simulator.control);
-    TextClient client(simulator.port);
+    TextClient control(simulator.control());
+    TextClient client(simulator.port());
     QCOMPARE(control.ask("set DM8 80\n"), QByteArray("ok\n"));
     QCOMPARE(client.ask("RD DM8\r"), QByteArray("00080\r\n"));
     QCOMPARE(client.ask("RD DM7\r"), QByteArray("E5\r\n"));
@@ -166,14 +149,13 @@ void tst_KvsimControl::program()
              QByteArray("commands 4, answers 4, refusals 1, clients 1\n"));
     QCOMPARE(control.receiveLine(), QByteArray("fault empty@DM8: seen 1, applied 1\n"));
     QCOMPARE(control.receiveLine(), QByteArray("\n"));
-    simulator.process()->terminate();
-    QVERIFY(simulator.process()->waitForFinished(timeout));
+    QVERIFY(simulator.terminate());
 }
 
 void tst_KvsimControl::quitEndsTheProgram()
 {
     Simulator simulator;
-    TextClient control(simulator.control);
+    TextClient control(simulator.control());
     QCOMPARE(control.ask("quit\n"), QByteArray("ok\n"));
     QVERIFY(simulator.process()->waitForFinished(timeout));
     QCOMPARE(simulator.process()->exitStatus(), QProcess::NormalExit);
@@ -200,7 +182,7 @@ void tst_KvsimControl::controlPortTaken()
 void tst_KvsimControl::ctl()
 {
     Simulator simulator;
-    const QString port = QString::number(simulator.control);
+    const QString port = QString::number(simulator.control());
     const auto compare = [&port](const char *command, const char *output) {
         const ProgramRun result
             = runCtl(QStringList{text("--port"), port} + text(command).split(QLatin1Char(' ')));
@@ -253,13 +235,12 @@ void tst_KvsimControl::ctlFailures()
     Simulator simulator;
     QStringList list = arguments.split(QLatin1Char(' '));
     if (exitCode == 1)
-        list = QStringList{text("--port"), QString::number(simulator.control)} + list;
+        list = QStringList{text("--port"), QString::number(simulator.control())} + list;
     const ProgramRun result = runCtl(list);
     QCOMPARE(result.errors, QString(text("kvsim: ") + error + QLatin1Char('\n')));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, exitCode);
-    simulator.process()->terminate();
-    QVERIFY(simulator.process()->waitForFinished(timeout));
+    QVERIFY(simulator.terminate());
 }
 
 void tst_KvsimControl::ctlWithoutSimulator()

@@ -1,7 +1,5 @@
 #include "control.h"
 
-#include "controller.h"
-
 #include <QStringList>
 
 #include <algorithm>
@@ -18,38 +16,56 @@ QByteArray okOr(const QString &error)
     return error.isEmpty() ? QByteArray("ok\n") : QByteArray("error " + error.toUtf8() + '\n');
 }
 
-QByteArray get(const Fields &fields, Controller *controller)
+QByteArray get(const Fields &fields, const NamedControllers &controllers)
 {
-    const std::optional<int> value = valueAt(*controller, fields.at(1));
-    if (!value)
-        return okOr(
-            QStringLiteral("'%1' is no address that exists; write one such as DM100 or R015")
-                .arg(QString::fromUtf8(fields.at(1))));
-    return QByteArray::number(*value) + '\n';
+    QList<QByteArray> values;
+    for (const NamedController &named : controllers) {
+        const std::optional<int> value = valueAt(*named.controller, fields.at(1));
+        if (!value)
+            return okOr(
+                QStringLiteral("'%1' is no address that exists; write one such as DM100 or R015")
+                    .arg(QString::fromUtf8(fields.at(1))));
+        values.append(QByteArray::number(*value));
+    }
+    return values.join(' ') + '\n';
 }
 
-QByteArray set(const Fields &fields, Controller *controller)
+// What is no value for one controller is none for the others.
+QByteArray set(const Fields &fields, const NamedControllers &controllers)
 {
-    return okOr(storeText(controller, fields.at(1), fields.at(2)));
-}
-
-QByteArray fault(const Fields &fields, Controller *controller)
-{
-    return okOr(controller->faults.add(fields.at(1)));
-}
-
-QByteArray clear(const Fields & /*fields*/, Controller *controller)
-{
-    controller->faults.clear();
+    for (const NamedController &named : controllers) {
+        const QString error = storeText(named.controller, fields.at(1), fields.at(2));
+        if (!error.isEmpty())
+            return okOr(error);
+    }
     return okOr({});
 }
 
-QByteArray counters(const Fields & /*fields*/, Controller *controller)
+QByteArray fault(const Fields &fields, const NamedControllers &controllers)
 {
-    return countersText(*controller) + '\n';
+    for (const NamedController &named : controllers) {
+        const QString error = named.controller->faults.refusal(fields.at(1));
+        if (!error.isEmpty())
+            return okOr(error);
+    }
+    for (const NamedController &named : controllers)
+        named.controller->faults.add(fields.at(1));
+    return okOr({});
 }
 
-QByteArray quit(const Fields & /*fields*/, Controller * /*controller*/)
+QByteArray clear(const Fields & /*fields*/, const NamedControllers &controllers)
+{
+    for (const NamedController &named : controllers)
+        named.controller->faults.clear();
+    return okOr({});
+}
+
+QByteArray counters(const Fields & /*fields*/, const NamedControllers &controllers)
+{
+    return countersText(controllers) + '\n';
+}
+
+QByteArray quit(const Fields & /*fields*/, const NamedControllers & /*controllers*/)
 {
     return okOr({});
 }
@@ -59,7 +75,7 @@ struct ControlCommand
     const char *name;
     int fields;
     const char *usage;
-    QByteArray (*answer)(const Fields &fields, Controller *controller);
+    QByteArray (*answer)(const Fields &fields, const NamedControllers &controllers);
 };
 
 constexpr std::array<ControlCommand, 6> commands{{
@@ -80,20 +96,50 @@ QString unknownCommand(const QByteArray &name)
         .arg(QString::fromUtf8(name), names.join(QLatin1String(", ")));
 }
 
-} // namespace
-
-ControlAnswer answerControl(const QByteArray &line, Controller *controller)
+NamedControllers named(const QByteArray &name, const NamedControllers &controllers)
 {
-    const Fields fields = line.simplified().split(' ');
-    const QByteArray &name = fields.constFirst();
+    NamedControllers found;
+    for (const NamedController &controller : controllers) {
+        if (controller.name == name)
+            found.append(controller);
+    }
+    return found;
+}
+
+QString unknownController(const QByteArray &name, const NamedControllers &controllers)
+{
+    QStringList names;
+    for (const NamedController &controller : controllers)
+        names.append(u'@' + QString::fromUtf8(controller.name));
+    return QStringLiteral("unknown controller '@%1'; use one of: %2")
+        .arg(QString::fromUtf8(name), names.join(QLatin1String(", ")));
+}
+
+ControlAnswer answerFields(const Fields &fields, const NamedControllers &controllers)
+{
+    const QByteArray name = fields.value(0);
     const auto *command = std::find_if(commands.cbegin(), commands.cend(),
                                        [&](const ControlCommand &c) { return name == c.name; });
     if (command == commands.cend())
         return {okOr(unknownCommand(name))};
     if (fields.size() != command->fields)
         return {okOr(QStringLiteral("'%1' is wrong; write %2")
-                         .arg(QString::fromUtf8(line), QLatin1String(command->usage)))};
-    return {command->answer(fields, controller), command->answer == quit};
+                         .arg(QString::fromUtf8(fields.join(' ')), QLatin1String(command->usage)))};
+    return {command->answer(fields, controllers), command->answer == quit};
+}
+
+} // namespace
+
+ControlAnswer answerControl(const QByteArray &line, const NamedControllers &controllers)
+{
+    Fields fields = line.simplified().split(' ');
+    if (!fields.constFirst().startsWith('@'))
+        return answerFields(fields, controllers);
+    const QByteArray name = fields.takeFirst().mid(1);
+    const NamedControllers one = named(name, controllers);
+    if (one.isEmpty())
+        return {okOr(unknownController(name, controllers))};
+    return answerFields(fields, one);
 }
 
 } // namespace kvsim

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QByteArray>
+#include "controller.h"
 
 namespace kvsim {
-
-struct Controller;
 
 /// What a control command comes to.
 struct ControlAnswer
@@ -16,8 +14,9 @@ struct ControlAnswer
 };
 
 /// Carries out one line of the control protocol, without its line end: "get DM100",
-/// "set DM100 5", "fault silent@DM100", "clear", "counters" or "quit". A line that is wrong changes
-/// nothing and is answered "error" and what is wrong.
-ControlAnswer answerControl(const QByteArray &line, Controller *controller);
+/// "set DM100 5", "fault silent@DM100", "clear", "counters" or "quit". It is for all `controllers`,
+/// or with "@NAME " before it for that one. A line that is wrong changes nothing and is answered
+/// "error" and what is wrong.
+ControlAnswer answerControl(const QByteArray &line, const NamedControllers &controllers);
 
 } // namespace kvsim

@@ -43,6 +43,17 @@ QByteArray countersText(const Controller &controller)
     return text;
 }
 
+QByteArray countersText(const NamedControllers &controllers)
+{
+    QByteArray text;
+    for (const NamedController &named : controllers) {
+        if (controllers.size() > 1)
+            text += "controller " + named.name + ' ' + named.endpoint + '\n';
+        text += countersText(*named.controller);
+    }
+    return text;
+}
+
 std::optional<int> valueAt(const Controller &controller, const QByteArray &address)
 {
     const std::optional<Address> place = parseAddress(address);

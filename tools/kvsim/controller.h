@@ -27,6 +27,17 @@ struct Controller
     Counters counters;
 };
 
+/// One of the controllers of a program.
+struct NamedController
+{
+    QByteArray name;
+    /// Where it listens, for example "127.0.0.1:8501".
+    QByteArray endpoint;
+    Controller *controller;
+};
+
+using NamedControllers = QVector<NamedController>;
+
 /// What follows from one client's command: executed or not, counted, and its proper answer kept in
 /// `previous`, which holds that to the client's command before, or nothing.
 Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *interpreter,
@@ -35,6 +46,10 @@ Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *inte
 /// The counters as text: a line "commands 5, answers 4, refusals 1, clients 2", then one for each
 /// fault in force, "fault silent@DM100: seen 2, applied 2".
 QByteArray countersText(const Controller &controller);
+
+/// The counters of all; where there are several controllers, a line "controller 1 127.0.0.1:8501"
+/// stands before those of each.
+QByteArray countersText(const NamedControllers &controllers);
 
 /// The word (0 to 65535) or bit (0 or 1) at `address`, for example "DM100"; nothing when there is
 /// no such address.

@@ -14,8 +14,8 @@ constexpr int unsentLimit = 64 * 1024;
 
 } // namespace
 
-ControlServer::ControlServer(Controller *controller, QObject *parent)
-    : QObject(parent), m_controller(controller)
+ControlServer::ControlServer(NamedControllers controllers, QObject *parent)
+    : QObject(parent), m_controllers(std::move(controllers))
 {
     connect(&m_listener, &QTcpServer::newConnection, this, &ControlServer::acceptClients);
 }
@@ -39,7 +39,7 @@ void ControlServer::acceptClients()
 void ControlServer::serve(QTcpSocket *socket)
 {
     while (socket->bytesToWrite() <= unsentLimit && socket->canReadLine()) {
-        const ControlAnswer answer = answerControl(socket->readLine().trimmed(), m_controller);
+        const ControlAnswer answer = answerControl(socket->readLine().trimmed(), m_controllers);
         socket->write(answer.text);
         if (answer.quit) {
             socket->flush();

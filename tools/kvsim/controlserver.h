@@ -1,12 +1,12 @@
 #pragma once
 
+#include "controller.h"
+
 #include <QTcpServer>
 
 namespace kvsim {
 
-struct Controller;
-
-/// Lets programs on the same machine look into a controller and change it, see answerControl().
+/// Lets programs on the same machine look into controllers and change them, see answerControl().
 class ControlServer : public QObject
 {
     Q_OBJECT
@@ -15,8 +15,8 @@ public:
     /// The longest line in bytes; a client that sends a longer one gets an error and is closed.
     static constexpr int maximumLine = 4096;
 
-    /// `controller` must outlive the server.
-    explicit ControlServer(Controller *controller, QObject *parent = nullptr);
+    /// The controllers must outlive the server.
+    explicit ControlServer(NamedControllers controllers, QObject *parent = nullptr);
 
     /// Starts to accept clients on 127.0.0.1; port 0 picks a free one. False when that is not
     /// possible: `errorString()` then tells why.
@@ -34,7 +34,7 @@ private:
     void acceptClients();
     void serve(QTcpSocket *socket);
 
-    Controller *m_controller;
+    NamedControllers m_controllers;
     QTcpServer m_listener;
 };
 

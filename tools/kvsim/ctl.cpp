@@ -42,8 +42,9 @@ int askSimulator(quint16 port, const QString &command)
     const bool connected = socket.waitForConnected(timeout);
     if (connected)
         socket.write(command.toUtf8() + '\n');
-    const QByteArray answer
-        = connected ? readAnswer(&socket, command == QLatin1String("counters")) : QByteArray();
+    const QByteArray answer = connected
+                                  ? readAnswer(&socket, command.endsWith(QLatin1String("counters")))
+                                  : QByteArray();
     if (answer.isEmpty())
         return fail(Failure, QStringLiteral("no answer from 127.0.0.1:%1: %2. Start the simulator "
                                             "with --control %1, or choose another --port.")

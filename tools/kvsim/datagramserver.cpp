@@ -118,24 +118,30 @@ void DatagramServer::schedule(const QNetworkDatagram &question, const QList<Acti
 {
     for (const Action &datagram : datagrams)
         m_waitingBytes += sizeWaiting(datagram);
-    depart(question, datagrams);
+    depart(std::make_shared<Answer>(Answer{question, datagrams}));
 }
 
-void DatagramServer::depart(const QNetworkDatagram &question, QList<Action> datagrams)
+void DatagramServer::depart(const Departure &departure)
 {
+    QList<Action> &datagrams = departure->datagrams;
     while (!datagrams.isEmpty()) {
         const int wait = std::exchange(datagrams.first().milliseconds, 0);
         if (wait > 0) {
-            QTimer::singleShot(wait, Qt::PreciseTimer, m_socket,
-                               [this, question, left = std::move(datagrams)]() mutable {
-                                   depart(question, std::move(left));
-                               });
+            auto *due = new QTimer(m_socket);
+            due->setTimerType(Qt::PreciseTimer);
+            connect(due, &QTimer::timeout, this, [this, due, departure] {
+                due->deleteLater();
+                depart(departure);
+            });
+            due->setSingleShot(true);
+            due->start(wait);
             return;
         }
         const Action datagram = datagrams.takeFirst();
         m_waitingBytes -= sizeWaiting(datagram);
         // Sent or not: nobody is told of a datagram that is lost.
-        m_socket->writeDatagram(question.makeReply(datagram.bytes.left(largestDatagram)));
+        m_socket->writeDatagram(
+            departure->question.makeReply(datagram.bytes.left(largestDatagram)));
     }
 }
 

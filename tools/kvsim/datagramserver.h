@@ -6,6 +6,8 @@
 #include <QNetworkDatagram>
 #include <QObject>
 
+#include <memory>
+
 class QUdpSocket;
 
 namespace kvsim {
@@ -64,10 +66,18 @@ Q_SIGNALS:
     void restartWanted(int milliseconds);
 
 private:
+    /// The datagrams that are still to be sent for one that was received.
+    struct Answer
+    {
+        QNetworkDatagram question;
+        QList<Action> datagrams;
+    };
+    using Departure = std::shared_ptr<Answer>;
+
     void receive();
     Reply reply(const Line &line, const QByteArray &client, bool open);
     void schedule(const QNetworkDatagram &question, const QList<Action> &datagrams);
-    void depart(const QNetworkDatagram &question, QList<Action> datagrams);
+    void depart(const Departure &departure);
 
     Controller *m_controller;
     CommandInterpreter *m_interpreter;

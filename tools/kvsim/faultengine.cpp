@@ -44,15 +44,29 @@ bool fits(const Fault &fault, const std::optional<Range> &range)
 
 } // namespace
 
-QString FaultEngine::add(const QByteArray &text)
+QString FaultEngine::refusalOf(const ParsedFault &parsed) const
 {
-    const ParsedFault parsed = parseFault(text);
     if (!parsed.fault)
         return parsed.error;
-    const QMutexLocker locker(&m_mutex);
     if (m_entries.size() >= maximumFaults)
         return QStringLiteral("%1 faults are in force already; clear them first")
             .arg(maximumFaults);
+    return {};
+}
+
+QString FaultEngine::refusal(const QByteArray &text) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return refusalOf(parseFault(text));
+}
+
+QString FaultEngine::add(const QByteArray &text)
+{
+    const ParsedFault parsed = parseFault(text);
+    const QMutexLocker locker(&m_mutex);
+    const QString error = refusalOf(parsed);
+    if (!error.isEmpty())
+        return error;
     m_entries.append({*parsed.fault, QRandomGenerator(parsed.fault->seed), {text, 0, 0}});
     return {};
 }

@@ -32,6 +32,9 @@ public:
     /// The most faults that are in force at a time.
     static constexpr int maximumFaults = 100;
 
+    /// Why add() would not take the fault; an empty text when it would.
+    QString refusal(const QByteArray &text) const;
+
     /// Puts a fault in force, see parseFault(); its counters begin at 0. Returns an empty text, or
     /// what is wrong: then nothing has changed.
     QString add(const QByteArray &text);
@@ -58,6 +61,7 @@ private:
         FaultCount count;
     };
 
+    QString refusalOf(const ParsedFault &parsed) const;
     static bool strikesNow(Entry *entry);
 
     mutable QMutex m_mutex;

@@ -1,10 +1,17 @@
 #include "options.h"
 
+#include "places.h"
+
 #include <QCommandLineParser>
 
 namespace kvsim {
 
 namespace {
+
+constexpr int mostControllers = 254;
+
+const QString controllersOption = QStringLiteral("controllers");
+const QString consecutiveOption = QStringLiteral("consecutive");
 
 Options answered(Options::Action action, const QString &text)
 {
@@ -33,12 +40,54 @@ std::optional<quint16> parsePort(const QString &text)
     return ok ? std::make_optional(port) : std::nullopt;
 }
 
+// How many controllers, 0 when the text is no such number.
+int parseControllers(const QString &text)
+{
+    bool ok = false;
+    const int count = text.toInt(&ok);
+    return ok && count >= 1 && count <= mostControllers ? count : 0;
+}
+
+std::optional<Consecutive> parseConsecutive(const QString &text)
+{
+    if (text == QLatin1String("addresses"))
+        return Consecutive::Addresses;
+    if (text == QLatin1String("ports"))
+        return Consecutive::Ports;
+    return std::nullopt;
+}
+
+Options placesFrom(const QHostAddress &address, quint16 port, const QCommandLineParser &parser)
+{
+    const QString controllers = parser.value(controllersOption);
+    const int count = parseControllers(controllers);
+    if (count == 0)
+        return refused(QStringLiteral("'%1' is no number of controllers; --controllers takes a "
+                                      "number from 1 to %2.")
+                           .arg(controllers)
+                           .arg(mostControllers));
+    const QString consecutive = parser.value(consecutiveOption);
+    const std::optional<Consecutive> differ = parseConsecutive(consecutive);
+    if (!differ)
+        return refused(QStringLiteral("'%1' is wrong; --consecutive takes addresses or ports.")
+                           .arg(consecutive));
+    if (parser.isSet(consecutiveOption) && !parser.isSet(controllersOption))
+        return refused(QStringLiteral("--consecutive says nothing without --controllers; write "
+                                      "both, or none."));
+    const Places places = consecutivePlaces(address, port, count, *differ);
+    if (!places.error.isEmpty())
+        return refused(places.error);
+    Options options;
+    options.places = places.places;
+    return options;
+}
+
 // The places to listen.
 Options servingOptions(const QCommandLineParser &parser)
 {
-    Options options;
     const QString bind = parser.value(QStringLiteral("bind"));
-    if (!options.address.setAddress(bind))
+    QHostAddress address;
+    if (!address.setAddress(bind))
         return refused(QStringLiteral("'%1' is no IP address; --bind takes one such as 127.0.0.1, "
                                       "or 0.0.0.0 for all interfaces.")
                            .arg(bind));
@@ -46,7 +95,7 @@ Options servingOptions(const QCommandLineParser &parser)
     const std::optional<quint16> number = parsePort(port);
     if (!number)
         return refusedPort(QStringLiteral("--port"), port);
-    options.port = *number;
+    Options options = placesFrom(address, *number, parser);
 
     const QString control = parser.value(QStringLiteral("control"));
     options.control = parsePort(control);
@@ -66,6 +115,8 @@ void addOptions(QCommandLineParser *parser)
         QCommandLineOption(QStringLiteral("trace")),
         {QStringLiteral("bind"), {}, value, QStringLiteral("127.0.0.1")},
         {QStringLiteral("port"), {}, value, QStringLiteral("8501")},
+        {controllersOption, {}, value, QStringLiteral("1")},
+        {consecutiveOption, {}, value, QStringLiteral("addresses")},
         {QStringLiteral("control"), {}, value},
         {QStringLiteral("fault"), {}, value},
         {QStringLiteral("set"), {}, value},

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QHostAddress>
+#include "simulation.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -14,8 +15,8 @@ struct Options
     enum class Action { Serve, ShowHelp, ShowVersion, RefuseUsage };
 
     Action action = Action::Serve;
-    QHostAddress address;
-    quint16 port = 0;
+    /// Where the controllers listen.
+    QList<Place> places;
     /// The port of the control protocol; nothing: there is none.
     std::optional<quint16> control;
     bool trace = false;

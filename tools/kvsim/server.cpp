@@ -40,6 +40,12 @@ bool Server::listen(const QHostAddress &address, quint16 port)
     return false;
 }
 
+void Server::close()
+{
+    m_listener->close();
+    m_datagrams->close();
+}
+
 bool Server::isListening() const
 {
     return m_listener->isListening();
@@ -95,8 +101,7 @@ void Server::restart(int milliseconds)
         return;
     m_downAddress = address();
     m_downPort = port();
-    m_listener->close();
-    m_datagrams->close();
+    close();
     const QList<Connection *> connections = m_connections;
     for (Connection *connection : connections)
         connection->drop();

@@ -25,6 +25,9 @@ public:
     /// `errorString()` then tells why.
     bool listen(const QHostAddress &address, quint16 port);
 
+    /// Accepts nobody any more. Who is connected stays.
+    void close();
+
     bool isListening() const;
     QString errorString() const { return m_errorString; }
     QHostAddress address() const;

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QStringList>
+
+/// The built simulator, KVSIM_PROGRAM, as a process of its own.
+class KvsimProcess
+{
+public:
+    static constexpr int timeout = 10000;
+
+    /// Waits for so many lines of output.
+    explicit KvsimProcess(const QStringList &arguments, int lines = 1)
+    {
+        m_process.start(QStringLiteral(KVSIM_PROGRAM), arguments);
+        for (int i = 0; i < lines; ++i)
+            m_lines.append(nextLine());
+    }
+
+    QProcess *process() { return &m_process; }
+
+    /// The lines that were waited for, without their line ends; empty what did not come.
+    QList<QByteArray> lines() const { return m_lines; }
+
+    /// The number behind the last colon of such a line; 0 when there is none.
+    quint16 port(int line = 0) const
+    {
+        const QByteArray text = m_lines.value(line);
+        return text.mid(text.lastIndexOf(':') + 1).toUShort();
+    }
+
+    /// Ends the program by SIGTERM. True when it ended with exit code 0.
+    bool terminate()
+    {
+        m_process.terminate();
+        return m_process.waitForFinished(timeout) && m_process.exitStatus() == QProcess::NormalExit
+               && m_process.exitCode() == 0;
+    }
+
+    /// What it has printed to standard error and was not asked for yet.
+    QByteArray errors() { return m_process.readAllStandardError(); }
+
+private:
+    QByteArray nextLine()
+    {
+        while (!m_process.canReadLine()) {
+            if (!m_process.waitForReadyRead(timeout))
+                return {};
+        }
+        return m_process.readLine().trimmed();
+    }
+
+    QProcess m_process;
+    QList<QByteArray> m_lines;
+};
