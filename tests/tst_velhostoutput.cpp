@@ -1,4 +1,4 @@
-#include <json.h>
+#include <jsonfile/json.h>
 #include <output.h>
 #include <table.h>
 

@@ -1,7 +1,8 @@
 #include "discoveroutput.h"
 
-#include "json.h"
 #include "table.h"
+
+#include <jsonfile/json.h>
 
 #include <QHostAddress>
 #include <QJsonArray>

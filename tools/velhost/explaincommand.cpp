@@ -1,7 +1,8 @@
 #include "explaincommand.h"
 
 #include "explain.h"
-#include "json.h"
+
+#include <jsonfile/json.h>
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,8 +1,8 @@
 #include "output.h"
 
 #include "csv.h"
-#include "json.h"
 #include "table.h"
+#include <jsonfile/json.h>
 
 #include <QJsonArray>
 #include <QJsonObject>

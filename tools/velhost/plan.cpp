@@ -1,8 +1,8 @@
 #include "plan.h"
 
-#include "json.h"
 #include "recorder.h"
 #include "table.h"
+#include <jsonfile/json.h>
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "problem.h"
+#include <jsonfile/problem.h>
 
 #include <QByteArray>
 #include <QList>

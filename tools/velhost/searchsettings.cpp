@@ -2,7 +2,8 @@
 
 #include "parameters.h"
 #include "portlist.h"
-#include "problem.h"
+
+#include <jsonfile/problem.h>
 
 #include <QRegularExpression>
 

@@ -1,7 +1,8 @@
 #include "watchsummary.h"
 
-#include "json.h"
 #include "table.h"
+
+#include <jsonfile/json.h>
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "writeoutput.h"
 
-#include "json.h"
 #include "table.h"
+#include <jsonfile/json.h>
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Something that is wrong with a plant file.
+/// Something that is wrong with a file.
 struct Problem
 {
     /// The line and the column of the file, LINE:COLUMN, where there is no place to tell.
