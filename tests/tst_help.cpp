@@ -161,6 +161,7 @@ void tst_Help::completes_data()
     QTest::newRow("simulator's options") << text("kvsim --p") << text("--port");
     QTest::newRow("what controllers differ in")
         << text("kvsim --consecutive ") << text("addresses ports");
+    QTest::newRow("simulator's files") << text("kvsim --config pl") << text("plant.json");
     QTest::newRow("ctl") << text("kvsim c") << text("ctl");
     QTest::newRow("commands of ctl") << text("kvsim ctl c") << text("clear counters");
     QTest::newRow("options of ctl") << text("kvsim ctl --p") << text("--port");

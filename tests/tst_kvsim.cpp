@@ -1,8 +1,7 @@
-#include <kvsim/interpreter.h>
+#include "interpreted.h"
 
 #include <QTest>
 
-using kvsim::CommandInterpreter;
 using kvsim::Memory;
 
 // What the simulated controller answers, command by command and without a network.
@@ -29,17 +28,6 @@ private Q_SLOTS:
 };
 
 namespace {
-
-QByteArray ask(Memory *memory, const QByteArray &command)
-{
-    return CommandInterpreter(memory).answer(command);
-}
-
-QByteArray askFresh(const QByteArray &command)
-{
-    Memory memory;
-    return ask(&memory, command);
-}
 
 QByteArray repeated(const QByteArray &text, int count)
 {

@@ -51,7 +51,7 @@ public:
 
 QByteArray answer(const QByteArray &line, Controller *controller)
 {
-    return kvsim::answerControl(line, {{"1", {}, controller}}).text;
+    return kvsim::answerControl(line, {{{"1", {}, controller}}, {}}).text;
 }
 
 ProgramRun runCtl(const QStringList &arguments)
@@ -79,6 +79,8 @@ void tst_KvsimControl::lines_data()
     row("clear", "ok\n");
     row("counters", "commands 0, answers 0, refusals 0, clients 0\n\n");
     row("quit", "ok\n");
+    row("dump", "error there is no file to write to; start the simulator with --dump\n");
+    row("dump DM7", "error 'dump DM7' is wrong; write dump\n");
     row("get QQ1", "error 'QQ1' is no address that exists; write one such as DM100 or R015\n");
     row("set QQ1 1", "error 'QQ1' is no address that exists; write one such as DM100 or R015\n");
     row("set DM100 65536", "error '65536' is no value for DM100; write a number from 0 to 65535\n");
@@ -91,8 +93,8 @@ void tst_KvsimControl::lines_data()
     row("clear all", "error 'clear all' is wrong; write clear\n");
     row("quit now", "error 'quit now' is wrong; write quit\n");
     row("Get DM100",
-        "error unknown command 'Get'; use one of: get, set, fault, clear, counters, quit\n");
-    row("", "error unknown command ''; use one of: get, set, fault, clear, counters, quit\n");
+        "error unknown command 'Get'; use one of: get, set, fault, clear, counters, dump, quit\n");
+    row("", "error unknown command ''; use one of: get, set, fault, clear, counters, dump, quit\n");
 }
 
 void tst_KvsimControl::lines()
@@ -101,7 +103,7 @@ void tst_KvsimControl::lines()
     QFETCH(QByteArray, answer);
 
     Controller controller;
-    const kvsim::ControlAnswer result = kvsim::answerControl(line, {{"1", {}, &controller}});
+    const kvsim::ControlAnswer result = kvsim::answerControl(line, {{{"1", {}, &controller}}, {}});
     QCOMPARE(result.text, answer);
     QCOMPARE(result.quit, line == "quit");
 }

@@ -187,8 +187,9 @@ void tst_KvsimControllers::controlErrors_data()
     row("@0 clear", "unknown controller '@0'; use one of: @1, @2");
     row("@3 clear", "unknown controller '@3'; use one of: @1, @2");
     row("@ clear", "unknown controller '@'; use one of: @1, @2");
-    row("@1", "unknown command ''; use one of: get, set, fault, clear, counters, quit");
-    row("@1 @2 clear", "unknown command '@2'; use one of: get, set, fault, clear, counters, quit");
+    row("@1", "unknown command ''; use one of: get, set, fault, clear, counters, dump, quit");
+    row("@1 @2 clear",
+        "unknown command '@2'; use one of: get, set, fault, clear, counters, dump, quit");
     row("@1 clear all", "'clear all' is wrong; write clear");
     row("set DM7 65536", "'65536' is no value for DM7; write a number from 0 to 65535");
 }

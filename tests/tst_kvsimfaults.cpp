@@ -93,6 +93,7 @@ void tst_KvsimFaults::read_data()
     value("dribble=5000", "0");
     value("no-terminator", "100");
     value("empty", "0");
+    value("garbage=20", "0");
     value("nul", "0");
     value("long=20", "0");
     value("long=1048576", "0");

@@ -1,8 +1,7 @@
-#include <kvsim/interpreter.h>
+#include "interpreted.h"
 
 #include <QTest>
 
-using kvsim::CommandInterpreter;
 using kvsim::Memory;
 
 // What the simulated controller refuses, and that a refusal leaves the memory as it was.
@@ -18,21 +17,6 @@ private Q_SLOTS:
     void refusedWrites_data();
     void refusedWrites();
 };
-
-namespace {
-
-QByteArray ask(Memory *memory, const QByteArray &command)
-{
-    return CommandInterpreter(memory).answer(command);
-}
-
-QByteArray askFresh(const QByteArray &command)
-{
-    Memory memory;
-    return ask(&memory, command);
-}
-
-} // namespace
 
 void tst_KvsimRefusals::malformedCommands_data()
 {

@@ -16,10 +16,10 @@ QByteArray okOr(const QString &error)
     return error.isEmpty() ? QByteArray("ok\n") : QByteArray("error " + error.toUtf8() + '\n');
 }
 
-QByteArray get(const Fields &fields, const NamedControllers &controllers)
+QByteArray get(const Fields &fields, const ControlTarget &target)
 {
     QList<QByteArray> values;
-    for (const NamedController &named : controllers) {
+    for (const NamedController &named : target.controllers) {
         const std::optional<int> value = valueAt(*named.controller, fields.at(1));
         if (!value)
             return okOr(
@@ -30,42 +30,51 @@ QByteArray get(const Fields &fields, const NamedControllers &controllers)
     return values.join(' ') + '\n';
 }
 
-// What is no value for one controller is none for the others.
-QByteArray set(const Fields &fields, const NamedControllers &controllers)
+QByteArray set(const Fields &fields, const ControlTarget &target)
 {
-    for (const NamedController &named : controllers) {
-        const QString error = storeText(named.controller, fields.at(1), fields.at(2));
+    for (const NamedController &named : target.controllers) {
+        const QString error = storeRefusal(*named.controller, fields.at(1), fields.at(2));
         if (!error.isEmpty())
             return okOr(error);
     }
+    for (const NamedController &named : target.controllers)
+        storeText(named.controller, fields.at(1), fields.at(2));
     return okOr({});
 }
 
-QByteArray fault(const Fields &fields, const NamedControllers &controllers)
+QByteArray fault(const Fields &fields, const ControlTarget &target)
 {
-    for (const NamedController &named : controllers) {
+    for (const NamedController &named : target.controllers) {
         const QString error = named.controller->faults.refusal(fields.at(1));
         if (!error.isEmpty())
             return okOr(error);
     }
-    for (const NamedController &named : controllers)
+    for (const NamedController &named : target.controllers)
         named.controller->faults.add(fields.at(1));
     return okOr({});
 }
 
-QByteArray clear(const Fields & /*fields*/, const NamedControllers &controllers)
+QByteArray clear(const Fields & /*fields*/, const ControlTarget &target)
 {
-    for (const NamedController &named : controllers)
+    for (const NamedController &named : target.controllers)
         named.controller->faults.clear();
     return okOr({});
 }
 
-QByteArray counters(const Fields & /*fields*/, const NamedControllers &controllers)
+QByteArray counters(const Fields & /*fields*/, const ControlTarget &target)
 {
-    return countersText(controllers) + '\n';
+    return countersText(target.controllers) + '\n';
 }
 
-QByteArray quit(const Fields & /*fields*/, const NamedControllers & /*controllers*/)
+QByteArray dump(const Fields & /*fields*/, const ControlTarget &target)
+{
+    if (!target.dump)
+        return okOr(
+            QStringLiteral("there is no file to write to; start the simulator with --dump"));
+    return okOr(target.dump());
+}
+
+QByteArray quit(const Fields & /*fields*/, const ControlTarget & /*target*/)
 {
     return okOr({});
 }
@@ -75,15 +84,16 @@ struct ControlCommand
     const char *name;
     int fields;
     const char *usage;
-    QByteArray (*answer)(const Fields &fields, const NamedControllers &controllers);
+    QByteArray (*answer)(const Fields &fields, const ControlTarget &target);
 };
 
-constexpr std::array<ControlCommand, 6> commands{{
+constexpr std::array<ControlCommand, 7> commands{{
     {"get", 2, "get ADDRESS", get},
     {"set", 3, "set ADDRESS VALUE", set},
     {"fault", 2, "fault FAULT", fault},
     {"clear", 1, "clear", clear},
     {"counters", 1, "counters", counters},
+    {"dump", 1, "dump", dump},
     {"quit", 1, "quit", quit},
 }};
 
@@ -115,7 +125,7 @@ QString unknownController(const QByteArray &name, const NamedControllers &contro
         .arg(QString::fromUtf8(name), names.join(QLatin1String(", ")));
 }
 
-ControlAnswer answerFields(const Fields &fields, const NamedControllers &controllers)
+ControlAnswer answerFields(const Fields &fields, const ControlTarget &target)
 {
     const QByteArray name = fields.value(0);
     const auto *command = std::find_if(commands.cbegin(), commands.cend(),
@@ -125,21 +135,21 @@ ControlAnswer answerFields(const Fields &fields, const NamedControllers &control
     if (fields.size() != command->fields)
         return {okOr(QStringLiteral("'%1' is wrong; write %2")
                          .arg(QString::fromUtf8(fields.join(' ')), QLatin1String(command->usage)))};
-    return {command->answer(fields, controllers), command->answer == quit};
+    return {command->answer(fields, target), command->answer == quit};
 }
 
 } // namespace
 
-ControlAnswer answerControl(const QByteArray &line, const NamedControllers &controllers)
+ControlAnswer answerControl(const QByteArray &line, const ControlTarget &target)
 {
     Fields fields = line.simplified().split(' ');
     if (!fields.constFirst().startsWith('@'))
-        return answerFields(fields, controllers);
+        return answerFields(fields, target);
     const QByteArray name = fields.takeFirst().mid(1);
-    const NamedControllers one = named(name, controllers);
+    const NamedControllers one = named(name, target.controllers);
     if (one.isEmpty())
-        return {okOr(unknownController(name, controllers))};
-    return answerFields(fields, one);
+        return {okOr(unknownController(name, target.controllers))};
+    return answerFields(fields, {one, target.dump});
 }
 
 } // namespace kvsim

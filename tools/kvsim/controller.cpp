@@ -63,14 +63,16 @@ std::optional<int> valueAt(const Controller &controller, const QByteArray &addre
 bool store(Controller *controller, const QByteArray &address, int value)
 {
     const std::optional<Address> place = parseAddress(address);
-    if (!place || value < 0 || value > maximumValue(place->device->kind))
+    if (!place || value < 0 || value > maximumValue(place->device->kind)
+        || controller->memory.isGenerated(*place))
         return false;
 
     controller->memory.setValue(*place, static_cast<quint16>(value));
     return true;
 }
 
-QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value)
+QString storeRefusal(const Controller &controller, const QByteArray &address,
+                     const QByteArray &value)
 {
     const std::optional<Address> place = parseAddress(address);
     if (!place)
@@ -82,8 +84,18 @@ QString storeText(Controller *controller, const QByteArray &address, const QByte
         return QStringLiteral("'%1' is no value for %2; write a number from 0 to %3")
             .arg(QString::fromLocal8Bit(value), QString::fromLocal8Bit(address))
             .arg(most);
-    controller->memory.setValue(*place, static_cast<quint16>(*number));
+    if (controller.memory.isGenerated(*place))
+        return QStringLiteral("a generator makes the value of '%1'; choose another address")
+            .arg(QString::fromLocal8Bit(address));
     return {};
+}
+
+QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value)
+{
+    const QString error = storeRefusal(*controller, address, value);
+    if (error.isEmpty())
+        store(controller, address, value.toInt());
+    return error;
 }
 
 } // namespace kvsim

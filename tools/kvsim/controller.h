@@ -2,6 +2,7 @@
 
 #include "faultengine.h"
 #include "memory.h"
+#include "profile.h"
 
 #include <atomic>
 
@@ -22,6 +23,9 @@ struct Counters
 /// The controller behind all connections. Safe to use from several threads.
 struct Controller
 {
+    explicit Controller(Profile theProfile = {}) : profile(std::move(theProfile)) {}
+
+    const Profile profile;
     Memory memory;
     FaultEngine faults;
     Counters counters;
@@ -56,11 +60,16 @@ QByteArray countersText(const NamedControllers &controllers);
 std::optional<int> valueAt(const Controller &controller, const QByteArray &address);
 
 /// Stores a word (0 to 65535) or a bit (0 or 1), in a read-only device too. False, and nothing is
-/// stored, when there is no such address or the value does not fit.
+/// stored, when there is no such address, the value does not fit or a generator makes it.
 bool store(Controller *controller, const QByteArray &address, int value);
 
-/// Stores what two texts say, for example "DM100" and "5". Returns an empty text, or what is wrong
-/// and what to write instead: then nothing is stored.
+/// Why storeText() would store nothing: what is wrong and what to write instead. An empty text when
+/// it would store.
+QString storeRefusal(const Controller &controller, const QByteArray &address,
+                     const QByteArray &value);
+
+/// Stores what two texts say, for example "DM100" and "5". Returns an empty text, or what is wrong:
+/// then nothing is stored.
 QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value);
 
 } // namespace kvsim

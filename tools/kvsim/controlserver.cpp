@@ -1,7 +1,5 @@
 #include "controlserver.h"
 
-#include "control.h"
-
 #include <QHostAddress>
 #include <QTcpSocket>
 
@@ -14,8 +12,8 @@ constexpr int unsentLimit = 64 * 1024;
 
 } // namespace
 
-ControlServer::ControlServer(NamedControllers controllers, QObject *parent)
-    : QObject(parent), m_controllers(std::move(controllers))
+ControlServer::ControlServer(ControlTarget target, QObject *parent)
+    : QObject(parent), m_target(std::move(target))
 {
     connect(&m_listener, &QTcpServer::newConnection, this, &ControlServer::acceptClients);
 }
@@ -39,7 +37,7 @@ void ControlServer::acceptClients()
 void ControlServer::serve(QTcpSocket *socket)
 {
     while (socket->bytesToWrite() <= unsentLimit && socket->canReadLine()) {
-        const ControlAnswer answer = answerControl(socket->readLine().trimmed(), m_controllers);
+        const ControlAnswer answer = answerControl(socket->readLine().trimmed(), m_target);
         socket->write(answer.text);
         if (answer.quit) {
             socket->flush();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controller.h"
+#include "control.h"
 
 #include <QTcpServer>
 
@@ -16,7 +16,7 @@ public:
     static constexpr int maximumLine = 4096;
 
     /// The controllers must outlive the server.
-    explicit ControlServer(NamedControllers controllers, QObject *parent = nullptr);
+    explicit ControlServer(ControlTarget target, QObject *parent = nullptr);
 
     /// Starts to accept clients on 127.0.0.1; port 0 picks a free one. False when that is not
     /// possible: `errorString()` then tells why.
@@ -34,7 +34,7 @@ private:
     void acceptClients();
     void serve(QTcpSocket *socket);
 
-    NamedControllers m_controllers;
+    ControlTarget m_target;
     QTcpServer m_listener;
 };
 

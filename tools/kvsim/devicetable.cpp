@@ -2,6 +2,8 @@
 
 #include "number.h"
 
+#include <QStringBuilder>
+
 #include <array>
 
 namespace kvsim {
@@ -75,6 +77,29 @@ std::optional<Address> parseAddress(const QByteArray &text)
     if (!number || !exists(*device, *number))
         return std::nullopt;
     return Address{device, indexOf(*device, *number)};
+}
+
+bool overlap(const Range &one, const Range &other)
+{
+    const auto end = [](const Range &range) { return quint64(range.first.index) + range.count; };
+    return one.first.device == other.first.device && one.first.index < end(other)
+           && other.first.index < end(one);
+}
+
+QByteArray addressText(Address address)
+{
+    const quint32 index = address.index;
+    const QByteArray name(address.device->name);
+    switch (address.device->notation) {
+    case Notation::Decimal:
+        break;
+    case Notation::Hexadecimal:
+        return name + QByteArray::number(index, 16).toUpper();
+    case Notation::ChannelAndBit:
+        return name + QByteArray::number(index / bitsPerChannel)
+               + QByteArray::number(index % bitsPerChannel).rightJustified(2, '0');
+    }
+    return name + QByteArray::number(index);
 }
 
 quint32 countToEnd(Address address)

@@ -45,9 +45,22 @@ struct Address
     quint32 index;
 };
 
+/// Neighbouring words or bits.
+struct Range
+{
+    Address first;
+    quint32 count;
+};
+
+/// Whether they have a word or bit in common.
+bool overlap(const Range &one, const Range &other);
+
 /// The address that `text` ("DM100", "R015", "W1F") names, or nothing when there is no such device
 /// or no such number.
 std::optional<Address> parseAddress(const QByteArray &text);
+
+/// The text that parseAddress() reads back: "DM100", "R015", "W1F".
+QByteArray addressText(Address address);
 
 /// How many words or bits there are from `address` to the end of its device, itself included.
 quint32 countToEnd(Address address);

@@ -10,12 +10,6 @@ namespace kvsim {
 
 namespace {
 
-struct Range
-{
-    Address first;
-    quint32 count;
-};
-
 // The words or bits that a command names, whether they all exist or not.
 std::optional<Range> rangeOf(const QByteArray &line)
 {
@@ -37,9 +31,7 @@ bool fits(const Fault &fault, const std::optional<Range> &range)
         return false;
     if (!fault.address)
         return true;
-    return range && range->first.device == fault.address->device
-           && fault.address->index >= range->first.index
-           && fault.address->index - range->first.index < range->count;
+    return range && overlap(*range, {*fault.address, 1});
 }
 
 } // namespace

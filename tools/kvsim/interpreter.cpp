@@ -21,8 +21,7 @@ struct Query
     const char *answer;
 };
 
-constexpr std::array<Query, 3> queries{{
-    {"?K", "55"},  // model code of a KV-7500
+constexpr std::array<Query, 2> queries{{
     {"?M", "1"},   // RUN
     {"?E", "000"}, // no error
 }};
@@ -81,9 +80,18 @@ QByteArray valueText(DeviceKind kind, quint16 value)
     return kind == DeviceKind::Word ? digits.rightJustified(5, '0') : digits;
 }
 
+bool overlapsAny(const QVector<Range> &ranges, const Range &range)
+{
+    return std::any_of(ranges.cbegin(), ranges.cend(),
+                       [&](const Range &other) { return overlap(range, other); });
+}
+
 } // namespace
 
-CommandInterpreter::CommandInterpreter(Memory *memory) : m_memory(memory) {}
+CommandInterpreter::CommandInterpreter(Memory *memory, Profile profile)
+    : m_memory(memory), m_profile(std::move(profile))
+{
+}
 
 QByteArray CommandInterpreter::answer(const QByteArray &line)
 {
@@ -111,6 +119,8 @@ QByteArray CommandInterpreter::execute(const QByteArray &line)
     if (command == "WRS" && fields.size() > 3)
         return writeMany(fields);
 
+    if (command == "?K" && fields.size() == 1)
+        return m_profile.model;
     const auto *query = std::find_if(queries.cbegin(), queries.cend(),
                                      [&](Query q) { return command == q.command; });
     return query != queries.cend() && fields.size() == 1 ? query->answer : malformed;
@@ -131,33 +141,44 @@ QByteArray CommandInterpreter::writeMany(const QList<QByteArray> &fields)
     return write(fields.at(1), texts);
 }
 
-QByteArray CommandInterpreter::read(const QByteArray &start, quint32 count) const
+// The address of the first of so many words or bits that all exist.
+std::optional<Address> CommandInterpreter::existing(const QByteArray &start, quint32 count) const
 {
     const std::optional<Address> address = parseAddress(start);
-    if (!address || countToEnd(*address) < count)
+    if (!address || countToEnd(*address) < count
+        || overlapsAny(m_profile.missing, {*address, count}))
+        return std::nullopt;
+    return address;
+}
+
+QByteArray CommandInterpreter::read(const QByteArray &start, quint32 count) const
+{
+    const std::optional<Address> address = existing(start, count);
+    if (!address)
         return noSuchDevice;
 
-    const Device *device = address->device;
     QByteArray text;
-    for (quint32 i = 0; i < count; ++i) {
-        if (i > 0)
+    const QVector<quint16> values = m_memory->values({*address, count});
+    for (const quint16 value : values) {
+        if (!text.isEmpty())
             text += ' ';
-        text += valueText(device->kind, m_memory->value({device, address->index + i}));
+        text += valueText(address->device->kind, value);
     }
     return text;
 }
 
 QByteArray CommandInterpreter::write(const QByteArray &start, const QList<QByteArray> &texts)
 {
-    const std::optional<Address> address = parseAddress(start);
-    if (!address || countToEnd(*address) < static_cast<quint32>(texts.size()))
+    const auto count = static_cast<quint32>(texts.size());
+    const std::optional<Address> address = existing(start, count);
+    if (!address)
         return noSuchDevice;
 
     const Device *device = address->device;
     const std::optional<QVector<quint16>> values = parseValues(device->kind, texts);
     if (!values)
         return malformed;
-    if (device->access == Access::ReadOnly)
+    if (device->access == Access::ReadOnly || overlapsAny(m_profile.readOnly, {*address, count}))
         return writeProtected;
 
     quint32 index = address->index;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "memory.h"
+#include "profile.h"
 
 #include <QByteArray>
 #include <QList>
@@ -15,7 +16,7 @@ class CommandInterpreter
 {
 public:
     /// `memory` must outlive the interpreter.
-    explicit CommandInterpreter(Memory *memory);
+    explicit CommandInterpreter(Memory *memory, Profile profile = {});
 
     /// The answer to one command line (without its carriage return and without line feeds), ended
     /// by CR LF. A command that is refused changes nothing.
@@ -31,7 +32,10 @@ private:
     QByteArray read(const QByteArray &start, quint32 count) const;
     QByteArray write(const QByteArray &start, const QList<QByteArray> &texts);
 
+    std::optional<Address> existing(const QByteArray &start, quint32 count) const;
+
     Memory *m_memory;
+    Profile m_profile;
 };
 
 } // namespace kvsim

@@ -11,6 +11,7 @@ namespace {
 constexpr int mostControllers = 254;
 
 const QString controllersOption = QStringLiteral("controllers");
+const QString configOption = QStringLiteral("config");
 const QString consecutiveOption = QStringLiteral("consecutive");
 
 Options answered(Options::Action action, const QString &text)
@@ -74,6 +75,10 @@ Options placesFrom(const QHostAddress &address, quint16 port, const QCommandLine
     if (parser.isSet(consecutiveOption) && !parser.isSet(controllersOption))
         return refused(QStringLiteral("--consecutive says nothing without --controllers; write "
                                       "both, or none."));
+    if (parser.isSet(configOption) && parser.isSet(controllersOption))
+        return refused(
+            QStringLiteral("--controllers and --config exclude each other; the file says "
+                           "how many there are."));
     const Places places = consecutivePlaces(address, port, count, *differ);
     if (!places.error.isEmpty())
         return refused(places.error);
@@ -117,6 +122,9 @@ void addOptions(QCommandLineParser *parser)
         {QStringLiteral("port"), {}, value, QStringLiteral("8501")},
         {controllersOption, {}, value, QStringLiteral("1")},
         {consecutiveOption, {}, value, QStringLiteral("addresses")},
+        {configOption, {}, value},
+        {QStringLiteral("load"), {}, value},
+        {QStringLiteral("dump"), {}, value},
         {QStringLiteral("control"), {}, value},
         {QStringLiteral("fault"), {}, value},
         {QStringLiteral("set"), {}, value},
@@ -140,6 +148,13 @@ Options parseOptions(const QStringList &arguments)
                            .arg(parser.positionalArguments().constFirst()));
 
     Options options = servingOptions(parser);
+    for (const QString &file : {configOption, QStringLiteral("load"), QStringLiteral("dump")}) {
+        if (parser.isSet(file) && parser.value(file).isEmpty())
+            return refused(QStringLiteral("--%1 takes the name of a file.").arg(file));
+    }
+    options.config = parser.value(configOption);
+    options.load = parser.value(QStringLiteral("load"));
+    options.dump = parser.value(QStringLiteral("dump"));
     options.trace = parser.isSet(QStringLiteral("trace"));
     options.faults = parser.values(QStringLiteral("fault"));
     options.values = parser.values(QStringLiteral("set"));

@@ -15,8 +15,13 @@ struct Options
     enum class Action { Serve, ShowHelp, ShowVersion, RefuseUsage };
 
     Action action = Action::Serve;
-    /// Where the controllers listen.
+    /// Where the controllers listen; with a configuration, the one place where those listen that it
+    /// gives none.
     QList<Place> places;
+    /// Files; empty: none.
+    QString config;
+    QString load;
+    QString dump;
     /// The port of the control protocol; nothing: there is none.
     std::optional<quint16> control;
     bool trace = false;

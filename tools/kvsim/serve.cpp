@@ -1,6 +1,8 @@
 #include "serve.h"
 
+#include "config.h"
 #include "controlserver.h"
+#include "memoryfile.h"
 #include "options.h"
 #include "processsignals.h"
 #include "simulation.h"
@@ -63,42 +65,89 @@ int listen(const Options &options, Simulation *simulation, ControlServer *contro
     return print(QString::fromLatin1(lines));
 }
 
-} // namespace
-
-int serve(const Options &options)
+int failFile(const QStringList &errors)
 {
-    Simulation simulation(options.places);
-    const auto report
-        = [&simulation] { std::fputs(countersText(simulation.controllers()).constData(), stderr); };
-    if (!handleSignals(QCoreApplication::instance(), report))
-        return fail(Failure, QLatin1String("cannot catch signals: ") + qt_error_string(errno));
+    for (const QString &error : errors)
+        fail(WrongUsage, error);
+    return WrongUsage;
+}
 
-    for (const NamedController &named : simulation.controllers()) {
+QList<Setup> setupsOf(const Options &options, QStringList *errors)
+{
+    if (!options.config.isEmpty())
+        return readConfig(options.config, options.places.constFirst(), errors);
+    QList<Setup> setups;
+    for (const Place &place : options.places) {
+        Setup setup;
+        setup.place = place;
+        setups.append(setup);
+    }
+    return setups;
+}
+
+// What the files and the options put into the controllers.
+int fill(const Options &options, const NamedControllers &controllers)
+{
+    const QStringList errors
+        = options.load.isEmpty() ? QStringList() : loadMemory(options.load, controllers);
+    if (!errors.isEmpty())
+        return failFile(errors);
+    for (const NamedController &named : controllers) {
         const QString error = prepare(options, named.controller);
         if (!error.isEmpty())
             return fail(WrongUsage, error + QLatin1String(" See kvsim --help."));
     }
+    return Success;
+}
+
+// Runs until it is told to end.
+int run(const Options &options, Simulation *simulation, const std::function<void()> &report)
+{
     if (options.trace)
-        QObject::connect(&simulation, &Simulation::answered, &simulation, traceExchange);
-    QObject::connect(&simulation, &Simulation::stayedDown, &simulation, [](const QString &reason) {
+        QObject::connect(simulation, &Simulation::answered, simulation, traceExchange);
+    QObject::connect(simulation, &Simulation::stayedDown, simulation, [](const QString &reason) {
         QCoreApplication::exit(
             fail(Failure, QStringLiteral("cannot listen again after a restart: %1. End what "
                                          "listens on that port.")
                               .arg(reason)));
     });
-    if (!simulation.listen())
-        return fail(Failure, QStringLiteral("cannot listen on %1. Choose another --bind or --port.")
-                                 .arg(simulation.errorString()));
+    if (!simulation->listen())
+        return fail(Failure, QStringLiteral("cannot listen on %1. Choose another %2.")
+                                 .arg(simulation->errorString(),
+                                      options.config.isEmpty()
+                                          ? QStringLiteral("--bind or --port")
+                                          : QStringLiteral("address or port in the file")));
 
-    ControlServer control(simulation.controllers());
+    const NamedControllers controllers = simulation->controllers();
+    const DumpTarget dump = [&] { return saveMemory(options.dump, controllers); };
+    ControlServer control({controllers, options.dump.isEmpty() ? DumpTarget() : dump});
     QObject::connect(&control, &ControlServer::quitWanted, QCoreApplication::instance(),
                      &QCoreApplication::quit);
-    const int listening = listen(options, &simulation, &control);
+    const int listening = listen(options, simulation, &control);
     if (listening != Success)
         return listening;
     const int code = QCoreApplication::exec();
     report();
-    return code;
+    const QString error = options.dump.isEmpty() ? QString() : dump();
+    return error.isEmpty() ? code : fail(Failure, error);
+}
+
+} // namespace
+
+int serve(const Options &options)
+{
+    QStringList errors;
+    const QList<Setup> setups = setupsOf(options, &errors);
+    if (!errors.isEmpty())
+        return failFile(errors);
+    Simulation simulation(setups);
+    const auto report
+        = [&simulation] { std::fputs(countersText(simulation.controllers()).constData(), stderr); };
+    if (!handleSignals(QCoreApplication::instance(), report))
+        return fail(Failure, QLatin1String("cannot catch signals: ") + qt_error_string(errno));
+
+    const int filled = fill(options, simulation.controllers());
+    return filled == Success ? run(options, &simulation, report) : filled;
 }
 
 } // namespace kvsim

@@ -9,8 +9,8 @@
 namespace kvsim {
 
 Server::Server(Controller *controller, QObject *parent)
-    : QObject(parent), m_controller(controller), m_interpreter(&controller->memory),
-      m_listener(new QTcpServer(this)),
+    : QObject(parent), m_controller(controller),
+      m_interpreter(&controller->memory, controller->profile), m_listener(new QTcpServer(this)),
       m_datagrams(new DatagramServer(controller, &m_interpreter, this)), m_down(this)
 {
     m_down.setSingleShot(true);

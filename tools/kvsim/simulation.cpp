@@ -6,7 +6,15 @@ namespace kvsim {
 
 struct Simulation::Station
 {
-    explicit Station(Place thePlace) : place(std::move(thePlace)) {}
+    explicit Station(const Setup &setup) : place(setup.place), controller(setup.profile)
+    {
+        for (const Generated &generated : setup.generators)
+            controller.memory.generate(generated.address, generated.generator);
+        for (const Cell &cell : setup.memory)
+            controller.memory.setValue(cell.address, cell.value);
+        for (const QByteArray &fault : setup.faults)
+            controller.faults.add(fault);
+    }
 
     Place place;
     QByteArray endpoint;
@@ -14,12 +22,12 @@ struct Simulation::Station
     Server server{&controller};
 };
 
-Simulation::Simulation(const QList<Place> &places, QObject *parent) : QObject(parent)
+Simulation::Simulation(const QList<Setup> &setups, QObject *parent) : QObject(parent)
 {
-    for (const Place &place : places) {
-        m_stations.push_back(std::make_unique<Station>(place));
+    for (const Setup &setup : setups) {
+        m_stations.push_back(std::make_unique<Station>(setup));
         Server *server = &m_stations.back()->server;
-        const QByteArray prefix = places.size() > 1 ? place.name + ' ' : QByteArray();
+        const QByteArray prefix = setups.size() > 1 ? setup.place.name + ' ' : QByteArray();
         connect(server, &Server::answered, this,
                 [this, prefix](const QByteArray &client, const QByteArray &command,
                                const QByteArray &answer, const QByteArray &fault) {

@@ -19,6 +19,23 @@ struct Place
     std::optional<quint16> behindFirst;
 };
 
+/// A word or bit that changes by itself.
+struct Generated
+{
+    Address address;
+    Generator generator;
+};
+
+/// What one of the controllers is at the start.
+struct Setup
+{
+    Place place;
+    Profile profile;
+    QVector<Generated> generators;
+    QVector<Cell> memory;
+    QList<QByteArray> faults;
+};
+
 /// The controllers of one program, each with a server of its own.
 class Simulation : public QObject
 {
@@ -26,7 +43,7 @@ class Simulation : public QObject
 
 public:
     /// At least one controller.
-    explicit Simulation(const QList<Place> &places, QObject *parent = nullptr);
+    explicit Simulation(const QList<Setup> &setups, QObject *parent = nullptr);
     ~Simulation() override;
     Simulation(const Simulation &) = delete;
     Simulation &operator=(const Simulation &) = delete;

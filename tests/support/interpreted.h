@@ -1,0 +1,16 @@
+#pragma once
+
+#include <kvsim/interpreter.h>
+
+/// What the simulated controller answers with this memory, without a network.
+inline QByteArray ask(kvsim::Memory *memory, const QByteArray &command)
+{
+    return kvsim::CommandInterpreter(memory).answer(command);
+}
+
+/// The same with fresh memory.
+inline QByteArray askFresh(const QByteArray &command)
+{
+    kvsim::Memory memory;
+    return ask(&memory, command);
+}

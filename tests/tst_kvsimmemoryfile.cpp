@@ -1,0 +1,209 @@
+#include "kvsimprocess.h"
+#include "programrun.h"
+#include "testfolder.h"
+#include "text.h"
+#include "textclient.h"
+
+#include <QDir>
+#include <QTest>
+
+// Memory that is kept over a restart of the program.
+class tst_KvsimMemoryFile : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void dump();
+    void nothingWritten();
+    void loadAndDump();
+    void everythingOfADevice();
+    void dumpOnCommand();
+    void filesThatCannotBeWritten();
+    void faults_data();
+    void faults();
+};
+
+namespace {
+
+QStringList started(const QStringList &more)
+{
+    return QStringList{text("--port"), text("0")} + more;
+}
+
+// One controller with this memory.
+QByteArray one(const QByteArray &memory)
+{
+    return "{\"controllers\": [\n  {\"name\": \"1\", \"memory\": {" + memory + "}}\n]}\n";
+}
+
+} // namespace
+
+// Only what was written, device by device, neighbours in one line.
+void tst_KvsimMemoryFile::dump()
+{
+    const TestFolder folder;
+    const QString file = folder.write(text("memory.json"), "what was there before");
+    KvsimProcess simulator(started({text("--dump"), file, text("--set"), text("CM7=8")}));
+    TextClient client(simulator.port());
+    QCOMPARE(client.ask("WR R1015 1\r"), QByteArray("OK\r\n"));
+    QCOMPARE(client.ask("WRS R000 2 1 0\r"), QByteArray("OK\r\n"));
+    QCOMPARE(client.ask("WR W1F 31\r"), QByteArray("OK\r\n"));
+    QCOMPARE(client.ask("WRS DM98 3 1 -1 3\r"), QByteArray("OK\r\n"));
+    QCOMPARE(client.ask("WR DM102 65535\r"), QByteArray("OK\r\n"));
+    QCOMPARE(client.ask("WR CM9 1\r"), QByteArray("E4\r\n"));
+    QVERIFY(simulator.terminate());
+    QCOMPARE(folder.read(text("memory.json")), one(R"(
+    "DM98": [1, 65535, 3],
+    "DM102": 65535,
+    "CM7": 8,
+    "W1F": 31,
+    "R000": [1, 0],
+    "R1015": 1
+  )"));
+}
+
+void tst_KvsimMemoryFile::nothingWritten()
+{
+    const TestFolder folder;
+    const QString file = folder.path(text("memory.json"));
+    KvsimProcess first(started({text("--dump"), file}));
+    QVERIFY(first.terminate());
+    QCOMPARE(folder.read(text("memory.json")), one({}));
+    KvsimProcess second(started({text("--load"), file}));
+    QCOMPARE(TextClient(second.port()).ask("RD DM7\r"), QByteArray("00007\r\n"));
+    QVERIFY(second.terminate());
+}
+
+// Several controllers, from one run to the next; a file that a person wrote will do.
+void tst_KvsimMemoryFile::loadAndDump()
+{
+    const TestFolder folder;
+    const QString config = folder.write(text("line.json"), R"({"controllers": [
+        {"name": "press", "memory": {"DM1": 10, "DM2": 20}}, {}]})");
+    const QString file = folder.write(text("memory.json"), R"({"controllers": [
+        {"name": "press", "memory": {"DM2": 21}}, {"name": "2", "memory": {"D5": [50, 60]}}]})");
+    const QStringList arguments = started({text("--config"), config, text("--load"), file,
+                                           text("--dump"), file, text("--set"), text("DM6=66")});
+    KvsimProcess first(arguments, 2);
+    TextClient client(first.port());
+    QCOMPARE(client.ask("RDS DM1 2\r"), QByteArray("00010 00021\r\n"));
+    QCOMPARE(client.ask("WR DM3 30\r"), QByteArray("OK\r\n"));
+    QCOMPARE(TextClient(first.port(1)).ask("RDS DM5 2\r"), QByteArray("00050 00066\r\n"));
+    QVERIFY(first.terminate());
+    const QByteArray expected = "{\"controllers\": [\n"
+                                "  {\"name\": \"press\", \"memory\": {\n"
+                                "    \"DM1\": [10, 21, 30],\n"
+                                "    \"DM6\": 66\n"
+                                "  }},\n"
+                                "  {\"name\": \"2\", \"memory\": {\n"
+                                "    \"DM5\": [50, 66]\n"
+                                "  }}\n]}\n";
+    QCOMPARE(folder.read(text("memory.json")), expected);
+    KvsimProcess second(arguments, 2);
+    QCOMPARE(TextClient(second.port()).ask("RDS DM1 3\r"), QByteArray("00010 00021 00030\r\n"));
+    QVERIFY(second.terminate());
+    QCOMPARE(folder.read(text("memory.json")), expected);
+}
+
+void tst_KvsimMemoryFile::everythingOfADevice()
+{
+    const TestFolder folder;
+    const QString file = folder.path(text("memory.json"));
+    KvsimProcess first(started({text("--dump"), file}));
+    TextClient client(first.port());
+    QByteArray commands;
+    for (int i = 0; i < 32000; i += 1000)
+        commands
+            += "WRS FM" + QByteArray::number(i) + " 1000" + QByteArray(" 9").repeated(1000) + '\r';
+    client.send(commands);
+    QCOMPARE(client.receive(32 * 4), QByteArray("OK\r\n").repeated(32));
+    QVERIFY(first.terminate());
+    QCOMPARE(folder.read(text("memory.json")).count("\n    \"FM"), 2000);
+    KvsimProcess second(started({text("--load"), file}));
+    QCOMPARE(TextClient(second.port()).ask("RDS FM31998 4\r"),
+             QByteArray("00009 00009 32000 32001\r\n"));
+    QVERIFY(second.terminate());
+}
+
+void tst_KvsimMemoryFile::dumpOnCommand()
+{
+    const TestFolder folder;
+    const QString file = folder.path(text("memory.json"));
+    KvsimProcess simulator(started({text("--dump"), file, text("--control"), text("0")}), 2);
+    TextClient control(simulator.port(1));
+    QCOMPARE(control.ask("set DM7 70\n"), QByteArray("ok\n"));
+    QCOMPARE(folder.read(text("memory.json")), QByteArray());
+    const ProgramRun result = runProgram(
+        text(KVSIM_PROGRAM),
+        {text("ctl"), text("--port"), QString::number(simulator.port(1)), text("dump")}, {});
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(folder.read(text("memory.json")), one("\n    \"DM7\": 70\n  "));
+    QCOMPARE(control.ask("set DM8 80\n"), QByteArray("ok\n"));
+    QCOMPARE(control.ask("quit\n"), QByteArray("ok\n"));
+    QVERIFY(simulator.process()->waitForFinished(KvsimProcess::timeout));
+    QCOMPARE(folder.read(text("memory.json")), one("\n    \"DM7\": [70, 80]\n  "));
+}
+
+void tst_KvsimMemoryFile::filesThatCannotBeWritten()
+{
+    const TestFolder folder;
+    const QString file = folder.path(text("none/memory.json"));
+    KvsimProcess simulator(started({text("--dump"), file, text("--control"), text("0")}), 2);
+    const QByteArray error = file.toUtf8() + ": cannot be written: No such file or directory\n";
+    QCOMPARE(TextClient(simulator.port(1)).ask("dump\n"), QByteArray("error " + error));
+    simulator.process()->terminate();
+    QVERIFY(simulator.process()->waitForFinished(KvsimProcess::timeout));
+    QCOMPARE(simulator.process()->exitCode(), 1);
+    QCOMPARE(simulator.errors(),
+             QByteArray("commands 0, answers 0, refusals 0, clients 0\nkvsim: " + error));
+}
+
+void tst_KvsimMemoryFile::faults_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("errors");
+
+    const auto row = [](const char *name, const QByteArray &content, const char *errors) {
+        QTest::newRow(name) << content << QByteArray(errors);
+    };
+    row("empty", "", ":1:1: not valid JSON: illegal value");
+    row("cut off", one("\"DM1\": 5, \"DM2\": 6").left(50),
+        ":2:33: not valid JSON: unterminated string");
+    row("wrong value and address", one("\"DM1\": 5, \"DM2\": 65536, \"QQ3\": 1"),
+        ": controllers[0].memory.DM2: expected a whole number from 0 to 65535\n"
+        ": controllers[0].memory.QQ3: 'QQ3' is no address that exists; write one such as DM100 or "
+        "R015");
+    row("unknown key", R"({"controllers": [{"name": "1", "memory": {}, "port": 1}]})",
+        ": controllers[0].port: unknown key; known here: name, memory");
+    row("no name", R"({"controllers": [{"memory": {}}]})",
+        ": controllers[0].name: missing; expected a text");
+    row("another controller", R"({"controllers": [{"name": "press", "memory": {}}]})",
+        ": controllers[0].name: 'press' is not the controller in this place; expected '1'");
+    row("too many controllers", R"({"controllers": [{"name": "1"}, {"name": "2"}]})",
+        ": controllers: expected 1, as many as are simulated, found 2");
+}
+
+// Nothing is loaded, nothing is served, and the file stays as it is.
+void tst_KvsimMemoryFile::faults()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, errors);
+
+    const TestFolder folder;
+    folder.write(text("memory.json"), content);
+    const ProgramRun result = runProgram(
+        text(KVSIM_PROGRAM),
+        started({text("--load"), text("memory.json"), text("--dump"), text("memory.json")}),
+        folder.path({}));
+    QByteArray expected;
+    for (const QByteArray &error : errors.split('\n'))
+        expected += "kvsim: memory.json" + error + '\n';
+    QCOMPARE(result.errors.toUtf8(), expected);
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, 2);
+    QCOMPARE(folder.read(text("memory.json")), content);
+}
+
+QTEST_GUILESS_MAIN(tst_KvsimMemoryFile)
+#include "tst_kvsimmemoryfile.moc"
