@@ -18,9 +18,10 @@ constexpr qint64 longestTime = 86400000; // a day
 class Fields
 {
 public:
-    Fields(const QJsonObject &object, DeviceKind kind, const QString &folder, const QString &place,
+    Fields(QJsonObject object, DeviceKind kind, QString folder, QString place,
            QList<Problem> *errors)
-        : m_object(object), m_kind(kind), m_folder(folder), m_place(place), m_errors(errors)
+        : m_object(std::move(object)), m_kind(kind), m_folder(std::move(folder)),
+          m_place(std::move(place)), m_errors(errors)
     {
     }
 

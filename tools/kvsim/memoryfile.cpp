@@ -60,7 +60,7 @@ QByteArray controllerText(const NamedController &named)
 {
     const QByteArray memory = memoryText(named.controller->memory.stored(), "    ");
     const QByteArray content = memory.isEmpty() ? QByteArray() : '\n' + memory + "\n  ";
-    return "  {\"name\": \"" + named.name + "\", \"memory\": {" + content + "}}";
+    return R"(  {"name": ")" + named.name + R"(", "memory": {)" + content + "}}";
 }
 
 } // namespace
