@@ -258,17 +258,19 @@ void tst_KvsimControllers::restartTakesOneDown()
     QCOMPARE(simulator.errors().count("fault restart=600000: seen 1, applied 1\n"), 1);
 }
 
-// None listens when one cannot.
+// None listens when one cannot. At addresses where no connection of another program has the port.
 void tst_KvsimControllers::onePortTaken()
 {
     QTcpServer owner;
-    QVERIFY(owner.listen(QHostAddress(QStringLiteral("127.0.0.3")), 0));
+    QVERIFY(owner.listen(QHostAddress(QStringLiteral("127.0.0.73")), 0));
     const QString port = QString::number(owner.serverPort());
-    const ProgramRun result = runProgram(
-        text(KVSIM_PROGRAM), {text("--controllers"), text("3"), text("--port"), port}, {});
+    const ProgramRun result = runProgram(text(KVSIM_PROGRAM),
+                                         {text("--bind"), text("127.0.0.71"), text("--controllers"),
+                                          text("3"), text("--port"), port},
+                                         {});
     QCOMPARE(result.errors,
-             QStringLiteral("kvsim: cannot listen on 127.0.0.3:%1: The bound address is already in "
-                            "use. Choose another --bind or --port.\n")
+             QStringLiteral("kvsim: cannot listen on 127.0.0.73:%1: The bound address is already "
+                            "in use. Choose another --bind or --port.\n")
                  .arg(port));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 1);

@@ -197,7 +197,8 @@ void tst_KvsimMemoryFile::faults()
         started({text("--load"), text("memory.json"), text("--dump"), text("memory.json")}),
         folder.path({}));
     QByteArray expected;
-    for (const QByteArray &error : errors.split('\n'))
+    const QList<QByteArray> lines = errors.split('\n');
+    for (const QByteArray &error : lines)
         expected += "kvsim: memory.json" + error + '\n';
     QCOMPARE(result.errors.toUtf8(), expected);
     QCOMPARE(result.output, QString());

@@ -291,15 +291,17 @@ void tst_KvsimUdp::restartDropsWaitingAnswers()
     QCOMPARE(simulator.faultCounts().at(0).applied, quint64(1));
 }
 
+// At an address of its own, where no connection of another program has the port for TCP.
 void tst_KvsimUdp::portTakenForUdpAlone()
 {
+    const QString address = text("127.0.0.77");
     QUdpSocket owner;
-    QVERIFY(
-        owner.bind(QHostAddress(QHostAddress::LocalHost), 0, QAbstractSocket::DontShareAddress));
+    QVERIFY(owner.bind(QHostAddress(address), 0, QAbstractSocket::DontShareAddress));
     const QString port = QString::number(owner.localPort());
-    const ProgramRun result = runProgram(text(KVSIM_PROGRAM), {text("--port"), port}, {});
+    const ProgramRun result
+        = runProgram(text(KVSIM_PROGRAM), {text("--bind"), address, text("--port"), port}, {});
     QCOMPARE(result.errors,
-             QStringLiteral("kvsim: cannot listen on 127.0.0.1:%1: The bound address is already "
+             QStringLiteral("kvsim: cannot listen on 127.0.0.77:%1: The bound address is already "
                             "in use (UDP). Choose another --bind or --port.\n")
                  .arg(port));
     QCOMPARE(result.output, QString());

@@ -66,3 +66,5 @@ QByteArray addressText(Address address);
 quint32 countToEnd(Address address);
 
 } // namespace kvsim
+
+Q_DECLARE_TYPEINFO(kvsim::Range, Q_PRIMITIVE_TYPE);

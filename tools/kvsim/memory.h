@@ -65,3 +65,5 @@ private:
 };
 
 } // namespace kvsim
+
+Q_DECLARE_TYPEINFO(kvsim::Cell, Q_PRIMITIVE_TYPE);
