@@ -11,6 +11,10 @@ set(VEL_INTERFACE_PREFIX "org.example.vel.VELInterface" CACHE STRING
     "Reverse-domain part of the plug-in interface identifier, before \"/1.0.7\". It must be the one that \
 the host on the gateway asks for.")
 
+set(KEYENCE_PLUGIN_DIR "lib/vel/plugins" CACHE STRING
+    "Folder that the host loads its plug-ins from, below the installation prefix, which is /usr in the packages; \
+an absolute path stands as it is. The plug-in is installed there, and an installed velhost finds it there.")
+
 cmake_dependent_option(KEYENCE_BUILD_TOOLS
     "Build the development host (velhost) and the simulated controller (kvsim)." ON
     "NOT VEL_ROOT" OFF)

@@ -117,9 +117,12 @@ void tst_VelhostLoading::defaultPlugin_data()
 
     const QString beside = text("bin/libkeyence.so");
     const QString lib = text("lib/libkeyence.so");
+    const QString installed = text(INSTALLED_PLUGIN_FILE);
     const QString qtFolder = text("qt/libkeyence.so");
-    QTest::newRow("beside the program goes first") << QStringList{beside, lib, qtFolder} << beside;
-    QTest::newRow("then ../lib") << QStringList{lib, qtFolder} << lib;
+    QTest::newRow("beside the program goes first")
+        << QStringList{beside, lib, installed, qtFolder} << beside;
+    QTest::newRow("then ../lib") << QStringList{lib, installed, qtFolder} << lib;
+    QTest::newRow("then where it is installed") << QStringList{installed, qtFolder} << installed;
     QTest::newRow("then Qt's plug-in folders") << QStringList{qtFolder} << qtFolder;
 }
 
@@ -130,12 +133,13 @@ void tst_VelhostLoading::defaultPlugin()
     QFETCH(QString, loaded);
 
     const QTemporaryDir folder;
-    for (const QString &name : {text("bin"), text("lib"), text("qt")})
-        QVERIFY(QDir(folder.path()).mkdir(name));
+    QVERIFY(QDir(folder.path()).mkdir(text("bin")));
     const QString copy = folder.filePath(text("bin/velhost"));
     QVERIFY(QFile::copy(program, copy));
-    for (const QString &place : places)
+    for (const QString &place : places) {
+        QVERIFY(QDir(folder.path()).mkpath(QFileInfo(place).path()));
         QVERIFY(QFile::copy(scriptedPlugin, folder.filePath(place)));
+    }
 
     QProcessEnvironment environment = plainEnvironment();
     environment.insert(text("QT_PLUGIN_PATH"), folder.filePath(text("qt")));
@@ -170,9 +174,10 @@ void tst_VelhostLoading::noDefaultPlugin()
     QProcessEnvironment environment = plainEnvironment();
     environment.insert(text("QT_PLUGIN_PATH"), folder.path());
     const ProgramRun run = runProgram(copy, {text("columns")}, m_folder.path(), environment);
-    const QString start = text("velhost: there is no plug-in at %1/bin/libkeyence.so, "
-                               "%1/lib/libkeyence.so, %1/libkeyence.so, ")
-                              .arg(folder.path());
+    const QString start
+        = text("velhost: there is no plug-in at %1/bin/libkeyence.so, "
+               "%1/lib/libkeyence.so, %1/" INSTALLED_PLUGIN_FILE ", %1/libkeyence.so, ")
+              .arg(folder.path());
     QCOMPARE(run.errors.left(start.size()), start);
     const QString end = text("/libkeyence.so; name its file with --plugin\n");
     QCOMPARE(run.errors.right(end.size()), end);

@@ -74,8 +74,9 @@ std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStr
 {
     const QString name = QStringLiteral("libkeyence.so");
     const QDir folder(programFolder);
-    QStringList tried{folder.filePath(name),
-                      QDir::cleanPath(folder.filePath(QStringLiteral("../lib/") + name))};
+    QStringList tried{
+        folder.filePath(name), QDir::cleanPath(folder.filePath(QStringLiteral("../lib/") + name)),
+        QDir::cleanPath(folder.filePath(QStringLiteral(KEYENCE_PLUGIN_FOLDER "/") + name))};
     for (const QString &candidate : std::as_const(tried)) {
         if (QFileInfo::exists(candidate))
             return loadPlugin(candidate, errors);

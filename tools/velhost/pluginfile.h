@@ -21,7 +21,8 @@ struct LoadedPlugin
 /// one with the loader's own text.
 std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *errors);
 
-/// Loads libkeyence.so from `programFolder`, else from ../lib relative to it, else from Qt's
-/// plug-in folders. The first that is there counts, even when it does not load. Errors as with
-/// loadPlugin(); when there is none, `errors` says where it was looked for.
+/// Loads libkeyence.so from `programFolder`, else from ../lib relative to it, else from where the
+/// build installs it, else from Qt's plug-in folders. The first that is there counts, even when it
+/// does not load. Errors as with loadPlugin(); when there is none, `errors` says where it was
+/// looked for.
 std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStringList *errors);
