@@ -35,7 +35,17 @@ if(KEYENCE_COVERAGE)
     target_link_options(keyence-instrumentation INTERFACE --coverage)
 endif()
 
+add_library(keyence-paths INTERFACE)
+if(KEYENCE_REPRODUCIBLE)
+    # Where a debugger looks for the sources of a package; of several that fit the last one counts.
+    set(packaged_sources /usr/src/${PROJECT_NAME}-${PROJECT_VERSION})
+    target_compile_options(keyence-paths INTERFACE
+        -ffile-prefix-map=${PROJECT_SOURCE_DIR}=${packaged_sources}
+        -ffile-prefix-map=${PROJECT_BINARY_DIR}=${packaged_sources}/build)
+    set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+endif()
+
 add_library(keyence-options INTERFACE)
 target_compile_features(keyence-options INTERFACE cxx_std_17)
 target_link_libraries(keyence-options INTERFACE
-    keyence-warnings keyence-strict-qt keyence-instrumentation)
+    keyence-warnings keyence-strict-qt keyence-instrumentation keyence-paths)

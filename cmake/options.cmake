@@ -33,3 +33,6 @@ option(KEYENCE_SANITIZE
     "Build with AddressSanitizer and UndefinedBehaviorSanitizer; the first finding ends the program." OFF)
 
 option(KEYENCE_COVERAGE "Build with line coverage counters (g++ and gcovr)." OFF)
+
+option(KEYENCE_REPRODUCIBLE
+    "Leave the folders of the build out of what is built, so that every folder gives the same bytes." OFF)

@@ -1,0 +1,20 @@
+# What is installed where: the plug-in and the tools, each with its documents. The components are the packages.
+
+set(plugin_documents share/doc/libkeyence)
+set(tools_documents share/doc/libkeyence-tools)
+# The stand-in stays out of the loader's folders, so that no host ever takes it for its own library.
+set(tools_libraries lib/libkeyence-tools)
+
+install(TARGETS keyence DESTINATION ${KEYENCE_PLUGIN_DIR} COMPONENT plugin)
+install(
+    FILES docs/user-guide.md docs/host-interface.md
+    DESTINATION ${plugin_documents}
+    COMPONENT plugin)
+
+if(KEYENCE_BUILD_TOOLS)
+    set_target_properties(velhost PROPERTIES INSTALL_RPATH "$ORIGIN/../${tools_libraries}")
+    install(TARGETS velhost kvsim DESTINATION bin COMPONENT tools)
+    install(TARGETS vel LIBRARY DESTINATION ${tools_libraries} COMPONENT tools NAMELINK_SKIP)
+    install(FILES docs/velhost.md docs/simulator.md DESTINATION ${tools_documents} COMPONENT tools)
+    install(DIRECTORY examples DESTINATION ${tools_documents} COMPONENT tools)
+endif()
