@@ -43,6 +43,8 @@ if(KEYENCE_REPRODUCIBLE)
         -ffile-prefix-map=${PROJECT_SOURCE_DIR}=${packaged_sources}
         -ffile-prefix-map=${PROJECT_BINARY_DIR}=${packaged_sources}/build)
     set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+    # Later formats hold the time of each file.
+    set(CMAKE_AUTORCC_OPTIONS --format-version 1)
 endif()
 
 add_library(keyence-options INTERFACE)

@@ -16,5 +16,12 @@ if(KEYENCE_BUILD_TOOLS)
     install(TARGETS velhost kvsim DESTINATION bin COMPONENT tools)
     install(TARGETS vel LIBRARY DESTINATION ${tools_libraries} COMPONENT tools NAMELINK_SKIP)
     install(FILES docs/velhost.md docs/simulator.md DESTINATION ${tools_documents} COMPONENT tools)
+    install(DIRECTORY tools/completion/ DESTINATION share/bash-completion/completions COMPONENT tools)
+    # Its pages are there when they could be made.
+    install(
+        DIRECTORY ${KEYENCE_MAN_FOLDER}/
+        DESTINATION share/man/man1
+        COMPONENT tools
+        FILES_MATCHING PATTERN "*.1")
     install(DIRECTORY examples DESTINATION ${tools_documents} COMPONENT tools)
 endif()

@@ -42,8 +42,24 @@ armhf_apt install -y --download-only --no-install-recommends $packages || give_u
 # shellcheck disable=SC2086
 (cd "$apt/archives" && armhf_apt download $alone) || give_up "the packages cannot be had"
 
+# What dpkg would know if it had installed them; our own packages' dependencies are found out with it.
+known=$root/var/lib/dpkg
+mkdir -p "$known/info"
+echo 1 >"$known/info/format"
+printf '%s\n' "$(dpkg --print-architecture)" armhf >"$known/arch"
+
 for package in "$apt"/archives/*.deb; do
     dpkg-deb --extract "$package" "$root" || give_up "$package cannot be unpacked"
+    dpkg-deb --control "$package" "$apt/control" || give_up "$package cannot be unpacked"
+    name=$(dpkg-deb --field "$package" Package)
+    [ "$(dpkg-deb --field "$package" Multi-Arch)" != same ] || name=$name:armhf
+    sed '/^Package:/a Status: install ok installed' "$apt/control/control" >>"$known/status"
+    echo >>"$known/status"
+    dpkg-deb --fsys-tarfile "$package" | tar --list | sed "s|^\.|$root|; s|/$||" >"$known/info/$name.list"
+    for part in shlibs symbols; do
+        [ ! -f "$apt/control/$part" ] || mv "$apt/control/$part" "$known/info/$name.$part"
+    done
+    rm -r "$apt/control"
 done
 rm -rf "$apt"
 

@@ -18,7 +18,7 @@ for argument in "$@"; do
     esac
 done
 
-scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev debhelper dpkg-dev git
+scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev debhelper dpkg-dev git help2man
 
 # The time that stands in the packages is the one of the newest commit, so that it is the same in every build.
 : "${SOURCE_DATE_EPOCH:=$(git log -1 --format=%ct)}"
@@ -55,7 +55,8 @@ pack() {
     dh_fixperms
     dh_strip
     # The host's library belongs to no package.
-    dh_shlibdeps -l"$libvel_folder" -- --ignore-missing-info 2>shlibdeps.log || { cat shlibdeps.log >&2 && exit 1; }
+    # shellcheck disable=SC2086 # one word an option
+    dh_shlibdeps -l"$library_folders" -- --ignore-missing-info $database
     dh_installdeb
     dh_gencontrol
     dh_md5sums
@@ -67,7 +68,7 @@ pack() {
         (cd "debian/$name" && find . -path ./DEBIAN -prune -o ! -type d -printf '%P\n') |
             LC_ALL=C sort |
             tar --create --directory="debian/$name" --files-from=- --owner=root:0 --group=root:0 |
-            gzip -9n >"$packages/${name}_${version}_$DEB_HOST_ARCH.tar.gz"
+            gzip -9n >"$packages/${name}_${version}_$architecture.tar.gz"
     done
 }
 
@@ -75,11 +76,13 @@ pack() {
 package() {
     # shellcheck disable=SC2086 # one word an option
     cmake --fresh --preset "$1" $options >/dev/null
+    # The month that stands in a manual page is the one of its making.
+    rm -rf "build/$1/man"
     cmake --build --preset "$1"
 
     stage=build/$1/stage
     version=$(cached "$1" CMAKE_PROJECT_VERSION)
-    libvel_folder=$(dirname "$(cached "$1" VEL_LIBRARY)")
+    library_folders=$(dirname "$(cached "$1" VEL_LIBRARY)")
     rm -rf "$stage"
     mkdir -p "$stage/debian"
     cp packaging/* "$stage/debian"
@@ -90,13 +93,20 @@ package() {
     if [ "$(cached "$1" KEYENCE_BUILD_TOOLS)" = ON ]; then
         names="$names libkeyence-tools"
         DESTDIR=$stage/debian/libkeyence-tools cmake --install "build/$1" --component tools >/dev/null
-        libvel_folder=$PWD/$stage/debian/libkeyence-tools/usr/lib/libkeyence-tools
+        library_folders=$PWD/$stage/debian/libkeyence-tools/usr/lib/libkeyence-tools
+    fi
+    architecture=$(dpkg --print-architecture)
+    database=
+    if [ "$1" = package-armhf ]; then
+        architecture=armhf
+        sysroot=$PWD/build/sysroot-armhf
+        database=--admindir=$sysroot/var/lib/dpkg
+        library_folders=$library_folders:$sysroot/lib/arm-linux-gnueabihf:$sysroot/usr/lib/arm-linux-gnueabihf
     fi
 
-    compiler=$(cached "$1" CMAKE_CXX_COMPILER)
     (
         cd "$stage"
-        eval "$(dpkg-architecture --host-type "$("$compiler" -dumpmachine)" --print-set)"
+        eval "$(dpkg-architecture --host-arch "$architecture" --print-set)"
         # shellcheck disable=SC2086 # one word a package
         pack $names
     )
