@@ -7,7 +7,7 @@ set(tools_libraries lib/libkeyence-tools)
 
 install(TARGETS keyence DESTINATION ${KEYENCE_PLUGIN_DIR} COMPONENT plugin)
 install(
-    FILES docs/user-guide.md docs/host-interface.md
+    FILES docs/deployment.md docs/host-interface.md docs/user-guide.md
     DESTINATION ${plugin_documents}
     COMPONENT plugin)
 
