@@ -15,7 +15,7 @@ if(KEYENCE_BUILD_TOOLS)
     set_target_properties(velhost PROPERTIES INSTALL_RPATH "$ORIGIN/../${tools_libraries}")
     install(TARGETS velhost kvsim DESTINATION bin COMPONENT tools)
     install(TARGETS vel LIBRARY DESTINATION ${tools_libraries} COMPONENT tools NAMELINK_SKIP)
-    install(FILES docs/velhost.md docs/simulator.md DESTINATION ${tools_documents} COMPONENT tools)
+    install(FILES docs/velhost.md docs/simulator.md docs/plant.schema.json DESTINATION ${tools_documents} COMPONENT tools)
     install(DIRECTORY tools/completion/ DESTINATION share/bash-completion/completions COMPONENT tools)
     # Its pages are there when they could be made.
     install(
