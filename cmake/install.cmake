@@ -7,7 +7,7 @@ set(tools_libraries lib/libkeyence-tools)
 
 install(TARGETS keyence DESTINATION ${KEYENCE_PLUGIN_DIR} COMPONENT plugin)
 install(
-    FILES docs/deployment.md docs/host-interface.md docs/user-guide.md
+    FILES docs/deployment.md docs/errors.md docs/host-interface.md docs/troubleshooting.md docs/user-guide.md
     DESTINATION ${plugin_documents}
     COMPONENT plugin)
 
