@@ -157,8 +157,8 @@ void tst_KvsimConfig::generators()
     const TestFolder folder;
     folder.write(text("values.csv"), "# a heading\r\n1\r\n\r\n 2 \r\n-3");
     folder.write(text("times.csv"), "0;40\n86400000 , 50\n");
-    const QString file = folder.write(
-        text("line.json"), oneController("\"generators\": {\"DM7\": " + generator + '}'));
+    const QString file = folder.write(text("line.json"),
+                                      oneController(R"("generators": {"DM7": )" + generator + '}'));
     KvsimProcess simulator(withConfig(file) + QStringList{text("--control"), text("0")}, 2);
     TextClient client(simulator.port());
     const auto reached = [&] { return client.ask("RD DM7\r") == answers + "\r\n"; };

@@ -168,9 +168,9 @@ void tst_KvsimMemoryFile::faults_data()
         QTest::newRow(name) << content << QByteArray(errors);
     };
     row("empty", "", ":1:1: not valid JSON: illegal value");
-    row("cut off", one("\"DM1\": 5, \"DM2\": 6").left(50),
+    row("cut off", one(R"("DM1": 5, "DM2": 6)").left(50),
         ":2:33: not valid JSON: unterminated string");
-    row("wrong value and address", one("\"DM1\": 5, \"DM2\": 65536, \"QQ3\": 1"),
+    row("wrong value and address", one(R"("DM1": 5, "DM2": 65536, "QQ3": 1)"),
         ": controllers[0].memory.DM2: expected a whole number from 0 to 65535\n"
         ": controllers[0].memory.QQ3: 'QQ3' is no address that exists; write one such as DM100 or "
         "R015");
