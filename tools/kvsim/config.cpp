@@ -13,7 +13,7 @@ namespace kvsim {
 
 namespace {
 
-const QString kindOfFile = QStringLiteral("configuration");
+const QString configurationFile = QStringLiteral("configuration");
 constexpr int mostControllers = 254;
 
 QByteArray readControllerName(const QJsonObject &object, int index, const QString &place,
@@ -220,7 +220,7 @@ QList<Setup> readControllers(const QJsonValue &root, const QString &folder, cons
 QList<Setup> readConfig(const QString &fileName, const Place &place, QStringList *errors)
 {
     QList<Problem> problems;
-    const std::optional<QByteArray> json = readJsonBytes(fileName, kindOfFile, &problems);
+    const std::optional<QByteArray> json = readJsonBytes(fileName, configurationFile, &problems);
     const std::optional<QJsonValue> root = json ? parseJson(*json, &problems) : std::nullopt;
     QList<Setup> setups;
     if (root)

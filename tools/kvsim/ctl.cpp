@@ -58,7 +58,7 @@ int askSimulator(quint16 port, const QString &command)
 const QString helpOption = QStringLiteral("help");
 const QString portOption = QStringLiteral("port");
 
-void addOptions(QCommandLineParser *parser)
+void addCtlOptions(QCommandLineParser *parser)
 {
     // A value may begin with a minus sign.
     parser->setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
@@ -73,7 +73,7 @@ void addOptions(QCommandLineParser *parser)
 int runCtl(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    addOptions(&parser);
+    addCtlOptions(&parser);
     if (!parser.parse(QStringList{QStringLiteral("kvsim")} + arguments))
         return failUsage(parser.errorText());
     if (parser.isSet(helpOption))

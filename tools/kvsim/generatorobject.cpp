@@ -12,14 +12,14 @@ namespace kvsim {
 
 namespace {
 
-constexpr qint64 longestTime = 86400000; // a day
+constexpr qint64 longestPeriod = 86400000; // a day
 
 // One generator of a file, with where its faults go. Reading goes on behind a fault, with 1.
-class Fields
+class GeneratorFields
 {
 public:
-    Fields(QJsonObject object, DeviceKind kind, QString folder, QString place,
-           QList<Problem> *errors)
+    GeneratorFields(QJsonObject object, DeviceKind kind, QString folder, QString place,
+                    QList<Problem> *errors)
         : m_object(std::move(object)), m_kind(kind), m_folder(std::move(folder)),
           m_place(std::move(place)), m_errors(errors)
     {
@@ -32,7 +32,7 @@ public:
             .value_or(1);
     }
 
-    qint64 time(const char *key) const { return number(key, 1, longestTime); }
+    qint64 time(const char *key) const { return number(key, 1, longestPeriod); }
 
     // What the word or bit may hold.
     qint64 level(const char *key) const { return number(key, lowest(), highest()); }
@@ -85,14 +85,14 @@ private:
     QList<Problem> *m_errors;
 };
 
-Generator readRamp(const Fields &fields)
+Generator readRamp(const GeneratorFields &fields)
 {
     const qint64 from = fields.level("from");
     const qint64 to = fields.level("to");
     return ramp(from, to, fields.time("period"));
 }
 
-Generator readSine(const Fields &fields)
+Generator readSine(const GeneratorFields &fields)
 {
     constexpr qint64 widest = 65535;
     const qint64 mean = fields.level("mean");
@@ -100,14 +100,14 @@ Generator readSine(const Fields &fields)
     return sine(mean, amplitude, fields.time("period"));
 }
 
-Generator readSquare(const Fields &fields)
+Generator readSquare(const GeneratorFields &fields)
 {
     const qint64 low = fields.level("low");
     const qint64 high = fields.level("high");
     return square(low, high, fields.time("period"));
 }
 
-Generator readRandom(const Fields &fields)
+Generator readRandom(const GeneratorFields &fields)
 {
     constexpr qint64 largestSeed = std::numeric_limits<quint32>::max();
     const qint64 minimum = fields.level("min");
@@ -119,14 +119,14 @@ Generator readRandom(const Fields &fields)
                          static_cast<quint32>(seed));
 }
 
-Generator readSteps(const Fields &fields)
+Generator readSteps(const GeneratorFields &fields)
 {
     const QVector<qint64> values = fields.levels("values");
     const qint64 hold = fields.time("hold");
     return replay(evenly(values, hold, fields.isOnce()));
 }
 
-Generator readCsv(const Fields &fields)
+Generator readCsv(const GeneratorFields &fields)
 {
     const QString fileName = fields.text("file");
     const bool once = fields.isOnce();
@@ -140,15 +140,15 @@ Generator readCsv(const Fields &fields)
     return file.errors.isEmpty() ? replay(file.timeline) : Generator();
 }
 
-struct Kind
+struct GeneratorKind
 {
     const char *name;
     /// All keys that it may have, with blanks between.
     const char *keys;
-    Generator (*read)(const Fields &fields);
+    Generator (*read)(const GeneratorFields &fields);
 };
 
-constexpr std::array<Kind, 6> kinds{{
+constexpr std::array<GeneratorKind, 6> generatorKinds{{
     {"ramp", "kind from to period", readRamp},
     {"sine", "kind mean amplitude period", readSine},
     {"square", "kind low high period", readSquare},
@@ -160,7 +160,7 @@ constexpr std::array<Kind, 6> kinds{{
 QString unknownKind(const QString &name)
 {
     QStringList names;
-    for (const Kind &kind : kinds)
+    for (const GeneratorKind &kind : generatorKinds)
         names.append(QLatin1String(kind.name));
     return QStringLiteral("unknown kind '%1'; use one of: %2")
         .arg(name, names.join(QLatin1String(", ")));
@@ -180,14 +180,15 @@ std::optional<Generator> readGenerator(const QJsonValue &value, DeviceKind kind,
     const QString name = readName(object.value(key), member(place, key), errors);
     if (errors->size() > before)
         return {};
-    const auto *known = std::find_if(kinds.cbegin(), kinds.cend(),
-                                     [&](const Kind &k) { return name == QLatin1String(k.name); });
-    if (known == kinds.cend()) {
+    const auto *known
+        = std::find_if(generatorKinds.cbegin(), generatorKinds.cend(),
+                       [&](const GeneratorKind &k) { return name == QLatin1String(k.name); });
+    if (known == generatorKinds.cend()) {
         addError(member(place, key), unknownKind(name), errors);
         return {};
     }
     checkKeys(object, QString::fromLatin1(known->keys).split(u' '), place, errors);
-    const Generator generator = known->read(Fields(object, kind, folder, place, errors));
+    const Generator generator = known->read(GeneratorFields(object, kind, folder, place, errors));
     return errors->size() > before ? std::nullopt : std::make_optional(generator);
 }
 

@@ -10,7 +10,7 @@ namespace kvsim {
 
 namespace {
 
-const QString kindOfFile = QStringLiteral("file of memory");
+const QString fileOfMemory = QStringLiteral("file of memory");
 const QString controllersKey = QStringLiteral("controllers");
 const QString nameKey = QStringLiteral("name");
 const QString memoryKey = QStringLiteral("memory");
@@ -68,7 +68,7 @@ QByteArray controllerText(const NamedController &named)
 QStringList loadMemory(const QString &fileName, const NamedControllers &controllers)
 {
     QList<Problem> problems;
-    const std::optional<QByteArray> json = readJsonBytes(fileName, kindOfFile, &problems);
+    const std::optional<QByteArray> json = readJsonBytes(fileName, fileOfMemory, &problems);
     const std::optional<QJsonValue> root = json ? parseJson(*json, &problems) : std::nullopt;
     QList<QVector<Cell>> memories;
     if (root)

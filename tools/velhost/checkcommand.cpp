@@ -74,29 +74,29 @@ const QList<Rule> &itemRules()
 
 /// The problems, those that were found before among them. A place with one of these is not looked
 /// at again.
-struct Findings
+struct Review
 {
     QList<Problem> problems;
     QSet<QString> faultyPlaces;
 };
 
-Findings findingsFrom(const QList<Problem> &problems)
+Review reviewFrom(const QList<Problem> &problems)
 {
-    Findings findings{problems, {}};
+    Review review{problems, {}};
     for (const Problem &problem : problems)
-        findings.faultyPlaces.insert(problem.place);
-    return findings;
+        review.faultyPlaces.insert(problem.place);
+    return review;
 }
 
-void addFinding(const QString &place, const QString &text, Findings *findings)
+void addFinding(const QString &place, const QString &text, Review *review)
 {
-    if (!findings->faultyPlaces.contains(place))
-        findings->problems.append({{}, place, text});
+    if (!review->faultyPlaces.contains(place))
+        review->problems.append({{}, place, text});
 }
 
 void checkParameters(const QMap<QString, QString> &parameters, const QList<Rule> &rules,
                      const QList<DatabaseColumnStructure> &columns, const QString &place,
-                     Findings *findings)
+                     Review *review)
 {
     for (const Rule &rule : rules) {
         const bool isDeclared
@@ -105,25 +105,25 @@ void checkParameters(const QMap<QString, QString> &parameters, const QList<Rule>
         const QString text = parameters.value(rule.name);
         if (isDeclared && !rule.isRight(text))
             addFinding(place + u".parameters." + rule.name,
-                       QStringLiteral("\"%1\" is %2").arg(text, rule.meaning), findings);
+                       QStringLiteral("\"%1\" is %2").arg(text, rule.meaning), review);
     }
 }
 
 void checkDevice(const DeviceInstancePlugin &device, const PluginRegistration &registration,
-                 const QString &place, Findings *findings)
+                 const QString &place, Review *review)
 {
     if (!isIpAddress(device.ipAddress))
         addFinding(place + u".ip",
                    QStringLiteral("\"%1\" is no IPv4 address; write four numbers from 0 to "
                                   "255 without leading zeros, for example 192.168.0.10")
                        .arg(device.ipAddress),
-                   findings);
-    checkParameters(device.parameters, deviceRules(), registration.deviceColumns, place, findings);
+                   review);
+    checkParameters(device.parameters, deviceRules(), registration.deviceColumns, place, review);
     for (int i = 0; i < device.items.size(); ++i) {
         const QString itemPlace = QStringLiteral("%1.items[%2]").arg(place).arg(i);
-        if (!findings->faultyPlaces.contains(itemPlace))
+        if (!review->faultyPlaces.contains(itemPlace))
             checkParameters(device.items.at(i).parameters, itemRules(), registration.itemColumns,
-                            itemPlace, findings);
+                            itemPlace, review);
     }
 }
 
@@ -141,15 +141,15 @@ ExitCode runCheck(const Job &job, const PluginRegistration &registration)
 {
     QList<Problem> problems = job.problems;
     const QList<DeviceInstancePlugin> devices = deviceRecords(job.draft, registration, &problems);
-    Findings findings = findingsFrom(problems);
+    Review review = reviewFrom(problems);
     for (int i = 0; i < devices.size(); ++i) {
         const QString place = QStringLiteral("devices[%1]").arg(i);
         // What is no object has nothing to be looked at.
-        if (!findings.faultyPlaces.contains(place))
-            checkDevice(devices.at(i), registration, place, &findings);
+        if (!review.faultyPlaces.contains(place))
+            checkDevice(devices.at(i), registration, place, &review);
     }
-    printProblems(job.commandLine, findings.problems);
-    if (!findings.problems.isEmpty())
+    printProblems(job.commandLine, review.problems);
+    if (!review.problems.isEmpty())
         return WrongUsage;
     if (job.commandLine.format != OutputFormat::Json)
         print(stdout, job.commandLine.plantFile + u": no problems\n");

@@ -6,7 +6,7 @@
 
 namespace {
 
-QString key(const char *name)
+QString jsonKey(const char *name)
 {
     return QString::fromLatin1(name);
 }
@@ -35,24 +35,24 @@ QString planJson(const Plan &plan, int rttMs)
     for (const PlannedItem &item : plan.items) {
         QStringList commands;
         for (const QByteArray &line : item.lines)
-            commands.append(jsonObject({{key("line"), jsonText(QString::fromLocal8Bit(line))},
-                                        {key("words"), jsonText(wordCount(line))}}));
-        text += jsonObject({{key("type"), jsonText(key("plan"))},
-                            {key("device"), jsonText(item.device)},
-                            {key("item"), jsonText(item.item)},
-                            {key("operation"), jsonText(operationText(item))},
-                            {key("commands"), u'[' + commands.join(u',') + u']'},
-                            {key("error"), jsonText(item.error)}})
+            commands.append(jsonObject({{jsonKey("line"), jsonText(QString::fromLocal8Bit(line))},
+                                        {jsonKey("words"), jsonText(wordCount(line))}}));
+        text += jsonObject({{jsonKey("type"), jsonText(jsonKey("plan"))},
+                            {jsonKey("device"), jsonText(item.device)},
+                            {jsonKey("item"), jsonText(item.item)},
+                            {jsonKey("operation"), jsonText(operationText(item))},
+                            {jsonKey("commands"), u'[' + commands.join(u',') + u']'},
+                            {jsonKey("error"), jsonText(item.error)}})
                 + u'\n';
     }
     for (const DeviceBudget &budget : plan.budgets) {
-        text += jsonObject({{key("type"), jsonText(key("budget"))},
-                            {key("device"), jsonText(budget.device)},
-                            {key("exchanges"), jsonText(budget.exchanges)},
-                            {key("best_ms"), jsonText(qint64(budget.exchanges) * rttMs)},
-                            {key("worst_ms"), worstJson(budget, budget.exchanges)},
-                            {key("connect_ms"), worstJson(budget, 1)},
-                            {key("error"), jsonText(budget.error)}})
+        text += jsonObject({{jsonKey("type"), jsonText(jsonKey("budget"))},
+                            {jsonKey("device"), jsonText(budget.device)},
+                            {jsonKey("exchanges"), jsonText(budget.exchanges)},
+                            {jsonKey("best_ms"), jsonText(qint64(budget.exchanges) * rttMs)},
+                            {jsonKey("worst_ms"), worstJson(budget, budget.exchanges)},
+                            {jsonKey("connect_ms"), worstJson(budget, 1)},
+                            {jsonKey("error"), jsonText(budget.error)}})
                 + u'\n';
     }
     return text;
@@ -75,12 +75,12 @@ void appendItemRows(const PlannedItem &item, QList<QStringList> *rows)
 
 QString planTable(const Plan &plan, int rttMs)
 {
-    QList<QStringList> items{
-        {key("Device"), key("Item"), key("Operation"), key("Words"), key("Command"), key("Error")}};
+    QList<QStringList> items{{jsonKey("Device"), jsonKey("Item"), jsonKey("Operation"),
+                              jsonKey("Words"), jsonKey("Command"), jsonKey("Error")}};
     for (const PlannedItem &item : plan.items)
         appendItemRows(item, &items);
-    QList<QStringList> budgets{{key("Device"), key("Exchanges a cycle"), key("Best ms"),
-                                key("Worst ms"), key("Connect ms"), key("Error")}};
+    QList<QStringList> budgets{{jsonKey("Device"), jsonKey("Exchanges a cycle"), jsonKey("Best ms"),
+                                jsonKey("Worst ms"), jsonKey("Connect ms"), jsonKey("Error")}};
     for (const DeviceBudget &budget : plan.budgets) {
         budgets.append({visible(budget.device), QString::number(budget.exchanges),
                         QString::number(qint64(budget.exchanges) * rttMs),
