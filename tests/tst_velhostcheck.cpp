@@ -143,7 +143,7 @@ void tst_VelhostCheck::manyProblems()
     const int count = 5000;
     QByteArray items;
     for (int i = 0; i < count; ++i)
-        items += (i == 0 ? "{\"name\": \"" : ",{\"name\": \"") + QByteArray::number(i)
+        items += (i == 0 ? R"({"name": ")" : R"(,{"name": ")") + QByteArray::number(i)
                  + R"(", "parameters": {"memory_type": "x", "memory_address": "?"}})";
     const ProgramRun run = runCheck(
         KEYENCE_PLUGIN_FILE,
@@ -170,7 +170,7 @@ void tst_VelhostCheck::duplicateKeys()
     QFETCH(int, extra);
     QFETCH(int, told);
 
-    QByteArray plant = "{\"devices\": [], \"x\": 0";
+    QByteArray plant = R"({"devices": [], "x": 0)";
     QString errors;
     for (int i = 0; i < extra; ++i)
         plant += ",\n\"devices\": []";
@@ -316,7 +316,7 @@ void tst_VelhostCheck::examples_data()
 
     const QDir folder(text(EXAMPLES_FOLDER));
     // What begins with "kvsim-" is for the simulated controller.
-    const QRegularExpression plantName(text("\\A(?!kvsim-).*\\.json\\z"));
+    const QRegularExpression plantName(text(R"(\A(?!kvsim-).*\.json\z)"));
     const QStringList names = folder.entryList(QDir::Files).filter(plantName);
     QVERIFY(names.size() >= 2);
     for (const QString &name : names)

@@ -107,7 +107,7 @@ void tst_VelhostSchema::examples_data()
     QTest::addColumn<QString>("fileName");
 
     // What begins with "kvsim-" is for the simulated controller.
-    const QRegularExpression plantName(text("\\A(?!kvsim-).*\\.json\\z"));
+    const QRegularExpression plantName(text(R"(\A(?!kvsim-).*\.json\z)"));
     const QDir folder(text(EXAMPLES_FOLDER));
     const QStringList plants = folder.entryList(QDir::Files).filter(plantName);
     QVERIFY(plants.size() >= 2);
