@@ -7,6 +7,7 @@ scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev help2man clang-for
 
 sources=$(git ls-files --cached --others --exclude-standard '*.cpp')
 tests=$(git ls-files --cached --others --exclude-standard 'tests/*.cpp')
+others=$(git ls-files --cached --others --exclude-standard '*.cpp' ':!tests')
 headers=$(git ls-files --cached --others --exclude-standard '*.h')
 
 # on_each FILES COMMAND...: runs the command with a few of the files at a time, on every processor.
@@ -37,7 +38,7 @@ echo "clang-tidy"
 on_each "$joined" clang-tidy --quiet -p build/lint --checks=-bugprone-suspicious-include \
     --header-filter='/(vel|src|tools)/.*\.(h|cpp)$'
 on_each "$tests" clang-tidy --quiet -p build/dev
-on_each "$sources" clang-tidy --quiet -p build/dev \
+on_each "$others" clang-tidy --quiet -p build/dev \
     --checks='-*,clang-analyzer-*,misc-unused-using-decls,bugprone-suspicious-include'
 
 echo "clazy"
