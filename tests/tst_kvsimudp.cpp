@@ -3,11 +3,13 @@
 #include "textclient.h"
 #include "udpclient.h"
 
+#include <kvsim/controller.h>
 #include <kvsim/datagramserver.h>
 #include <kvsim/server.h>
 #include <kvsim/simulatorthread.h>
 
 #include <QElapsedTimer>
+#include <QSignalSpy>
 #include <QTest>
 
 using kvsim::DatagramServer;
@@ -33,6 +35,7 @@ private Q_SLOTS:
     void restart();
     void restartDropsWaitingAnswers();
     void portTakenForUdpAlone();
+    void answersFromItsOwnAddress();
     void program();
 };
 
@@ -306,6 +309,24 @@ void tst_KvsimUdp::portTakenForUdpAlone()
                  .arg(port));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 1);
+}
+
+// Among several controllers on one machine the answer's address tells which one it is.
+void tst_KvsimUdp::answersFromItsOwnAddress()
+{
+    const QHostAddress address(text("127.0.0.78"));
+    kvsim::Controller controller;
+    kvsim::Server server(&controller);
+    QVERIFY2(server.listen(address, 0), qPrintable(server.errorString()));
+    QUdpSocket client;
+    QVERIFY(client.bind(QHostAddress(QHostAddress::LocalHost)));
+    QSignalSpy arrival(&client, &QUdpSocket::readyRead);
+    QCOMPARE(client.writeDatagram("?K", address, server.port()), qint64(2));
+    QVERIFY(arrival.wait(timeout));
+    const QNetworkDatagram answer = client.receiveDatagram();
+    QCOMPARE(answer.data(), QByteArray("55\r\n"));
+    QCOMPARE(answer.senderAddress(), address);
+    QCOMPARE(answer.senderPort(), int(server.port()));
 }
 
 // The built program: answers, traces and counts datagrams.

@@ -139,9 +139,11 @@ void DatagramServer::depart(const Departure &departure)
         }
         const Action datagram = datagrams.takeFirst();
         m_waitingBytes -= sizeWaiting(datagram);
-        // Sent or not: nobody is told of a datagram that is lost.
-        m_socket->writeDatagram(
-            departure->question.makeReply(datagram.bytes.left(largestDatagram)));
+        // Sent or not: nobody is told of a datagram that is lost. Not as the question's reply, for
+        // which Qt names the interface, so that the system takes that one's first address.
+        const QNetworkDatagram &question = departure->question;
+        m_socket->writeDatagram(datagram.bytes.left(largestDatagram), question.senderAddress(),
+                                static_cast<quint16>(question.senderPort()));
     }
 }
 
