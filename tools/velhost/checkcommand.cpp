@@ -1,6 +1,7 @@
 #include "checkcommand.h"
 
 #include "host.h"
+#include "wholenumber.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -10,22 +11,14 @@
 
 namespace {
 
-bool isWholeNumber(const QString &text, int maximum)
-{
-    static const QRegularExpression digits(QStringLiteral("\\A[0-9]+\\z"));
-    bool isInt = false;
-    const int number = text.toInt(&isInt);
-    return isInt && digits.match(text).hasMatch() && number >= 1 && number <= maximum;
-}
-
 bool isPort(const QString &text)
 {
-    return isWholeNumber(text, 65535);
+    return wholeNumber(text, 1, 65535).has_value();
 }
 
 bool isTimeout(const QString &text)
 {
-    return isWholeNumber(text, std::numeric_limits<int>::max());
+    return wholeNumber(text, 1, std::numeric_limits<int>::max()).has_value();
 }
 
 bool isIpAddress(const QString &text)

@@ -1,10 +1,10 @@
 #include "commandline.h"
 
+#include "wholenumber.h"
+
 #include <QCommandLineParser>
 #include <QMap>
 #include <QVector>
-
-#include <algorithm>
 
 namespace {
 
@@ -111,17 +111,13 @@ bool takeNumber(const QCommandLineParser &parser, const QString &option, int min
     if (!parser.isSet(option))
         return true;
     const QString text = parser.value(option);
-    const bool onlyDigits = std::all_of(text.begin(), text.end(), [](QChar character) {
-        return character >= QLatin1Char('0') && character <= QLatin1Char('9');
-    });
-    bool ok = false;
-    const int parsed = text.toInt(&ok);
-    if (!ok || !onlyDigits || parsed < minimum || parsed > maximum) {
+    const std::optional<int> parsed = wholeNumber(text, minimum, maximum);
+    if (!parsed) {
         *error = QStringLiteral("--%1 needs a whole number from %2 to %3, not \"%4\"")
                      .arg(option, QString::number(minimum), QString::number(maximum), text);
         return false;
     }
-    *number = parsed;
+    *number = *parsed;
     return true;
 }
 

@@ -2,10 +2,9 @@
 
 #include "parameters.h"
 #include "portlist.h"
+#include "wholenumber.h"
 
 #include <jsonfile/problem.h>
-
-#include <QRegularExpression>
 
 namespace {
 
@@ -61,14 +60,12 @@ QVector<quint16> takePorts(const QString &text, const QString &option, QStringLi
 
 int takeTime(const QString &text, QStringList *errors)
 {
-    static const QRegularExpression digits(QStringLiteral("\\A[0-9]+\\z"));
-    bool isNumber = false;
-    const int time = text.toInt(&isNumber);
-    if (!isNumber || !digits.match(text).hasMatch() || time < 1 || time > maximumTimeMs)
+    const std::optional<int> time = wholeNumber(text, 1, maximumTimeMs);
+    if (!time)
         errors->append(QStringLiteral("--timeout: \"%1\" is no time; write milliseconds as a "
                                       "whole number from 1 to %2")
                            .arg(text, QString::number(maximumTimeMs)));
-    return time;
+    return time.value_or(0);
 }
 
 } // namespace
