@@ -28,6 +28,14 @@ bool writeFile(const QString &fileName, const QByteArray &content)
 const char *const smallPlant
     = R"({"devices": [{"id": 1, "name": "Press", "ip": "", "items": [{"name": "A"}]}]})";
 
+/// For a copy of the program, which no longer finds the host's library when it looks beside itself.
+QProcessEnvironment environmentOfCopy()
+{
+    QProcessEnvironment environment = plainEnvironment();
+    environment.insert(text("LD_LIBRARY_PATH"), text(VEL_LIBRARY_FOLDER));
+    return environment;
+}
+
 } // namespace
 
 class tst_VelhostLoading : public QObject
@@ -141,7 +149,7 @@ void tst_VelhostLoading::defaultPlugin()
         QVERIFY(QFile::copy(scriptedPlugin, folder.filePath(place)));
     }
 
-    QProcessEnvironment environment = plainEnvironment();
+    QProcessEnvironment environment = environmentOfCopy();
     environment.insert(text("QT_PLUGIN_PATH"), folder.filePath(text("qt")));
     const ProgramRun run = runProgram(copy, {text("columns")}, m_folder.path(), environment);
     QCOMPARE(run.errors, QString());
@@ -157,7 +165,8 @@ void tst_VelhostLoading::brokenDefaultPlugin()
     const QString beside = folder.filePath(text("libkeyence.so"));
     QVERIFY(QFile::copy(program, copy));
     QVERIFY(QFile::copy(objectPlugin, beside));
-    const ProgramRun run = runProgram(copy, {text("columns")}, m_folder.path());
+    const ProgramRun run
+        = runProgram(copy, {text("columns")}, m_folder.path(), environmentOfCopy());
     QCOMPARE(run.errors,
              text("velhost: cannot load the plug-in %1: its class \"ObjectPlugin\" is not "
                   "a VELInterface; derive it from VELInterface and name that in Q_INTERFACES\n")
@@ -171,7 +180,7 @@ void tst_VelhostLoading::noDefaultPlugin()
     QVERIFY(QDir(folder.path()).mkdir(text("bin")));
     const QString copy = folder.filePath(text("bin/velhost"));
     QVERIFY(QFile::copy(program, copy));
-    QProcessEnvironment environment = plainEnvironment();
+    QProcessEnvironment environment = environmentOfCopy();
     environment.insert(text("QT_PLUGIN_PATH"), folder.path());
     const ProgramRun run = runProgram(copy, {text("columns")}, m_folder.path(), environment);
     const QString start
