@@ -3,7 +3,8 @@
 set(plugin_documents share/doc/libkeyence)
 set(tools_documents share/doc/libkeyence-tools)
 # The stand-in stays out of the loader's folders, so that no host ever takes it for its own library.
-set(tools_libraries lib/libkeyence-tools)
+# One folder deeper than usual, or cpack makes a package that has the loader look for libraries anew.
+set(tools_libraries lib/libkeyence-tools/vel)
 
 install(TARGETS keyence DESTINATION ${KEYENCE_PLUGIN_DIR} COMPONENT plugin)
 install(

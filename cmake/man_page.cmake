@@ -21,6 +21,8 @@ function(add_man_page program help description)
         COMMAND ${CMAKE_COMMAND} -E make_directory ${KEYENCE_MAN_FOLDER}
         COMMAND ${HELP2MAN} --no-info --section=1 --version-string=${PROJECT_VERSION}
             --name=${description} --output=${page} ${speaker}
+        # The month in which the page is made says nothing of the program, and would change the packages.
+        COMMAND sed -i [[/^\.TH /s/ "[^ "]* [0-9]*" / "" /]] ${page}
         DEPENDS ${help}
         VERBATIM)
     add_custom_target(${program}-man ALL DEPENDS ${page})

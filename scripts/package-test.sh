@@ -17,17 +17,43 @@ fail() {
     exit 1
 }
 
-# try_package NAME: what a package says of itself, what Debian's checker says of it, and its debug symbols.
+# try_modes: the contents on standard input are root's, and everybody may read them.
+try_modes() {
+    ! grep -vE '^(drwxr-xr-x|-rwxr-xr-x|-rw-r--r--|lrwxrwxrwx) root/root ' >&2
+}
+
+# try_deb NAME: what a package says of itself and what Debian's checker says of it.
+try_deb() {
+    deb=${packages}/$1_${version}_$architecture.deb
+    [ -f "$deb" ] || fail "there is no $deb; make it with scripts/package.sh"
+    named=$(dpkg-deb --field "$deb" Package Version Architecture | sed 's/.*: //' | tr '\n' ' ')
+    [ "$named" = "$1 $version $architecture " ] || fail "$deb says that it is $named"
+    lintian --allow-root --fail-on error,warning "$deb" || fail "$deb has errors or warnings"
+    dpkg-deb --contents "$deb" | try_modes || fail "$deb has these owners or permissions"
+
+    dpkg-deb --raw-extract "$deb" "$root/raw/$1"
+    (
+        cd "$root/raw/$1"
+        find . -path ./DEBIAN -prune -o -type f -printf '%P\n' | xargs md5sum | LC_ALL=C sort >"$root/md5sums"
+        LC_ALL=C sort DEBIAN/md5sums | diff - "$root/md5sums"
+    ) || fail "the checksums in $deb are not those of its files"
+}
+
+# try_package NAME: a package, its archive and its debug symbols.
 try_package() {
-    for name in "$1" "$1-dbgsym"; do
-        deb=${packages}/${name}_${version}_$architecture.deb
-        [ -f "$deb" ] || fail "there is no $deb; make it with scripts/package.sh"
-        [ "$(dpkg-deb --field "$deb" Version)" = "$version" ] || fail "$deb is not of version $version"
-        lintian --allow-root --fail-on error --suppress-tags debian-changelog-line-too-long "$deb" ||
-            fail "$deb has errors"
-    done
+    try_deb "$1"
     changes=$(zcat "$root/deb/usr/share/doc/$1/changelog.gz" | sed 1q)
     [ "${changes%% bookworm*}" = "libkeyence ($version)" ] || fail "the changelog of $1 begins with: $changes"
+    dpkg-deb --field "$deb" Depends | grep 'libc6 (>= ' | grep -q 'libqt5core5a (>= ' ||
+        fail "$deb does not depend on what it needs"
+
+    archive=${packages}/${1}_${version}_$architecture.tar.gz
+    tar --list --verbose --gzip --file="$archive" | try_modes || fail "$archive has these owners or permissions"
+    # Unpacked over a system, they would change those that are there.
+    ! tar --list --gzip --file="$archive" | grep '/$' || fail "$archive has folders"
+
+    try_deb "$1-dbgsym"
+    [ "$(dpkg-deb --field "$deb" Depends)" = "$1 (= $version)" ] || fail "$deb fits other versions, too"
     dpkg-deb --extract "$deb" "$root/symbols"
 }
 
@@ -37,8 +63,10 @@ try_file() {
     ! readelf --wide --sections "$1" | grep -q '\.debug_info' || fail "$1 is not stripped"
     id=$(readelf --notes "$1" | sed -n 's/.*Build ID: //p')
     rest=${id#??}
-    [ -f "$root/symbols/usr/lib/debug/.build-id/${id%"$rest"}/$rest.debug" ] || fail "$1 has no debug symbols"
-    ! readelf --dynamic "$1" | grep -E '\((RPATH|RUNPATH)\)' | grep -vF "[\$ORIGIN/../lib/libkeyence-tools]" ||
+    # It complains that the program's other contents are not there.
+    readelf --wide --sections "$root/symbols/usr/lib/debug/.build-id/${id%"$rest"}/$rest.debug" 2>/dev/null |
+        grep -q '\.debug_info' || fail "$1 has no debug symbols"
+    ! readelf --dynamic "$1" | grep -E '\((RPATH|RUNPATH)\)' | grep -vF "[\$ORIGIN/../lib/libkeyence-tools/vel]" ||
         fail "$1 looks for libraries there"
 }
 
@@ -64,12 +92,12 @@ try_programs() {
 # try_gateway: the check of a gateway lets this plug-in pass where it can run, and no other.
 try_gateway() {
     gateway=/
-    stand_in=$root/deb/usr/lib/libkeyence-tools
+    stand_in=$root/deb/usr/lib/libkeyence-tools/vel
     if [ "$architecture" = armhf ]; then
         gateway=$root/gateway
         cp --archive --link build/sysroot-armhf "$gateway"
         cp --archive "$root/deb/." "$gateway"
-        stand_in=/usr/lib/libkeyence-tools
+        stand_in=/usr/lib/libkeyence-tools/vel
     fi
     scripts/gateway-check.sh "$root/deb/$plugin" "$gateway" "$stand_in" || fail "the plug-in should load"
     [ "$architecture" = armhf ] || return 0
@@ -91,18 +119,21 @@ for architecture in "$@"; do
     fi
     root=$PWD/build/package-test/$architecture
     rm -rf "$root"
-    mkdir -p "$root/deb" "$root/archive"
+    mkdir -p "$root/deb" "$root/archive" "$root/raw"
     for name in libkeyence libkeyence-tools; do
         dpkg-deb --extract "$packages/${name}_${version}_$architecture.deb" "$root/deb"
         tar --extract --gzip --directory="$root/archive" \
             --file="$packages/${name}_${version}_$architecture.tar.gz"
         try_package "$name"
     done
+    for page in "$root"/deb/usr/share/man/man1/*.1.gz; do
+        zcat "$page" | grep -q '^\.TH [A-Z]* "1" "" ' || fail "$page tells when it was made, so it changes by itself"
+    done
     diff -r "$root/deb" "$root/archive" || fail "the archives hold something else than the packages"
     ! dpkg-deb --contents "$packages/libkeyence_${version}_$architecture.deb" | grep libvel ||
         fail "the plug-in's package holds the stand-in"
 
-    for file in "$plugin" usr/bin/velhost usr/bin/kvsim usr/lib/libkeyence-tools/libvel.so.1; do
+    for file in "$plugin" usr/bin/velhost usr/bin/kvsim usr/lib/libkeyence-tools/vel/libvel.so.1; do
         try_file "$root/deb/$file"
     done
     cmake -DFILE="$root/deb/$plugin" -DREADELF=readelf -DCEILING=tests/symbol_ceiling.txt \

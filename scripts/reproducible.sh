@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes the packages for this machine's architecture twice, here and from a copy of the sources in another folder,
-# and compares them byte by byte.
+# Makes the packages for this machine's architecture twice, here and, later, from a copy of the sources in another
+# folder, with other permissions, another locale and another time zone, and compares them byte by byte.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -10,16 +10,20 @@ mkdir -p "$copy"
 
 rm -f build/packages/*"_$(dpkg --print-architecture)".*
 scripts/package.sh package
-SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
-export SOURCE_DATE_EPOCH
 git ls-files -z --cached --others --exclude-standard |
     tar --create --null --files-from=- | tar --extract --touch --directory="$copy"
-"$copy/scripts/package.sh" package
+(
+    umask 077
+    export LC_ALL=C TZ=Asia/Tokyo
+    SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+    export SOURCE_DATE_EPOCH
+    "$copy/scripts/package.sh" package
+)
 
 count=0
 for package in build/packages/*"_$(dpkg --print-architecture)".*; do
     cmp "$package" "$copy/build/packages/${package##*/}" || {
-        echo "reproducible: $package depends on the folder that it is built in" >&2
+        echo "reproducible: $package depends on where, when or by whom it is made" >&2
         exit 1
     }
     count=$((count + 1))
