@@ -1,10 +1,11 @@
 #!/bin/sh
-# Builds everything for 32-bit ARM and runs all tests there, by an emulator, on a machine that is no ARM.
+# Builds everything for 32-bit ARM and runs all tests there, by an emulator, on a machine that is no ARM. What has
+# been tested is then packed into build/packages.
 set -eu
 cd "$(dirname "$0")/.."
 
 # proot lets a program under the emulator start another one.
-scripts/install-packages.sh g++-arm-linux-gnueabihf qemu-user proot
+scripts/install-packages.sh g++-arm-linux-gnueabihf qemu-user proot dpkg-dev file git
 scripts/armhf-sysroot.sh
 
 # When the emulator refuses to start a process, Qt takes -1 for its number and then ends -1, which is every
@@ -16,3 +17,6 @@ $apart scripts/test.sh armhf
 log=build/armhf/Testing/Temporary/LastTest.log
 echo "$(grep -c ' Testing: ' "$log") tests, of which $(grep -c '^SKIP ' "$log" || true) rows were skipped"
 grep '^SKIP ' "$log" || true
+
+mkdir -p build/packages
+(cd build/armhf && cpack && mv ./*.deb ./*.tar.gz ../packages)
