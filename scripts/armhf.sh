@@ -18,5 +18,7 @@ log=build/armhf/Testing/Temporary/LastTest.log
 echo "$(grep -c ' Testing: ' "$log") tests, of which $(grep -c '^SKIP ' "$log" || true) rows were skipped"
 grep '^SKIP ' "$log" || true
 
+# cpack gives the parts of a .deb the permissions that new files have.
+umask 022
 mkdir -p build/packages
 (cd build/armhf && cpack && mv ./*.deb ./*.tar.gz ../packages)

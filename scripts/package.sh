@@ -19,6 +19,8 @@ for argument in "$@"; do
 done
 
 scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev dpkg-dev file git help2man
+# cpack gives the parts of a .deb the permissions that new files have.
+umask 022
 mkdir -p build/packages
 
 for preset in ${presets:-package package-armhf}; do
