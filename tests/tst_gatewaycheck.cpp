@@ -3,7 +3,7 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 // What the check of a gateway says about each point, over small libraries that have what is looked
 // at and nothing else.

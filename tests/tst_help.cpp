@@ -2,9 +2,9 @@
 #include <text.h>
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
-
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 // The built program as its user has it: arguments and a plant file in, two streams and an exit code
 // out. "%PLUGIN%" in arguments and texts is the scripted plug-in.

@@ -4,7 +4,8 @@
 #include <changes.h>
 #include <csv.h>
 
-#include <QtTest>
+#include <QDateTime>
+#include <QTest>
 
 // `read --only-changes` and `read --format csv`.
 

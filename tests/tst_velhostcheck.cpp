@@ -2,7 +2,9 @@
 #include "scriptedpeer.h"
 #include "text.h"
 
-#include <QtTest>
+#include <QDir>
+#include <QRegularExpression>
+#include <QTest>
 
 // `check`: every problem of a plant file at once, without a connection.
 

@@ -1,6 +1,6 @@
 #include <commandline.h>
 
-#include <QtTest>
+#include <QTest>
 
 Q_DECLARE_METATYPE(Command)
 

@@ -4,8 +4,10 @@
 
 #include <kvsim/simulatorthread.h>
 
+#include <QHostAddress>
 #include <QNetworkDatagram>
-#include <QtTest>
+#include <QTest>
+#include <QUdpSocket>
 
 // `discover`: what it asks, what it takes for a controller, what it refuses.
 

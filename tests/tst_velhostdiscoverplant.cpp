@@ -3,12 +3,15 @@
 
 #include <kvsim/simulatorthread.h>
 
+#include <QDir>
 #include <QFile>
+#include <QHostAddress>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QScopedPointer>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 // `discover --plant`: the file that it writes, and what it does not write.
 

@@ -2,7 +2,7 @@
 
 #include <QBuffer>
 #include <QDataStream>
-#include <QtTest>
+#include <QTest>
 
 // The header of programs and libraries, written byte by byte.
 

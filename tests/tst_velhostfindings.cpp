@@ -2,7 +2,7 @@
 
 #include <discoveroutput.h>
 
-#include <QtTest>
+#include <QTest>
 
 // What an answer means, and how the findings are shown.
 

@@ -6,8 +6,9 @@
 #include <vel/interfaceid.h>
 
 #include <QFile>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <cstring>
 

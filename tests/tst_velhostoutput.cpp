@@ -2,9 +2,10 @@
 #include <output.h>
 #include <table.h>
 
+#include <QDateTime>
 #include <QJsonArray>
+#include <QTest>
 #include <QTimeZone>
-#include <QtTest>
 
 Q_DECLARE_METATYPE(OutputFormat)
 Q_DECLARE_METATYPE(LogEntry::Level)

@@ -1,7 +1,8 @@
 #include <host.h>
 #include <parameters.h>
 
-#include <QtTest>
+#include <QMap>
+#include <QTest>
 
 using Record = QMap<QString, QString>;
 

@@ -8,7 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTcpSocket>
-#include <QtTest>
+#include <QTest>
 
 // `plan`: what it shows, and that nothing of it reaches the address in the plant file.
 

@@ -1,8 +1,10 @@
 #include <assignment.h>
 #include <plant.h>
 
+#include <QFile>
+#include <QPair>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <portlist.h>
 
-#include <QtTest>
+#include <QTest>
 
 class tst_VelhostPortList : public QObject
 {

@@ -1,6 +1,7 @@
 #include <samevalue.h>
 
-#include <QtTest>
+#include <QMap>
+#include <QTest>
 
 Q_DECLARE_METATYPE(ValueKind)
 

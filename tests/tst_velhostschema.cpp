@@ -2,12 +2,14 @@
 #include "text.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QSet>
-#include <QtTest>
+#include <QTest>
 
 // The schema of plant files says what `velhost check` says, as far as a schema can.
 

@@ -2,7 +2,8 @@
 
 #include <searcharea.h>
 
-#include <QtTest>
+#include <QHostAddress>
+#include <QTest>
 
 Q_DECLARE_METATYPE(Subnet)
 Q_DECLARE_METATYPE(InterfaceNetwork)

@@ -3,7 +3,8 @@
 #include <commandline.h>
 #include <searchsettings.h>
 
-#include <QtTest>
+#include <QMap>
+#include <QTest>
 
 Q_DECLARE_METATYPE(DatabaseColumnStructure)
 

@@ -2,8 +2,9 @@
 #include "text.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

@@ -3,12 +3,17 @@
 
 #include <kvsim/simulatorthread.h>
 
+#include <QElapsedTimer>
+#include <QFile>
+#include <QHostAddress>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QtTest>
+#include <QTemporaryDir>
+#include <QTest>
 
 #include <csignal>
 

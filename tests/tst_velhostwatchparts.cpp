@@ -3,7 +3,8 @@
 #include <watchsummary.h>
 #include <watchtable.h>
 
-#include <QtTest>
+#include <QDateTime>
+#include <QTest>
 
 // What a watch is made of, without a process and without a terminal.
 

@@ -5,8 +5,9 @@
 #include <kvsim/simulatorthread.h>
 
 #include <QFile>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 

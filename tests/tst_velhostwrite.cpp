@@ -4,7 +4,7 @@
 
 #include <kvsim/simulatorthread.h>
 
-#include <QtTest>
+#include <QTest>
 
 // What `write` asks for, does and prints: the built program with the scripted plug-in, whose reads
 // are the item's "answers" one after the other, and with the real one.
