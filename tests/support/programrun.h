@@ -24,7 +24,8 @@ inline QProcessEnvironment plainEnvironment()
     return environment;
 }
 
-/// Runs the program in `folder` to its end, at most half a minute.
+/// Runs the program in `folder` to its end, at most two minutes: on a busy machine, too, only what
+/// hangs takes longer.
 inline ProgramRun runProgram(const QString &program, const QStringList &arguments,
                              const QString &folder,
                              const QProcessEnvironment &environment = plainEnvironment())
@@ -33,7 +34,7 @@ inline ProgramRun runProgram(const QString &program, const QStringList &argument
     process.setWorkingDirectory(folder);
     process.setProcessEnvironment(environment);
     process.start(program, arguments, QIODevice::ReadOnly);
-    if (!process.waitForFinished(30000))
+    if (!process.waitForFinished(120000))
         return {-1, {}, process.errorString()};
     const bool ended = process.exitStatus() == QProcess::NormalExit;
     return {ended ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
