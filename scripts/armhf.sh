@@ -17,6 +17,11 @@ $apart scripts/test.sh armhf
 log=build/armhf/Testing/Temporary/LastTest.log
 echo "$(grep -c ' Testing: ' "$log") tests, of which $(grep -c '^SKIP ' "$log" || true) rows were skipped"
 grep '^SKIP ' "$log" || true
+# What the emulator cannot do says so itself; everything else must have run.
+if grep '^SKIP ' "$log" | grep -qv "the emulator"; then
+    echo "armhf: rows were skipped for another reason than the emulator; install what they miss." >&2
+    exit 1
+fi
 
 # cpack gives the parts of a .deb the permissions that new files have.
 umask 022
