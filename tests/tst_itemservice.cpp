@@ -20,20 +20,12 @@ const QString loopback = QStringLiteral("127.0.0.1");
 
 } // namespace
 
-// One exchange, and one item from its parameters to its value.
+// One item from its parameters to its value.
 class tst_ItemService : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void exchange_data();
-    void exchange();
-    void exchangeOfAnEmptyCommand();
-    void exchangeWithoutAnswer();
-    void exchangeWithAPeerThatCloses();
-    void exchangeWithoutConnection();
-    void exchangeTakesOneReceiveOnly();
-
     void readsItem_data();
     void readsItem();
     void writesItem_data();
@@ -45,95 +37,6 @@ private Q_SLOTS:
     void preReadWithoutAnswerWritesNothing();
     void configurationIsNotChanged();
 };
-
-void tst_ItemService::exchange_data()
-{
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<QString>("error");
-
-    const QString refusal = text("[RD DM1\r] <Counter> :invalid address");
-    QTest::newRow("value") << QByteArray("00001\r\n") << QString();
-    QTest::newRow("OK") << QByteArray("OK\r\n") << QString();
-    QTest::newRow("refusal E0") << QByteArray("E0\r\n") << refusal;
-    QTest::newRow("refusal E1") << QByteArray("E1\r\n") << refusal;
-    QTest::newRow("refusal E4") << QByteArray("E4\r\n") << refusal;
-    QTest::newRow("the letter alone") << QByteArray("E") << refusal;
-    QTest::newRow("a word in E") << QByteArray("EXTRA\r\n") << refusal;
-    QTest::newRow("lower case") << QByteArray("e0\r\n") << QString();
-    QTest::newRow("not at the beginning") << QByteArray(" E0\r\n") << QString();
-    QTest::newRow("line end only") << QByteArray("\r\n") << QString();
-    QTest::newRow("zero byte before") << QByteArray("\0E0\r\n", 5) << QString();
-}
-
-void tst_ItemService::exchange()
-{
-    QFETCH(QByteArray, answer);
-    ScriptedPeer peer({{answer}});
-    Keyence plugin;
-    Socket socket(loopback, peer.port(), 2000);
-    QByteArray response = "old";
-    QTEST(plugin.sendCommand(socket, text("RD DM1\r"), text("Counter"), &response), "error");
-    QCOMPARE(response, answer);
-    QVERIFY(socket.isConnected());
-    socket.disconnect();
-    QCOMPARE(peer.finish(), QByteArray("RD DM1\r"));
-}
-
-void tst_ItemService::exchangeOfAnEmptyCommand()
-{
-    ScriptedPeer peer;
-    Keyence plugin;
-    Socket socket(loopback, peer.port(), 2000);
-    QByteArray response = "old";
-    QCOMPARE(plugin.sendCommand(socket, QString(), text("Counter"), &response),
-             text("[ ] not sent: Data item parameters invalid"));
-    QCOMPARE(response, QByteArray("old"));
-    socket.disconnect();
-    QCOMPARE(peer.finish(), QByteArray());
-}
-
-void tst_ItemService::exchangeWithoutAnswer()
-{
-    ScriptedPeer peer;
-    Keyence plugin;
-    Socket socket(loopback, peer.port(), 30);
-    QByteArray response = "old";
-    QCOMPARE(plugin.sendCommand(socket, text("RD DM1\r"), text("Counter"), &response),
-             text("[RD DM1\r ] socket read data error from <Counter> :Timeout reading (30ms)"));
-    QCOMPARE(response, QByteArray());
-    QVERIFY(!socket.isConnected());
-}
-
-void tst_ItemService::exchangeWithAPeerThatCloses()
-{
-    ScriptedPeer peer({{"", Answer::Close}});
-    Keyence plugin;
-    Socket socket(loopback, peer.port(), 2000);
-    QByteArray response;
-    QCOMPARE(plugin.sendCommand(socket, text("RD DM1\r"), text("Counter"), &response),
-             text("[RD DM1\r ] socket read data error from <Counter> :No data received - Success"));
-    QVERIFY(socket.isConnected());
-}
-
-void tst_ItemService::exchangeWithoutConnection()
-{
-    Keyence plugin;
-    Socket socket;
-    QByteArray response = "old";
-    QCOMPARE(plugin.sendCommand(socket, text("RD DM1\r"), text("Counter"), &response),
-             text("[RD DM1\r ] socket write data error from <Counter> :Bad file descriptor"));
-    QCOMPARE(response, QByteArray("old"));
-}
-
-void tst_ItemService::exchangeTakesOneReceiveOnly()
-{
-    ScriptedPeer peer({{"000"}});
-    Keyence plugin;
-    Socket socket(loopback, peer.port(), 2000);
-    QByteArray response;
-    QCOMPARE(plugin.sendCommand(socket, text("RD DM1\r"), text("Counter"), &response), QString());
-    QCOMPARE(response, QByteArray("000"));
-}
 
 void tst_ItemService::readsItem_data()
 {
