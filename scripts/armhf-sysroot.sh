@@ -6,13 +6,13 @@ set -eu
 cd "$(dirname "$0")/.."
 
 # With what they depend on.
-packages="libc6-dev libqt5core5a libqt5network5 libqt5sql5 libqt5test5"
+packages="libc6-dev libqt5core5a libqt5network5 libqt5sql5 libqt5test5 bash dash"
 # Alone: only their headers and CMake files are needed, not the desktop that they depend on.
 alone="qtbase5-dev qt5-qmake"
 
 root=$PWD/build/sysroot-armhf
 stamp=$root/complete
-made_of=$(cksum scripts/armhf-sysroot.sh tests/emulation/plainfork.cpp)
+made_of=$(cksum scripts/armhf-sysroot.sh tests/emulation/*.cpp; echo "$root")
 if [ "$(cat "$stamp" 2>/dev/null)" = "$made_of" ]; then
     exit 0
 fi
@@ -74,10 +74,10 @@ for tool in moc qmake rcc uic; do
     ln -sf "/usr/lib/qt5/bin/$tool" "$root/usr/lib/qt5/bin/$tool"
 done
 
-# Every program loads this first, or none could start another; the file says why.
-preloaded=/usr/lib/arm-linux-gnueabihf/libplainfork.so
+# Every program loads this first, or none could start another; the files say why.
+preloaded=/usr/lib/arm-linux-gnueabihf/libemulation.so
 arm-linux-gnueabihf-g++ --sysroot="$root" -std=c++17 -O2 -fPIC -shared -Wall -Wextra -Werror \
-    -o "$root$preloaded" tests/emulation/plainfork.cpp
+    -D"SYSROOT=\"$root\"" -o "$root$preloaded" tests/emulation/*.cpp
 echo "$preloaded" >"$root/etc/ld.so.preload"
 
 echo "$made_of" >"$stamp"

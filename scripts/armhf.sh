@@ -4,8 +4,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-# proot lets a program under the emulator start another one.
-scripts/install-packages.sh g++-arm-linux-gnueabihf qemu-user proot dpkg-dev file git
+scripts/install-packages.sh g++-arm-linux-gnueabihf qemu-user dpkg-dev file git
 scripts/armhf-sysroot.sh
 
 # When the emulator refuses to start a process, Qt takes -1 for its number and then ends -1, which is every
@@ -16,10 +15,9 @@ $apart scripts/test.sh armhf
 
 log=build/armhf/Testing/Temporary/LastTest.log
 echo "$(grep -c ' Testing: ' "$log") tests, of which $(grep -c '^SKIP ' "$log" || true) rows were skipped"
-grep '^SKIP ' "$log" || true
-# What the emulator cannot do says so itself; everything else must have run.
-if grep '^SKIP ' "$log" | grep -qv "the emulator"; then
-    echo "armhf: rows were skipped for another reason than the emulator; install what they miss." >&2
+# There is nothing that the emulator cannot do: a skipped row misses something on this machine.
+if grep '^SKIP ' "$log"; then
+    echo "armhf: install what these rows miss." >&2
     exit 1
 fi
 

@@ -288,9 +288,6 @@ void tst_VelhostWatchTerminal::ends()
 // A stop gives it back, too; who goes on takes it again.
 void tst_VelhostWatchTerminal::stoppedAndContinued()
 {
-#ifdef EMULATED
-    QSKIP("under the emulator's proot no program stays stopped: it goes on at once");
-#endif
     kvsim::SimulatorThread controller;
     const QStringList words = arguments(controller, {text("Counter=DM1")});
     // A shell with job control, without which nothing could be stopped.
