@@ -46,8 +46,14 @@ bool isForArm(const char *file)
 
 } // namespace
 
-// Called between fork() and exec(), where memory must not be allocated.
-extern "C" int execve(const char *file, char *const *arguments, char *const *variables) noexcept
+// The C library's execve() and execv(). They are called after fork(), where memory must not be
+// allocated.
+extern "C" int execute(const char *file, char *const *arguments, char *const *variables) noexcept
+    __asm__("execve");
+extern "C" int executeInheriting(const char *file, char *const *arguments) noexcept
+    __asm__("execv");
+
+int execute(const char *file, char *const *arguments, char *const *variables) noexcept
 {
     const char *const shell = emulatedShell(file);
     const char *const program = shell != nullptr ? shell : file;
@@ -67,7 +73,7 @@ extern "C" int execve(const char *file, char *const *arguments, char *const *var
     return static_cast<int>(::syscall(SYS_execve, emulator, emulated.data(), variables));
 }
 
-extern "C" int execv(const char *file, char *const *arguments) noexcept
+int executeInheriting(const char *file, char *const *arguments) noexcept
 {
-    return ::execve(file, arguments, environ);
+    return execute(file, arguments, environ);
 }
