@@ -30,8 +30,8 @@ cmake --build --preset dev >/dev/null
 # them, are read as a build that joins many sources into one; for that, no two of a library may use a name for
 # different things. The checks that only look at a source for itself follow.
 cmake -S . -B build/lint -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKEYENCE_BUILD_TESTS=OFF \
-    -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=16 >/dev/null
-cmake --build build/lint >/dev/null
+    -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=16 -DCMAKE_GLOBAL_AUTOGEN_TARGET=ON >/dev/null
+cmake --build build/lint --target autogen >/dev/null
 joined=$(find build/lint -name 'unity_*.cxx')
 
 echo "clang-tidy"
