@@ -21,7 +21,4 @@ if grep '^SKIP ' "$log"; then
     exit 1
 fi
 
-# cpack gives the parts of a .deb the permissions that new files have.
-umask 022
-mkdir -p build/packages
-(cd build/armhf && cpack && mv ./*.deb ./*.tar.gz ../packages)
+scripts/pack.sh armhf

@@ -19,9 +19,6 @@ for argument in "$@"; do
 done
 
 scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev dpkg-dev file git help2man
-# cpack gives the parts of a .deb the permissions that new files have.
-umask 022
-mkdir -p build/packages
 
 for preset in ${presets:-package package-armhf}; do
     if [ "$preset" = package-armhf ]; then
@@ -31,6 +28,6 @@ for preset in ${presets:-package package-armhf}; do
     # shellcheck disable=SC2086 # one word an option
     cmake --fresh --preset "$preset" $options >/dev/null
     cmake --build --preset "$preset"
-    (cd "build/$preset" && cpack && mv ./*.deb ./*.tar.gz ../packages)
+    scripts/pack.sh "$preset"
 done
 ls -l build/packages
