@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install-packages.sh g++-arm-linux-gnueabihf qemu-user dpkg-dev file git
+scripts/install-packages.sh test cross-compiler emulator package
 scripts/armhf-sysroot.sh
 
 # When the emulator refuses to start a process, Qt takes -1 for its number and then ends -1, which is every

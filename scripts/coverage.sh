@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install-packages.sh gcovr
+scripts/install-packages.sh coverage
 find build/coverage -name '*.gcda' -delete 2>/dev/null || true
 scripts/test.sh coverage
 gcovr --root . --filter src/ --object-directory build/coverage --fail-under-line 98

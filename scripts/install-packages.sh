@@ -1,12 +1,38 @@
 #!/bin/sh
-# install-packages.sh PACKAGE...: installs those Debian packages that are missing. Where nothing can be
-# installed it names them and ends with 1.
-set -u
+# install-packages.sh PURPOSE...: installs those Debian packages that are missing. What each purpose needs stands
+# here and nowhere else. Where nothing can be installed it names them and ends with 1.
+set -eu
+
+packages_for() {
+    case $1 in
+    programs) echo g++ cmake ninja-build qtbase5-dev ;;
+    manuals) echo help2man ;;
+    build) packages_for programs && packages_for manuals ;;
+    test) packages_for build && echo bash-completion groff-base python3-jsonschema ;;
+    coverage) packages_for test && echo gcovr ;;
+    lint) packages_for build && echo clang-format clang-tidy clazy git ;;
+    cross-compiler) echo g++-arm-linux-gnueabihf ;;
+    emulator) echo qemu-user ;;
+    package) packages_for build && echo dpkg-dev file git ;;
+    package-test) packages_for programs && echo binutils dpkg-dev lintian ;;
+    bare-system) echo git mmdebstrap ;;
+    *)
+        echo "install-packages: unknown purpose $1; the purposes stand in $0" >&2
+        return 2
+        ;;
+    esac
+}
 
 missing=
-for package in "$@"; do
-    status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null)
-    [ "$status" = installed ] || missing="$missing $package"
+for purpose in "$@"; do
+    packages=$(packages_for "$purpose")
+    for package in $packages; do
+        status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null) || status=
+        case "$status $missing " in
+        installed* | *" $package "*) ;;
+        *) missing="$missing $package" ;;
+        esac
+    done
 done
 [ -n "$missing" ] || exit 0
 

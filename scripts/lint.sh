@@ -3,7 +3,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev help2man clang-format clang-tidy clazy git
+scripts/install-packages.sh lint
 
 sources=$(git ls-files --cached --others --exclude-standard '*.cpp')
 tests=$(git ls-files --cached --others --exclude-standard 'tests/*.cpp')

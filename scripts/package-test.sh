@@ -5,7 +5,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install-packages.sh lintian dpkg-dev binutils cmake g++ qtbase5-dev
+scripts/install-packages.sh package-test
 [ $# -gt 0 ] || set -- amd64 armhf
 
 version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' CMakeLists.txt)
@@ -100,7 +100,7 @@ for architecture in "$@"; do
     echo "== $architecture"
     runner=
     if [ "$architecture" = armhf ]; then
-        scripts/install-packages.sh g++-arm-linux-gnueabihf qemu-user
+        scripts/install-packages.sh cross-compiler emulator
         runner="qemu-arm -L $PWD/build/sysroot-armhf"
     fi
     root=$PWD/build/package-test/$architecture

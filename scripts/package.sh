@@ -18,11 +18,11 @@ for argument in "$@"; do
     esac
 done
 
-scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev dpkg-dev file git help2man
+scripts/install-packages.sh package
 
 for preset in ${presets:-package package-armhf}; do
     if [ "$preset" = package-armhf ]; then
-        scripts/install-packages.sh g++-arm-linux-gnueabihf
+        scripts/install-packages.sh cross-compiler
         scripts/armhf-sysroot.sh
     fi
     # shellcheck disable=SC2086 # one word an option

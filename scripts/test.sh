@@ -4,7 +4,7 @@ set -eu
 cd "$(dirname "$0")/.."
 preset=${1:-dev}
 
-scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev help2man groff-base bash-completion python3-jsonschema
+scripts/install-packages.sh test
 
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
