@@ -1,14 +1,15 @@
 # add_man_page(<program> <help> <what it is>): makes <program>.1 from the text that the program prints for
 # --help, so that the two cannot differ. The text is taken from its file, because a program for another
 # processor cannot be asked.
-find_program(HELP2MAN help2man)
-mark_as_advanced(HELP2MAN)
+if(KEYENCE_BUILD_MAN_PAGES)
+    need_program(HELP2MAN help2man help2man "which makes the manual pages"
+        "leave them out with -DKEYENCE_BUILD_MAN_PAGES=OFF -DKEYENCE_BUILD_TESTS=OFF")
+endif()
 
 set(KEYENCE_MAN_FOLDER ${PROJECT_BINARY_DIR}/man CACHE INTERNAL "")
 
 function(add_man_page program help description)
-    if(NOT HELP2MAN)
-        message(STATUS "No manual page of ${program}: help2man is not installed")
+    if(NOT KEYENCE_BUILD_MAN_PAGES)
         return()
     endif()
     # What help2man asks instead of the program.

@@ -19,8 +19,12 @@ cmake_dependent_option(KEYENCE_BUILD_TOOLS
     "Build the development host (velhost) and the simulated controller (kvsim)." ON
     "NOT VEL_ROOT" OFF)
 
+cmake_dependent_option(KEYENCE_BUILD_MAN_PAGES
+    "Make the tools' manual pages. Needs help2man." ON
+    "KEYENCE_BUILD_TOOLS" OFF)
+
 cmake_dependent_option(KEYENCE_BUILD_TESTS
-    "Build the tests. Needs the tools." ON
+    "Build the tests. Needs the tools with their manual pages." ON
     "KEYENCE_BUILD_TOOLS" OFF)
 
 cmake_dependent_option(KEYENCE_CHECK_HEADERS

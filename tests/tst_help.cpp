@@ -33,7 +33,7 @@ QString contents(const QString &fileName)
 /// The page as `man` shows it, without bold and underlining.
 ProgramRun formatted(const QString &manPage)
 {
-    return runProgram(text("groff"),
+    return runProgram(text(GROFF),
                       {text("-man"), text("-ww"), text("-Tutf8"), text("-P-cbou"), manPage}, {});
 }
 
@@ -180,7 +180,7 @@ void tst_Help::completes()
     const Tool tool = toolNamed(name);
     // What bash does when the tab key is pressed behind the line.
     const QString script = text(R"(
-        . /usr/share/bash-completion/bash_completion
+        . "$5"
         . "$1"
         COMP_LINE=$2
         COMP_POINT=${#COMP_LINE}
@@ -191,9 +191,10 @@ void tst_Help::completes()
         _$4 "$3" "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD-1]}"
         printf '%s\n' "${COMPREPLY[@]}" | sort | xargs echo
     )");
-    const ProgramRun run = runProgram(
-        text("bash"), {text("-c"), script, text("bash"), tool.completion, line, tool.program, name},
-        folder.path());
+    const ProgramRun run = runProgram(text("bash"),
+                                      {text("-c"), script, text("bash"), tool.completion, line,
+                                       tool.program, name, text(BASH_COMPLETION)},
+                                      folder.path());
     QCOMPARE(run.errors, QString());
     QCOMPARE(run.output.trimmed(), words);
     QCOMPARE(run.exitCode, 0);
