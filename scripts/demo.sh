@@ -9,15 +9,14 @@ set -eu
 cd "$(dirname "$0")/.."
 
 if [ -z "${DEMO_BIN-}" ]; then
-    scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev
-
-    cmake --preset dev >/dev/null
-    cmake --build --preset dev --target keyence velhost kvsim
+    scripts/install-packages.sh programs
+    cmake --preset demo >/dev/null
+    cmake --build --preset demo
 fi
 
-bin=${DEMO_BIN:-build/dev/bin}
+bin=${DEMO_BIN:-build/demo/bin}
 examples=${DEMO_EXAMPLES:-examples}
-work=${DEMO_WORK:-build/demo}
+work=${DEMO_WORK:-build/demo/work}
 mkdir -p "$work"
 
 velhost() {
