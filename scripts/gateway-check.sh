@@ -286,8 +286,11 @@ plugin_identifier() {
 host_programs() {
     find_library libvel.so.1
     for folder in /bin /sbin /usr/bin /usr/sbin /usr/local/bin /usr/local/sbin /opt "$@"; do
-        find "$(in_root "$folder")" "$(in_root "$folder/../bin")" -type f ! -name '*.so' ! -name '*.so.*' \
-            ! -name velhost -exec grep -l 'libvel\.so\.1' {} + 2>/dev/null
+        in_root "$folder"
+        in_root "$folder/../bin"
+    done | sort -u | while read -r place; do
+        find "$place" -type f ! -name '*.so' ! -name '*.so.*' ! -name velhost \
+            -exec grep -l 'libvel\.so\.1' {} + 2>/dev/null
     done
 }
 
