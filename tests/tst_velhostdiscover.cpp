@@ -29,15 +29,15 @@ QString row(const char *address, int port, const char *protocol, const char *mod
 QString asking(int udpAddresses, int tcpAddresses)
 {
     return text("velhost: asking %1 addresses by UDP at 1 ports, then %2 by TCP at 1, for at most "
-                "60000 ms\n")
+                "1600 ms\n")
         .arg(udpAddresses)
         .arg(tcpAddresses);
 }
 
 ProgramRun discover(const QString &udpPorts, const QString &tcpPorts, const QStringList &more = {})
 {
-    return runBesideLoop(text(VELHOST_FILE),
-                         searchArguments(KEYENCE_PLUGIN_FILE, udpPorts, tcpPorts, more));
+    return runBesideLoop(text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, udpPorts,
+                                                             tcpPorts, shortSearch() + more));
 }
 
 } // namespace
@@ -237,7 +237,8 @@ void tst_VelhostDiscover::broadcast()
     QVERIFY(peer.port() != 0);
     const ProgramRun run = runBesideLoop(
         text(VELHOST_FILE),
-        searchArguments(KEYENCE_PLUGIN_FILE, QString::number(peer.port()), m_nobody.tcp(), {},
+        searchArguments(KEYENCE_PLUGIN_FILE, QString::number(peer.port()), m_nobody.tcp(),
+                        shortSearch(),
                         {text("--interface"), text("lo"), text("--subnet"), text("127.0.0.1")}));
     QCOMPARE(peer.questions(), QList<QByteArray>{"?K\r"});
     QCOMPARE(run.errors, asking(1, 1));

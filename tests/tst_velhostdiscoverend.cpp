@@ -154,7 +154,7 @@ void tst_VelhostDiscoverEnd::sockets()
         text("/bin/sh"),
         QStringList{text("-c"), text(R"(ulimit -n %1; exec "$0" "$@")").arg(descriptors),
                     text(VELHOST_FILE)}
-            + searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp(), {},
+            + searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp(), shortSearch(),
                               {text("--subnet"), text("127.0.0.0/22")}));
     const QRegularExpression told(text("questions by TCP were not asked to the end: [^\n]*"));
     QCOMPARE(told.match(run.errors).captured(),
@@ -165,9 +165,10 @@ void tst_VelhostDiscoverEnd::sockets()
 
 void tst_VelhostDiscoverEnd::terminal()
 {
-    TerminalRun run(text(VELHOST_FILE),
-                    searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp()), 25, 80,
-                    plainEnvironment());
+    TerminalRun run(
+        text(VELHOST_FILE),
+        searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp(), shortSearch()), 25, 80,
+        plainEnvironment());
     QCOMPARE(run.finish(), 1);
     const QByteArray &shown = run.output();
     const QList<QByteArray> states = shown.split('\r');

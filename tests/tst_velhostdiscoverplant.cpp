@@ -79,9 +79,10 @@ void tst_VelhostDiscoverPlant::init()
 
 ProgramRun tst_VelhostDiscoverPlant::discover(const QString &port, const QStringList &more)
 {
-    return runBesideLoop(text(VELHOST_FILE),
-                         searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), port,
-                                         QStringList{text("--plant"), plant()} + more));
+    return runBesideLoop(
+        text(VELHOST_FILE),
+        searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), port,
+                        shortSearch() + QStringList{text("--plant"), plant()} + more));
 }
 
 ProgramRun tst_VelhostDiscoverPlant::onPlant(const QStringList &arguments)
@@ -135,8 +136,8 @@ void tst_VelhostDiscoverPlant::answeredByUdpAlone()
     const UdpPeer peer({"55\r\n"});
     const QString port = QString::number(peer.port());
     const ProgramRun run = runBesideLoop(
-        text(VELHOST_FILE),
-        searchArguments(KEYENCE_PLUGIN_FILE, port, m_nobody.tcp(), {text("--plant"), plant()}));
+        text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, port, m_nobody.tcp(),
+                                            shortSearch() + QStringList{text("--plant"), plant()}));
     QCOMPARE(run.errors.section(u'\n', 1),
              text("velhost: 127.0.0.1:%1 answered by UDP alone; the plug-in reads over TCP\n")
                  .arg(port));
@@ -184,9 +185,9 @@ void tst_VelhostDiscoverPlant::cannotBeWritten()
     QVERIFY(controller.isListening());
     const QString file = m_folder->filePath(text("none/plant.json"));
     const QString port = QString::number(controller.port());
-    const ProgramRun run
-        = runBesideLoop(text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(),
-                                                            port, {text("--plant"), file}));
+    const ProgramRun run = runBesideLoop(
+        text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), port,
+                                            shortSearch() + QStringList{text("--plant"), file}));
     QCOMPARE(run.errors.section(u'\n', 1),
              text("velhost: %1: cannot be written: No such file or directory\n").arg(file));
     QVERIFY(run.output.contains(port));

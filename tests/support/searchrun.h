@@ -26,6 +26,13 @@ private:
     QUdpSocket m_udp;
 };
 
+/// A search waits for answers by UDP for a quarter of its time, a second at most; this is enough on
+/// loopback, on a busy machine too.
+inline QStringList shortSearch()
+{
+    return {text("--timeout"), text("1600")};
+}
+
 /// The arguments of a search with that plug-in. Without `area` it stays in 127.0.0.0/28: no search
 /// of a test may leave the machine.
 inline QStringList searchArguments(const char *plugin, const QString &udpPorts,
