@@ -152,39 +152,47 @@ void tst_VelhostWatch::countsErrors()
 
 void tst_VelhostWatch::expected_data()
 {
-    QTest::addColumn<QByteArray>("rest");
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("wrong");
+    QTest::addColumn<QList<QByteArray>>("rests");
+    QTest::addColumn<QString>("lines");
+    QTest::addColumn<int>("wrong");
     QTest::addColumn<int>("exitCode");
 
-    const auto row = [](const char *title, const char *rest, const char *line, const char *wrong,
-                        int exitCode) {
-        QTest::newRow(title) << QByteArray(rest) << text(line) << text(wrong) << exitCode;
-    };
-    row("nothing", "", "T  Press   Counter  7", "0", 0);
-    row("the same text", R"(, "expect": "7")", "T  Press   Counter  7", "0", 0);
-    row("the same number", R"(, "expect": "007")", "T  Press   Counter  7", "0", 0);
-    row("another number", R"(, "expect": "8")", R"(T  Press   Counter  7           expected "8")",
-        "1", 1);
-    row("no value", R"(, "expect": "")", R"(T  Press   Counter  7           expected "")", "1", 1);
-    row("a control character", R"(, "expect": "\u001b")",
-        R"(T  Press   Counter  7           expected "\x1b")", "1", 1);
+    // Nothing, the same text and the same number.
+    QTest::newRow("fits") << QList<QByteArray>{"", R"(, "expect": "7")", R"(, "expect": "007")"}
+                          << text("T  Press   Item 0  7\n"
+                                  "T  Press   Item 1  7\n"
+                                  "T  Press   Item 2  7\n")
+                          << 0 << 0;
+    // Another number, no value, a control character.
+    QTest::newRow("differs") << QList<QByteArray>{R"(, "expect": "8")", R"(, "expect": "")",
+                                                  R"(, "expect": "\u001b")"}
+                             << text("T  Press   Item 0  7           expected \"8\"\n"
+                                     "T  Press   Item 1  7           expected \"\"\n"
+                                     "T  Press   Item 2  7           expected \"\\x1b\"\n")
+                             << 3 << 1;
+    QTest::newRow("one differs") << QList<QByteArray>{"", R"(, "expect": "8")"}
+                                 << text("T  Press   Item 0  7\n"
+                                         "T  Press   Item 1  7           expected \"8\"\n")
+                                 << 1 << 1;
 }
 
 void tst_VelhostWatch::expected()
 {
-    QFETCH(QByteArray, rest);
-    QFETCH(QString, line);
-    QFETCH(QString, wrong);
+    QFETCH(QList<QByteArray>, rests);
+    QFETCH(QString, lines);
+    QFETCH(int, wrong);
     QFETCH(int, exitCode);
 
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
-    const ProgramRun result = run("watch plant.json --for 1 --interval 1000",
-                                  plantAt(controller.port(), {item("Counter", "DM1", rest)}));
-    QCOMPARE(withoutTimes(result.output).section(u'\n', 1, 1), line);
+    QList<QByteArray> items;
+    for (const QByteArray &rest : rests)
+        items.append(item("Item " + QByteArray::number(items.size()), "DM1", rest));
+    const ProgramRun result
+        = run("watch plant.json --for 1 --interval 1000", plantAt(controller.port(), items));
+    QCOMPARE(withoutTimes(result.output).section(u'\n', 1), lines);
     QCOMPARE(counts(result.errors),
-             QStringList(text("Press 1 0 1 0").split(u' ') + QStringList(wrong)));
+             text("Press 1 0 %1 0 %2").arg(items.size()).arg(wrong).split(u' '));
     QCOMPARE(result.exitCode, exitCode);
 }
 
