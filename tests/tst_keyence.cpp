@@ -1,4 +1,3 @@
-#include "fullqueue.h"
 #include "hostrecords.h"
 #include "keyence.h"
 #include "recordingbackend.h"
@@ -29,7 +28,7 @@ const QStringList discoveryFlags = {QStringLiteral("__vel_discovery_editable = 1
 
 } // namespace
 
-// The registration, the connections made at the start, and what is no cycle.
+// The registration, and what is neither the start nor a cycle.
 class tst_Keyence : public QObject
 {
     Q_OBJECT
@@ -40,15 +39,6 @@ private Q_SLOTS:
     void deviceColumns();
     void networkInterfaceColumn_data();
     void networkInterfaceColumn();
-
-    void initConnectsEveryDevice();
-    void initReportsNothingOfItsOwn();
-    void initKeepsTheFirstOfTwoDevices();
-    void initAgainKeepsTheConnection();
-    void initKeepsAnEntryMadeByACycle();
-    void initAfterStop();
-    void deviceWithoutPort();
-    void deviceWithoutTimeout();
 
     void operationsThatDoNothing();
     void logsPassTextsUnchanged();
@@ -169,132 +159,6 @@ void tst_Keyence::networkInterfaceColumn()
                                "eth0. Choose All IPv4 interfaces to broadcast on every NIC."),
                           text("All IPv4 interfaces = ")})
                  + offered + discoveryFlags);
-}
-
-void tst_Keyence::initConnectsEveryDevice()
-{
-    ScriptedPeer first;
-    ScriptedPeer second;
-    RecordingBackend host;
-    host.configuredDevices = {deviceRecord(7, text("Press"), first.port()),
-                              deviceRecord(-3, text("Oven"), second.port())};
-    Keyence plugin;
-    QVERIFY(plugin.init());
-    QVERIFY(first.waitForConnections(1));
-    QVERIFY(second.waitForConnections(1));
-    QVERIFY(plugin.stopPlugin());
-    QCOMPARE(first.finish(), QByteArray());
-    QCOMPARE(second.finish(), QByteArray());
-}
-
-void tst_Keyence::initReportsNothingOfItsOwn()
-{
-    const FullQueue queue;
-    RecordingBackend host;
-    DeviceInstancePlugin wrongAddress = deviceRecord(1, text("Press"), 8501);
-    wrongAddress.ipAddress = text("256.0.0.1");
-    host.configuredDevices = {wrongAddress, deviceRecord(2, text("Oven"), queue.port(), 20)};
-    Keyence plugin;
-    QVERIFY(plugin.init());
-    QCOMPARE(host.errorLog, QStringList());
-    QCOMPARE(host.debugLog, QStringList());
-}
-
-void tst_Keyence::initKeepsTheFirstOfTwoDevices()
-{
-    ScriptedPeer first({{"00001\r\n"}});
-    ScriptedPeer second({{"00002\r\n"}});
-    RecordingBackend host;
-    host.configuredDevices = {deviceRecord(1, text("Press"), first.port()),
-                              deviceRecord(1, text("Oven"), second.port())};
-    Keyence plugin;
-    plugin.init();
-    LogList list = logList(host.configuredDevices.at(1), {word("Counter", "D201")});
-    plugin.readData(&list);
-    QCOMPARE(valueOf(list.dataItems.at(0)), text("1"));
-    plugin.stopPlugin();
-    QCOMPARE(first.finish(), QByteArray("RD D201\r"));
-    QCOMPARE(second.finish(), QByteArray());
-}
-
-void tst_Keyence::initAgainKeepsTheConnection()
-{
-    ScriptedPeer peer({{"00001\r\n"}, {"00002\r\n"}});
-    RecordingBackend host;
-    host.configuredDevices = {deviceRecord(1, text("Press"), peer.port())};
-    Keyence plugin;
-    plugin.init();
-    LogList list = logList(host.configuredDevices.at(0), {word("Counter", "D201")});
-    plugin.readData(&list);
-    plugin.init();
-    plugin.readData(&list);
-    QCOMPARE(valueOf(list.dataItems.at(0)), text("2"));
-    plugin.stopPlugin();
-    // Both lines came over the first of the two connections.
-    QCOMPARE(peer.finish(), QByteArray("RD D201\rRD D201\r"));
-    QCOMPARE(peer.connectionCount(), 2);
-    QCOMPARE(host.registrations.size(), 2);
-}
-
-void tst_Keyence::initKeepsAnEntryMadeByACycle()
-{
-    ScriptedPeer peer;
-    RecordingBackend host;
-    host.configuredDevices = {deviceRecord(1, text("Press"), peer.port())};
-    Keyence plugin;
-    plugin.init();
-    plugin.stopPlugin();
-    LogList list = logList(host.configuredDevices.at(0), {word("Counter", "D201")});
-    plugin.readData(&list);
-    plugin.init();
-    plugin.readData(&list);
-    QCOMPARE(host.errorLog,
-             (QStringList{text("Not connected to PLC"), text("Not connected to PLC")}));
-}
-
-void tst_Keyence::initAfterStop()
-{
-    ScriptedPeer peer({{"00001\r\n"}});
-    RecordingBackend host;
-    host.configuredDevices = {deviceRecord(1, text("Press"), peer.port())};
-    Keyence plugin;
-    plugin.init();
-    plugin.stopPlugin();
-    plugin.init();
-    LogList list = logList(host.configuredDevices.at(0), {word("Counter", "D201")});
-    plugin.readData(&list);
-    QCOMPARE(valueOf(list.dataItems.at(0)), text("1"));
-    QCOMPARE(host.errorLog, QStringList());
-}
-
-void tst_Keyence::deviceWithoutPort()
-{
-    RecordingBackend host;
-    DeviceInstancePlugin device = deviceRecord(1, text("Press"), 0);
-    device.parameters.remove(text("port"));
-    host.configuredDevices = {device};
-    Keyence plugin;
-    QVERIFY(plugin.init());
-    LogList list = logList(device, {word("Counter", "D201", "old")});
-    QVERIFY(plugin.readData(&list));
-    QCOMPARE(list.lastError, text("invalid port"));
-    QCOMPARE(host.errorLog, QStringList{text("Error on device <Press>: invalid port")});
-    QCOMPARE(valueOf(list.dataItems.at(0)), text("old"));
-}
-
-void tst_Keyence::deviceWithoutTimeout()
-{
-    ScriptedPeer peer;
-    RecordingBackend host;
-    DeviceInstancePlugin device = deviceRecord(1, text("Press"), peer.port());
-    device.parameters.insert(text("timeout"), text("soon"));
-    host.configuredDevices = {device};
-    Keyence plugin;
-    plugin.init();
-    LogList list = logList(device, {word("Counter", "D201")});
-    plugin.readData(&list);
-    QCOMPARE(list.dataItems.at(0).item.lastError,
-             text("[RD D201\r ] socket read data error from <Counter> :Timeout reading (1000ms)"));
 }
 
 void tst_Keyence::operationsThatDoNothing()

@@ -13,16 +13,27 @@ public:
 
     void registerPlugin(const PluginRegistration &registration) override
     {
+        requests.append(QStringLiteral("initPlugin"));
         registrations.append(registration);
     }
-    QList<DeviceInstancePlugin> devices() override { return configuredDevices; }
-    QList<NetworkInterfaceInstance> networkInterfaces() override { return interfaces; }
+    QList<DeviceInstancePlugin> devices() override
+    {
+        requests.append(QStringLiteral("getPluginDevices"));
+        return configuredDevices;
+    }
+    QList<NetworkInterfaceInstance> networkInterfaces() override
+    {
+        requests.append(QStringLiteral("getNetworkInterfaces"));
+        return interfaces;
+    }
     void logDebug(const QString &message) override { debugLog.append(message); }
     void logError(const QString &message) override { errorLog.append(message); }
 
     QList<DeviceInstancePlugin> configuredDevices;
     QList<NetworkInterfaceInstance> interfaces;
     QList<PluginRegistration> registrations;
+    /// The calls other than those to the logs, by the plug-in's names for them, in order.
+    QStringList requests;
     QStringList debugLog;
     QStringList errorLog;
 };

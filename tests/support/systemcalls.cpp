@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <netdb.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -24,6 +25,7 @@ struct PlannedFailure
 struct State
 {
     QMap<SystemCalls::Call, PlannedFailure> planned;
+    QList<int> ports;
     QList<int> waits;
     QList<int> closed;
     int failures = 0;
@@ -62,6 +64,11 @@ void SystemCalls::limitNextSend(int bytes)
 int SystemCalls::failures()
 {
     return state.failures;
+}
+
+QList<int> SystemCalls::ports()
+{
+    return state.ports;
 }
 
 QList<int> SystemCalls::waits()
@@ -126,6 +133,8 @@ hostent *__wrap_gethostbyname(const char *name)
 
 int __wrap_connect(int descriptor, const sockaddr *address, socklen_t length)
 {
+    if (watching)
+        state.ports.append(ntohs(reinterpret_cast<const sockaddr_in *>(address)->sin_port));
     const bool planned = failsNow(Call::Connect);
     if (planned && errno != 0)
         return -1;

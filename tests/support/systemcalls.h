@@ -22,6 +22,10 @@ void limitNextSend(int bytes);
 /// How many calls were interfered with since watch().
 int failures();
 
+/// The ports that were passed to connect(), since watch(); also those of a connect that was made to
+/// fail.
+QList<int> ports();
+
 /// The time-outs that were passed to poll(), in milliseconds, since watch().
 QList<int> waits();
 
