@@ -14,6 +14,13 @@ DataItem word(const char *name, const char *address, const char *value = "")
     return dataItem(text(name), text(address), text("1"), text("3"), text(value));
 }
 
+// Leaves the device without a connection: an answer that does not come closes it.
+void loseConnection(Keyence &plugin, const DeviceInstancePlugin &device)
+{
+    LogList unanswered = logList(device, {word("Counter", "D201")});
+    plugin.readData(&unanswered);
+}
+
 } // namespace
 
 // The cycles over a whole device.
@@ -26,11 +33,14 @@ private Q_SLOTS:
     void emptyListConnectsAndSendsNothing();
     void invalidDeviceIsNotServed_data();
     void invalidDeviceIsNotServed();
+    void invalidDeviceIsNotConnected_data();
+    void invalidDeviceIsNotConnected();
     void unreachableDeviceIsNotServed_data();
     void unreachableDeviceIsNotServed();
     void stoppedPluginServesNothing();
     void secondOfThreeReadsFails();
     void secondOfThreeWritesFails();
+    void successClearsNoError_data();
     void successClearsNoError();
     void connectionIsKeptBetweenCycles();
     void lostConnectionIsReopened();
@@ -54,9 +64,7 @@ void tst_Cycle::emptyListConnectsAndSendsNothing()
     host.configuredDevices = {deviceRecord(1, text("Press"), peer.port(), 20)};
     Keyence plugin;
     plugin.init();
-    // An answer that does not come closes the connection.
-    LogList unanswered = logList(host.configuredDevices.at(0), {word("Counter", "D201")});
-    plugin.readData(&unanswered);
+    loseConnection(plugin, host.configuredDevices.at(0));
     host.errorLog.clear();
 
     LogList list = logList(host.configuredDevices.at(0), {});
@@ -107,6 +115,34 @@ void tst_Cycle::invalidDeviceIsNotServed()
     plugin.stopPlugin();
     // Nothing but the connection made at the start.
     QCOMPARE(peer.finish(), QByteArray());
+    QCOMPARE(peer.connectionCount(), 1);
+}
+
+void tst_Cycle::invalidDeviceIsNotConnected_data()
+{
+    invalidDeviceIsNotServed_data();
+}
+
+// The socket of the start would reach the peer, whatever the record says since.
+void tst_Cycle::invalidDeviceIsNotConnected()
+{
+    QFETCH(QString, ip);
+    QFETCH(QString, port);
+    QFETCH(bool, write);
+    ScriptedPeer peer;
+    RecordingBackend host;
+    host.configuredDevices = {deviceRecord(1, text("Press"), peer.port(), 20)};
+    Keyence plugin;
+    plugin.init();
+    loseConnection(plugin, host.configuredDevices.at(0));
+
+    LogList list = logList(host.configuredDevices.at(0), {word("Counter", "D201", "5")});
+    list.ipAddress = ip;
+    list.parameters.insert(text("port"), port);
+    QVERIFY(write ? plugin.writeData(&list) : plugin.readData(&list));
+    QTEST(list.lastError, "error");
+    plugin.stopPlugin();
+    QCOMPARE(peer.finish(), QByteArray("RD D201\r"));
     QCOMPARE(peer.connectionCount(), 1);
 }
 
@@ -194,20 +230,29 @@ void tst_Cycle::secondOfThreeWritesFails()
     QCOMPARE(peer.finish(), QByteArray("WR D1 0001\rWR D2 0002\rWR D3 0003\r"));
 }
 
+void tst_Cycle::successClearsNoError_data()
+{
+    emptyListConnectsAndSendsNothing_data();
+}
+
 void tst_Cycle::successClearsNoError()
 {
+    QFETCH(bool, write);
     ScriptedPeer peer({{"00001\r\n"}});
     RecordingBackend host;
     host.configuredDevices = {deviceRecord(1, text("Press"), peer.port())};
     Keyence plugin;
     plugin.init();
-    LogList list = logList(host.configuredDevices.at(0), {word("Counter", "D201")});
+    LogList list = logList(host.configuredDevices.at(0), {word("Counter", "D201", "5")});
     list.setLastError(text("the device's"));
     list.dataItems[0].item.setLastError(text("the item's"));
-    plugin.readData(&list);
-    QCOMPARE(valueOf(list.dataItems.at(0)), text("1"));
+    QVERIFY(write ? plugin.writeData(&list) : plugin.readData(&list));
+    QCOMPARE(host.errorLog, QStringList());
+    QCOMPARE(valueOf(list.dataItems.at(0)), write ? text("5") : text("1"));
     QCOMPARE(list.lastError, text("the device's"));
     QCOMPARE(list.dataItems.at(0).item.lastError, text("the item's"));
+    plugin.stopPlugin();
+    QCOMPARE(peer.finish(), QByteArray(write ? "WR D201 0005\r" : "RD D201\r"));
 }
 
 void tst_Cycle::connectionIsKeptBetweenCycles()

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void logsPassTextsUnchanged();
     void initDeviceData_data();
     void initDeviceData();
+    void connectDeviceConnectsAgain();
     void connectDeviceOfAnUnknownId();
     void worksWithoutAHost();
 };
@@ -218,6 +219,20 @@ void tst_Keyence::initDeviceData()
     list.parameters.clear();
     QVERIFY(!plugin.initDeviceData(&list));
     QCOMPARE(list.parameters, (QMap<QString, QString>{{text("port"), QString()}}));
+}
+
+// A connection that is still open does not stand in for a new one.
+void tst_Keyence::connectDeviceConnectsAgain()
+{
+    ScriptedPeer peer;
+    RecordingBackend host;
+    host.configuredDevices = {deviceRecord(1, text("Press"), peer.port())};
+    Keyence plugin;
+    plugin.init();
+    QVERIFY(peer.waitForConnections(1));
+    QVERIFY(plugin.connectDevice(&host.configuredDevices[0]));
+    QVERIFY(peer.waitForConnections(2));
+    QCOMPARE(host.errorLog, QStringList());
 }
 
 void tst_Keyence::connectDeviceOfAnUnknownId()
