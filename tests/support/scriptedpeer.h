@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QList>
 
 #include <condition_variable>
@@ -16,6 +17,15 @@ struct Answer
     QByteArray bytes;
     Then then = KeepOpen;
 };
+
+/// Answers that keep the connection open.
+inline QList<Answer> script(const QByteArrayList &answers)
+{
+    QList<Answer> result;
+    for (const QByteArray &bytes : answers)
+        result.append({bytes});
+    return result;
+}
 
 /// A controller that follows a script: a TCP server on a free loopback port, in a thread of its
 /// own. The n-th command line (ended by a carriage return), over all connections, gets the n-th
