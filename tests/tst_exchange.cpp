@@ -2,7 +2,9 @@
 #include "scriptedpeer.h"
 #include "text.h"
 
+#include <QScopeGuard>
 #include <QTest>
+#include <QTextCodec>
 
 namespace {
 
@@ -18,6 +20,8 @@ class tst_Exchange : public QObject
 private Q_SLOTS:
     void answers_data();
     void answers();
+    void letterOutsideAscii_data();
+    void letterOutsideAscii();
     void emptyCommand();
     void withoutAnswer();
     void peerCloses();
@@ -40,6 +44,7 @@ void tst_Exchange::answers_data()
     QTest::newRow("a word in E") << QByteArray("EXTRA\r\n") << refusal;
     QTest::newRow("lower case") << QByteArray("e0\r\n") << QString();
     QTest::newRow("not at the beginning") << QByteArray(" E0\r\n") << QString();
+    QTest::newRow("behind a line feed") << QByteArray("\nE0\r\n") << QString();
     QTest::newRow("line end only") << QByteArray("\r\n") << QString();
     QTest::newRow("zero byte before") << QByteArray("\0E0\r\n", 5) << QString();
 }
@@ -56,6 +61,34 @@ void tst_Exchange::answers()
     QVERIFY(socket.isConnected());
     socket.disconnect();
     QCOMPARE(peer.finish(), QByteArray("RD DM1\r"));
+}
+
+void tst_Exchange::letterOutsideAscii_data()
+{
+    QTest::addColumn<QByteArray>("encoding");
+    QTest::addColumn<QByteArray>("line");
+
+    QTest::newRow("UTF-8") << QByteArray("UTF-8") << QByteArray("RD \xC3\x96M1\r");
+    QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << QByteArray("RD \xD6M1\r");
+}
+
+// The line leaves in the encoding of the machine, whichever that is.
+void tst_Exchange::letterOutsideAscii()
+{
+    QFETCH(QByteArray, encoding);
+    QTextCodec *const machine = QTextCodec::codecForLocale();
+    const auto restore = qScopeGuard([machine] { QTextCodec::setCodecForLocale(machine); });
+    QTextCodec *const codec = QTextCodec::codecForName(encoding);
+    QVERIFY(codec != nullptr);
+    QTextCodec::setCodecForLocale(codec);
+    ScriptedPeer peer({{"00001\r\n"}});
+    Keyence plugin;
+    Socket socket(loopback, peer.port(), 2000);
+    QByteArray response;
+    QCOMPARE(plugin.sendCommand(socket, text("RD \xD6M1\r"), text("Counter"), &response),
+             QString());
+    socket.disconnect();
+    QTEST(peer.finish(), "line");
 }
 
 void tst_Exchange::emptyCommand()
