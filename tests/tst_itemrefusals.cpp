@@ -59,6 +59,8 @@ void tst_ItemRefusals::refusesItem_data()
     check("bit without a bit in the address", "write", "D201", "1", "0", "1",
           "invalid format for data type");
     check("count of a short", "read", "D200-10", "1", "1", "", "invalid address");
+    check("count of an unknown type", "read", "D200-10", "1", "10", "", "invalid address");
+    check("count of an unknown type, write", "write", "D200-10", "1", "10", "1", "invalid address");
     check("range of a bit device", "read", "R100-105", "0", "0", "", "invalid address");
     check("ascii without length", "read", "D200", "1", "9", "", "data lenght invalid");
     check("ascii too long", "write", "D200-2", "1", "9", "ABCDE", "data lenght invalid");

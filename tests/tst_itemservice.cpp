@@ -8,6 +8,8 @@
 
 namespace {
 
+using Values = QMap<QString, QString>;
+
 const QString loopback = QStringLiteral("127.0.0.1");
 
 } // namespace
@@ -22,6 +24,8 @@ private Q_SLOTS:
     void readsItem();
     void writesItem_data();
     void writesItem();
+    void writeKeepsTheValues_data();
+    void writeKeepsTheValues();
     void bitWriteKeepsTheOtherBits_data();
     void bitWriteKeepsTheOtherBits();
     void configurationIsNotChanged();
@@ -75,6 +79,11 @@ void tst_ItemService::readsItem_data()
     row("answer that is no number", "D201", "1", "3", "RD D201\r", "OK\r\n", text("0"));
     row("answer ends at the first zero byte", "D201", "1", "3", "RD D201\r",
         QByteArray("5\0 6\r\n", 6), text("5"));
+    row("line feed before a short", "D201", "1", "1", "RD D201\r", "\n5\r\n", text("5"));
+    row("line feed before a long", "D201", "1", "2", "RDS D201 2\r", "\n65535 65535\r\n",
+        text("-1"));
+    row("line feed before ascii", "D200-2", "1", "9", "RDS D200 2\r", "\n16961 17475\r\n",
+        text("ABCD"));
     row("answer of too many words", "D201", "1", "3", "RD D201\r", "1 2\r\n", text("0"));
 }
 
@@ -94,6 +103,8 @@ void tst_ItemService::readsItem()
         = dataItem(text("Counter"), address, memoryType, dataType, QString(100, QLatin1Char('x')));
     QCOMPARE(plugin.manageDataItem(item, text("read"), socket), QString());
     QTEST(valueOf(item), "value");
+    // A null text would not be an empty value to a host that keeps it.
+    QVERIFY(!valueOf(item).isNull());
     QCOMPARE(host.errorLog, QStringList());
     socket.disconnect();
     QCOMPARE(peer.finish(), line);
@@ -138,6 +149,10 @@ void tst_ItemService::writesItem_data()
         {"40000\r\n", "OK\r\n"});
     row("highest bit cleared", "DM100.15", "1", "0", "0", "RD DM100\rWR DM100 32767\r",
         {"65535\r\n", "OK\r\n"});
+    row("bit set in what is no single word", "DM100.1", "1", "0", "1", "RD DM100\rWR DM100 2\r",
+        {"00008 00001\r\n", "OK\r\n"});
+    row("bit cleared in what is no single word", "DM100.1", "1", "0", "0", "RD DM100\rWR DM100 0\r",
+        {"00010 00003\r\n", "OK\r\n"});
     row("empty value clears a bit", "DM100.3", "1", "0", "", "RD DM100\rWR DM100 1\r",
         {"00009\r\n", "OK\r\n"});
     row("empty value without a bit in the address", "DM100", "1", "0", "",
@@ -150,6 +165,14 @@ void tst_ItemService::writesItem_data()
         {"1\r\n", "OK\r\n"});
     row("bit device, any other number sets", "R100", "0", "0", "-7", "RD R100\rWR R100 0001\r",
         {"0\r\n", "OK\r\n"});
+    row("bit device, greatest number sets", "R100", "0", "0", "2147483647",
+        "RD R100\rWR R100 0001\r", {"0\r\n", "OK\r\n"});
+    row("bit device, a number above the greatest clears", "R100", "0", "0", "2147483648",
+        "RD R100\rWR R100 0000\r", {"1\r\n", "OK\r\n"});
+    row("bit device, ten digits clear", "R100", "0", "0", "5000000000", "RD R100\rWR R100 0000\r",
+        {"1\r\n", "OK\r\n"});
+    row("bit device, a fraction clears", "R100", "0", "0", "0.5", "RD R100\rWR R100 0000\r",
+        {"1\r\n", "OK\r\n"});
     row("bit device, no number clears", "R100", "0", "0", "on", "RD R100\rWR R100 0000\r",
         {"1\r\n", "OK\r\n"});
     row("bit device, empty value clears", "R100", "0", "0", "", "RD R100\rWR R100 0000\r",
@@ -179,6 +202,47 @@ void tst_ItemService::writesItem()
     QCOMPARE(host.errorLog, QStringList());
     socket.disconnect();
     QCOMPARE(peer.finish(), lines);
+}
+
+void tst_ItemService::writeKeepsTheValues_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("memoryType");
+    QTest::addColumn<QString>("dataType");
+    QTest::addColumn<Values>("values");
+    QTest::addColumn<QByteArray>("lines");
+
+    const Values none;
+    const Values other = {{text("quality"), text("good")}};
+    const Values both = {{text("quality"), text("good")}, {text("value"), text("07")}};
+    const auto row = [](const char *name, const char *address, const char *memoryType,
+                        const char *dataType, const Values &values, const QByteArray &lines) {
+        QTest::newRow(name) << text(address) << text(memoryType) << text(dataType) << values
+                            << lines;
+    };
+    row("word without a value", "D201", "1", "3", none, "WR D201 0000\r");
+    row("word with another entry", "D201", "1", "3", other, "WR D201 0000\r");
+    row("word with both", "D201", "1", "3", both, "WR D201 0007\r");
+    row("bit without a value", "DM100.3", "1", "0", none, "RD DM100\rWR DM100 0\r");
+    row("bit device without a value", "R100", "0", "0", none, "RD R100\rWR R100 0000\r");
+    row("bit device with both", "R100", "0", "0", both, "RD R100\rWR R100 0001\r");
+}
+
+void tst_ItemService::writeKeepsTheValues()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, memoryType);
+    QFETCH(QString, dataType);
+    QFETCH(Values, values);
+    ScriptedPeer peer(script({"00008\r\n", "OK\r\n"}));
+    Keyence plugin;
+    Socket socket(loopback, peer.port(), 2000);
+    DataItem item = dataItem(text("Counter"), address, memoryType, dataType);
+    item.values = values;
+    QCOMPARE(plugin.manageDataItem(item, text("write"), socket), QString());
+    QCOMPARE(item.values, values);
+    socket.disconnect();
+    QTEST(peer.finish(), "lines");
 }
 
 void tst_ItemService::bitWriteKeepsTheOtherBits_data()
