@@ -6,6 +6,9 @@ namespace {
 
 using Column = DatabaseColumnStructure;
 
+// Empty, but not null: the host may keep the text in a database, where null is something else.
+const QLatin1String emptyText("");
+
 // Reserved selection entries by which the host knows a column of its device search: it may be
 // edited there and is a parameter of the search only.
 void addDiscoveryFlags(Column &column)
@@ -18,16 +21,16 @@ void addDiscoveryFlags(Column &column)
 QList<Column> itemColumns()
 {
     const Column address(
-        QStringLiteral("memory_address"), Column::Type2, 3, QString(),
+        QStringLiteral("memory_address"), Column::Type2, 3, emptyText,
         QStringLiteral(
             "Device address, for example D201 or DM100.3. ASCII length goes in the address: "
             "D200-10 reads 10 words (20 characters). D200-209 reads D200 through D209."));
 
-    Column memoryType(QStringLiteral("memory_type"), Column::Type0, 3, QString(), QString());
+    Column memoryType(QStringLiteral("memory_type"), Column::Type0, 3, emptyText, emptyText);
     memoryType.insertSelectionValues(QStringLiteral("Bit device"), QStringLiteral("0"));
     memoryType.insertSelectionValues(QStringLiteral("Word device"), QStringLiteral("1"));
 
-    Column dataType(QStringLiteral("data_type"), Column::Type0, 3, QString(), QString());
+    Column dataType(QStringLiteral("data_type"), Column::Type0, 3, emptyText, emptyText);
     for (const int type : DataTypes::types)
         dataType.insertSelectionValues(DataTypes::typeToString(type), QString::number(type));
 
@@ -53,7 +56,7 @@ QList<Column> deviceColumns(const QList<NetworkInterfaceInstance> &networkInterf
         QStringLiteral(
             "Ethernet interface used for Host Link UDP broadcast. Default is eth0. Choose All "
             "IPv4 interfaces to broadcast on every NIC."));
-    networkInterface.insertSelectionValues(QStringLiteral("All IPv4 interfaces"), QString());
+    networkInterface.insertSelectionValues(QStringLiteral("All IPv4 interfaces"), emptyText);
     for (const NetworkInterfaceInstance &candidate : networkInterfaces) {
         if (!candidate.name.isEmpty())
             networkInterface.insertSelectionValues(candidate.name, candidate.name);
@@ -167,8 +170,10 @@ bool Keyence::getEventData(LogList * /*list*/)
 bool Keyence::initDeviceData(LogList *list)
 {
     // A device without a port gets an empty one in its record.
-    const QString port = list->parameters[QStringLiteral("port")];
-    const Errors::Error result = ethernetPLC::validate(list->ipAddress, port);
+    auto port = list->parameters.find(QStringLiteral("port"));
+    if (port == list->parameters.end())
+        port = list->parameters.insert(QStringLiteral("port"), emptyText);
+    const Errors::Error result = ethernetPLC::validate(list->ipAddress, *port);
     if (result == Errors::Ok)
         return true;
     const QString text = Errors::errorToString(result);

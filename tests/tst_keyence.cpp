@@ -23,6 +23,24 @@ QStringList describe(const DatabaseColumnStructure &column)
     return lines;
 }
 
+// Those of the column's texts that are null, named by column and field.
+QStringList nullTexts(const DatabaseColumnStructure &column)
+{
+    QStringList result;
+    const auto check = [&](const QString &value, const QString &field) {
+        if (value.isNull())
+            result.append(column.name + text(": ") + field);
+    };
+    check(column.name, text("name"));
+    check(column.defaultValue, text("default"));
+    check(column.description, text("description"));
+    for (const auto &entry : column.selectionValues) {
+        check(entry.text, text("text of a selection"));
+        check(entry.value, text("value of ") + entry.text);
+    }
+    return result;
+}
+
 const QStringList discoveryFlags = {QStringLiteral("__vel_discovery_editable = 1"),
                                     QStringLiteral("__vel_discovery_parameter_only = 1")};
 
@@ -39,6 +57,7 @@ private Q_SLOTS:
     void deviceColumns();
     void networkInterfaceColumn_data();
     void networkInterfaceColumn();
+    void noTextOfAColumnIsNull();
 
     void operationsThatDoNothing();
     void logsPassTextsUnchanged();
@@ -162,6 +181,24 @@ void tst_Keyence::networkInterfaceColumn()
                  + offered + discoveryFlags);
 }
 
+// What compares equal to an empty text may still be null, which a database keeps as something else.
+void tst_Keyence::noTextOfAColumnIsNull()
+{
+    RecordingBackend host;
+    host.interfaces = {{text("eth0")}, {QString()}};
+    Keyence plugin;
+    plugin.init();
+    const PluginRegistration &said = host.registrations.constFirst();
+    const QList<DatabaseColumnStructure> columns = said.itemColumns + said.deviceColumns;
+    QCOMPARE(columns.size(), 9);
+    QStringList found;
+    for (const DatabaseColumnStructure &column : columns)
+        found += nullTexts(column);
+    QCOMPARE(found.join(text(", ")), QString());
+    QVERIFY(!said.name.isNull());
+    QVERIFY(!said.options.text10.isNull());
+}
+
 void tst_Keyence::operationsThatDoNothing()
 {
     RecordingBackend host;
@@ -219,6 +256,7 @@ void tst_Keyence::initDeviceData()
     list.parameters.clear();
     QVERIFY(!plugin.initDeviceData(&list));
     QCOMPARE(list.parameters, (QMap<QString, QString>{{text("port"), QString()}}));
+    QVERIFY(!list.parameters.value(text("port")).isNull());
 }
 
 // A connection that is still open does not stand in for a new one.
