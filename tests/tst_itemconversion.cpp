@@ -3,14 +3,12 @@
 
 #include <QTest>
 
-// The conversions between data words and user values.
+// The conversions between data words and user values of every type but Bit.
 class tst_ItemConversion : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void bitOperations_data();
-    void bitOperations();
     void arrayToHex_data();
     void arrayToHex();
     void decimalToArray_data();
@@ -19,49 +17,10 @@ private Q_SLOTS:
     void getUserData();
     void getPlcValue_data();
     void getPlcValue();
-    void getBoolInt_data();
-    void getBoolInt();
-    void everyBitOfEveryWord();
     void numbersComeBack_data();
     void numbersComeBack();
     void charactersComeBack();
 };
-
-void tst_ItemConversion::bitOperations_data()
-{
-    QTest::addColumn<int>("word");
-    QTest::addColumn<int>("bit");
-    QTest::addColumn<int>("set");
-    QTest::addColumn<int>("cleared");
-    QTest::addColumn<bool>("checked");
-
-    QTest::newRow("lowest, clear") << 0 << 0 << 1 << 0 << false;
-    QTest::newRow("lowest, set") << 65535 << 0 << 65535 << 65534 << true;
-    QTest::newRow("below the highest") << 0 << 14 << 16384 << 0 << false;
-    QTest::newRow("highest, clear") << 0 << 15 << 32768 << 0 << false;
-    QTest::newRow("highest, set") << 32768 << 15 << 32768 << 0 << true;
-    QTest::newRow("above the highest") << 5 << 16 << 5 << 5 << false;
-    QTest::newRow("above the highest, all set") << 65535 << 16 << 65535 << 65535 << false;
-    QTest::newRow("31") << 5 << 31 << 5 << 5 << false;
-    QTest::newRow("32") << 5 << 32 << 5 << 5 << false;
-    QTest::newRow("33") << 5 << 33 << 5 << 5 << false;
-    QTest::newRow("255") << 65535 << 255 << 65535 << 65535 << false;
-    QTest::newRow("256 is 0") << 0 << 256 << 1 << 0 << false;
-    QTest::newRow("271 is 15") << 65535 << 271 << 65535 << 32767 << true;
-    QTest::newRow("272 is 16") << 5 << 272 << 5 << 5 << false;
-    QTest::newRow("65535 is 255") << 5 << 65535 << 5 << 5 << false;
-}
-
-void tst_ItemConversion::bitOperations()
-{
-    QFETCH(int, word);
-    QFETCH(int, bit);
-    const auto value = static_cast<unsigned short>(word);
-    const auto number = static_cast<unsigned short>(bit);
-    QTEST(int(ItemData::bitSet(value, number)), "set");
-    QTEST(int(ItemData::bitClear(value, number)), "cleared");
-    QTEST(ItemData::bitCheck(value, number), "checked");
-}
 
 void tst_ItemConversion::arrayToHex_data()
 {
@@ -118,23 +77,10 @@ void tst_ItemConversion::getUserData_data()
 {
     QTest::addColumn<int>("dataType");
     QTest::addColumn<QString>("data");
-    QTest::addColumn<QString>("address");
     QTest::addColumn<QByteArray>("value");
 
-    const auto bit
-        = [](const char *name, const char *data, const char *address, const char *value) {
-              QTest::newRow(name) << 0 << text(data) << text(address) << QByteArray(value);
-          };
-    bit("bit: set", "8", "DM100.3", "1");
-    bit("bit: clear", "8", "DM100.2", "0");
-    bit("bit: highest", "32768", "DM100.15", "1");
-    bit("bit: above the highest", "65535", "DM100.16", "0");
-    bit("bit: no bit in the address", "65535", "DM100", "0");
-    bit("bit: answer beyond 16 bits", "65536", "DM100.0", "0");
-    bit("bit: two words", "1 1", "DM100.0", "0");
-
     const auto row = [](const char *name, int type, const char *data, const QByteArray &value) {
-        QTest::newRow(name) << type << text(data) << text("D201") << value;
+        QTest::newRow(name) << type << text(data) << value;
     };
     row("short: greatest", 1, "32767", "32767");
     row("short: least", 1, "32768", "-32768");
@@ -201,37 +147,17 @@ void tst_ItemConversion::getUserData()
 {
     QFETCH(int, dataType);
     QFETCH(QString, data);
-    QFETCH(QString, address);
-    QTEST(ItemData::getUserData(data, dataType, address), "value");
+    QTEST(ItemData::getUserData(data, dataType, text("D201")), "value");
 }
 
 void tst_ItemConversion::getPlcValue_data()
 {
     QTest::addColumn<int>("dataType");
     QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("bitValue");
     QTest::addColumn<QString>("words");
 
-    const auto bit = [](const char *name, const char *word, const char *address,
-                        const char *bitValue, const char *words) {
-        QTest::newRow(name) << 0 << text(word) << text(address) << text(bitValue) << text(words);
-    };
-    bit("bit: clear", "8", "DM100.3", "0", "0");
-    bit("bit: set", "0", "DM100.3", "1", "8");
-    bit("bit: set beside others", "40000", "DM100.3", "1", "40008");
-    bit("bit: clear beside others", "65535", "DM100.15", "0", "32767");
-    bit("bit: any other number sets", "0", "DM100.0", "65535", "1");
-    bit("bit: beyond 16 bits clears", "1", "DM100.0", "65536", "0");
-    bit("bit: negative clears", "1", "DM100.0", "-1", "0");
-    bit("bit: no number clears", "1", "DM100.0", "x", "0");
-    bit("bit: empty clears", "1", "DM100.0", "", "0");
-    bit("bit: no bit in the address", "5", "DM100", "1", "5");
-    bit("bit: above the highest", "5", "DM100.16", "1", "5");
-    bit("bit: word that is no number", "x", "DM100.0", "1", "1");
-
     const auto row = [](const char *name, int type, const QString &value, const char *words) {
-        QTest::newRow(name) << type << value << text("D201") << QString() << text(words);
+        QTest::newRow(name) << type << value << text(words);
     };
     row("short: padded", 1, text("5"), "0005");
     row("short: negative", 1, text("-5"), "00-5");
@@ -298,52 +224,7 @@ void tst_ItemConversion::getPlcValue()
 {
     QFETCH(int, dataType);
     QFETCH(QString, value);
-    QFETCH(QString, address);
-    QFETCH(QString, bitValue);
-    QTEST(ItemData::getPlcValue(value, dataType, address, bitValue), "words");
-}
-
-void tst_ItemConversion::getBoolInt_data()
-{
-    QTest::addColumn<QString>("bitValue");
-    QTest::addColumn<QString>("word");
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("result");
-
-    QTest::newRow("set") << text("1") << text("0") << text("DM100.3") << text("8");
-    QTest::newRow("clear") << text("0") << text("8") << text("DM100.3") << text("0");
-    QTest::newRow("any other number sets")
-        << text("7") << text("0") << text("DM100.15") << text("32768");
-    QTest::newRow("no number clears") << text("x") << text("9") << text("DM100.3") << text("1");
-    QTest::newRow("no bit in the address") << text("1") << text("5") << text("DM100") << text("5");
-    QTest::newRow("three digits address no bit")
-        << text("1") << text("5") << text("DM100.003") << text("5");
-    QTest::newRow("two digits") << text("1") << text("0") << text("DM100.03") << text("8");
-    QTest::newRow("word that is no number")
-        << text("1") << text("x") << text("DM100.0") << text("1");
-}
-
-void tst_ItemConversion::getBoolInt()
-{
-    QFETCH(QString, bitValue);
-    QFETCH(QString, word);
-    QFETCH(QString, address);
-    QTEST(ItemData::getBoolInt(bitValue, word, address), "result");
-}
-
-// A write of one bit leaves the other fifteen alone, whatever the word is.
-void tst_ItemConversion::everyBitOfEveryWord()
-{
-    for (int bit = 0; bit < 16; ++bit) {
-        const QString address = text("DM100.") + QString::number(bit);
-        for (int word = 0; word <= 65535; ++word) {
-            const QString current = QString::number(word);
-            const int set = ItemData::getPlcValue(current, 0, address, text("1")).toInt();
-            const int cleared = ItemData::getPlcValue(current, 0, address, text("0")).toInt();
-            if (set != (word | (1 << bit)) || cleared != (word & ~(1 << bit)))
-                QFAIL(qPrintable(QStringLiteral("bit %1 of %2").arg(bit).arg(word)));
-        }
-    }
+    QTEST(ItemData::getPlcValue(value, dataType, text("D201"), QString()), "words");
 }
 
 void tst_ItemConversion::numbersComeBack_data()
