@@ -80,6 +80,7 @@ void tst_HostLink::typeFromString_data()
     QTest::newRow("name of type 7") << QStringLiteral("Float") << 0;
     QTest::newRow("no number") << QStringLiteral("abc") << 0;
     QTest::newRow("hexadecimal") << QStringLiteral("0x7") << 0;
+    QTest::newRow("beyond 16 bits") << QStringLiteral("65536") << 65536;
     QTest::newRow("beyond 32 bits") << QStringLiteral("4294967296") << 0;
 }
 
@@ -242,6 +243,10 @@ void tst_HostLink::validate_data()
     row("port beyond 16 bits", "192.168.0.10", "70000", Ok);
     row("both bad", "1.2.3", "abc", InvalidPort);
     row("both empty", "", "", InvalidPort);
+    QTest::newRow("address with a digit of another script")
+        << QStringLiteral("192.168.0.\u0661") << QStringLiteral("8501") << int(InvalidAddress);
+    QTest::newRow("port in digits of another script")
+        << QStringLiteral("192.168.0.10") << QStringLiteral("\u0661") << int(InvalidPort);
 }
 
 void tst_HostLink::validate()

@@ -40,6 +40,7 @@ void tst_ItemAddress::getDevice_data()
     row("bit of a negative type", "DM100.3", "-1", "DM100");
     row("bit with two points", "DM.100.3", "0", "DM");
     row("bit without number", "DM100.", "0", "");
+    row("bit with nothing before the first point", ".1.2", "0", "");
     row("count", "D200-10", "9", "D200");
     row("range", "D200-209", "9", "D200");
     row("range of type bit", "D200-209", "0", "D200");
@@ -51,6 +52,16 @@ void tst_ItemAddress::getDevice_data()
     row("empty", "", "1", "");
     row("blank behind", "D201 ", "1", "");
     row("line feed behind", "D201\n", "1", "D201\n");
+
+    // Only 0 to 9 are digits: others belong to the letters.
+    QTest::newRow("digit of another script")
+        << QStringLiteral("D\u06615") << text("1") << QStringLiteral("D\u06615");
+    QTest::newRow("digit of another script, last")
+        << QStringLiteral("D\u0661") << text("1") << QString();
+    QTest::newRow("digit of another script, bit")
+        << QStringLiteral("D\u06615.3") << text("0") << QStringLiteral("D\u06615");
+    QTest::newRow("digit of another script, range")
+        << QStringLiteral("D\u06615-3") << text("9") << QStringLiteral("D\u06615");
 }
 
 void tst_ItemAddress::getDevice()
@@ -70,10 +81,12 @@ void tst_ItemAddress::getBitNo_data()
     QTest::newRow("last") << text("DM100.15") << 15;
     QTest::newRow("above the last") << text("DM100.16") << 16;
     QTest::newRow("far above") << text("DM100.300") << 300;
+    QTest::newRow("beyond 16 bits") << text("DM100.70000") << 70000;
     QTest::newRow("overlong") << text("DM100.99999999999") << 0;
     QTest::newRow("leading zeros") << text("DM100.007") << 7;
     QTest::newRow("simple address") << text("DM100") << 16;
     QTest::newRow("no number") << text("DM100.x") << 16;
+    QTest::newRow("digit of another script") << QStringLiteral("DM100.\u0661") << 16;
     QTest::newRow("empty") << QString() << 16;
 }
 
@@ -94,6 +107,7 @@ void tst_ItemAddress::getBitNumber_data()
     QTest::newRow("above the last") << text("DM100.16") << -1;
     QTest::newRow("two digits") << text("DM100.07") << 7;
     QTest::newRow("three digits") << text("DM100.007") << -1;
+    QTest::newRow("beyond 16 bits") << text("DM100.70000") << -1;
     QTest::newRow("no number") << text("DM100.x") << 0;
     QTest::newRow("no number, two characters") << text("DM100.xy") << 0;
     QTest::newRow("no number, three characters") << text("DM100.xyz") << -1;
@@ -140,6 +154,11 @@ void tst_ItemAddress::addressWordCount_data()
     row("two minus signs", "D5-6-7", -1, "");
     row("no device letters", "5-6", -1, "");
     row("empty", "", -1, "");
+
+    QTest::newRow("digit of another script before the number")
+        << QStringLiteral("D\u06615-3") << 3 << text("3");
+    QTest::newRow("digit of another script as the second number")
+        << QStringLiteral("D200-\u0661") << -1 << QString();
 }
 
 void tst_ItemAddress::addressWordCount()

@@ -160,6 +160,8 @@ void tst_ItemData::checkDataForItem_data()
     row("unknown type", 10, "1", DataLengthInvalid);
     row("above the list", 11, "1", DataLengthInvalid);
     row("negative type", -1, "1", DataLengthInvalid);
+    QTest::newRow("float: digit of another script")
+        << 7 << QStringLiteral("\u0661") << QString() << int(InvalidFormatForDataType);
 }
 
 void tst_ItemData::checkDataForItem()
@@ -193,7 +195,12 @@ void tst_ItemData::validateItemFields_data()
     row("bit 16, read", "DM100.16", "0", "", BitNumberInvalid);
     row("bit 007", "DM100.007", "0", "1", BitNumberInvalid);
     row("bit 07", "DM100.07", "0", "1", Ok);
+    row("bit beyond 16 bits", "DM100.70000", "0", "1", BitNumberInvalid);
+    row("bit beyond 16 bits, read", "DM100.70000", "0", "", BitNumberInvalid);
+    row("bit beyond 16 bits of a short", "DM100.70000", "1", "5", BitNumberInvalid);
     row("a wrong value comes before a wrong bit", "DM100.16", "0", "2", DataTypeNotBoolean);
+    row("bit of no device", ".1.2", "0", "1", DataTypeNotBoolean);
+    row("bit of no device, read", ".1.2", "0", "", DataTypeNotBoolean);
     row("bit address with two points", "DM.100.3", "0", "1", BitNumberInvalid);
     row("bit address of a short", "DM100.3", "1", "5", Ok);
     row("bit address of a short, any value", "DM100.3", "1", "abc", Ok);
