@@ -70,6 +70,9 @@ void tst_BitConversion::getUserData_data()
     row("clear", "8", "DM100.2", "0");
     row("highest", "32768", "DM100.15", "1");
     row("above the highest", "65535", "DM100.16", "0");
+    row("three digits address no bit", "65535", "DM100.007", "0");
+    row("271 addresses no bit", "65535", "DM100.271", "0");
+    row("a number beyond 16 bits addresses no bit", "65535", "DM100.70000", "0");
     row("no bit in the address", "65535", "DM100", "0");
     row("answer beyond 16 bits", "65536", "DM100.0", "0");
     row("two words", "1 1", "DM100.0", "0");
@@ -104,6 +107,11 @@ void tst_BitConversion::getPlcValue_data()
     row("empty clears", "1", "DM100.0", "", "0");
     row("no bit in the address", "5", "DM100", "1", "5");
     row("above the highest", "5", "DM100.16", "1", "5");
+    row("three digits", "0", "DM100.007", "1", "128");
+    row("271 is 15, set", "0", "DM100.271", "1", "32768");
+    row("271 is 15, clear", "65535", "DM100.271", "0", "32767");
+    row("65551 is 15", "0", "DM100.65551", "1", "32768");
+    row("70000 is 112", "4", "DM100.70000", "1", "4");
     row("word that is no number", "x", "DM100.0", "1", "1");
 }
 
@@ -130,6 +138,10 @@ void tst_BitConversion::getBoolInt_data()
     QTest::newRow("no bit in the address") << text("1") << text("5") << text("DM100") << text("5");
     QTest::newRow("three digits address no bit")
         << text("1") << text("5") << text("DM100.003") << text("5");
+    QTest::newRow("271 addresses no bit")
+        << text("1") << text("5") << text("DM100.271") << text("5");
+    QTest::newRow("a number beyond 16 bits addresses no bit")
+        << text("1") << text("4") << text("DM100.70000") << text("4");
     QTest::newRow("two digits") << text("1") << text("0") << text("DM100.03") << text("8");
     QTest::newRow("word that is no number")
         << text("1") << text("x") << text("DM100.0") << text("1");

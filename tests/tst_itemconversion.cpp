@@ -131,6 +131,7 @@ void tst_ItemConversion::getUserData_data()
     row("ascii: zero word between", 9, "16961 0 17475", QByteArray("AB\0\0CD", 6));
     row("ascii: high bytes", 9, "65535", QByteArray("\xFF\xFF", 2));
     row("ascii: more than a word", 9, "70000", QByteArray("\0\x17\x11", 3));
+    row("ascii: more than a word, ending in a digit", 9, "69905", QByteArray("\0\x11\x11", 3));
     row("ascii: empty", 9, "", QByteArray("\0\0", 2));
     row("unknown type", 10, "5", "");
     row("above the list", 11, "5", "");
@@ -141,6 +142,11 @@ void tst_ItemConversion::getUserData_data()
     row("end: several", 1, "00005\n\r\r\n", "5");
     row("end: nothing else", 1, "\r\n", "0");
     row("end: ascii", 9, "16961\r\n", "AB");
+    row("end: a blank stays", 9, "16961 \r\n", QByteArray("AB\0\0", 4));
+    row("end: blank and tab stay", 9, "16961 \t\r\n", QByteArray("AB\0\0", 4));
+    row("end: blank behind a number", 2, "5 ", "5");
+    row("end: another control character stays", 1, "5\x03\r\n", "0");
+    row("beginning: a blank stays", 2, " 5", "327680");
 }
 
 void tst_ItemConversion::getUserData()
