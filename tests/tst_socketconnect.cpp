@@ -5,6 +5,7 @@
 
 #include <QTest>
 
+#include <cerrno>
 #include <csignal>
 
 #include <fcntl.h>
@@ -23,6 +24,12 @@ int closedPort()
     return port;
 }
 
+bool answers(Socket &socket)
+{
+    QByteArray answer;
+    return socket.write("RD DM1\r") && socket.read(&answer) && answer == "1\r\n";
+}
+
 } // namespace
 
 // Opening a connection.
@@ -35,15 +42,21 @@ private Q_SLOTS:
     void cleanup() { SystemCalls::stop(); }
 
     void connects();
+    void connectsToNoOtherAddress();
     void connectsWithLeadingZeros();
     void portIsCutTo16Bits();
     void connectStoresTheDescriptorElsewhere();
+    void connectElsewhereLeavesTheOwnConnection();
+    void failedConnectElsewhereClosesTheOwnConnection();
+    void noDescriptorElsewhereLeavesTheOwnConnection();
     void connectIgnoresSigPipe();
     void unresolvedAddressKeepsTheText_data();
     void unresolvedAddressKeepsTheText();
     void refusedConnection();
     void unansweredConnection_data();
     void unansweredConnection();
+    void unansweredConnectionShowsTheGivenTimeout();
+    void descriptorClosedWhileConnecting();
 };
 
 void tst_SocketConnect::connects()
@@ -59,6 +72,17 @@ void tst_SocketConnect::connects()
     socket.disconnect();
     QCOMPARE(peer.finish(), QByteArray());
     QCOMPARE(peer.connectionCount(), 1);
+}
+
+void tst_SocketConnect::connectsToNoOtherAddress()
+{
+    // Listens on 127.0.0.1 alone.
+    ScriptedPeer peer;
+    const Socket socket(QStringLiteral("127.0.0.2"), peer.port(), 1000);
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("Error connecting: Connection refused"));
+    peer.finish();
+    QCOMPARE(peer.connectionCount(), 0);
 }
 
 void tst_SocketConnect::connectsWithLeadingZeros()
@@ -85,6 +109,61 @@ void tst_SocketConnect::connectStoresTheDescriptorElsewhere()
     QVERIFY(!socket.isConnected());
     QCOMPARE(socket.getSockfd(), -1);
     QCOMPARE(::close(descriptor), 0);
+}
+
+void tst_SocketConnect::connectElsewhereLeavesTheOwnConnection()
+{
+    ScriptedPeer peer({{"1\r\n"}});
+    ScriptedPeer other;
+    Socket socket(loopback, peer.port());
+    const int own = socket.getSockfd();
+    int descriptor = -1;
+    QVERIFY(socket.connect(loopback, other.port(), &descriptor, 1000));
+    QVERIFY(other.waitForConnections(1));
+    QVERIFY(descriptor != own);
+    QCOMPARE(::close(descriptor), 0);
+
+    QCOMPARE(socket.getSockfd(), own);
+    QCOMPARE(socket.getPort(), peer.port());
+    QVERIFY(socket.isConnected());
+    QVERIFY(answers(socket));
+    socket.disconnect();
+    QCOMPARE(SystemCalls::closed(), (QList<int>{descriptor, own}));
+}
+
+// What fails is taken for the object's connection, whatever the descriptor was for.
+void tst_SocketConnect::failedConnectElsewhereClosesTheOwnConnection()
+{
+    const int port = closedPort();
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    const int own = socket.getSockfd();
+    SystemCalls::watch();
+    int descriptor = -1;
+    QVERIFY(!socket.connect(loopback, port, &descriptor, 1000));
+    QCOMPARE(socket.getError(), QStringLiteral("Error connecting: Connection refused"));
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(socket.getSockfd(), own);
+    QCOMPARE(SystemCalls::closed(), QList<int>{own});
+    QCOMPARE(::close(descriptor), 0);
+}
+
+void tst_SocketConnect::noDescriptorElsewhereLeavesTheOwnConnection()
+{
+    ScriptedPeer peer({{"1\r\n"}});
+    Socket socket(loopback, peer.port());
+    const int own = socket.getSockfd();
+    SystemCalls::fail(SystemCalls::Call::Socket, EMFILE);
+    int descriptor = own;
+    QVERIFY(!socket.connect(loopback, peer.port(), &descriptor, 1000));
+    QCOMPARE(SystemCalls::failures(), 1);
+    QCOMPARE(descriptor, -1);
+    QCOMPARE(socket.getError(), QStringLiteral("Error opening socket"));
+    QCOMPARE(SystemCalls::closed(), QList<int>());
+
+    QCOMPARE(socket.getSockfd(), own);
+    QVERIFY(socket.isConnected());
+    QVERIFY(answers(socket));
 }
 
 void tst_SocketConnect::connectIgnoresSigPipe()
@@ -145,6 +224,32 @@ void tst_SocketConnect::unansweredConnection()
     Socket socket(loopback, queue.port(), timeout);
     QVERIFY(!socket.isConnected());
     QTEST(socket.getError(), "error");
+    QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
+}
+
+void tst_SocketConnect::unansweredConnectionShowsTheGivenTimeout()
+{
+    const FullQueue queue;
+    SystemCalls::watch();
+    // The object's own time-out is 1000.
+    Socket socket;
+    int descriptor = -1;
+    QVERIFY(!socket.connect(loopback, queue.port(), &descriptor, 30));
+    QCOMPARE(socket.getError(), QStringLiteral(" Timeout: 30"));
+    QCOMPARE(SystemCalls::waits(), QList<int>{30});
+    QCOMPARE(::close(descriptor), 0);
+}
+
+void tst_SocketConnect::descriptorClosedWhileConnecting()
+{
+    // No thread of a peer may open something under the number that becomes free.
+    const FullQueue queue;
+    SystemCalls::watch();
+    SystemCalls::fail(SystemCalls::Call::Poll, EBADF);
+    Socket socket(loopback, queue.port(), 1000);
+    QCOMPARE(SystemCalls::failures(), 1);
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("Error: Bad file descriptor"));
     QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
 }
 

@@ -31,12 +31,16 @@ private Q_SLOTS:
     void connectFailure_data();
     void connectFailure();
     void interruptedConnect();
+    void connectToBeTriedAgainIsWaitedFor();
+    void reConnectWithoutADescriptor();
+    void reConnectThatFailsAtItsEnd();
     void readFailure_data();
     void readFailure();
     void writeFailure();
     void partialSendIsSuccess();
     void disconnectClosesOnce();
     void destructorCloses();
+    void destructorWithoutAConnectionClosesNothing();
     void descriptorNumberIsNotTouchedAfterDisconnect();
 };
 
@@ -136,6 +140,52 @@ void tst_SocketFaults::interruptedConnect()
     QCOMPARE(SystemCalls::closed(), QList<int>{socket.getSockfd()});
 }
 
+void tst_SocketFaults::connectToBeTriedAgainIsWaitedFor()
+{
+    ScriptedPeer peer({{"1\r\n"}});
+    SystemCalls::fail(Call::Connect, EAGAIN);
+    Socket socket(loopback, peer.port(), 750);
+    QCOMPARE(SystemCalls::failures(), 1);
+    QCOMPARE(SystemCalls::waits(), QList<int>{750});
+    QVERIFY(socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("OK"));
+    QVERIFY(socket.write("RD DM1\r"));
+    QByteArray answer;
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("1\r\n"));
+}
+
+void tst_SocketFaults::reConnectWithoutADescriptor()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    const int former = socket.getSockfd();
+    SystemCalls::fail(Call::Socket, EMFILE);
+    QVERIFY(!socket.reConnect());
+    QCOMPARE(SystemCalls::failures(), 1);
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("Error opening socket"));
+    QCOMPARE(socket.getSockfd(), -1);
+    socket.disconnect();
+    QCOMPARE(SystemCalls::closed(), QList<int>());
+    QCOMPARE(::close(former), 0);
+}
+
+void tst_SocketFaults::reConnectThatFailsAtItsEnd()
+{
+    ScriptedPeer peer;
+    Socket socket(loopback, peer.port());
+    const int former = socket.getSockfd();
+    SystemCalls::fail(Call::SetFlags, EPERM, 1);
+    QVERIFY(!socket.reConnect());
+    QCOMPARE(SystemCalls::failures(), 1);
+    QVERIFY(!socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("Error: Operation not permitted"));
+    QCOMPARE(SystemCalls::closed(), QList<int>());
+    QCOMPARE(::close(former), 0);
+    QCOMPARE(::close(socket.getSockfd()), 0);
+}
+
 void tst_SocketFaults::readFailure_data()
 {
     QTest::addColumn<Call>("call");
@@ -216,6 +266,22 @@ void tst_SocketFaults::destructorCloses()
         number = socket.getSockfd();
     }
     QCOMPARE(SystemCalls::closed(), QList<int>{number});
+}
+
+void tst_SocketFaults::destructorWithoutAConnectionClosesNothing()
+{
+    ScriptedPeer peer;
+    int number = -1;
+    {
+        // Fails with an open descriptor.
+        SystemCalls::fail(Call::SetFlags, EPERM, 1);
+        const Socket socket(loopback, peer.port());
+        QCOMPARE(SystemCalls::failures(), 1);
+        QVERIFY(!socket.isConnected());
+        number = socket.getSockfd();
+    }
+    QCOMPARE(SystemCalls::closed(), QList<int>());
+    QCOMPARE(::close(number), 0);
 }
 
 void tst_SocketFaults::descriptorNumberIsNotTouchedAfterDisconnect()

@@ -136,11 +136,16 @@ int __wrap_connect(int descriptor, const sockaddr *address, socklen_t length)
     if (watching)
         state.ports.append(ntohs(reinterpret_cast<const sockaddr_in *>(address)->sin_port));
     const bool planned = failsNow(Call::Connect);
-    if (planned && errno != 0)
+    const int errorNumber = errno;
+    if (planned && errorNumber != 0 && errorNumber != EAGAIN)
         return -1;
     const int result = __real_connect(descriptor, address, length);
     if (!planned)
         return result;
+    if (errorNumber == EAGAIN) {
+        errno = EAGAIN;
+        return -1;
+    }
     pollfd connecting{descriptor, POLLOUT, 0};
     return __real_poll(&connecting, 1, -1) == 1 ? 0 : -1;
 }
@@ -165,7 +170,12 @@ int __wrap_poll(pollfd *watched, nfds_t count, int timeout)
 {
     if (watching)
         state.waits.append(timeout);
-    return failsNow(Call::Poll) ? -1 : __real_poll(watched, count, timeout);
+    if (failsNow(Call::Poll)) {
+        if (errno != EBADF)
+            return -1;
+        __real_close(watched->fd);
+    }
+    return __real_poll(watched, count, timeout);
 }
 
 int __wrap_getsockopt(int descriptor, int level, int option, void *value, socklen_t *length)

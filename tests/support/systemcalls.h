@@ -13,7 +13,8 @@ enum class Call { Socket, Resolve, Connect, GetFlags, SetFlags, Poll, GetOption,
 /// Makes the call after the next `skip` ones of its kind fail with that error number. Resolve: the
 /// answer has another address family (EAFNOSUPPORT), no address (ENODATA) or a short one
 /// (EMSGSIZE). Connect with 0 does not fail but succeeds at once, as a connection over loopback
-/// never does by itself.
+/// never does by itself; with EAGAIN it is begun all the same. Poll with EBADF closes the
+/// descriptor and waits for it then, as when another thread closed it.
 void fail(Call call, int errorNumber, int skip = 0);
 
 /// Makes the next send take only that many bytes; counts as one interference.
