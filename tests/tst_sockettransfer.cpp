@@ -2,6 +2,7 @@
 #include "socket.h"
 #include "systemcalls.h"
 
+#include <QScopeGuard>
 #include <QTest>
 
 #include <cerrno>
@@ -9,12 +10,28 @@
 #include <vector>
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace {
+
 const QString loopback = QStringLiteral("127.0.0.1");
+
+// Waits until that many bytes can be received at once.
+bool waitForBytes(int descriptor, int count)
+{
+    const int usual = 1;
+    int available = 0;
+    pollfd arrived{descriptor, POLLIN, 0};
+    return ::setsockopt(descriptor, SOL_SOCKET, SO_RCVLOWAT, &count, sizeof count) == 0
+           && ::poll(&arrived, 1, 10000) == 1
+           && ::setsockopt(descriptor, SOL_SOCKET, SO_RCVLOWAT, &usual, sizeof usual) == 0
+           && ::ioctl(descriptor, FIONREAD, &available) == 0 && available == count;
 }
+
+} // namespace
 
 // Sending and receiving over a connection.
 class tst_SocketTransfer : public QObject
@@ -28,6 +45,8 @@ private Q_SLOTS:
     void exchange();
     void readReturnsWhatOneReceiveDelivers();
     void readOfALongAnswer();
+    void readTakesUpTo65535Bytes_data();
+    void readTakesUpTo65535Bytes();
     void readTimeout_data();
     void readTimeout();
     void readAfterOrderlyClose();
@@ -35,6 +54,7 @@ private Q_SLOTS:
     void writeRaw();
     void writeToAPeerThatIsGone();
     void descriptorClosedUnderneath();
+    void descriptorZero();
     void descriptorAbove1024();
 };
 
@@ -86,14 +106,46 @@ void tst_SocketTransfer::readOfALongAnswer()
     QCOMPARE(received, sent);
 }
 
+void tst_SocketTransfer::readTakesUpTo65535Bytes_data()
+{
+    QTest::addColumn<int>("sent");
+    QTest::addColumn<int>("first");
+
+    QTest::newRow("above a page") << 4097 << 4097;
+    QTest::newRow("below the greatest") << 65534 << 65534;
+    QTest::newRow("greatest") << 65535 << 65535;
+    QTest::newRow("above the greatest") << 65536 << 65535;
+}
+
+void tst_SocketTransfer::readTakesUpTo65535Bytes()
+{
+    QFETCH(int, sent);
+    QFETCH(int, first);
+    QByteArray bytes(sent, '7');
+    bytes.back() = '8';
+    ScriptedPeer peer({{bytes}});
+    Socket socket(loopback, peer.port());
+    QVERIFY(socket.write("RD DM1\r"));
+    QVERIFY(waitForBytes(socket.getSockfd(), sent));
+    QByteArray answer;
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer.size(), first);
+    QCOMPARE(answer, bytes.left(first));
+    if (first < sent) {
+        QVERIFY(socket.read(&answer));
+        QCOMPARE(answer, bytes.mid(first));
+    }
+}
+
 void tst_SocketTransfer::readTimeout_data()
 {
     QTest::addColumn<int>("timeout");
+    QTest::addColumn<int>("waited");
     QTest::addColumn<QString>("error");
 
-    QTest::newRow("default") << 0 << QStringLiteral("Timeout reading (1000ms)");
-    QTest::newRow("shortest") << 2 << QStringLiteral("Timeout reading (2ms)");
-    QTest::newRow("given") << 30 << QStringLiteral("Timeout reading (30ms)");
+    QTest::newRow("default") << 0 << 1000 << QStringLiteral("Timeout reading (1000ms)");
+    QTest::newRow("shortest") << 2 << 2 << QStringLiteral("Timeout reading (2ms)");
+    QTest::newRow("given") << 30 << 30 << QStringLiteral("Timeout reading (30ms)");
 }
 
 void tst_SocketTransfer::readTimeout()
@@ -101,8 +153,11 @@ void tst_SocketTransfer::readTimeout()
     QFETCH(int, timeout);
     ScriptedPeer peer;
     Socket socket(loopback, peer.port(), timeout);
+    SystemCalls::watch();
     QByteArray data = "old";
     QVERIFY(!socket.read(&data));
+    QCOMPARE(SystemCalls::waits().size(), 1);
+    QTEST(SystemCalls::waits().constFirst(), "waited");
     QTEST(socket.getError(), "error");
     QCOMPARE(data, QByteArray());
     QVERIFY(!socket.isConnected());
@@ -185,6 +240,29 @@ void tst_SocketTransfer::descriptorClosedUnderneath()
     QVERIFY(!socket.read(&data));
     QCOMPARE(socket.getError(), QStringLiteral("Error reading: Bad file descriptor (-1)"));
     QVERIFY(!socket.isConnected());
+}
+
+void tst_SocketTransfer::descriptorZero()
+{
+    ScriptedPeer peer({{"1\r\n"}});
+    const int standardInput = ::dup(STDIN_FILENO);
+    QVERIFY(standardInput > 0);
+    const auto restore = qScopeGuard([standardInput] {
+        ::dup2(standardInput, STDIN_FILENO);
+        ::close(standardInput);
+    });
+    ::close(STDIN_FILENO);
+    SystemCalls::watch();
+
+    Socket socket(loopback, peer.port());
+    QCOMPARE(socket.getSockfd(), 0);
+    QVERIFY(socket.isConnected());
+    QVERIFY(socket.write("RD DM1\r"));
+    QByteArray answer;
+    QVERIFY(socket.read(&answer));
+    QCOMPARE(answer, QByteArray("1\r\n"));
+    socket.disconnect();
+    QCOMPARE(SystemCalls::closed(), QList<int>{0});
 }
 
 void tst_SocketTransfer::descriptorAbove1024()
