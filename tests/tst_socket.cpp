@@ -91,8 +91,10 @@ void tst_Socket::reConnectAfterDisconnect()
     Socket socket(loopback, peer.port());
     QVERIFY(!socket.disconnect());
     QVERIFY(!socket.isConnected());
+    socket.setError(QStringLiteral("of old"));
     QVERIFY(socket.reConnect());
     QVERIFY(socket.isConnected());
+    QCOMPARE(socket.getError(), QStringLiteral("OK"));
     QVERIFY(socket.write("RD DM0\r"));
     QByteArray answer;
     QVERIFY(socket.read(&answer));
@@ -124,6 +126,7 @@ void tst_Socket::moveConstruction()
     QCOMPARE(first->getIp(), loopback);
     QCOMPARE(first->getPort(), peer.port());
     QCOMPARE(first->getError(), QStringLiteral("OK"));
+    QVERIFY(second == *first);
     delete first;
     QCOMPARE(SystemCalls::closed(), QList<int>());
 
@@ -160,24 +163,29 @@ void tst_Socket::moveAssignment()
 
 void tst_Socket::comparison_data()
 {
+    QTest::addColumn<QString>("own");
     QTest::addColumn<QString>("ip");
     QTest::addColumn<int>("port");
     QTest::addColumn<bool>("same");
 
-    QTest::newRow("same") << QStringLiteral("256.0.0.1") << 8501 << true;
-    QTest::newRow("other port") << QStringLiteral("256.0.0.1") << 8502 << false;
-    QTest::newRow("other address") << QStringLiteral("256.0.0.2") << 8501 << false;
-    QTest::newRow("leading zeros") << QStringLiteral("256.0.0.01") << 8501 << false;
-    QTest::newRow("both different") << QString() << 0 << false;
+    // Addresses that never resolve, so that nothing is connected.
+    const QString own = QStringLiteral("256.0.0.1");
+    QTest::newRow("same") << own << own << 8501 << true;
+    QTest::newRow("other port") << own << own << 8502 << false;
+    QTest::newRow("other address") << own << QStringLiteral("256.0.0.2") << 8501 << false;
+    QTest::newRow("leading zeros") << own << QStringLiteral("256.0.0.01") << 8501 << false;
+    QTest::newRow("both different") << own << QString() << 0 << false;
+    QTest::newRow("other case") << QStringLiteral("fe80::1") << QStringLiteral("FE80::1") << 8501
+                                << false;
 }
 
 void tst_Socket::comparison()
 {
+    QFETCH(QString, own);
     QFETCH(QString, ip);
     QFETCH(int, port);
     QFETCH(bool, same);
-    // An address that never resolves, so that nothing is connected.
-    Socket socket(QStringLiteral("256.0.0.1"), 8501, 100);
+    const Socket socket(own, 8501, 100);
     const Socket other(ip, port, 200);
     QCOMPARE(socket.hasIpAndPort(ip, port), same);
     QCOMPARE(socket == other, same);
