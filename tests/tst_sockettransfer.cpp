@@ -185,9 +185,10 @@ void tst_SocketTransfer::readReplacesOldBytes()
 {
     ScriptedPeer peer({{QByteArray("1\0\r\n", 4)}});
     Socket socket(loopback, peer.port());
-    QVERIFY(socket.write("RD DM1\r"));
-    QByteArray data = "something longer than the answer";
     socket.setError(QStringLiteral("kept by a success"));
+    QVERIFY(socket.write("RD DM1\r"));
+    QCOMPARE(socket.getError(), QStringLiteral("kept by a success"));
+    QByteArray data = "something longer than the answer";
     QVERIFY(socket.read(&data));
     QCOMPARE(data, QByteArray("1\0\r\n", 4));
     QCOMPARE(socket.getError(), QStringLiteral("kept by a success"));
