@@ -178,8 +178,8 @@ in [troubleshooting](troubleshooting.md).
 - A failed write stands in the error log alone, a failed read in the item's last error, too.
 - Nothing is written to the debug log, and nothing is reported while the plug-in starts: a device that cannot be
   reached then is told of by the first cycle.
-- In the examples `kvsim` and `velhost` stand for the programs in `build/dev/bin`, each in a shell of its own; the
-  plant is `plant.json`.
+- In the examples `kvsim` and `velhost` stand for the installed programs, or for those in `build/demo/bin` after the
+  demonstration, each in a shell of its own; the plant is `plant.json`.
 
 This page is made of `tools/velhost/errors.json` by `cmake -P cmake/errors_page.cmake`; change it there.
 
