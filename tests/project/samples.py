@@ -19,6 +19,7 @@ All of it happens in a network of its own, so that nothing else on this machine 
 Exit code 0: all is as shown; 1: something is not; 2: wrong use; 3: no network of its own can be had.
 """
 
+import contextlib
 import difflib
 import os
 import pathlib
@@ -37,7 +38,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXCEPTED_PAGES = {"docs/errors.md": "tests/tst_errorprovocation.cpp runs what this page is made of"}
 SECONDS = 60
 
-COMMENT = re.compile(r"<!-- (before|prints|not run|digits vary)(?:: (.*))? -->$")
+COMMENT = re.compile(r"<!-- (?:(before|prints|not run): (.+)|digits vary) -->$")
 MASKS = [
     (re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}([+-]\d\d:\d\d)?"), "DATE"),
     (re.compile(r"\d\d:\d\d:\d\d(\.\d{3})?"), "TIME"),
@@ -85,7 +86,7 @@ def blocks_of(page):
                 blocks.append(block)
             block.lines.append(line)
         elif comment:
-            comments.append(comment.groups())
+            comments.append((comment[1] or "digits vary", comment[2]))
             block = None
         elif line == "" and block:
             block.lines.append(line)
@@ -191,17 +192,18 @@ def watch(command, folder, environment, is_right):
         os.chdir(folder)
         os.execvpe("bash", ["bash", "-c", "stty cols 120 rows 40; " + command], environment)
     drawn, seen, end = b"", [], time.monotonic() + SECONDS
-    while time.monotonic() < end and not (seen and is_right(seen)):
-        if select.select([terminal], [], [], 1)[0]:
-            try:
+    # The terminal fails when the program has ended.
+    with contextlib.suppress(OSError):
+        while time.monotonic() < end and not (seen and is_right(seen)):
+            if select.select([terminal], [], [], 1)[0]:
                 drawn += os.read(terminal, 65536)
-            except OSError:
-                break
-        frames = drawn.split(b"\x1b[H")
-        if len(frames) > 2:
-            text = re.sub(r"\x1b\[[0-9;?]*[A-Za-z]", "", frames[-2].decode())
-            seen = [line.rstrip() for line in text.splitlines()]
-    os.write(terminal, b"\x03")
+            drawings = drawn.split(b"\x1b[H")[1:-1]
+            if drawings:
+                text = re.sub(r"\x1b\[[0-9;?]*[A-Za-z]", "", drawings[-1].decode())
+                seen = [line.rstrip() for line in text.splitlines()]
+        os.write(terminal, b"\x03")
+        while os.read(terminal, 65536):
+            pass
     os.waitpid(pid, 0)
     os.close(terminal)
     return seen
@@ -224,7 +226,7 @@ def run_block(block, folder, environment):
                 simulators.append(Simulator(command, folder, environment, len(shown or "1")))
                 printed = simulators[-1].lines
             elif words[:2] == ["velhost", "watch"] and not {"|", "--for"} & set(words):
-                printed = watch(command, folder, environment, lambda seen: fits(mask(shown), mask(seen)))
+                printed = watch(command, folder, environment, lambda seen: fits(mask(shown or ["…"]), mask(seen)))
             else:
                 printed, status = shell.run(command)
                 if not shown and status != 0:
