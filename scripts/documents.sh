@@ -5,7 +5,7 @@ set -eu
 cd "$(dirname "$0")/.."
 preset=${1:-dev}
 
-scripts/install-packages.sh g++ cmake ninja-build qtbase5-dev python3 python3-jsonschema iproute2 iputils-ping
+scripts/install-packages.sh documents
 
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --target keyence velhost kvsim

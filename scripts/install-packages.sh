@@ -9,6 +9,7 @@ packages_for() {
     manuals) echo help2man ;;
     build) packages_for programs && packages_for manuals ;;
     test) packages_for build && echo bash-completion groff-base python3-jsonschema ;;
+    documents) packages_for test && echo iproute2 iputils-ping python3 ;;
     coverage) packages_for test && echo gcovr ;;
     lint) packages_for build && echo clang-format clang-tidy clazy git ;;
     cross-compiler) echo g++-arm-linux-gnueabihf ;;
