@@ -25,14 +25,12 @@ import os
 import pathlib
 import pty
 import re
-import select
 import signal
 import subprocess
 import sys
 import tempfile
 import textwrap
 import threading
-import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXCEPTED_PAGES = {"docs/errors.md": "tests/tst_errorprovocation.cpp runs what this page is made of"}
@@ -189,14 +187,17 @@ def watch(command, folder, environment, is_right):
     """Runs a command on a terminal until what is drawn there is right, then ends it by Ctrl+C."""
     pid, terminal = pty.fork()
     if pid == 0:
+        # A script in the background ignores Ctrl+C, and so would its programs.
+        signal.signal(signal.SIGINT, signal.SIG_DFL)
         os.chdir(folder)
         os.execvpe("bash", ["bash", "-c", "stty cols 120 rows 40; " + command], environment)
-    drawn, seen, end = b"", [], time.monotonic() + SECONDS
+    watchdog = threading.Timer(SECONDS, os.killpg, (pid, signal.SIGKILL))
+    watchdog.start()
+    drawn, seen = b"", []
     # The terminal fails when the program has ended.
     with contextlib.suppress(OSError):
-        while time.monotonic() < end and not (seen and is_right(seen)):
-            if select.select([terminal], [], [], 1)[0]:
-                drawn += os.read(terminal, 65536)
+        while not (seen and is_right(seen)):
+            drawn += os.read(terminal, 65536)
             drawings = drawn.split(b"\x1b[H")[1:-1]
             if drawings:
                 text = re.sub(r"\x1b\[[0-9;?]*[A-Za-z]", "", drawings[-1].decode())
@@ -204,6 +205,7 @@ def watch(command, folder, environment, is_right):
         os.write(terminal, b"\x03")
         while os.read(terminal, 65536):
             pass
+    watchdog.cancel()
     os.waitpid(pid, 0)
     os.close(terminal)
     return seen
