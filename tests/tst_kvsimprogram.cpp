@@ -318,7 +318,7 @@ void tst_KvsimProgram::outputThatCannotBeWritten()
 void tst_KvsimProgram::version()
 {
     const ProgramRun result = run({QStringLiteral("--version")});
-    QCOMPARE(result.output.toUtf8(), QByteArray("kvsim " KVSIM_VERSION "\n"));
+    QCOMPARE(result.output.toUtf8(), QByteArray("kvsim " PROJECT_VERSION "\n"));
     QCOMPARE(result.errors.toUtf8(), QByteArray());
     QCOMPARE(result.exitCode, 0);
 }

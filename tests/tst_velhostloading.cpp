@@ -262,7 +262,7 @@ void tst_VelhostLoading::version()
 {
     const ProgramRun run = runProgram(program, {text("--version")}, m_folder.path());
     QCOMPARE(run.errors, QString());
-    QCOMPARE(run.output, text("velhost " VELHOST_VERSION "\n"));
+    QCOMPARE(run.output, text("velhost " PROJECT_VERSION "\n"));
     QCOMPARE(run.exitCode, 0);
 }
 
