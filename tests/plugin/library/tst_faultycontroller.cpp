@@ -221,4 +221,4 @@ void tst_KvsimFaults::restart()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimFaults)
-#include "tst_kvsimfaults.moc"
+#include "tst_faultycontroller.moc"
