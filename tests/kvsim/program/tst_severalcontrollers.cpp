@@ -325,4 +325,4 @@ void tst_KvsimControllers::usageErrors()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimControllers)
-#include "tst_kvsimcontrollers.moc"
+#include "tst_severalcontrollers.moc"

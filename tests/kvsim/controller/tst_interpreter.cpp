@@ -316,4 +316,4 @@ void tst_Kvsim::readOnlyDevicesAreStoredTo()
 }
 
 QTEST_GUILESS_MAIN(tst_Kvsim)
-#include "tst_kvsim.moc"
+#include "tst_interpreter.moc"

@@ -180,4 +180,4 @@ void tst_KvsimGenerator::fromOneStartOn()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimGenerator)
-#include "tst_kvsimgenerator.moc"
+#include "tst_generator.moc"

@@ -280,4 +280,4 @@ void tst_KvsimServer::endsWithClientConnected()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimServer)
-#include "tst_kvsimserver.moc"
+#include "tst_server.moc"

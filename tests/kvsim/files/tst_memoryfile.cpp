@@ -207,4 +207,4 @@ void tst_KvsimMemoryFile::faults()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimMemoryFile)
-#include "tst_kvsimmemoryfile.moc"
+#include "tst_memoryfile.moc"

@@ -326,4 +326,4 @@ void tst_KvsimFaultEngine::tooManyFaults()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimFaultEngine)
-#include "tst_kvsimfaultengine.moc"
+#include "tst_faultengine.moc"

@@ -338,4 +338,4 @@ void tst_KvsimFaultServer::counters()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimFaultServer)
-#include "tst_kvsimfaultserver.moc"
+#include "tst_serverfaults.moc"

@@ -206,4 +206,4 @@ void tst_KvsimConfig::example()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimConfig)
-#include "tst_kvsimconfig.moc"
+#include "tst_config.moc"

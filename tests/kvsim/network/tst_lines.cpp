@@ -191,4 +191,4 @@ void tst_KvsimLines::trace()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimLines)
-#include "tst_kvsimlines.moc"
+#include "tst_lines.moc"

@@ -261,4 +261,4 @@ void tst_KvsimControl::ctlWithoutSimulator()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimControl)
-#include "tst_kvsimcontrol.moc"
+#include "tst_control.moc"

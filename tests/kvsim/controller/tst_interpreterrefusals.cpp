@@ -123,4 +123,4 @@ void tst_KvsimRefusals::refusedWrites()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimRefusals)
-#include "tst_kvsimrefusals.moc"
+#include "tst_interpreterrefusals.moc"

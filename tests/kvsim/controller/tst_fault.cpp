@@ -105,4 +105,4 @@ void tst_KvsimFault::limits()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimFault)
-#include "tst_kvsimfault.moc"
+#include "tst_fault.moc"

@@ -360,4 +360,4 @@ void tst_KvsimUdp::program()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimUdp)
-#include "tst_kvsimudp.moc"
+#include "tst_datagramserver.moc"

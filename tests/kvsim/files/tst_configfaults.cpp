@@ -248,4 +248,4 @@ void tst_KvsimConfigFaults::usageErrors()
 }
 
 QTEST_GUILESS_MAIN(tst_KvsimConfigFaults)
-#include "tst_kvsimconfigfaults.moc"
+#include "tst_configfaults.moc"
