@@ -305,4 +305,4 @@ void tst_VelhostSearchArea::noInterface()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostSearchArea)
-#include "tst_velhostsearcharea.moc"
+#include "tst_searcharea.moc"

@@ -367,4 +367,4 @@ void tst_VelhostWatch::outputIsLost()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostWatch)
-#include "tst_velhostwatch.moc"
+#include "tst_watch.moc"

@@ -193,4 +193,4 @@ void tst_VelhostKeyence::refusesUnknownType()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostKeyence)
-#include "tst_velhostkeyence.moc"
+#include "tst_realplugin.moc"

@@ -320,4 +320,4 @@ void tst_Velhost::runs()
 }
 
 QTEST_GUILESS_MAIN(tst_Velhost)
-#include "tst_velhost.moc"
+#include "tst_velhostprogram.moc"

@@ -182,4 +182,4 @@ void tst_VelhostDiscoverEnd::terminal()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostDiscoverEnd)
-#include "tst_velhostdiscoverend.moc"
+#include "tst_discoverend.moc"

@@ -288,4 +288,4 @@ void tst_VelhostSearchSettings::noSearch()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostSearchSettings)
-#include "tst_velhostsearchsettings.moc"
+#include "tst_searchsettings.moc"

@@ -368,4 +368,4 @@ void tst_VelhostExplain::loadsNoPlugin()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostExplain)
-#include "tst_velhostexplain.moc"
+#include "tst_explain.moc"

@@ -135,4 +135,4 @@ void tst_VelhostPortList::refuses()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostPortList)
-#include "tst_velhostportlist.moc"
+#include "tst_portlist.moc"

@@ -349,4 +349,4 @@ void tst_VelhostWatchParts::summary()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostWatchParts)
-#include "tst_velhostwatchparts.moc"
+#include "tst_watchparts.moc"

@@ -119,4 +119,4 @@ void tst_VelhostSameValue::kinds()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostSameValue)
-#include "tst_velhostsamevalue.moc"
+#include "tst_samevalue.moc"

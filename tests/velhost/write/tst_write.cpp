@@ -287,4 +287,4 @@ void tst_VelhostWrite::writesOnly()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostWrite)
-#include "tst_velhostwrite.moc"
+#include "tst_write.moc"

@@ -341,4 +341,4 @@ void tst_VelhostWatchTerminal::lines()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostWatchTerminal)
-#include "tst_velhostwatchterminal.moc"
+#include "tst_watchterminal.moc"

@@ -348,4 +348,4 @@ void tst_VelhostCheck::connectsToNobody()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostCheck)
-#include "tst_velhostcheck.moc"
+#include "tst_check.moc"

@@ -160,4 +160,4 @@ void tst_VelhostSignals::stopFails()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostSignals)
-#include "tst_velhostsignals.moc"
+#include "tst_readsignals.moc"

@@ -319,4 +319,4 @@ void tst_VelhostLoadFailures::missingLibraryIsTheOnlyFault()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostLoadFailures)
-#include "tst_velhostloadfailures.moc"
+#include "tst_loadfailures.moc"

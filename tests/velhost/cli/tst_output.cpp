@@ -240,4 +240,4 @@ void tst_VelhostOutput::errors()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostOutput)
-#include "tst_velhostoutput.moc"
+#include "tst_output.moc"

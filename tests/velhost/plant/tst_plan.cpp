@@ -325,4 +325,4 @@ void tst_VelhostPlan::judgeableDevice()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostPlan)
-#include "tst_velhostplan.moc"
+#include "tst_plan.moc"

@@ -198,4 +198,4 @@ void tst_VelhostElfFile::cutShort()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostElfFile)
-#include "tst_velhostelffile.moc"
+#include "tst_elffile.moc"

@@ -316,4 +316,4 @@ void tst_VelhostDiscover::noSearchDeclared()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostDiscover)
-#include "tst_velhostdiscover.moc"
+#include "tst_discover.moc"

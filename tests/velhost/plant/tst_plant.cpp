@@ -386,4 +386,4 @@ void tst_VelhostPlant::assignmentErrors()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostPlant)
-#include "tst_velhostplant.moc"
+#include "tst_plant.moc"

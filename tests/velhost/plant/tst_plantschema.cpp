@@ -376,4 +376,4 @@ void tst_VelhostSchema::everyKeyIsDescribed()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostSchema)
-#include "tst_velhostschema.moc"
+#include "tst_plantschema.moc"

@@ -267,4 +267,4 @@ void tst_VelhostLoading::version()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostLoading)
-#include "tst_velhostloading.moc"
+#include "tst_surroundings.moc"

@@ -382,4 +382,4 @@ void tst_VelhostCommandLine::errors()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostCommandLine)
-#include "tst_velhostcommandline.moc"
+#include "tst_commandline.moc"

@@ -195,4 +195,4 @@ void tst_VelhostDiscoverPlant::cannotBeWritten()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostDiscoverPlant)
-#include "tst_velhostdiscoverplant.moc"
+#include "tst_discoverplant.moc"

@@ -214,4 +214,4 @@ void tst_VelhostFindings::limit()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostFindings)
-#include "tst_velhostfindings.moc"
+#include "tst_discoveroutput.moc"

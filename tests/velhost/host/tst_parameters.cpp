@@ -244,4 +244,4 @@ void tst_VelhostParameters::devicesWithErrors()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostParameters)
-#include "tst_velhostparameters.moc"
+#include "tst_parameters.moc"

@@ -223,4 +223,4 @@ void tst_VelhostChanges::devicesApart()
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostChanges)
-#include "tst_velhostchanges.moc"
+#include "tst_changes.moc"
