@@ -122,8 +122,8 @@ for architecture in "$@"; do
     for file in "$plugin" usr/bin/velhost usr/bin/kvsim usr/lib/libkeyence-tools/vel/libvel.so.1; do
         try_file "$root/deb/$file"
     done
-    cmake -DFILE="$root/deb/$plugin" -DREADELF=readelf -DCEILING=tests/symbol_ceiling.txt \
-        -P tests/symbol_ceiling.cmake
+    cmake -DFILE="$root/deb/$plugin" -DREADELF=readelf -DCEILING=tests/project/symbol_ceiling.txt \
+        -P tests/project/symbol_ceiling.cmake
     try_programs "$root/deb"
     try_programs "$root/archive"
     try_gateway

@@ -1,6 +1,6 @@
 # The guard against unregistered tests must let a complete list pass and stop at a missing file.
 cmake_minimum_required(VERSION 3.22)
-include(${CMAKE_CURRENT_LIST_DIR}/../cmake/registered_tests.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/../../cmake/registered_tests.cmake)
 
 if(DEFINED FILES)
     require_registered_tests("${FILES}" "${REGISTERED}")
