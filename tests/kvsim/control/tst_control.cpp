@@ -14,7 +14,7 @@ using kvsim::Controller;
 using kvsim::ControlServer;
 
 // The control protocol, alone and with the built program.
-class tst_KvsimControl : public QObject
+class tst_Control : public QObject
 {
     Q_OBJECT
 
@@ -61,7 +61,7 @@ ProgramRun runCtl(const QStringList &arguments)
 
 } // namespace
 
-void tst_KvsimControl::lines_data()
+void tst_Control::lines_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QByteArray>("answer");
@@ -97,7 +97,7 @@ void tst_KvsimControl::lines_data()
     row("", "error unknown command ''; use one of: get, set, fault, clear, counters, dump, quit\n");
 }
 
-void tst_KvsimControl::lines()
+void tst_Control::lines()
 {
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, answer);
@@ -108,7 +108,7 @@ void tst_KvsimControl::lines()
     QCOMPARE(result.quit, line == "quit");
 }
 
-void tst_KvsimControl::changesTheController()
+void tst_Control::changesTheController()
 {
     Controller controller;
     QCOMPARE(answer("set DM100 5", &controller), QByteArray("ok\n"));
@@ -121,7 +121,7 @@ void tst_KvsimControl::changesTheController()
     QCOMPARE(controller.faults.counts().size(), 0);
 }
 
-void tst_KvsimControl::lineTooLong()
+void tst_Control::lineTooLong()
 {
     Simulator simulator;
     TextClient longest(simulator.control());
@@ -135,7 +135,7 @@ void tst_KvsimControl::lineTooLong()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimControl::program()
+void tst_Control::program()
 {
     Simulator simulator({text("--fault"), text("refuse=E5@DM7")});
     TextClient control(simulator.control());
@@ -154,7 +154,7 @@ void tst_KvsimControl::program()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimControl::quitEndsTheProgram()
+void tst_Control::quitEndsTheProgram()
 {
     Simulator simulator;
     TextClient control(simulator.control());
@@ -166,7 +166,7 @@ void tst_KvsimControl::quitEndsTheProgram()
              QByteArray("commands 0, answers 0, refusals 0, clients 0\n"));
 }
 
-void tst_KvsimControl::controlPortTaken()
+void tst_Control::controlPortTaken()
 {
     QTcpServer owner;
     QVERIFY(owner.listen(QHostAddress(QHostAddress::LocalHost), 0));
@@ -181,7 +181,7 @@ void tst_KvsimControl::controlPortTaken()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_KvsimControl::ctl()
+void tst_Control::ctl()
 {
     Simulator simulator;
     const QString port = QString::number(simulator.control());
@@ -204,7 +204,7 @@ void tst_KvsimControl::ctl()
     QCOMPARE(simulator.process()->exitCode(), 0);
 }
 
-void tst_KvsimControl::ctlFailures_data()
+void tst_Control::ctlFailures_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<QString>("error");
@@ -228,7 +228,7 @@ void tst_KvsimControl::ctlFailures_data()
     usage("--port 1", "No command.");
 }
 
-void tst_KvsimControl::ctlFailures()
+void tst_Control::ctlFailures()
 {
     QFETCH(QString, arguments);
     QFETCH(QString, error);
@@ -245,7 +245,7 @@ void tst_KvsimControl::ctlFailures()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimControl::ctlWithoutSimulator()
+void tst_Control::ctlWithoutSimulator()
 {
     QTcpServer owner;
     QVERIFY(owner.listen(QHostAddress(QHostAddress::LocalHost), 0));
@@ -260,5 +260,5 @@ void tst_KvsimControl::ctlWithoutSimulator()
     QCOMPARE(result.exitCode, 1);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimControl)
+QTEST_GUILESS_MAIN(tst_Control)
 #include "tst_control.moc"

@@ -7,7 +7,7 @@
 using kvsim::FaultEngine;
 
 // How a fault is written.
-class tst_KvsimFault : public QObject
+class tst_Fault : public QObject
 {
     Q_OBJECT
 
@@ -18,7 +18,7 @@ private Q_SLOTS:
     void limits();
 };
 
-void tst_KvsimFault::refusals_data()
+void tst_Fault::refusals_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QString>("error");
@@ -67,7 +67,7 @@ void tst_KvsimFault::refusals_data()
                               "takes no address");
 }
 
-void tst_KvsimFault::refusals()
+void tst_Fault::refusals()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QString, error);
@@ -77,7 +77,7 @@ void tst_KvsimFault::refusals()
     QCOMPARE(engine.counts().size(), 0);
 }
 
-void tst_KvsimFault::limits_data()
+void tst_Fault::limits_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<bool>("accepted");
@@ -95,7 +95,7 @@ void tst_KvsimFault::limits_data()
         row(fault, false);
 }
 
-void tst_KvsimFault::limits()
+void tst_Fault::limits()
 {
     QFETCH(QByteArray, fault);
     QFETCH(bool, accepted);
@@ -104,5 +104,5 @@ void tst_KvsimFault::limits()
     QCOMPARE(engine.add(fault).isEmpty(), accepted);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimFault)
+QTEST_GUILESS_MAIN(tst_Fault)
 #include "tst_fault.moc"

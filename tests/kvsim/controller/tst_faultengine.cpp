@@ -16,7 +16,7 @@ using kvsim::Reply;
 using kvsim::Welcome;
 
 // What the faults decide, without a socket and without a clock.
-class tst_KvsimFaultEngine : public QObject
+class tst_FaultEngine : public QObject
 {
     Q_OBJECT
 
@@ -101,7 +101,7 @@ QByteArray pattern(const QByteArray &fault)
 
 } // namespace
 
-void tst_KvsimFaultEngine::actions_data()
+void tst_FaultEngine::actions_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QByteArray>("command");
@@ -145,7 +145,7 @@ void tst_KvsimFaultEngine::actions_data()
     row("restart=300", "restart 300");
 }
 
-void tst_KvsimFaultEngine::actions()
+void tst_FaultEngine::actions()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QByteArray, command);
@@ -161,14 +161,14 @@ void tst_KvsimFaultEngine::actions()
     QCOMPARE(engine.count().applied, quint64(1));
 }
 
-void tst_KvsimFaultEngine::onlyTheLateAnswerIsDetached()
+void tst_FaultEngine::onlyTheLateAnswerIsDetached()
 {
     QCOMPARE(Engine({"late=5"}).reply("RD DM1").detached, true);
     QCOMPARE(Engine({"delay=5"}).reply("RD DM1").detached, false);
     QCOMPARE(Engine({}).reply("RD DM1").detached, false);
 }
 
-void tst_KvsimFaultEngine::memoryAfterWrite_data()
+void tst_FaultEngine::memoryAfterWrite_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<int>("word");
@@ -180,7 +180,7 @@ void tst_KvsimFaultEngine::memoryAfterWrite_data()
     QTest::newRow("lost in a restart") << QByteArray("restart=0") << 100;
 }
 
-void tst_KvsimFaultEngine::memoryAfterWrite()
+void tst_FaultEngine::memoryAfterWrite()
 {
     QFETCH(QByteArray, fault);
     QFETCH(int, word);
@@ -191,7 +191,7 @@ void tst_KvsimFaultEngine::memoryAfterWrite()
     QCOMPARE(kvsim::valueAt(engine.controller(), "DM100").value_or(-1), word);
 }
 
-void tst_KvsimFaultEngine::selection_data()
+void tst_FaultEngine::selection_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QByteArray>("command");
@@ -217,7 +217,7 @@ void tst_KvsimFaultEngine::selection_data()
     row("silent", "", true);
 }
 
-void tst_KvsimFaultEngine::selection()
+void tst_FaultEngine::selection()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QByteArray, command);
@@ -230,7 +230,7 @@ void tst_KvsimFaultEngine::selection()
     QCOMPARE(engine.count().applied, quint64(seen));
 }
 
-void tst_KvsimFaultEngine::jitter()
+void tst_FaultEngine::jitter()
 {
     Engine engine({"delay=10+-3@seed=4"});
     QSet<int> times;
@@ -239,7 +239,7 @@ void tst_KvsimFaultEngine::jitter()
     QCOMPARE(times, (QSet<int>{7, 8, 9, 10, 11, 12, 13}));
 }
 
-void tst_KvsimFaultEngine::garbage()
+void tst_FaultEngine::garbage()
 {
     Engine engine({"garbage=100000"});
     QByteArray bytes = engine.reply("RD DM1").bytes();
@@ -251,7 +251,7 @@ void tst_KvsimFaultEngine::garbage()
     QVERIFY(bytes.contains('\xFF'));
 }
 
-void tst_KvsimFaultEngine::sameSeedSameOutcome()
+void tst_FaultEngine::sameSeedSameOutcome()
 {
     QCOMPARE(pattern("silent@nth=3"), QByteArray("001000000000"));
     QCOMPARE(pattern("silent@every=4"), QByteArray("000100010001"));
@@ -267,7 +267,7 @@ void tst_KvsimFaultEngine::sameSeedSameOutcome()
             != Engine({"garbage=50@seed=8"}).reply("RD DM1").bytes());
 }
 
-void tst_KvsimFaultEngine::firstThatStrikesIsApplied()
+void tst_FaultEngine::firstThatStrikesIsApplied()
 {
     Engine engine({"previous-answer", "refuse=E5@every=2", "empty"});
     QCOMPARE(engine.reply("RD DM1").fault, QByteArray("empty"));
@@ -280,7 +280,7 @@ void tst_KvsimFaultEngine::firstThatStrikesIsApplied()
     QCOMPARE(engine.count(2).applied, quint64(1));
 }
 
-void tst_KvsimFaultEngine::welcome_data()
+void tst_FaultEngine::welcome_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<int>("connected");
@@ -299,7 +299,7 @@ void tst_KvsimFaultEngine::welcome_data()
     row("not yet", "refuse-connect@nth=2", 0, Welcome::Serve);
 }
 
-void tst_KvsimFaultEngine::welcome()
+void tst_FaultEngine::welcome()
 {
     QFETCH(QByteArray, fault);
     QFETCH(int, connected);
@@ -313,7 +313,7 @@ void tst_KvsimFaultEngine::welcome()
     QCOMPARE(engine.counts().constFirst().applied, quint64(applied));
 }
 
-void tst_KvsimFaultEngine::tooManyFaults()
+void tst_FaultEngine::tooManyFaults()
 {
     FaultEngine engine;
     for (int i = 0; i < FaultEngine::maximumFaults; ++i)
@@ -325,5 +325,5 @@ void tst_KvsimFaultEngine::tooManyFaults()
     QCOMPARE(engine.add("silent"), QString());
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimFaultEngine)
+QTEST_GUILESS_MAIN(tst_FaultEngine)
 #include "tst_faultengine.moc"

@@ -5,7 +5,7 @@
 using kvsim::Memory;
 
 // What the simulated controller answers, command by command and without a network.
-class tst_Kvsim : public QObject
+class tst_Interpreter : public QObject
 {
     Q_OBJECT
 
@@ -39,7 +39,7 @@ QByteArray repeated(const QByteArray &text, int count)
 
 } // namespace
 
-void tst_Kvsim::freshMemory_data()
+void tst_Interpreter::freshMemory_data()
 {
     QTest::addColumn<QByteArray>("command");
     QTest::addColumn<QByteArray>("answer");
@@ -81,14 +81,14 @@ void tst_Kvsim::freshMemory_data()
     row("RD BA1", "1");
 }
 
-void tst_Kvsim::freshMemory()
+void tst_Interpreter::freshMemory()
 {
     QFETCH(QByteArray, command);
     QFETCH(QByteArray, answer);
     QCOMPARE(askFresh(command), answer);
 }
 
-void tst_Kvsim::devices_data()
+void tst_Interpreter::devices_data()
 {
     QTest::addColumn<QByteArray>("below");
     QTest::addColumn<QByteArray>("last");
@@ -121,7 +121,7 @@ void tst_Kvsim::devices_data()
     row("B", "7FFE", "7FFF", "8000", "0 0");
 }
 
-void tst_Kvsim::devices()
+void tst_Interpreter::devices()
 {
     QFETCH(QByteArray, below);
     QFETCH(QByteArray, last);
@@ -137,7 +137,7 @@ void tst_Kvsim::devices()
     QCOMPARE(askFresh("WR " + above + " 0"), QByteArray("E0\r\n"));
 }
 
-void tst_Kvsim::aliases_data()
+void tst_Interpreter::aliases_data()
 {
     QTest::addColumn<QByteArray>("write");
     QTest::addColumn<QByteArray>("read");
@@ -163,7 +163,7 @@ void tst_Kvsim::aliases_data()
     row("WR R015 1", "RD R15", "RDS R014 3", "0 1 1");
 }
 
-void tst_Kvsim::aliases()
+void tst_Interpreter::aliases()
 {
     QFETCH(QByteArray, write);
     QFETCH(QByteArray, read);
@@ -176,7 +176,7 @@ void tst_Kvsim::aliases()
     QCOMPARE(ask(&memory, other), otherAnswer);
 }
 
-void tst_Kvsim::queries_data()
+void tst_Interpreter::queries_data()
 {
     QTest::addColumn<QByteArray>("command");
     QTest::addColumn<QByteArray>("answer");
@@ -187,14 +187,14 @@ void tst_Kvsim::queries_data()
     QTest::newRow("blank around it") << QByteArray(" ?K ") << QByteArray("55\r\n");
 }
 
-void tst_Kvsim::queries()
+void tst_Interpreter::queries()
 {
     QFETCH(QByteArray, command);
     QFETCH(QByteArray, answer);
     QCOMPARE(askFresh(command), answer);
 }
 
-void tst_Kvsim::writtenValues_data()
+void tst_Interpreter::writtenValues_data()
 {
     QTest::addColumn<QByteArray>("write");
     QTest::addColumn<QByteArray>("read");
@@ -224,7 +224,7 @@ void tst_Kvsim::writtenValues_data()
     row("WRS MR99915 2 1 1", "RDS M99915 2", "1 1");
 }
 
-void tst_Kvsim::writtenValues()
+void tst_Interpreter::writtenValues()
 {
     QFETCH(QByteArray, write);
     QFETCH(QByteArray, read);
@@ -235,7 +235,7 @@ void tst_Kvsim::writtenValues()
     QCOMPARE(ask(&memory, read), answer);
 }
 
-void tst_Kvsim::countOfReads_data()
+void tst_Interpreter::countOfReads_data()
 {
     QTest::addColumn<QByteArray>("count");
     QTest::addColumn<QByteArray>("words");
@@ -257,7 +257,7 @@ void tst_Kvsim::countOfReads_data()
     QTest::newRow("1001") << QByteArray("1001") << refusal << refusal;
 }
 
-void tst_Kvsim::countOfReads()
+void tst_Interpreter::countOfReads()
 {
     QFETCH(QByteArray, count);
     QFETCH(QByteArray, words);
@@ -266,7 +266,7 @@ void tst_Kvsim::countOfReads()
     QCOMPARE(askFresh("RDS MR000 " + count), QByteArray(bits + "\r\n"));
 }
 
-void tst_Kvsim::countOfWrites_data()
+void tst_Interpreter::countOfWrites_data()
 {
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("values");
@@ -288,7 +288,7 @@ void tst_Kvsim::countOfWrites_data()
     QTest::newRow("1001") << 1001 << 1001 << malformed;
 }
 
-void tst_Kvsim::countOfWrites()
+void tst_Interpreter::countOfWrites()
 {
     QFETCH(int, count);
     QFETCH(int, values);
@@ -306,7 +306,7 @@ void tst_Kvsim::countOfWrites()
     }
 }
 
-void tst_Kvsim::readOnlyDevicesAreStoredTo()
+void tst_Interpreter::readOnlyDevicesAreStoredTo()
 {
     Memory memory;
     const auto address = kvsim::parseAddress("CM5");
@@ -315,5 +315,5 @@ void tst_Kvsim::readOnlyDevicesAreStoredTo()
     QCOMPARE(ask(&memory, "RDS CM4 3"), QByteArray("00004 01234 00006\r\n"));
 }
 
-QTEST_GUILESS_MAIN(tst_Kvsim)
+QTEST_GUILESS_MAIN(tst_Interpreter)
 #include "tst_interpreter.moc"

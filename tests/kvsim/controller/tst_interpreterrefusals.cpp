@@ -5,7 +5,7 @@
 using kvsim::Memory;
 
 // What the simulated controller refuses, and that a refusal leaves the memory as it was.
-class tst_KvsimRefusals : public QObject
+class tst_InterpreterRefusals : public QObject
 {
     Q_OBJECT
 
@@ -18,7 +18,7 @@ private Q_SLOTS:
     void refusedWrites();
 };
 
-void tst_KvsimRefusals::malformedCommands_data()
+void tst_InterpreterRefusals::malformedCommands_data()
 {
     QTest::addColumn<QByteArray>("command");
 
@@ -36,13 +36,13 @@ void tst_KvsimRefusals::malformedCommands_data()
     QTest::newRow("count of a length no number has") << "RDS DM0 " + QByteArray(60000, '9');
 }
 
-void tst_KvsimRefusals::malformedCommands()
+void tst_InterpreterRefusals::malformedCommands()
 {
     QFETCH(QByteArray, command);
     QCOMPARE(askFresh(command), QByteArray("E1\r\n"));
 }
 
-void tst_KvsimRefusals::unknownAddresses_data()
+void tst_InterpreterRefusals::unknownAddresses_data()
 {
     QTest::addColumn<QByteArray>("address");
 
@@ -56,7 +56,7 @@ void tst_KvsimRefusals::unknownAddresses_data()
     QTest::newRow("digits without end") << "DM" + QByteArray(60000, '9');
 }
 
-void tst_KvsimRefusals::unknownAddresses()
+void tst_InterpreterRefusals::unknownAddresses()
 {
     QFETCH(QByteArray, address);
     QCOMPARE(askFresh("RD " + address), QByteArray("E0\r\n"));
@@ -65,7 +65,7 @@ void tst_KvsimRefusals::unknownAddresses()
     QCOMPARE(askFresh("WRS " + address + " 1 1"), QByteArray("E0\r\n"));
 }
 
-void tst_KvsimRefusals::refusedWrites_data()
+void tst_InterpreterRefusals::refusedWrites_data()
 {
     QTest::addColumn<QByteArray>("write");
     QTest::addColumn<QByteArray>("refusal");
@@ -110,7 +110,7 @@ void tst_KvsimRefusals::refusedWrites_data()
     row("WR CM5 65536", "E1", "RD CM5");
 }
 
-void tst_KvsimRefusals::refusedWrites()
+void tst_InterpreterRefusals::refusedWrites()
 {
     QFETCH(QByteArray, write);
     QFETCH(QByteArray, refusal);
@@ -122,5 +122,5 @@ void tst_KvsimRefusals::refusedWrites()
     QCOMPARE(ask(&memory, read), before);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimRefusals)
+QTEST_GUILESS_MAIN(tst_InterpreterRefusals)
 #include "tst_interpreterrefusals.moc"

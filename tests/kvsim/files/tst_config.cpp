@@ -9,7 +9,7 @@
 #include <QTest>
 
 // Controllers that a file describes, with the built program.
-class tst_KvsimConfig : public QObject
+class tst_Config : public QObject
 {
     Q_OBJECT
 
@@ -30,7 +30,7 @@ constexpr int timeout = KvsimProcess::timeout;
 
 } // namespace
 
-void tst_KvsimConfig::controllers()
+void tst_Config::controllers()
 {
     const TestFolder folder;
     const QString file = folder.write(text("line.json"), R"({"controllers": [
@@ -58,7 +58,7 @@ void tst_KvsimConfig::controllers()
 }
 
 // What the file says is there first; the options are for every controller.
-void tst_KvsimConfig::optionsBesideTheFile()
+void tst_Config::optionsBesideTheFile()
 {
     const TestFolder folder;
     const QString file = folder.write(
@@ -81,7 +81,7 @@ void tst_KvsimConfig::optionsBesideTheFile()
                                             "fault silent@DM5: seen 1, applied 0\n"));
 }
 
-void tst_KvsimConfig::memoryAndRanges_data()
+void tst_Config::memoryAndRanges_data()
 {
     QTest::addColumn<QByteArray>("command");
     QTest::addColumn<QByteArray>("answer");
@@ -114,7 +114,7 @@ void tst_KvsimConfig::memoryAndRanges_data()
     row("RD EM400", "00400");
 }
 
-void tst_KvsimConfig::memoryAndRanges()
+void tst_Config::memoryAndRanges()
 {
     QFETCH(QByteArray, command);
     QFETCH(QByteArray, answer);
@@ -128,7 +128,7 @@ void tst_KvsimConfig::memoryAndRanges()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimConfig::generators_data()
+void tst_Config::generators_data()
 {
     QTest::addColumn<QByteArray>("generator");
     QTest::addColumn<QByteArray>("answers");
@@ -149,7 +149,7 @@ void tst_KvsimConfig::generators_data()
 }
 
 // The address says what the generator says, whatever is written to it.
-void tst_KvsimConfig::generators()
+void tst_Config::generators()
 {
     QFETCH(QByteArray, generator);
     QFETCH(QByteArray, answers);
@@ -170,7 +170,7 @@ void tst_KvsimConfig::generators()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimConfig::portTaken()
+void tst_Config::portTaken()
 {
     QTcpServer owner;
     QVERIFY(owner.listen(QHostAddress(QHostAddress::LocalHost), 0));
@@ -187,7 +187,7 @@ void tst_KvsimConfig::portTaken()
 }
 
 // The file that the documentation starts with.
-void tst_KvsimConfig::example()
+void tst_Config::example()
 {
     KvsimProcess simulator(withConfig(text(EXAMPLES_FOLDER "/kvsim-line.json")), 3);
     QVERIFY(simulator.lines().at(1).startsWith("listening 127.0.0.2:"));
@@ -205,5 +205,5 @@ void tst_KvsimConfig::example()
     QCOMPARE(simulator.errors().count("fault silent@DM100@every=10: seen 0, applied 0\n"), 1);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimConfig)
+QTEST_GUILESS_MAIN(tst_Config)
 #include "tst_config.moc"

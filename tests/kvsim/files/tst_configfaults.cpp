@@ -6,7 +6,7 @@
 #include <QTest>
 
 // What is wrong with a configuration, as the built program tells it.
-class tst_KvsimConfigFaults : public QObject
+class tst_ConfigFaults : public QObject
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ ProgramRun run(const TestFolder &folder, const QStringList &arguments)
 
 } // namespace
 
-void tst_KvsimConfigFaults::faults_data()
+void tst_ConfigFaults::faults_data()
 {
     QTest::addColumn<QByteArray>("members");
     QTest::addColumn<QByteArray>("fault");
@@ -98,7 +98,7 @@ void tst_KvsimConfigFaults::faults_data()
         "memory.DM1: a generator makes the value of DM1; leave one of the two out");
 }
 
-void tst_KvsimConfigFaults::faults()
+void tst_ConfigFaults::faults()
 {
     QFETCH(QByteArray, members);
     QFETCH(QByteArray, fault);
@@ -112,7 +112,7 @@ void tst_KvsimConfigFaults::faults()
     QCOMPARE(result.exitCode, 2);
 }
 
-void tst_KvsimConfigFaults::allFaultsAtOnce()
+void tst_ConfigFaults::allFaultsAtOnce()
 {
     const TestFolder folder;
     folder.write(text("line.json"), R"({"controllers": [
@@ -137,7 +137,7 @@ void tst_KvsimConfigFaults::allFaultsAtOnce()
     QCOMPARE(result.exitCode, 2);
 }
 
-void tst_KvsimConfigFaults::valueFiles_data()
+void tst_ConfigFaults::valueFiles_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QByteArray>("period");
@@ -162,7 +162,7 @@ void tst_KvsimConfigFaults::valueFiles_data()
         ", line 1: '-1' is no time here; write milliseconds, a whole number from 0 on");
 }
 
-void tst_KvsimConfigFaults::valueFiles()
+void tst_ConfigFaults::valueFiles()
 {
     QFETCH(QByteArray, content);
     QFETCH(QByteArray, period);
@@ -181,7 +181,7 @@ void tst_KvsimConfigFaults::valueFiles()
     QCOMPARE(result.exitCode, 2);
 }
 
-void tst_KvsimConfigFaults::wholeFile_data()
+void tst_ConfigFaults::wholeFile_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QByteArray>("error");
@@ -202,7 +202,7 @@ void tst_KvsimConfigFaults::wholeFile_data()
         ": larger than 16 MiB, so it is no configuration");
 }
 
-void tst_KvsimConfigFaults::wholeFile()
+void tst_ConfigFaults::wholeFile()
 {
     QFETCH(QByteArray, content);
     QFETCH(QByteArray, error);
@@ -215,7 +215,7 @@ void tst_KvsimConfigFaults::wholeFile()
     QCOMPARE(result.exitCode, 2);
 }
 
-void tst_KvsimConfigFaults::usageErrors_data()
+void tst_ConfigFaults::usageErrors_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<QString>("error");
@@ -232,7 +232,7 @@ void tst_KvsimConfigFaults::usageErrors_data()
         "--set: a generator makes the value of 'DM7'; choose another address. See kvsim --help.");
 }
 
-void tst_KvsimConfigFaults::usageErrors()
+void tst_ConfigFaults::usageErrors()
 {
     QFETCH(QString, arguments);
     QFETCH(QString, error);
@@ -247,5 +247,5 @@ void tst_KvsimConfigFaults::usageErrors()
     QCOMPARE(result.exitCode, 2);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimConfigFaults)
+QTEST_GUILESS_MAIN(tst_ConfigFaults)
 #include "tst_configfaults.moc"

@@ -8,7 +8,7 @@
 #include <QTest>
 
 // Memory that is kept over a restart of the program.
-class tst_KvsimMemoryFile : public QObject
+class tst_MemoryFile : public QObject
 {
     Q_OBJECT
 
@@ -39,7 +39,7 @@ QByteArray one(const QByteArray &memory)
 } // namespace
 
 // Only what was written, device by device, neighbours in one line.
-void tst_KvsimMemoryFile::dump()
+void tst_MemoryFile::dump()
 {
     const TestFolder folder;
     const QString file = folder.write(text("memory.json"), "what was there before");
@@ -62,7 +62,7 @@ void tst_KvsimMemoryFile::dump()
   )"));
 }
 
-void tst_KvsimMemoryFile::nothingWritten()
+void tst_MemoryFile::nothingWritten()
 {
     const TestFolder folder;
     const QString file = folder.path(text("memory.json"));
@@ -75,7 +75,7 @@ void tst_KvsimMemoryFile::nothingWritten()
 }
 
 // Several controllers, from one run to the next; a file that a person wrote will do.
-void tst_KvsimMemoryFile::loadAndDump()
+void tst_MemoryFile::loadAndDump()
 {
     const TestFolder folder;
     const QString config = folder.write(text("line.json"), R"({"controllers": [
@@ -105,7 +105,7 @@ void tst_KvsimMemoryFile::loadAndDump()
     QCOMPARE(folder.read(text("memory.json")), expected);
 }
 
-void tst_KvsimMemoryFile::everythingOfADevice()
+void tst_MemoryFile::everythingOfADevice()
 {
     const TestFolder folder;
     const QString file = folder.path(text("memory.json"));
@@ -125,7 +125,7 @@ void tst_KvsimMemoryFile::everythingOfADevice()
     QVERIFY(second.terminate());
 }
 
-void tst_KvsimMemoryFile::dumpOnCommand()
+void tst_MemoryFile::dumpOnCommand()
 {
     const TestFolder folder;
     const QString file = folder.path(text("memory.json"));
@@ -145,7 +145,7 @@ void tst_KvsimMemoryFile::dumpOnCommand()
     QCOMPARE(folder.read(text("memory.json")), one("\n    \"DM7\": [70, 80]\n  "));
 }
 
-void tst_KvsimMemoryFile::filesThatCannotBeWritten()
+void tst_MemoryFile::filesThatCannotBeWritten()
 {
     const TestFolder folder;
     const QString file = folder.path(text("none/memory.json"));
@@ -159,7 +159,7 @@ void tst_KvsimMemoryFile::filesThatCannotBeWritten()
              QByteArray("commands 0, answers 0, refusals 0, clients 0\nkvsim: " + error));
 }
 
-void tst_KvsimMemoryFile::faults_data()
+void tst_MemoryFile::faults_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QByteArray>("errors");
@@ -185,7 +185,7 @@ void tst_KvsimMemoryFile::faults_data()
 }
 
 // Nothing is loaded, nothing is served, and the file stays as it is.
-void tst_KvsimMemoryFile::faults()
+void tst_MemoryFile::faults()
 {
     QFETCH(QByteArray, content);
     QFETCH(QByteArray, errors);
@@ -206,5 +206,5 @@ void tst_KvsimMemoryFile::faults()
     QCOMPARE(folder.read(text("memory.json")), content);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimMemoryFile)
+QTEST_GUILESS_MAIN(tst_MemoryFile)
 #include "tst_memoryfile.moc"

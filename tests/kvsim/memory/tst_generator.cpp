@@ -15,7 +15,7 @@ using kvsim::Memory;
 Q_DECLARE_METATYPE(kvsim::Generator)
 
 // What generators say at a given time, and what memory makes of it.
-class tst_KvsimGenerator : public QObject
+class tst_Generator : public QObject
 {
     Q_OBJECT
 
@@ -43,7 +43,7 @@ kvsim::Address address(const char *text)
 
 } // namespace
 
-void tst_KvsimGenerator::values_data()
+void tst_Generator::values_data()
 {
     QTest::addColumn<Generator>("generator");
     QTest::addColumn<QVector<qint64>>("times");
@@ -78,7 +78,7 @@ void tst_KvsimGenerator::values_data()
         {{0, 1}, {549, 3}, {550, 1}, {799, 1}, {800, 2}});
 }
 
-void tst_KvsimGenerator::values()
+void tst_Generator::values()
 {
     QFETCH(Generator, generator);
     QFETCH(QVector<qint64>, times);
@@ -90,7 +90,7 @@ void tst_KvsimGenerator::values()
     QCOMPARE(found, values);
 }
 
-void tst_KvsimGenerator::randomNumbersAreSpread()
+void tst_Generator::randomNumbersAreSpread()
 {
     const Generator seed1 = kvsim::randomNumbers(-3, 6, 100, 1);
     const Generator again = kvsim::randomNumbers(-3, 6, 100, 1);
@@ -111,7 +111,7 @@ void tst_KvsimGenerator::randomNumbersAreSpread()
     QVERIFY2(same > 800 && same < 1200, qPrintable(QString::number(same)));
 }
 
-void tst_KvsimGenerator::limits_data()
+void tst_Generator::limits_data()
 {
     QTest::addColumn<QByteArray>("where");
     QTest::addColumn<int>("number");
@@ -133,7 +133,7 @@ void tst_KvsimGenerator::limits_data()
     row("R100", 2, "1");
 }
 
-void tst_KvsimGenerator::limits()
+void tst_Generator::limits()
 {
     QFETCH(QByteArray, where);
     QFETCH(int, number);
@@ -145,7 +145,7 @@ void tst_KvsimGenerator::limits()
 }
 
 // Time goes on with each look at the clock, but not within one command.
-void tst_KvsimGenerator::oneMomentForARange()
+void tst_Generator::oneMomentForARange()
 {
     Memory memory;
     qint64 now = 0;
@@ -156,7 +156,7 @@ void tst_KvsimGenerator::oneMomentForARange()
     QCOMPARE(ask(&memory, "RDS DM8 2"), QByteArray("00002 00002\r\n"));
 }
 
-void tst_KvsimGenerator::writesAreLost()
+void tst_Generator::writesAreLost()
 {
     kvsim::Controller controller;
     controller.memory.generate(address("DM7"), [](qint64) { return 70; });
@@ -170,7 +170,7 @@ void tst_KvsimGenerator::writesAreLost()
 }
 
 // The clock of memory itself begins with it.
-void tst_KvsimGenerator::fromOneStartOn()
+void tst_Generator::fromOneStartOn()
 {
     Memory memory;
     memory.generate(address("DM7"), [](qint64 elapsed) { return elapsed; });
@@ -179,5 +179,5 @@ void tst_KvsimGenerator::fromOneStartOn()
     QVERIFY(QTest::qWaitFor([&] { return memory.value(address("DM7")) > first; }));
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimGenerator)
+QTEST_GUILESS_MAIN(tst_Generator)
 #include "tst_generator.moc"

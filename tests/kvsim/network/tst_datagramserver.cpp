@@ -16,7 +16,7 @@ using kvsim::DatagramServer;
 using kvsim::SimulatorThread;
 
 // The simulated controller over UDP, beside TCP on the same port.
-class tst_KvsimUdp : public QObject
+class tst_DatagramServer : public QObject
 {
     Q_OBJECT
 
@@ -53,7 +53,7 @@ QByteArray numbers(int first, int count)
 
 } // namespace
 
-void tst_KvsimUdp::answers_data()
+void tst_DatagramServer::answers_data()
 {
     QTest::addColumn<QByteArray>("datagram");
     QTest::addColumn<QByteArray>("answer");
@@ -78,7 +78,7 @@ void tst_KvsimUdp::answers_data()
         QByteArray(numbers(0, 1000) + "\r\n").repeated(10), 10);
 }
 
-void tst_KvsimUdp::answers()
+void tst_DatagramServer::answers()
 {
     QFETCH(QByteArray, datagram);
     QFETCH(QByteArray, answer);
@@ -96,7 +96,7 @@ void tst_KvsimUdp::answers()
         QCOMPARE(simulator.word("DM1"), 1);
 }
 
-void tst_KvsimUdp::tcpBesideUdp()
+void tst_DatagramServer::tcpBesideUdp()
 {
     const SimulatorThread simulator;
     TextClient tcp(simulator.port());
@@ -110,7 +110,7 @@ void tst_KvsimUdp::tcpBesideUdp()
 }
 
 // Datagrams that wait in the system are answered one after the other.
-void tst_KvsimUdp::manyDatagrams()
+void tst_DatagramServer::manyDatagrams()
 {
     kvsim::Controller controller;
     kvsim::Server server(&controller);
@@ -123,7 +123,7 @@ void tst_KvsimUdp::manyDatagrams()
         QCOMPARE(client.receive(), QByteArray(numbers(i, 1) + "\r\n"));
 }
 
-void tst_KvsimUdp::parts_data()
+void tst_DatagramServer::parts_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QByteArray>("datagram");
@@ -162,7 +162,7 @@ void tst_KvsimUdp::parts_data()
 }
 
 // What arrives, datagram by datagram; the next command is served as if nothing had been.
-void tst_KvsimUdp::parts()
+void tst_DatagramServer::parts()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QByteArray, datagram);
@@ -179,7 +179,7 @@ void tst_KvsimUdp::parts()
     QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(1));
 }
 
-void tst_KvsimUdp::delayHoldsNothingElseBack()
+void tst_DatagramServer::delayHoldsNothingElseBack()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("delay=300@DM100"), QString());
@@ -194,7 +194,7 @@ void tst_KvsimUdp::delayHoldsNothingElseBack()
 }
 
 // More than the simulator keeps at a time: it keeps its limit and drops the rest.
-void tst_KvsimUdp::manyDelayedAnswers()
+void tst_DatagramServer::manyDelayedAnswers()
 {
     constexpr quint64 size = 1000 * 6 + 1 + 256;
     constexpr quint64 kept = DatagramServer::waitingLimit / size + 1;
@@ -212,7 +212,7 @@ void tst_KvsimUdp::manyDelayedAnswers()
     QCOMPARE(simulator.faultCounts().constFirst().applied, kept);
 }
 
-void tst_KvsimUdp::clientFaultsStrikeNoDatagram_data()
+void tst_DatagramServer::clientFaultsStrikeNoDatagram_data()
 {
     QTest::addColumn<QByteArray>("fault");
 
@@ -220,7 +220,7 @@ void tst_KvsimUdp::clientFaultsStrikeNoDatagram_data()
         QTest::newRow(fault) << QByteArray(fault);
 }
 
-void tst_KvsimUdp::clientFaultsStrikeNoDatagram()
+void tst_DatagramServer::clientFaultsStrikeNoDatagram()
 {
     QFETCH(QByteArray, fault);
 
@@ -231,7 +231,7 @@ void tst_KvsimUdp::clientFaultsStrikeNoDatagram()
     QCOMPARE(simulator.faultCounts().constFirst().seen, quint64(0));
 }
 
-void tst_KvsimUdp::previousAnswerOfAnySender()
+void tst_DatagramServer::previousAnswerOfAnySender()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("previous-answer@DM100"), QString());
@@ -245,7 +245,7 @@ void tst_KvsimUdp::previousAnswerOfAnySender()
 }
 
 // Either way of asking takes both down, and both come back.
-void tst_KvsimUdp::restart()
+void tst_DatagramServer::restart()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("restart=1000@DM100"), QString());
@@ -274,7 +274,7 @@ void tst_KvsimUdp::restart()
     QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(2));
 }
 
-void tst_KvsimUdp::restartDropsWaitingAnswers()
+void tst_DatagramServer::restartDropsWaitingAnswers()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("delay=200@DM100"), QString());
@@ -295,7 +295,7 @@ void tst_KvsimUdp::restartDropsWaitingAnswers()
 }
 
 // At an address of its own, where no connection of another program has the port for TCP.
-void tst_KvsimUdp::portTakenForUdpAlone()
+void tst_DatagramServer::portTakenForUdpAlone()
 {
     const QString address = text("127.0.0.77");
     QUdpSocket owner;
@@ -312,7 +312,7 @@ void tst_KvsimUdp::portTakenForUdpAlone()
 }
 
 // Among several controllers on one machine the answer's address tells which one it is.
-void tst_KvsimUdp::answersFromItsOwnAddress()
+void tst_DatagramServer::answersFromItsOwnAddress()
 {
     const QHostAddress address(text("127.0.0.78"));
     kvsim::Controller controller;
@@ -330,7 +330,7 @@ void tst_KvsimUdp::answersFromItsOwnAddress()
 }
 
 // The built program: answers, traces and counts datagrams.
-void tst_KvsimUdp::program()
+void tst_DatagramServer::program()
 {
     QProcess process;
     process.start(text(KVSIM_PROGRAM), {text("--port"), text("0"), text("--trace"), text("--fault"),
@@ -359,5 +359,5 @@ void tst_KvsimUdp::program()
     QCOMPARE(process.exitCode(), 0);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimUdp)
+QTEST_GUILESS_MAIN(tst_DatagramServer)
 #include "tst_datagramserver.moc"

@@ -9,7 +9,7 @@ using kvsim::Line;
 using kvsim::LineBuffer;
 
 // How the simulated controller cuts what it receives into lines, and how it shows them.
-class tst_KvsimLines : public QObject
+class tst_Lines : public QObject
 {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ QList<QByteArray> takeLines(LineBuffer *buffer)
 
 } // namespace
 
-void tst_KvsimLines::lines_data()
+void tst_Lines::lines_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QList<QByteArray>>("lines");
@@ -61,7 +61,7 @@ void tst_KvsimLines::lines_data()
     QTest::newRow("zero byte") << QByteArray("?\0K\r", 4) << Lines{QByteArray("?\0K", 3)};
 }
 
-void tst_KvsimLines::lines()
+void tst_Lines::lines()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QList<QByteArray>, lines);
@@ -71,7 +71,7 @@ void tst_KvsimLines::lines()
     QCOMPARE(takeLines(&buffer), lines);
 }
 
-void tst_KvsimLines::everyCut()
+void tst_Lines::everyCut()
 {
     const QByteArray bytes("RD DM100\r\nWRS DM0 2  1 -2\r\n\r?K\rRDS");
     const QList<QByteArray> expected{"RD DM100", "WRS DM0 2  1 -2", "", "?K"};
@@ -93,7 +93,7 @@ void tst_KvsimLines::everyCut()
     QCOMPARE(lines, expected);
 }
 
-void tst_KvsimLines::lengthLimit_data()
+void tst_Lines::lengthLimit_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QByteArray>("text");
@@ -109,7 +109,7 @@ void tst_KvsimLines::lengthLimit_data()
     QTest::newRow("twice") << at + at << beginning << true;
 }
 
-void tst_KvsimLines::lengthLimit()
+void tst_Lines::lengthLimit()
 {
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, text);
@@ -124,7 +124,7 @@ void tst_KvsimLines::lengthLimit()
     QCOMPARE(takeLines(&buffer), QList<QByteArray>{"?K"});
 }
 
-void tst_KvsimLines::lineWithoutEnd()
+void tst_Lines::lineWithoutEnd()
 {
     LineBuffer buffer;
     buffer.append(QByteArray(maximum, 'A'));
@@ -141,7 +141,7 @@ void tst_KvsimLines::lineWithoutEnd()
     QCOMPARE(takeLines(&buffer), QList<QByteArray>{"?K"});
 }
 
-void tst_KvsimLines::escapes_data()
+void tst_Lines::escapes_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QByteArray>("text");
@@ -156,14 +156,14 @@ void tst_KvsimLines::escapes_data()
     QTest::newRow("highest") << QByteArray("\xff") << QByteArray(R"(\xff)");
 }
 
-void tst_KvsimLines::escapes()
+void tst_Lines::escapes()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, text);
     QCOMPARE(kvsim::escaped(bytes), text);
 }
 
-void tst_KvsimLines::endpoints_data()
+void tst_Lines::endpoints_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<int>("port");
@@ -173,7 +173,7 @@ void tst_KvsimLines::endpoints_data()
     QTest::newRow("IPv6") << QStringLiteral("::1") << 65535 << QByteArray("[::1]:65535");
 }
 
-void tst_KvsimLines::endpoints()
+void tst_Lines::endpoints()
 {
     QFETCH(QString, address);
     QFETCH(int, port);
@@ -181,7 +181,7 @@ void tst_KvsimLines::endpoints()
     QCOMPARE(kvsim::endpointText(QHostAddress(address), static_cast<quint16>(port)), text);
 }
 
-void tst_KvsimLines::trace()
+void tst_Lines::trace()
 {
     const QDateTime time(QDate(2024, 5, 1), QTime(8, 2, 3, 45));
     const QByteArray expected(R"(2024-05-01T08:02:03.045 127.0.0.1:40000 > RD DM1\r
@@ -190,5 +190,5 @@ void tst_KvsimLines::trace()
     QCOMPARE(kvsim::traceText(time, "127.0.0.1:40000", "RD DM1\r", "00001\r\n", {}), expected);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimLines)
+QTEST_GUILESS_MAIN(tst_Lines)
 #include "tst_lines.moc"

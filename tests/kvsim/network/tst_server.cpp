@@ -20,7 +20,7 @@ using kvsim::Server;
 using kvsim::SimulatorThread;
 
 // The simulated controller over TCP, and in a thread of its own.
-class tst_KvsimServer : public QObject
+class tst_Server : public QObject
 {
     Q_OBJECT
 
@@ -89,7 +89,7 @@ private:
 
 } // namespace
 
-void tst_KvsimServer::commandInTwoSegments()
+void tst_Server::commandInTwoSegments()
 {
     const SimulatorThread simulator;
     Client client(simulator.port());
@@ -99,7 +99,7 @@ void tst_KvsimServer::commandInTwoSegments()
     QCOMPARE(client.ask("M100\r"), QByteArray("00100\r\n"));
 }
 
-void tst_KvsimServer::commandsInOneSegment()
+void tst_Server::commandsInOneSegment()
 {
     const SimulatorThread simulator;
     Client client(simulator.port());
@@ -108,7 +108,7 @@ void tst_KvsimServer::commandsInOneSegment()
     QCOMPARE(client.ask("4\r"), QByteArray("00004\r\n"));
 }
 
-void tst_KvsimServer::twoClients()
+void tst_Server::twoClients()
 {
     const SimulatorThread simulator;
     Client one(simulator.port());
@@ -119,7 +119,7 @@ void tst_KvsimServer::twoClients()
     QCOMPARE(two.ask("RD DM5\r"), QByteArray("00077\r\n"));
 }
 
-void tst_KvsimServer::lineTooLong()
+void tst_Server::lineTooLong()
 {
     const SimulatorThread simulator;
     Client client(simulator.port());
@@ -129,7 +129,7 @@ void tst_KvsimServer::lineTooLong()
     QCOMPARE(client.receive(), QByteArray("55\r\n"));
 }
 
-void tst_KvsimServer::answersAfterHalfClose()
+void tst_Server::answersAfterHalfClose()
 {
     constexpr int commands = 20;
     const SimulatorThread simulator;
@@ -142,7 +142,7 @@ void tst_KvsimServer::answersAfterHalfClose()
     QCOMPARE(client.socket()->readAll(), QByteArray());
 }
 
-void tst_KvsimServer::clientThatDoesNotRead()
+void tst_Server::clientThatDoesNotRead()
 {
     constexpr int commands = 2000;
     const QByteArray command("RDS DM0 1000\r");
@@ -178,7 +178,7 @@ void tst_KvsimServer::clientThatDoesNotRead()
     QVERIFY(mostUnsent <= Connection::unsentLimit + answerSize);
 }
 
-void tst_KvsimServer::answeredCommands()
+void tst_Server::answeredCommands()
 {
     Controller controller;
     Server server(&controller);
@@ -199,7 +199,7 @@ void tst_KvsimServer::answeredCommands()
     QCOMPARE(answered.at(1), second);
 }
 
-void tst_KvsimServer::memoryAccess_data()
+void tst_Server::memoryAccess_data()
 {
     QTest::addColumn<QByteArray>("address");
     QTest::addColumn<int>("fresh");
@@ -214,7 +214,7 @@ void tst_KvsimServer::memoryAccess_data()
     QTest::newRow("read-only bit") << QByteArray("CR100") << 1 << 0 << QByteArray("0\r\n");
 }
 
-void tst_KvsimServer::memoryAccess()
+void tst_Server::memoryAccess()
 {
     QFETCH(QByteArray, address);
     QFETCH(int, fresh);
@@ -228,7 +228,7 @@ void tst_KvsimServer::memoryAccess()
     QCOMPARE(simulator.word(address), stored);
 }
 
-void tst_KvsimServer::memoryAccessRefused_data()
+void tst_Server::memoryAccessRefused_data()
 {
     QTest::addColumn<QByteArray>("address");
     QTest::addColumn<int>("fresh");
@@ -242,7 +242,7 @@ void tst_KvsimServer::memoryAccessRefused_data()
     QTest::newRow("bit below 0") << QByteArray("R100") << 1 << -1;
 }
 
-void tst_KvsimServer::memoryAccessRefused()
+void tst_Server::memoryAccessRefused()
 {
     QFETCH(QByteArray, address);
     QFETCH(int, fresh);
@@ -253,7 +253,7 @@ void tst_KvsimServer::memoryAccessRefused()
     QCOMPARE(simulator.word(address), fresh);
 }
 
-void tst_KvsimServer::cannotListen()
+void tst_Server::cannotListen()
 {
     const SimulatorThread first;
     QVERIFY(first.isListening());
@@ -267,7 +267,7 @@ void tst_KvsimServer::cannotListen()
     QCOMPARE(second.word("DM7"), 7);
 }
 
-void tst_KvsimServer::endsWithClientConnected()
+void tst_Server::endsWithClientConnected()
 {
     auto simulator = std::make_unique<SimulatorThread>();
     const quint16 port = simulator->port();
@@ -279,5 +279,5 @@ void tst_KvsimServer::endsWithClientConnected()
     QCOMPARE(Client(port).socket()->state(), QAbstractSocket::UnconnectedState);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimServer)
+QTEST_GUILESS_MAIN(tst_Server)
 #include "tst_server.moc"

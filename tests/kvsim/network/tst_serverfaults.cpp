@@ -16,7 +16,7 @@ using kvsim::FaultCount;
 using kvsim::SimulatorThread;
 
 // Every fault as a client meets it, over a real connection.
-class tst_KvsimFaultServer : public QObject
+class tst_ServerFaults : public QObject
 {
     Q_OBJECT
 
@@ -79,7 +79,7 @@ QByteArray exchange(quint16 port, const QByteArray &bytes)
 
 } // namespace
 
-void tst_KvsimFaultServer::bytes_data()
+void tst_ServerFaults::bytes_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QByteArray>("bytes");
@@ -106,7 +106,7 @@ void tst_KvsimFaultServer::bytes_data()
 }
 
 // The answer is altered, and the next command is served as if nothing had been.
-void tst_KvsimFaultServer::bytes()
+void tst_ServerFaults::bytes()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QByteArray, bytes);
@@ -121,7 +121,7 @@ void tst_KvsimFaultServer::bytes()
     compareCount(simulator, 1, 1);
 }
 
-void tst_KvsimFaultServer::delayHoldsLaterAnswersBack()
+void tst_ServerFaults::delayHoldsLaterAnswersBack()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("delay=50@DM100"), QString());
@@ -135,7 +135,7 @@ void tst_KvsimFaultServer::delayHoldsLaterAnswersBack()
     compareCount(simulator, 1, 1);
 }
 
-void tst_KvsimFaultServer::lateLetsLaterAnswersPass()
+void tst_ServerFaults::lateLetsLaterAnswersPass()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("late=300@DM100"), QString());
@@ -148,7 +148,7 @@ void tst_KvsimFaultServer::lateLetsLaterAnswersPass()
 }
 
 // More of them than the simulator keeps at a time; none is lost.
-void tst_KvsimFaultServer::manyLateAnswers()
+void tst_ServerFaults::manyLateAnswers()
 {
     constexpr int commands = 3000;
     SimulatorThread simulator;
@@ -160,7 +160,7 @@ void tst_KvsimFaultServer::manyLateAnswers()
     compareCount(simulator, commands, commands);
 }
 
-void tst_KvsimFaultServer::silence()
+void tst_ServerFaults::silence()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("silent@DM100"), QString());
@@ -171,7 +171,7 @@ void tst_KvsimFaultServer::silence()
     compareCount(simulator, 1, 1);
 }
 
-void tst_KvsimFaultServer::partsArriveApart()
+void tst_ServerFaults::partsArriveApart()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("split=3,1000"), QString());
@@ -186,7 +186,7 @@ void tst_KvsimFaultServer::partsArriveApart()
     compareCount(simulator, 1, 1);
 }
 
-void tst_KvsimFaultServer::longestAnswer()
+void tst_ServerFaults::longestAnswer()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("long=1048576@DM100"), QString());
@@ -196,7 +196,7 @@ void tst_KvsimFaultServer::longestAnswer()
     compareCount(simulator, 1, 1);
 }
 
-void tst_KvsimFaultServer::ends_data()
+void tst_ServerFaults::ends_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QByteArray>("bytes");
@@ -209,7 +209,7 @@ void tst_KvsimFaultServer::ends_data()
     QTest::newRow("reset after") << QByteArray("reset=after") << QByteArray("00100\r\nreset");
 }
 
-void tst_KvsimFaultServer::ends()
+void tst_ServerFaults::ends()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QByteArray, bytes);
@@ -222,7 +222,7 @@ void tst_KvsimFaultServer::ends()
     QCOMPARE(TextClient(simulator.port()).ask("RD DM7\r"), QByteArray("00007\r\n"));
 }
 
-void tst_KvsimFaultServer::restart()
+void tst_ServerFaults::restart()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("restart=1000@DM100"), QString());
@@ -241,7 +241,7 @@ void tst_KvsimFaultServer::restart()
     QCOMPARE(simulator.word("DM100"), 100);
 }
 
-void tst_KvsimFaultServer::turnedAway_data()
+void tst_ServerFaults::turnedAway_data()
 {
     QTest::addColumn<QByteArray>("fault");
 
@@ -249,7 +249,7 @@ void tst_KvsimFaultServer::turnedAway_data()
     QTest::newRow("max-clients") << QByteArray("max-clients=1");
 }
 
-void tst_KvsimFaultServer::turnedAway()
+void tst_ServerFaults::turnedAway()
 {
     QFETCH(QByteArray, fault);
 
@@ -263,7 +263,7 @@ void tst_KvsimFaultServer::turnedAway()
 }
 
 // A client that goes makes room for another one.
-void tst_KvsimFaultServer::roomForOneClient()
+void tst_ServerFaults::roomForOneClient()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("max-clients=1"), QString());
@@ -273,7 +273,7 @@ void tst_KvsimFaultServer::roomForOneClient()
     compareCount(simulator, 2, 0);
 }
 
-void tst_KvsimFaultServer::acceptThenSilent()
+void tst_ServerFaults::acceptThenSilent()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("accept-then-silent@nth=1"), QString());
@@ -288,7 +288,7 @@ void tst_KvsimFaultServer::acceptThenSilent()
     QCOMPARE(ignored.socket()->bytesAvailable(), 0);
 }
 
-void tst_KvsimFaultServer::clientGoesBeforeItsAnswer()
+void tst_ServerFaults::clientGoesBeforeItsAnswer()
 {
     SimulatorThread simulator;
     for (const char *fault : {"delay=20@DM1", "late=20@DM2", "dribble=10@DM3"})
@@ -308,7 +308,7 @@ void tst_KvsimFaultServer::clientGoesBeforeItsAnswer()
     QCOMPARE(client.ask("RD DM3\r"), QByteArray("00003\r\n"));
 }
 
-void tst_KvsimFaultServer::clearFaults()
+void tst_ServerFaults::clearFaults()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("refuse=E5"), QString());
@@ -322,7 +322,7 @@ void tst_KvsimFaultServer::clearFaults()
     QCOMPARE(client.ask("RD DM7\r"), QByteArray("00007\r\n"));
 }
 
-void tst_KvsimFaultServer::counters()
+void tst_ServerFaults::counters()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("silent@nth=2"), QString());
@@ -337,5 +337,5 @@ void tst_KvsimFaultServer::counters()
     QCOMPARE(simulator.counters().clients.load(), quint64(2));
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimFaultServer)
+QTEST_GUILESS_MAIN(tst_ServerFaults)
 #include "tst_serverfaults.moc"

@@ -8,7 +8,7 @@
 #include <QTest>
 
 // Several controllers in one program.
-class tst_KvsimControllers : public QObject
+class tst_SeveralControllers : public QObject
 {
     Q_OBJECT
 
@@ -67,7 +67,7 @@ QStringList controlled(const char *count)
 
 } // namespace
 
-void tst_KvsimControllers::consecutiveAddresses()
+void tst_SeveralControllers::consecutiveAddresses()
 {
     KvsimProcess simulator({text("--port"), text("0"), text("--controllers"), text("3")}, 3);
     const quint16 port = simulator.port();
@@ -79,7 +79,7 @@ void tst_KvsimControllers::consecutiveAddresses()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimControllers::consecutivePorts()
+void tst_SeveralControllers::consecutivePorts()
 {
     KvsimProcess simulator(controllers("3", "ports"), 3);
     const quint16 port = simulator.port();
@@ -93,7 +93,7 @@ void tst_KvsimControllers::consecutivePorts()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimControllers::asManyAsPossible()
+void tst_SeveralControllers::asManyAsPossible()
 {
     KvsimProcess simulator(controllers("254"), 254);
     QCOMPARE(simulator.lines().constLast(), listening(254, simulator.port()));
@@ -102,7 +102,7 @@ void tst_KvsimControllers::asManyAsPossible()
     QCOMPARE(simulator.errors().count("commands 1, answers 1, refusals 0, clients 1\n"), 1);
 }
 
-void tst_KvsimControllers::eachHasItsOwnMemory()
+void tst_SeveralControllers::eachHasItsOwnMemory()
 {
     KvsimProcess simulator(controllers("2", "ports"), 2);
     TextClient first(simulator.port(0));
@@ -118,7 +118,7 @@ void tst_KvsimControllers::eachHasItsOwnMemory()
                         + "\ncommands 2, answers 2, refusals 0, clients 1\n"));
 }
 
-void tst_KvsimControllers::faultsAndValuesAreForAll()
+void tst_SeveralControllers::faultsAndValuesAreForAll()
 {
     KvsimProcess simulator(controllers("2", "ports")
                                + QStringList{text("--set"), text("DM1=9"), text("--fault"),
@@ -134,7 +134,7 @@ void tst_KvsimControllers::faultsAndValuesAreForAll()
     QCOMPARE(simulator.errors().count("fault refuse=E5@DM2@nth=1: seen 2, applied 1\n"), 2);
 }
 
-void tst_KvsimControllers::trace()
+void tst_SeveralControllers::trace()
 {
     KvsimProcess simulator(controllers("2", "ports") + QStringList{text("--trace")}, 2);
     TextClient client(simulator.port(1));
@@ -146,7 +146,7 @@ void tst_KvsimControllers::trace()
     QCOMPARE(errors.count(name + " < 55\\r\\n\n"), 1);
 }
 
-void tst_KvsimControllers::control()
+void tst_SeveralControllers::control()
 {
     KvsimProcess simulator(controlled("3"), 4);
     TextClient control(simulator.port(3));
@@ -176,7 +176,7 @@ void tst_KvsimControllers::control()
     QCOMPARE(simulator.process()->exitCode(), 0);
 }
 
-void tst_KvsimControllers::controlErrors_data()
+void tst_SeveralControllers::controlErrors_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QByteArray>("error");
@@ -194,7 +194,7 @@ void tst_KvsimControllers::controlErrors_data()
     row("set DM7 65536", "'65536' is no value for DM7; write a number from 0 to 65535");
 }
 
-void tst_KvsimControllers::controlErrors()
+void tst_SeveralControllers::controlErrors()
 {
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, error);
@@ -207,7 +207,7 @@ void tst_KvsimControllers::controlErrors()
 }
 
 // The second controller has no room for one more, so the first does not get it either.
-void tst_KvsimControllers::faultForAllOrNone()
+void tst_SeveralControllers::faultForAllOrNone()
 {
     KvsimProcess simulator(controlled("2"), 3);
     TextClient control(simulator.port(2));
@@ -221,7 +221,7 @@ void tst_KvsimControllers::faultForAllOrNone()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimControllers::ctl()
+void tst_SeveralControllers::ctl()
 {
     KvsimProcess simulator(controlled("2"), 3);
     const QString port = QString::number(simulator.port(2));
@@ -243,7 +243,7 @@ void tst_KvsimControllers::ctl()
     QVERIFY(simulator.terminate());
 }
 
-void tst_KvsimControllers::restartTakesOneDown()
+void tst_SeveralControllers::restartTakesOneDown()
 {
     KvsimProcess simulator(controlled("2"), 3);
     TextClient control(simulator.port(2));
@@ -259,7 +259,7 @@ void tst_KvsimControllers::restartTakesOneDown()
 }
 
 // None listens when one cannot. At addresses where no connection of another program has the port.
-void tst_KvsimControllers::onePortTaken()
+void tst_SeveralControllers::onePortTaken()
 {
     QTcpServer owner;
     QVERIFY(owner.listen(QHostAddress(QStringLiteral("127.0.0.73")), 0));
@@ -276,7 +276,7 @@ void tst_KvsimControllers::onePortTaken()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_KvsimControllers::usageErrors_data()
+void tst_SeveralControllers::usageErrors_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<QString>("error");
@@ -312,7 +312,7 @@ void tst_KvsimControllers::usageErrors_data()
         "--port.");
 }
 
-void tst_KvsimControllers::usageErrors()
+void tst_SeveralControllers::usageErrors()
 {
     QFETCH(QString, arguments);
     QFETCH(QString, error);
@@ -324,5 +324,5 @@ void tst_KvsimControllers::usageErrors()
     QCOMPARE(result.exitCode, 2);
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimControllers)
+QTEST_GUILESS_MAIN(tst_SeveralControllers)
 #include "tst_severalcontrollers.moc"

@@ -12,7 +12,7 @@
 using kvsim::SimulatorThread;
 
 // What the built plug-in makes of every fault.
-class tst_KvsimFaults : public QObject
+class tst_FaultyController : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +65,7 @@ const char *const readError = "[RD D100\r ] socket read data error from <Second>
 
 } // namespace
 
-void tst_KvsimFaults::read_data()
+void tst_FaultyController::read_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QString>("value");
@@ -112,7 +112,7 @@ void tst_KvsimFaults::read_data()
     error("restart=10000", closed);
 }
 
-void tst_KvsimFaults::read()
+void tst_FaultyController::read()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QString, value);
@@ -132,7 +132,7 @@ void tst_KvsimFaults::read()
     QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(1));
 }
 
-void tst_KvsimFaults::turnedAway_data()
+void tst_FaultyController::turnedAway_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QString>("error");
@@ -148,7 +148,7 @@ void tst_KvsimFaults::turnedAway_data()
 
 // The server runs in this thread: the plug-in is connected by the system before the server accepts,
 // and the reset is there before the plug-in sends.
-void tst_KvsimFaults::turnedAway()
+void tst_FaultyController::turnedAway()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QString, error);
@@ -168,7 +168,7 @@ void tst_KvsimFaults::turnedAway()
     QCOMPARE(plant.value(1), text("old"));
 }
 
-void tst_KvsimFaults::writeIsExecutedOrNot_data()
+void tst_FaultyController::writeIsExecutedOrNot_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<QString>("error");
@@ -181,7 +181,7 @@ void tst_KvsimFaults::writeIsExecutedOrNot_data()
     QTest::newRow("refused, not executed") << QByteArray("refuse=E4@DM100") << refused << 100;
 }
 
-void tst_KvsimFaults::writeIsExecutedOrNot()
+void tst_FaultyController::writeIsExecutedOrNot()
 {
     QFETCH(QByteArray, fault);
     QFETCH(QString, error);
@@ -201,7 +201,7 @@ void tst_KvsimFaults::writeIsExecutedOrNot()
 }
 
 // The cycles find the controller again by themselves.
-void tst_KvsimFaults::restart()
+void tst_FaultyController::restart()
 {
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("restart=50@DM7@nth=1"), QString());
@@ -220,5 +220,5 @@ void tst_KvsimFaults::restart()
     QVERIFY(QTest::qWaitFor(readsAgain));
 }
 
-QTEST_GUILESS_MAIN(tst_KvsimFaults)
+QTEST_GUILESS_MAIN(tst_FaultyController)
 #include "tst_faultycontroller.moc"
