@@ -13,7 +13,7 @@ QStringList words(const char *text)
 
 } // namespace
 
-class tst_VelhostCommandLine : public QObject
+class tst_CommandLine : public QObject
 {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void errors();
 };
 
-void tst_VelhostCommandLine::defaults()
+void tst_CommandLine::defaults()
 {
     QString error;
     const auto line = parseCommandLine(words("velhost|columns"), &error);
@@ -58,7 +58,7 @@ void tst_VelhostCommandLine::defaults()
     QCOMPARE(line->verifies, true);
 }
 
-void tst_VelhostCommandLine::everyOption()
+void tst_CommandLine::everyOption()
 {
     QString error;
     const auto line = parseCommandLine(
@@ -74,7 +74,7 @@ void tst_VelhostCommandLine::everyOption()
     QCOMPARE(line->intervalMs, 50);
 }
 
-void tst_VelhostCommandLine::readOptions()
+void tst_CommandLine::readOptions()
 {
     QString error;
     const auto line
@@ -85,7 +85,7 @@ void tst_VelhostCommandLine::readOptions()
     QCOMPARE(line->format, OutputFormat::Csv);
 }
 
-void tst_VelhostCommandLine::writeOptions()
+void tst_CommandLine::writeOptions()
 {
     QString error;
     const auto line
@@ -96,7 +96,7 @@ void tst_VelhostCommandLine::writeOptions()
     QCOMPARE(line->verifies, false);
 }
 
-void tst_VelhostCommandLine::plantFile_data()
+void tst_CommandLine::plantFile_data()
 {
     QTest::addColumn<QStringList>("arguments");
 
@@ -105,7 +105,7 @@ void tst_VelhostCommandLine::plantFile_data()
     QTest::newRow("option before the command") << words("velhost|--plant=p.json|read");
 }
 
-void tst_VelhostCommandLine::plantFile()
+void tst_CommandLine::plantFile()
 {
     QFETCH(QStringList, arguments);
 
@@ -115,7 +115,7 @@ void tst_VelhostCommandLine::plantFile()
     QCOMPARE(line->plantFile, QStringLiteral("p.json"));
 }
 
-void tst_VelhostCommandLine::explainText_data()
+void tst_CommandLine::explainText_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("text");
@@ -130,7 +130,7 @@ void tst_VelhostCommandLine::explainText_data()
     row("velhost|explain|--|--plant", "--plant");
 }
 
-void tst_VelhostCommandLine::explainText()
+void tst_CommandLine::explainText()
 {
     QFETCH(QStringList, arguments);
 
@@ -142,7 +142,7 @@ void tst_VelhostCommandLine::explainText()
     QTEST(line->text, "text");
 }
 
-void tst_VelhostCommandLine::commands_data()
+void tst_CommandLine::commands_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<Command>("command");
@@ -170,7 +170,7 @@ void tst_VelhostCommandLine::commands_data()
     row("velhost|--plant|p|--|write|-A/b=1|--help", Command::Write, words("-A/b=1|--help"));
 }
 
-void tst_VelhostCommandLine::commands()
+void tst_CommandLine::commands()
 {
     QFETCH(QStringList, arguments);
     QFETCH(Command, command);
@@ -184,7 +184,7 @@ void tst_VelhostCommandLine::commands()
     QCOMPARE(line->assignments, assignments);
 }
 
-void tst_VelhostCommandLine::cycleLimits_data()
+void tst_CommandLine::cycleLimits_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("cycles");
@@ -205,7 +205,7 @@ void tst_VelhostCommandLine::cycleLimits_data()
     QTest::newRow("other digits") << QStringLiteral(u"１") << -1;
 }
 
-void tst_VelhostCommandLine::cycleLimits()
+void tst_CommandLine::cycleLimits()
 {
     QFETCH(QString, text);
     QFETCH(int, cycles);
@@ -219,7 +219,7 @@ void tst_VelhostCommandLine::cycleLimits()
     QCOMPARE(error, cycles > 0 ? QString() : refused);
 }
 
-void tst_VelhostCommandLine::intervalLimits_data()
+void tst_CommandLine::intervalLimits_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("interval");
@@ -232,7 +232,7 @@ void tst_VelhostCommandLine::intervalLimits_data()
     QTest::newRow("above a day") << QStringLiteral("86400001") << -1;
 }
 
-void tst_VelhostCommandLine::intervalLimits()
+void tst_CommandLine::intervalLimits()
 {
     QFETCH(QString, text);
     QFETCH(int, interval);
@@ -246,7 +246,7 @@ void tst_VelhostCommandLine::intervalLimits()
     QCOMPARE(error, interval >= 0 ? QString() : refused);
 }
 
-void tst_VelhostCommandLine::forLimits_data()
+void tst_CommandLine::forLimits_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("seconds");
@@ -271,7 +271,7 @@ void tst_VelhostCommandLine::forLimits_data()
     bad("1s");
 }
 
-void tst_VelhostCommandLine::forLimits()
+void tst_CommandLine::forLimits()
 {
     QFETCH(QString, text);
     QFETCH(int, seconds);
@@ -284,7 +284,7 @@ void tst_VelhostCommandLine::forLimits()
     QCOMPARE(line.value_or(CommandLine()).forSeconds, seconds);
 }
 
-void tst_VelhostCommandLine::rttLimits_data()
+void tst_CommandLine::rttLimits_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("rtt");
@@ -297,7 +297,7 @@ void tst_VelhostCommandLine::rttLimits_data()
     QTest::newRow("above a minute") << QStringLiteral("60001") << -1;
 }
 
-void tst_VelhostCommandLine::rttLimits()
+void tst_CommandLine::rttLimits()
 {
     QFETCH(QString, text);
     QFETCH(int, rtt);
@@ -310,7 +310,7 @@ void tst_VelhostCommandLine::rttLimits()
     QCOMPARE(error, rtt >= 0 ? QString() : refused);
 }
 
-void tst_VelhostCommandLine::errors_data()
+void tst_CommandLine::errors_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("error");
@@ -371,7 +371,7 @@ void tst_VelhostCommandLine::errors_data()
     row("velhost|--version=1", "Unexpected value after '--version'.");
 }
 
-void tst_VelhostCommandLine::errors()
+void tst_CommandLine::errors()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, error);
@@ -381,5 +381,5 @@ void tst_VelhostCommandLine::errors()
     QCOMPARE(found, error);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostCommandLine)
+QTEST_GUILESS_MAIN(tst_CommandLine)
 #include "tst_commandline.moc"

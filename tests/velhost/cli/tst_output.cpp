@@ -36,7 +36,7 @@ QList<DeviceReport> twoDevices()
 
 } // namespace
 
-class tst_VelhostOutput : public QObject
+class tst_Output : public QObject
 {
     Q_OBJECT
 
@@ -57,7 +57,7 @@ private Q_SLOTS:
     void errors();
 };
 
-void tst_VelhostOutput::visibleText_data()
+void tst_Output::visibleText_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
@@ -87,14 +87,14 @@ void tst_VelhostOutput::visibleText_data()
     row("half a character", QString(QChar(0xd800)), "\xef\xbf\xbd");
 }
 
-void tst_VelhostOutput::visibleText()
+void tst_Output::visibleText()
 {
     QFETCH(QString, text);
     QFETCH(QString, expected);
     QCOMPARE(visible(text), expected);
 }
 
-void tst_VelhostOutput::json_data()
+void tst_Output::json_data()
 {
     QTest::addColumn<QJsonValue>("value");
     QTest::addColumn<QString>("expected");
@@ -115,14 +115,14 @@ void tst_VelhostOutput::json_data()
         R"([["Short","1"]])");
 }
 
-void tst_VelhostOutput::json()
+void tst_Output::json()
 {
     QFETCH(QJsonValue, value);
     QFETCH(QString, expected);
     QCOMPARE(jsonText(value), expected);
 }
 
-void tst_VelhostOutput::jsonOrder()
+void tst_Output::jsonOrder()
 {
     QCOMPARE(jsonObject({}), QStringLiteral("{}"));
     QCOMPARE(jsonObject({{QStringLiteral("z"), QStringLiteral("1")},
@@ -130,7 +130,7 @@ void tst_VelhostOutput::jsonOrder()
              QStringLiteral(R"({"z":1,"a\"":{}})"));
 }
 
-void tst_VelhostOutput::times_data()
+void tst_Output::times_data()
 {
     QTest::addColumn<QDateTime>("time");
     QTest::addColumn<QString>("expected");
@@ -147,14 +147,14 @@ void tst_VelhostOutput::times_data()
                           << QStringLiteral("2024-02-29T01:02:03.004+02:00");
 }
 
-void tst_VelhostOutput::times()
+void tst_Output::times()
 {
     QFETCH(QDateTime, time);
     QFETCH(QString, expected);
     QCOMPARE(timeText(time), expected);
 }
 
-void tst_VelhostOutput::table()
+void tst_Output::table()
 {
     QCOMPARE(tableText({}), QString());
     QCOMPARE(tableText({{QStringLiteral("a"), QStringLiteral("long"), QStringLiteral("c")},
@@ -165,7 +165,7 @@ void tst_VelhostOutput::table()
                             "          d\n"));
 }
 
-void tst_VelhostOutput::cycleAsTable()
+void tst_Output::cycleAsTable()
 {
     QCOMPARE(
         cycleText(OutputFormat::Table, twoDevices()),
@@ -177,7 +177,7 @@ void tst_VelhostOutput::cycleAsTable()
             "12     2024-02-29T12:34:56.007-03:30  Oven 2  Heat\n"));
 }
 
-void tst_VelhostOutput::cycleAsJson()
+void tst_Output::cycleAsJson()
 {
     QCOMPARE(
         cycleText(OutputFormat::Json, twoDevices()),
@@ -192,7 +192,7 @@ void tst_VelhostOutput::cycleAsJson()
             "\n"));
 }
 
-void tst_VelhostOutput::cycleWithoutItems()
+void tst_Output::cycleWithoutItems()
 {
     DeviceReport device;
     device.device = QStringLiteral("Press");
@@ -200,7 +200,7 @@ void tst_VelhostOutput::cycleWithoutItems()
     QCOMPARE(cycleText(OutputFormat::Json, {device}), QString());
 }
 
-void tst_VelhostOutput::logs_data()
+void tst_Output::logs_data()
 {
     QTest::addColumn<OutputFormat>("format");
     QTest::addColumn<LogEntry::Level>("level");
@@ -218,7 +218,7 @@ void tst_VelhostOutput::logs_data()
         << QStringLiteral("{\"type\":\"log\",\"level\":\"error\",\"text\":\"RD \\r\"}\n");
 }
 
-void tst_VelhostOutput::logs()
+void tst_Output::logs()
 {
     QFETCH(OutputFormat, format);
     QFETCH(LogEntry::Level, level);
@@ -226,7 +226,7 @@ void tst_VelhostOutput::logs()
     QCOMPARE(logText(format, {level, QStringLiteral("RD \r")}), expected);
 }
 
-void tst_VelhostOutput::errors()
+void tst_Output::errors()
 {
     DeviceReport device;
     QCOMPARE(device.hasError(), false);
@@ -239,5 +239,5 @@ void tst_VelhostOutput::errors()
     QCOMPARE(device.hasError(), true);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostOutput)
+QTEST_GUILESS_MAIN(tst_Output)
 #include "tst_output.moc"

@@ -49,7 +49,7 @@ QByteArray twoDevicesPlant()
 
 } // namespace
 
-class tst_Velhost : public QObject
+class tst_VelhostProgram : public QObject
 {
     Q_OBJECT
 
@@ -65,13 +65,13 @@ private Q_SLOTS:
     void runs();
 };
 
-void tst_Velhost::initTestCase()
+void tst_VelhostProgram::initTestCase()
 {
     QVERIFY(m_folder.isValid());
 }
 
 /// Runs in a folder with the plant in "plant.json".
-ProgramRun tst_Velhost::runPlant(const QStringList &arguments, const QByteArray &plant)
+ProgramRun tst_VelhostProgram::runPlant(const QStringList &arguments, const QByteArray &plant)
 {
     QFile file(m_folder.filePath(QStringLiteral("plant.json")));
     if (!file.open(QIODevice::WriteOnly) || file.write(plant) != plant.size())
@@ -80,7 +80,7 @@ ProgramRun tst_Velhost::runPlant(const QStringList &arguments, const QByteArray 
     return runProgram(QStringLiteral(VELHOST_FILE), arguments, m_folder.path());
 }
 
-void tst_Velhost::columns()
+void tst_VelhostProgram::columns()
 {
     const ProgramRun run = runPlant(words("columns|--plugin|%PLUGIN%"), {});
     QCOMPARE(run.errors, QString());
@@ -117,7 +117,7 @@ file    path         0     64   /                                      The path.
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Velhost::columnsAsJson()
+void tst_VelhostProgram::columnsAsJson()
 {
     const ProgramRun run = runPlant(words("columns|--plugin|%PLUGIN%|--format|json"), {});
     QCOMPARE(run.errors, QString());
@@ -139,7 +139,7 @@ void tst_Velhost::columnsAsJson()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Velhost::runs_data()
+void tst_VelhostProgram::runs_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("plant");
@@ -305,7 +305,7 @@ Cycle  Time                           Device  Item     Value  Error
         "velhost: \"Press/x=1\": device \"Press\" has no such item; it has: Counter, Mode\n");
 }
 
-void tst_Velhost::runs()
+void tst_VelhostProgram::runs()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, plant);
@@ -319,5 +319,5 @@ void tst_Velhost::runs()
     QCOMPARE(run.exitCode, exitCode);
 }
 
-QTEST_GUILESS_MAIN(tst_Velhost)
+QTEST_GUILESS_MAIN(tst_VelhostProgram)
 #include "tst_velhostprogram.moc"

@@ -42,7 +42,7 @@ ProgramRun discover(const QString &udpPorts, const QString &tcpPorts, const QStr
 
 } // namespace
 
-class tst_VelhostDiscover : public QObject
+class tst_Discover : public QObject
 {
     Q_OBJECT
 
@@ -66,7 +66,7 @@ private Q_SLOTS:
     void noSearchDeclared();
 };
 
-void tst_VelhostDiscover::tcpAnswers_data()
+void tst_Discover::tcpAnswers_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<QString>("model");
@@ -91,7 +91,7 @@ void tst_VelhostDiscover::tcpAnswers_data()
     stranger("endless line", line + line + line, QByteArray('"' + line + '"').constData());
 }
 
-void tst_VelhostDiscover::tcpAnswers()
+void tst_Discover::tcpAnswers()
 {
     QFETCH(QByteArray, answer);
     QFETCH(QString, model);
@@ -112,7 +112,7 @@ void tst_VelhostDiscover::tcpAnswers()
     QCOMPARE(run.exitCode, model.isEmpty() ? 1 : 0);
 }
 
-void tst_VelhostDiscover::answerInPieces()
+void tst_Discover::answerInPieces()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.isListening());
@@ -123,7 +123,7 @@ void tst_VelhostDiscover::answerInPieces()
     QCOMPARE(controller.faultCounts().constFirst().applied, 1);
 }
 
-void tst_VelhostDiscover::udpAnswers_data()
+void tst_Discover::udpAnswers_data()
 {
     QTest::addColumn<QList<QByteArray>>("answers");
     QTest::addColumn<QString>("model");
@@ -142,7 +142,7 @@ void tst_VelhostDiscover::udpAnswers_data()
     QTest::newRow("none") << Answers() << QString() << QString();
 }
 
-void tst_VelhostDiscover::udpAnswers()
+void tst_Discover::udpAnswers()
 {
     QFETCH(QList<QByteArray>, answers);
     QFETCH(QString, model);
@@ -164,7 +164,7 @@ void tst_VelhostDiscover::udpAnswers()
 }
 
 // A datagram from a port that was not asked is no answer, whatever it holds.
-void tst_VelhostDiscover::otherPort()
+void tst_Discover::otherPort()
 {
     QUdpSocket other;
     QVERIFY(other.bind(QHostAddress(QHostAddress::LocalHost)));
@@ -186,7 +186,7 @@ void tst_VelhostDiscover::otherPort()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostDiscover::tcpAndUdp()
+void tst_Discover::tcpAndUdp()
 {
     const ScriptedPeer controller({{"55\r\n", Answer::KeepOpen}});
     const UdpPeer peer({"55\r\n"}, QHostAddress(QHostAddress::LocalHost),
@@ -200,7 +200,7 @@ void tst_VelhostDiscover::tcpAndUdp()
 }
 
 // Sorted by number, not by text.
-void tst_VelhostDiscover::severalControllers()
+void tst_Discover::severalControllers()
 {
     const kvsim::SimulatorThread tenth(QHostAddress(text("127.0.0.10")));
     const kvsim::SimulatorThread second(QHostAddress(text("127.0.0.2")), tenth.port());
@@ -219,7 +219,7 @@ void tst_VelhostDiscover::severalControllers()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostDiscover::json()
+void tst_Discover::json()
 {
     const UdpPeer peer({"57\r\n"});
     const ProgramRun run
@@ -231,7 +231,7 @@ void tst_VelhostDiscover::json()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostDiscover::broadcast()
+void tst_Discover::broadcast()
 {
     const UdpPeer peer({"55\r\n"}, QHostAddress(text("127.255.255.255")));
     QVERIFY(peer.port() != 0);
@@ -246,7 +246,7 @@ void tst_VelhostDiscover::broadcast()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostDiscover::nobody()
+void tst_Discover::nobody()
 {
     for (const char *const format : {"table", "json"}) {
         const ProgramRun run
@@ -258,7 +258,7 @@ void tst_VelhostDiscover::nobody()
 }
 
 // At an address of our own alone, as all ports of loopback belong to others, too.
-void tst_VelhostDiscover::wideRange()
+void tst_Discover::wideRange()
 {
     const ProgramRun run
         = runBesideLoop(text(VELHOST_FILE),
@@ -275,7 +275,7 @@ void tst_VelhostDiscover::wideRange()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostDiscover::usageErrors_data()
+void tst_Discover::usageErrors_data()
 {
     QTest::addColumn<QStringList>("area");
     QTest::addColumn<QString>("error");
@@ -292,7 +292,7 @@ void tst_VelhostDiscover::usageErrors_data()
                 "/22; name a part of it with --subnet, or add --force\n");
 }
 
-void tst_VelhostDiscover::usageErrors()
+void tst_Discover::usageErrors()
 {
     QFETCH(QStringList, area);
     QFETCH(QString, error);
@@ -305,7 +305,7 @@ void tst_VelhostDiscover::usageErrors()
     QCOMPARE(run.exitCode, 2);
 }
 
-void tst_VelhostDiscover::noSearchDeclared()
+void tst_Discover::noSearchDeclared()
 {
     const ProgramRun run = runBesideLoop(
         text(VELHOST_FILE), searchArguments(SCRIPTED_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp()));
@@ -315,5 +315,5 @@ void tst_VelhostDiscover::noSearchDeclared()
     QCOMPARE(run.exitCode, 2);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostDiscover)
+QTEST_GUILESS_MAIN(tst_Discover)
 #include "tst_discover.moc"

@@ -28,7 +28,7 @@ QStringList endlessArea()
 
 } // namespace
 
-class tst_VelhostDiscoverEnd : public QObject
+class tst_DiscoverEnd : public QObject
 {
     Q_OBJECT
 
@@ -45,7 +45,7 @@ private Q_SLOTS:
     void terminal();
 };
 
-void tst_VelhostDiscoverEnd::signal_data()
+void tst_DiscoverEnd::signal_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<int>("exitCode");
@@ -55,7 +55,7 @@ void tst_VelhostDiscoverEnd::signal_data()
 }
 
 // The controller's connection is closed when its answer has been taken.
-void tst_VelhostDiscoverEnd::signal()
+void tst_DiscoverEnd::signal()
 {
     QFETCH(int, number);
     QFETCH(int, exitCode);
@@ -84,7 +84,7 @@ void tst_VelhostDiscoverEnd::signal()
     QVERIFY(QFile::exists(plant));
 }
 
-void tst_VelhostDiscoverEnd::time()
+void tst_DiscoverEnd::time()
 {
     QElapsedTimer sinceStart;
     sinceStart.start();
@@ -104,7 +104,7 @@ void tst_VelhostDiscoverEnd::time()
 }
 
 // Connected, but no answer: the probe ends after its own time, not with the search.
-void tst_VelhostDiscoverEnd::silentController()
+void tst_DiscoverEnd::silentController()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.isListening());
@@ -119,7 +119,7 @@ void tst_VelhostDiscoverEnd::silentController()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostDiscoverEnd::connectsToNobody()
+void tst_DiscoverEnd::connectsToNobody()
 {
     const FullQueue queue;
     const ProgramRun run
@@ -131,7 +131,7 @@ void tst_VelhostDiscoverEnd::connectsToNobody()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostDiscoverEnd::sockets_data()
+void tst_DiscoverEnd::sockets_data()
 {
     QTest::addColumn<int>("descriptors");
     QTest::addColumn<bool>("isEnough");
@@ -141,7 +141,7 @@ void tst_VelhostDiscoverEnd::sockets_data()
     QTest::newRow("too few") << 60 << false;
 }
 
-void tst_VelhostDiscoverEnd::sockets()
+void tst_DiscoverEnd::sockets()
 {
     QFETCH(int, descriptors);
     QFETCH(bool, isEnough);
@@ -163,7 +163,7 @@ void tst_VelhostDiscoverEnd::sockets()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostDiscoverEnd::terminal()
+void tst_DiscoverEnd::terminal()
 {
     TerminalRun run(
         text(VELHOST_FILE),
@@ -181,5 +181,5 @@ void tst_VelhostDiscoverEnd::terminal()
              shown.constData());
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostDiscoverEnd)
+QTEST_GUILESS_MAIN(tst_DiscoverEnd)
 #include "tst_discoverend.moc"

@@ -30,7 +30,7 @@ Findings someFindings()
 
 } // namespace
 
-class tst_VelhostFindings : public QObject
+class tst_DiscoverOutput : public QObject
 {
     Q_OBJECT
 
@@ -49,7 +49,7 @@ private Q_SLOTS:
     void limit();
 };
 
-void tst_VelhostFindings::identities_data()
+void tst_DiscoverOutput::identities_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<bool>("isWhole");
@@ -85,7 +85,7 @@ void tst_VelhostFindings::identities_data()
         QByteArray(64, 'x').constData());
 }
 
-void tst_VelhostFindings::identities()
+void tst_DiscoverOutput::identities()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(bool, isWhole);
@@ -97,7 +97,7 @@ void tst_VelhostFindings::identities()
     QCOMPARE(QString(identity.text).replace(QChar(0), u'?'), line);
 }
 
-void tst_VelhostFindings::models_data()
+void tst_DiscoverOutput::models_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QString>("name");
@@ -109,14 +109,14 @@ void tst_VelhostFindings::models_data()
     QTest::newRow("empty") << QString() << QString();
 }
 
-void tst_VelhostFindings::models()
+void tst_DiscoverOutput::models()
 {
     QFETCH(QString, code);
     QFETCH(QString, name);
     QCOMPARE(modelName(code), name);
 }
 
-void tst_VelhostFindings::shows()
+void tst_DiscoverOutput::shows()
 {
     QCOMPARE(controllersText(OutputFormat::Table, someFindings()),
              text("Address    Port  Protocol  Model\n"
@@ -125,7 +125,7 @@ void tst_VelhostFindings::shows()
                   "10.0.0.20  8501  TCP, UDP  KV-7500\n"));
 }
 
-void tst_VelhostFindings::nothing()
+void tst_DiscoverOutput::nothing()
 {
     Findings findings;
     findings.add(finding(0x0a000003, 8500, "SSH-2.0\r\n", true, false));
@@ -134,7 +134,7 @@ void tst_VelhostFindings::nothing()
     QCOMPARE(controllersText(OutputFormat::Json, findings), QString());
 }
 
-void tst_VelhostFindings::json()
+void tst_DiscoverOutput::json()
 {
     QCOMPARE(controllersText(OutputFormat::Json, someFindings()),
              text(R"({"type":"controller","address":"10.0.0.3","port":8501,"protocols":["udp"],)"
@@ -148,14 +148,14 @@ void tst_VelhostFindings::json()
                   "\n"));
 }
 
-void tst_VelhostFindings::strangers()
+void tst_DiscoverOutput::strangers()
 {
     QCOMPARE(strangerTexts(someFindings()),
              QStringList({text("10.0.0.3:8500 (TCP) is no controller: it answered \"SSH-2.0\""),
                           text("192.168.0.1:8501 (TCP) is no controller: it answered nothing")}));
 }
 
-void tst_VelhostFindings::plant()
+void tst_DiscoverOutput::plant()
 {
     SearchArea area;
     area.interfaces = QStringList{text("eth0"), text("eth1")};
@@ -172,7 +172,7 @@ void tst_VelhostFindings::plant()
 }
 
 // Something else answers by UDP than by TCP: two findings, but one device.
-void tst_VelhostFindings::differentAnswers()
+void tst_DiscoverOutput::differentAnswers()
 {
     Findings findings;
     findings.add(finding(0x0a000003, 8501, "55\r\n", true, false));
@@ -185,7 +185,7 @@ void tst_VelhostFindings::differentAnswers()
     QCOMPARE(plantJson({}, findings).count("\"id\""), 1);
 }
 
-void tst_VelhostFindings::limit_data()
+void tst_DiscoverOutput::limit_data()
 {
     QTest::addColumn<int>("answers");
     QTest::addColumn<int>("kept");
@@ -196,7 +196,7 @@ void tst_VelhostFindings::limit_data()
     QTest::newRow("above") << 4097 << 4096 << true;
 }
 
-void tst_VelhostFindings::limit()
+void tst_DiscoverOutput::limit()
 {
     QFETCH(int, answers);
     QFETCH(int, kept);
@@ -213,5 +213,5 @@ void tst_VelhostFindings::limit()
     QVERIFY(findings.all().first().byTcp);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostFindings)
+QTEST_GUILESS_MAIN(tst_DiscoverOutput)
 #include "tst_discoveroutput.moc"

@@ -50,7 +50,7 @@ QByteArray withItem(const QByteArray &plant)
 
 } // namespace
 
-class tst_VelhostDiscoverPlant : public QObject
+class tst_DiscoverPlant : public QObject
 {
     Q_OBJECT
 
@@ -71,13 +71,13 @@ private Q_SLOTS:
     void cannotBeWritten();
 };
 
-void tst_VelhostDiscoverPlant::init()
+void tst_DiscoverPlant::init()
 {
     m_folder.reset(new QTemporaryDir);
     QVERIFY(m_folder->isValid());
 }
 
-ProgramRun tst_VelhostDiscoverPlant::discover(const QString &port, const QStringList &more)
+ProgramRun tst_DiscoverPlant::discover(const QString &port, const QStringList &more)
 {
     return runBesideLoop(
         text(VELHOST_FILE),
@@ -85,7 +85,7 @@ ProgramRun tst_VelhostDiscoverPlant::discover(const QString &port, const QString
                         shortSearch() + QStringList{text("--plant"), plant()} + more));
 }
 
-ProgramRun tst_VelhostDiscoverPlant::onPlant(const QStringList &arguments)
+ProgramRun tst_DiscoverPlant::onPlant(const QStringList &arguments)
 {
     return runProgram(
         text(VELHOST_FILE),
@@ -94,7 +94,7 @@ ProgramRun tst_VelhostDiscoverPlant::onPlant(const QStringList &arguments)
         m_folder->path());
 }
 
-void tst_VelhostDiscoverPlant::writesAndReads()
+void tst_DiscoverPlant::writesAndReads()
 {
     kvsim::SimulatorThread first;
     kvsim::SimulatorThread second(QHostAddress(text("127.0.0.2")));
@@ -131,7 +131,7 @@ void tst_VelhostDiscoverPlant::writesAndReads()
     QCOMPARE(read.exitCode, 0);
 }
 
-void tst_VelhostDiscoverPlant::answeredByUdpAlone()
+void tst_DiscoverPlant::answeredByUdpAlone()
 {
     const UdpPeer peer({"55\r\n"});
     const QString port = QString::number(peer.port());
@@ -146,14 +146,14 @@ void tst_VelhostDiscoverPlant::answeredByUdpAlone()
     QCOMPARE(onPlant({text("check")}).exitCode, 0);
 }
 
-void tst_VelhostDiscoverPlant::nothingFound()
+void tst_DiscoverPlant::nothingFound()
 {
     const ProgramRun run = discover(m_nobody.tcp(), {});
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList());
 }
 
-void tst_VelhostDiscoverPlant::isThereAlready()
+void tst_DiscoverPlant::isThereAlready()
 {
     const kvsim::SimulatorThread controller;
     QVERIFY(controller.isListening());
@@ -167,7 +167,7 @@ void tst_VelhostDiscoverPlant::isThereAlready()
     QCOMPARE(static_cast<int>(controller.counters().clients), 0);
 }
 
-void tst_VelhostDiscoverPlant::replaces()
+void tst_DiscoverPlant::replaces()
 {
     const kvsim::SimulatorThread controller;
     QVERIFY(controller.isListening());
@@ -179,7 +179,7 @@ void tst_VelhostDiscoverPlant::replaces()
 }
 
 // What was found is printed all the same.
-void tst_VelhostDiscoverPlant::cannotBeWritten()
+void tst_DiscoverPlant::cannotBeWritten()
 {
     const kvsim::SimulatorThread controller;
     QVERIFY(controller.isListening());
@@ -194,5 +194,5 @@ void tst_VelhostDiscoverPlant::cannotBeWritten()
     QCOMPARE(run.exitCode, 1);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostDiscoverPlant)
+QTEST_GUILESS_MAIN(tst_DiscoverPlant)
 #include "tst_discoverplant.moc"

@@ -4,7 +4,7 @@
 
 #include <QTest>
 
-class tst_VelhostPortList : public QObject
+class tst_PortList : public QObject
 {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ private Q_SLOTS:
     void refuses();
 };
 
-void tst_VelhostPortList::reads_data()
+void tst_PortList::reads_data()
 {
     QTest::addColumn<QString>("list");
     QTest::addColumn<QVector<quint16>>("ports");
@@ -41,7 +41,7 @@ void tst_VelhostPortList::reads_data()
     row("leading zeros", "0080", {80});
 }
 
-void tst_VelhostPortList::reads()
+void tst_PortList::reads()
 {
     QFETCH(QString, list);
     QFETCH(QVector<quint16>, ports);
@@ -54,7 +54,7 @@ void tst_VelhostPortList::reads()
     QCOMPARE(result->isCut, false);
 }
 
-void tst_VelhostPortList::wideRanges_data()
+void tst_PortList::wideRanges_data()
 {
     QTest::addColumn<QString>("list");
     QTest::addColumn<int>("count");
@@ -68,7 +68,7 @@ void tst_VelhostPortList::wideRanges_data()
     QTest::newRow("all") << text("1-65535") << 64 << true;
 }
 
-void tst_VelhostPortList::wideRanges()
+void tst_PortList::wideRanges()
 {
     QFETCH(QString, list);
     QFETCH(int, count);
@@ -82,7 +82,7 @@ void tst_VelhostPortList::wideRanges()
     QCOMPARE(result->isCut, isCut);
 }
 
-void tst_VelhostPortList::refuses_data()
+void tst_PortList::refuses_data()
 {
     QTest::addColumn<QString>("list");
     QTest::addColumn<QString>("error");
@@ -124,7 +124,7 @@ void tst_VelhostPortList::refuses_data()
                                << text("\"8000-7000\" ends before it begins; write 7000-8000");
 }
 
-void tst_VelhostPortList::refuses()
+void tst_PortList::refuses()
 {
     QFETCH(QString, list);
     QFETCH(QString, error);
@@ -134,5 +134,5 @@ void tst_VelhostPortList::refuses()
     QCOMPARE(found, error);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostPortList)
+QTEST_GUILESS_MAIN(tst_PortList)
 #include "tst_portlist.moc"

@@ -36,7 +36,7 @@ QString texts(const QList<Subnet> &subnets)
 
 } // namespace
 
-class tst_VelhostSearchArea : public QObject
+class tst_SearchArea : public QObject
 {
     Q_OBJECT
 
@@ -58,7 +58,7 @@ private Q_SLOTS:
     void noInterface();
 };
 
-void tst_VelhostSearchArea::subnets_data()
+void tst_SearchArea::subnets_data()
 {
     QTest::addColumn<QString>("network");
     QTest::addColumn<QString>("read");
@@ -86,7 +86,7 @@ void tst_VelhostSearchArea::subnets_data()
     row("1.2.3.4/0", "0.0.0.0/0", 4294967294, "0.0.0.1", "255.255.255.254", "255.255.255.255");
 }
 
-void tst_VelhostSearchArea::subnets()
+void tst_SearchArea::subnets()
 {
     QFETCH(QString, network);
     QFETCH(QString, read);
@@ -106,7 +106,7 @@ void tst_VelhostSearchArea::subnets()
     QCOMPARE(broadcastAddress(*result).value_or(QHostAddress()).toString(), broadcast);
 }
 
-void tst_VelhostSearchArea::refusedSubnets_data()
+void tst_SearchArea::refusedSubnets_data()
 {
     QTest::addColumn<QString>("network");
 
@@ -117,7 +117,7 @@ void tst_VelhostSearchArea::refusedSubnets_data()
         QTest::newRow(network) << text(network);
 }
 
-void tst_VelhostSearchArea::refusedSubnets()
+void tst_SearchArea::refusedSubnets()
 {
     QFETCH(QString, network);
 
@@ -129,7 +129,7 @@ void tst_VelhostSearchArea::refusedSubnets()
                  .arg(network));
 }
 
-void tst_VelhostSearchArea::overlaps_data()
+void tst_SearchArea::overlaps_data()
 {
     QTest::addColumn<QList<Subnet>>("networks");
     QTest::addColumn<QString>("result");
@@ -151,14 +151,14 @@ void tst_VelhostSearchArea::overlaps_data()
                                 << text("0.0.0.0/0");
 }
 
-void tst_VelhostSearchArea::overlaps()
+void tst_SearchArea::overlaps()
 {
     QFETCH(QList<Subnet>, networks);
     QFETCH(QString, result);
     QCOMPARE(texts(withoutOverlap(networks)), result);
 }
 
-void tst_VelhostSearchArea::endpoints()
+void tst_SearchArea::endpoints()
 {
     const Endpoints endpoints({subnet("10.0.0.0/30"), subnet("10.9.0.1/32")}, {8501, 8500});
     QStringList all;
@@ -171,7 +171,7 @@ void tst_VelhostSearchArea::endpoints()
                           text("10.0.0.1:8500"), text("10.0.0.2:8500"), text("10.9.0.1:8500")}));
 }
 
-void tst_VelhostSearchArea::millionsOfEndpoints()
+void tst_SearchArea::millionsOfEndpoints()
 {
     const Endpoints endpoints({subnet("0.0.0.0/0")}, {1, 2, 3});
     QCOMPARE(endpoints.count(), quint64{3} * 4294967294);
@@ -180,7 +180,7 @@ void tst_VelhostSearchArea::millionsOfEndpoints()
     QCOMPARE(last.port, quint16{3});
 }
 
-void tst_VelhostSearchArea::areas_data()
+void tst_SearchArea::areas_data()
 {
     QTest::addColumn<QString>("interface");
     QTest::addColumn<bool>("isInterfaceGiven");
@@ -208,7 +208,7 @@ void tst_VelhostSearchArea::areas_data()
         "172.16.4.0/22");
 }
 
-void tst_VelhostSearchArea::areas()
+void tst_SearchArea::areas()
 {
     QFETCH(QString, interface);
     QFETCH(bool, isInterfaceGiven);
@@ -228,7 +228,7 @@ void tst_VelhostSearchArea::areas()
 }
 
 // All but loopback, and no address twice.
-void tst_VelhostSearchArea::allInterfaces()
+void tst_SearchArea::allInterfaces()
 {
     QString error;
     const auto area = searchArea({QString(), true, {}, true}, gateway(), &error);
@@ -238,7 +238,7 @@ void tst_VelhostSearchArea::allInterfaces()
     QCOMPARE(texts(area->tcp), text("192.168.0.0/24 10.1.2.4/30 10.9.0.1/32 172.16.0.0/12"));
 }
 
-void tst_VelhostSearchArea::largeNetworks_data()
+void tst_SearchArea::largeNetworks_data()
 {
     QTest::addColumn<QString>("network");
     QTest::addColumn<bool>("isForced");
@@ -255,7 +255,7 @@ void tst_VelhostSearchArea::largeNetworks_data()
                         << text("the network 0.0.0.0/0 has 4294967294") + rest;
 }
 
-void tst_VelhostSearchArea::largeNetworks()
+void tst_SearchArea::largeNetworks()
 {
     QFETCH(QString, network);
     QFETCH(bool, isForced);
@@ -273,7 +273,7 @@ void tst_VelhostSearchArea::largeNetworks()
     QCOMPARE(found, error);
 }
 
-void tst_VelhostSearchArea::noInterface_data()
+void tst_SearchArea::noInterface_data()
 {
     QTest::addColumn<QString>("interface");
     QTest::addColumn<QList<InterfaceNetwork>>("networks");
@@ -293,7 +293,7 @@ void tst_VelhostSearchArea::noInterface_data()
                 "network with --subnet");
 }
 
-void tst_VelhostSearchArea::noInterface()
+void tst_SearchArea::noInterface()
 {
     QFETCH(QString, interface);
     QFETCH(QList<InterfaceNetwork>, networks);
@@ -304,5 +304,5 @@ void tst_VelhostSearchArea::noInterface()
     QCOMPARE(found, error);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostSearchArea)
+QTEST_GUILESS_MAIN(tst_SearchArea)
 #include "tst_searcharea.moc"

@@ -45,7 +45,7 @@ QStringList words(const char *line)
 
 } // namespace
 
-class tst_VelhostSearchSettings : public QObject
+class tst_SearchSettings : public QObject
 {
     Q_OBJECT
 
@@ -67,7 +67,7 @@ private Q_SLOTS:
     void noSearch();
 };
 
-void tst_VelhostSearchSettings::commandLine()
+void tst_SearchSettings::commandLine()
 {
     QString error;
     const auto line = parseCommandLine(
@@ -87,7 +87,7 @@ void tst_VelhostSearchSettings::commandLine()
     QCOMPARE(line->format, OutputFormat::Json);
 }
 
-void tst_VelhostSearchSettings::commandLineWithoutOptions()
+void tst_SearchSettings::commandLineWithoutOptions()
 {
     QString error;
     const auto line = parseCommandLine(words("velhost|discover"), &error);
@@ -99,7 +99,7 @@ void tst_VelhostSearchSettings::commandLineWithoutOptions()
     QCOMPARE(line->plantFile, QString());
 }
 
-void tst_VelhostSearchSettings::commandLineErrors_data()
+void tst_SearchSettings::commandLineErrors_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("error");
@@ -117,7 +117,7 @@ void tst_VelhostSearchSettings::commandLineErrors_data()
         "--subnet is given more than once");
 }
 
-void tst_VelhostSearchSettings::commandLineErrors()
+void tst_SearchSettings::commandLineErrors()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, error);
@@ -127,7 +127,7 @@ void tst_VelhostSearchSettings::commandLineErrors()
     QCOMPARE(found, error);
 }
 
-void tst_VelhostSearchSettings::defaults()
+void tst_SearchSettings::defaults()
 {
     QStringList errors;
     QStringList notes;
@@ -140,7 +140,7 @@ void tst_VelhostSearchSettings::defaults()
     QCOMPARE(plan->timeoutMs, 60000);
 }
 
-void tst_VelhostSearchSettings::everything()
+void tst_SearchSettings::everything()
 {
     const SearchOptions options{{{text("network_interface"), text("eth1")},
                                  {text("udp_ports"), text("1")},
@@ -161,7 +161,7 @@ void tst_VelhostSearchSettings::everything()
     QCOMPARE(plan->timeoutMs, 700);
 }
 
-void tst_VelhostSearchSettings::everyInterface_data()
+void tst_SearchSettings::everyInterface_data()
 {
     QTest::addColumn<QString>("interface");
 
@@ -169,7 +169,7 @@ void tst_VelhostSearchSettings::everyInterface_data()
     QTest::newRow("display text") << text("All IPv4 interfaces");
 }
 
-void tst_VelhostSearchSettings::everyInterface()
+void tst_SearchSettings::everyInterface()
 {
     QFETCH(QString, interface);
 
@@ -182,7 +182,7 @@ void tst_VelhostSearchSettings::everyInterface()
     QCOMPARE(plan->area.interfaces, QStringList({text("eth0"), text("eth1")}));
 }
 
-void tst_VelhostSearchSettings::wideRange()
+void tst_SearchSettings::wideRange()
 {
     QStringList errors;
     QStringList notes;
@@ -195,7 +195,7 @@ void tst_VelhostSearchSettings::wideRange()
     QCOMPARE(plan->tcpPorts.size(), 64);
 }
 
-void tst_VelhostSearchSettings::times_data()
+void tst_SearchSettings::times_data()
 {
     QTest::addColumn<QString>("time");
     QTest::addColumn<int>("milliseconds");
@@ -214,7 +214,7 @@ void tst_VelhostSearchSettings::times_data()
     QTest::newRow("empty") << QString() << -1;
 }
 
-void tst_VelhostSearchSettings::times()
+void tst_SearchSettings::times()
 {
     QFETCH(QString, time);
     QFETCH(int, milliseconds);
@@ -230,7 +230,7 @@ void tst_VelhostSearchSettings::times()
     QCOMPARE(errors, milliseconds > 0 ? QStringList() : QStringList(refused));
 }
 
-void tst_VelhostSearchSettings::everyErrorAtOnce()
+void tst_SearchSettings::everyErrorAtOnce()
 {
     const SearchOptions options{{{text("udp_ports"), text("0")},
                                  {text("tcp_ports"), text("8000-7000")},
@@ -251,7 +251,7 @@ void tst_VelhostSearchSettings::everyErrorAtOnce()
 }
 
 // The option that is named is also the way round it.
-void tst_VelhostSearchSettings::badDefault()
+void tst_SearchSettings::badDefault()
 {
     QList<Column> declared = columns();
     declared[3].defaultValue = text("many");
@@ -263,7 +263,7 @@ void tst_VelhostSearchSettings::badDefault()
                               "to 65535 with commas between, for example 8501,8600-8605")));
 }
 
-void tst_VelhostSearchSettings::noSearch_data()
+void tst_SearchSettings::noSearch_data()
 {
     QTest::addColumn<QList<Column>>("declared");
     QTest::addColumn<QString>("missing");
@@ -273,7 +273,7 @@ void tst_VelhostSearchSettings::noSearch_data()
     QTest::newRow("all but one") << columns().mid(0, 4) << text("tcp_ports");
 }
 
-void tst_VelhostSearchSettings::noSearch()
+void tst_SearchSettings::noSearch()
 {
     QFETCH(QList<Column>, declared);
     QFETCH(QString, missing);
@@ -287,5 +287,5 @@ void tst_VelhostSearchSettings::noSearch()
                              .arg(missing)));
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostSearchSettings)
+QTEST_GUILESS_MAIN(tst_SearchSettings)
 #include "tst_searchsettings.moc"

@@ -58,7 +58,7 @@ QString filler(const QString &pattern)
 
 } // namespace
 
-class tst_VelhostExplain : public QObject
+class tst_Explain : public QObject
 {
     Q_OBJECT
 
@@ -83,7 +83,7 @@ private Q_SLOTS:
     void loadsNoPlugin();
 };
 
-void tst_VelhostExplain::finds_data()
+void tst_Explain::finds_data()
 {
     QTest::addColumn<QString>("shown");
     QTest::addColumn<QStringList>("ids");
@@ -143,13 +143,13 @@ void tst_VelhostExplain::finds_data()
     row("blank", " ", {});
 }
 
-void tst_VelhostExplain::finds()
+void tst_Explain::finds()
 {
     QFETCH(QString, shown);
     QTEST(idsOf(explanations(shown, catalogue())), "ids");
 }
 
-void tst_VelhostExplain::everyTextByItself_data()
+void tst_Explain::everyTextByItself_data()
 {
     QTest::addColumn<QString>("id");
     QTest::addColumn<QString>("shown");
@@ -165,7 +165,7 @@ void tst_VelhostExplain::everyTextByItself_data()
 }
 
 // Whatever stands in for what varies.
-void tst_VelhostExplain::everyTextByItself()
+void tst_Explain::everyTextByItself()
 {
     QFETCH(QString, id);
     QFETCH(QString, shown);
@@ -177,7 +177,7 @@ void tst_VelhostExplain::everyTextByItself()
     }
 }
 
-void tst_VelhostExplain::nearest_data()
+void tst_Explain::nearest_data()
 {
     QTest::addColumn<QString>("shown");
     QTest::addColumn<QStringList>("texts");
@@ -193,13 +193,13 @@ void tst_VelhostExplain::nearest_data()
     row("", {});
 }
 
-void tst_VelhostExplain::nearest()
+void tst_Explain::nearest()
 {
     QFETCH(QString, shown);
     QTEST(nearestTexts(shown, catalogue()), "texts");
 }
 
-void tst_VelhostExplain::longText_data()
+void tst_Explain::longText_data()
 {
     QTest::addColumn<QString>("pattern");
 
@@ -212,7 +212,7 @@ void tst_VelhostExplain::longText_data()
 
 // A text is found behind a mebibyte of its own beginnings. A search that went over them again and
 // again would not end within the test's time-out.
-void tst_VelhostExplain::longText()
+void tst_Explain::longText()
 {
     QFETCH(QString, pattern);
     const QString shown
@@ -224,7 +224,7 @@ void tst_VelhostExplain::longText()
     QVERIFY(near.contains(text("Timeout reading ({milliseconds}ms)")));
 }
 
-void tst_VelhostExplain::input_data()
+void tst_Explain::input_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("exitCode");
@@ -247,7 +247,7 @@ void tst_VelhostExplain::input_data()
     QTest::newRow("no UTF-8, zero byte") << QByteArray("\xff\0 invalid port", 15) << 0 << QString();
 }
 
-void tst_VelhostExplain::input()
+void tst_Explain::input()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(int, exitCode);
@@ -259,7 +259,7 @@ void tst_VelhostExplain::input()
              exitCode == 0);
 }
 
-void tst_VelhostExplain::printsATable()
+void tst_Explain::printsATable()
 {
     const ProgramRun run = explain({text("log error: Error on device <Press>: invalid port")});
     const QString table = text(R"(invalid port: the device's port holds no digit
@@ -278,7 +278,7 @@ Seen in   - the device's last error: invalid port
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostExplain::printsJson()
+void tst_Explain::printsJson()
 {
     const ProgramRun run = explain({text("invalid port"), text("--format"), text("json")});
     const QString object = text(
@@ -295,7 +295,7 @@ void tst_VelhostExplain::printsJson()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostExplain::severalMeanings()
+void tst_Explain::severalMeanings()
 {
     const ProgramRun run = explain({text("invalid address")});
     const QStringList lines = run.output.split(u'\n');
@@ -310,7 +310,7 @@ void tst_VelhostExplain::severalMeanings()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostExplain::unreportedText()
+void tst_Explain::unreportedText()
 {
     const ProgramRun run = explain({text("protocol error")});
     const QString table = text(R"(protocol error: a code that is not used
@@ -324,7 +324,7 @@ Seen in   nothing. No check of the plug-in ends with this code.
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostExplain::unknownText()
+void tst_Explain::unknownText()
 {
     const ProgramRun run = explain({text("Not\tconected to PLC")});
     QCOMPARE(run.output, QString());
@@ -333,7 +333,7 @@ void tst_VelhostExplain::unknownText()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostExplain::unknownTextAsJson()
+void tst_Explain::unknownTextAsJson()
 {
     const ProgramRun run = explain({text("brokn pipe"), text("--format=json")});
     QCOMPARE(run.output, text(R"({"type":"unknown","text":"brokn pipe","nearest":["Broken pipe"]})"
@@ -343,7 +343,7 @@ void tst_VelhostExplain::unknownTextAsJson()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostExplain::unknownLongText()
+void tst_Explain::unknownLongText()
 {
     const ProgramRun run = explainInput(QByteArray(mebibyte, 'x'));
     QCOMPARE(run.errors, QString(text("velhost: no error text of the plug-in: \"") + u'…'
@@ -354,7 +354,7 @@ void tst_VelhostExplain::unknownLongText()
 }
 
 // The dynamic linker tells what it opens.
-void tst_VelhostExplain::loadsNoPlugin()
+void tst_Explain::loadsNoPlugin()
 {
     QProcessEnvironment environment = plainEnvironment();
     environment.insert(text("LD_DEBUG"), text("files"));
@@ -367,5 +367,5 @@ void tst_VelhostExplain::loadsNoPlugin()
     QVERIFY(!files.contains(text("libkeyence.so")));
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostExplain)
+QTEST_GUILESS_MAIN(tst_Explain)
 #include "tst_explain.moc"

@@ -60,7 +60,7 @@ const Fields untoldFloat{false, false, 40, 0x05000000, 1000, 40, 10};
 
 Q_DECLARE_METATYPE(Fields)
 
-class tst_VelhostElfFile : public QObject
+class tst_ElfFile : public QObject
 {
     Q_OBJECT
 
@@ -76,7 +76,7 @@ private Q_SLOTS:
     void cutShort();
 };
 
-void tst_VelhostElfFile::processors_data()
+void tst_ElfFile::processors_data()
 {
     QTest::addColumn<Fields>("fields");
     QTest::addColumn<QString>("text");
@@ -96,7 +96,7 @@ void tst_VelhostElfFile::processors_data()
     row({true, false, 243, 0x400, 0, 0, 0}, "riscv (64 bit, little endian)");
 }
 
-void tst_VelhostElfFile::processors()
+void tst_ElfFile::processors()
 {
     QFETCH(Fields, fields);
     QFETCH(QString, text);
@@ -106,7 +106,7 @@ void tst_VelhostElfFile::processors()
     QCOMPARE(processorText(*header), text);
 }
 
-void tst_VelhostElfFile::otherFiles_data()
+void tst_ElfFile::otherFiles_data()
 {
     QTest::addColumn<QByteArray>("bytes");
 
@@ -117,7 +117,7 @@ void tst_VelhostElfFile::otherFiles_data()
     QTest::newRow("zeros") << QByteArray(64, '\0');
 }
 
-void tst_VelhostElfFile::otherFiles()
+void tst_ElfFile::otherFiles()
 {
     QFETCH(QByteArray, bytes);
 
@@ -125,7 +125,7 @@ void tst_VelhostElfFile::otherFiles()
 }
 
 // The last field, which says where names lie, is not asked for.
-void tst_VelhostElfFile::everyCut()
+void tst_ElfFile::everyCut()
 {
     for (const bool is64Bit : {false, true}) {
         Fields fields;
@@ -138,7 +138,7 @@ void tst_VelhostElfFile::everyCut()
     }
 }
 
-void tst_VelhostElfFile::sameProcessor_data()
+void tst_ElfFile::sameProcessor_data()
 {
     QTest::addColumn<Fields>("one");
     QTest::addColumn<Fields>("other");
@@ -155,7 +155,7 @@ void tst_VelhostElfFile::sameProcessor_data()
                                                 << Fields{true, false, 62, 0x200, 0, 0, 0} << true;
 }
 
-void tst_VelhostElfFile::sameProcessor()
+void tst_ElfFile::sameProcessor()
 {
     QFETCH(Fields, one);
     QFETCH(Fields, other);
@@ -168,7 +168,7 @@ void tst_VelhostElfFile::sameProcessor()
     QCOMPARE(haveSameProcessor(*second, *first), same);
 }
 
-void tst_VelhostElfFile::cutShort_data()
+void tst_ElfFile::cutShort_data()
 {
     QTest::addColumn<Fields>("fields");
     QTest::addColumn<qint64>("size");
@@ -186,7 +186,7 @@ void tst_VelhostElfFile::cutShort_data()
         << Fields{true, false, 62, 0, 0, 65535, 65535} << qint64(4294836224) << true;
 }
 
-void tst_VelhostElfFile::cutShort()
+void tst_ElfFile::cutShort()
 {
     QFETCH(Fields, fields);
     QFETCH(qint64, size);
@@ -197,5 +197,5 @@ void tst_VelhostElfFile::cutShort()
     QCOMPARE(isCutShort(*header, size), isCut);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostElfFile)
+QTEST_GUILESS_MAIN(tst_ElfFile)
 #include "tst_elffile.moc"

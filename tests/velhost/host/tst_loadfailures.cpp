@@ -91,7 +91,7 @@ void loaderRow(const char *name, const QString &plugin, const QString &explanati
 
 } // namespace
 
-class tst_VelhostLoadFailures : public QObject
+class tst_LoadFailures : public QObject
 {
     Q_OBJECT
 
@@ -114,14 +114,14 @@ private Q_SLOTS:
     void missingLibraryIsTheOnlyFault();
 };
 
-bool tst_VelhostLoadFailures::makeCopy(const char *name, int offset, const QByteArray &bytes) const
+bool tst_LoadFailures::makeCopy(const char *name, int offset, const QByteArray &bytes) const
 {
     QByteArray copy = m_plugin;
     copy.replace(offset, bytes.size(), bytes);
     return copy != m_plugin && copy.size() == m_plugin.size() && writeFile(inFolder(name), copy);
 }
 
-void tst_VelhostLoadFailures::initTestCase()
+void tst_LoadFailures::initTestCase()
 {
     QVERIFY(m_folder.isValid());
     m_plugin = contentOf(scriptedPlugin);
@@ -146,7 +146,7 @@ void tst_VelhostLoadFailures::initTestCase()
     QVERIFY(makeCopy("version.so", neededQt, QByteArray("\0Qt_9\0", 6)));
 }
 
-void tst_VelhostLoadFailures::explanations_data()
+void tst_LoadFailures::explanations_data()
 {
     QTest::addColumn<QString>("plugin");
     QTest::addColumn<QString>("explanation");
@@ -174,7 +174,7 @@ void tst_VelhostLoadFailures::explanations_data()
     linkRows();
 }
 
-void tst_VelhostLoadFailures::fileRows() const
+void tst_LoadFailures::fileRows() const
 {
     loaderRow("text file", inFolder("text.so"),
               text("it is no shared library; name the libkeyence.so that the build made"),
@@ -203,7 +203,7 @@ void tst_VelhostLoadFailures::fileRows() const
                  numberAt(m_plugin, is64Bit ? 58 : 46)));
 }
 
-void tst_VelhostLoadFailures::linkRows() const
+void tst_LoadFailures::linkRows() const
 {
     loaderRow(
         "missing library", needingPlugin,
@@ -228,7 +228,7 @@ void tst_VelhostLoadFailures::linkRows() const
               text("Cannot load library %1: (%1: cannot dynamically load executable)"));
 }
 
-void tst_VelhostLoadFailures::explanations()
+void tst_LoadFailures::explanations()
 {
     QFETCH(QString, plugin);
     QFETCH(QString, explanation);
@@ -244,7 +244,7 @@ void tst_VelhostLoadFailures::explanations()
     QCOMPARE(run.exitCode, 3);
 }
 
-void tst_VelhostLoadFailures::qtVersions_data()
+void tst_LoadFailures::qtVersions_data()
 {
     QTest::addColumn<int>("major");
     QTest::addColumn<int>("minor");
@@ -258,7 +258,7 @@ void tst_VelhostLoadFailures::qtVersions_data()
     QTest::newRow("6.15") << 6 << 15 << false;
 }
 
-void tst_VelhostLoadFailures::qtVersions()
+void tst_LoadFailures::qtVersions()
 {
     QFETCH(int, major);
     QFETCH(int, minor);
@@ -287,7 +287,7 @@ void tst_VelhostLoadFailures::qtVersions()
 
 // The administrator may read everything, unless the program is started without that right. What is
 // started later by this test does not have it either.
-void tst_VelhostLoadFailures::unreadableFile()
+void tst_LoadFailures::unreadableFile()
 {
     const QString fileName = inFolder("secret.so");
     QVERIFY(writeFile(fileName, m_plugin));
@@ -305,7 +305,7 @@ void tst_VelhostLoadFailures::unreadableFile()
 }
 
 // With the remedy the loader finds the library, and the next fault is that of the class.
-void tst_VelhostLoadFailures::missingLibraryIsTheOnlyFault()
+void tst_LoadFailures::missingLibraryIsTheOnlyFault()
 {
     QProcessEnvironment environment = plainEnvironment();
     environment.insert(text("LD_LIBRARY_PATH"), text(NEEDED_LIBRARY_FOLDER));
@@ -318,5 +318,5 @@ void tst_VelhostLoadFailures::missingLibraryIsTheOnlyFault()
     QCOMPARE(run.exitCode, 3);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostLoadFailures)
+QTEST_GUILESS_MAIN(tst_LoadFailures)
 #include "tst_loadfailures.moc"

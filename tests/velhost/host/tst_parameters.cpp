@@ -49,7 +49,7 @@ QStringList linesOf(const QList<Problem> &problems)
 
 } // namespace
 
-class tst_VelhostParameters : public QObject
+class tst_Parameters : public QObject
 {
     Q_OBJECT
 
@@ -66,7 +66,7 @@ private Q_SLOTS:
     void devicesWithErrors();
 };
 
-void tst_VelhostParameters::defaults()
+void tst_Parameters::defaults()
 {
     QList<Problem> errors;
     const Record record = resolveParameters({}, columns(), QStringLiteral("item"),
@@ -81,7 +81,7 @@ void tst_VelhostParameters::defaults()
     QCOMPARE(errors.size(), 0);
 }
 
-void tst_VelhostParameters::leftOut()
+void tst_Parameters::leftOut()
 {
     QList<Problem> errors;
     const Record record
@@ -91,7 +91,7 @@ void tst_VelhostParameters::leftOut()
     QCOMPARE(errors.size(), 0);
 }
 
-void tst_VelhostParameters::texts_data()
+void tst_Parameters::texts_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("text");
@@ -114,7 +114,7 @@ void tst_VelhostParameters::texts_data()
     row("the flag's own value is free text", "editable", "1", "1");
 }
 
-void tst_VelhostParameters::texts()
+void tst_Parameters::texts()
 {
     QFETCH(QString, name);
     QFETCH(QString, text);
@@ -128,7 +128,7 @@ void tst_VelhostParameters::texts()
     QCOMPARE(errors.size(), 0);
 }
 
-void tst_VelhostParameters::refused_data()
+void tst_Parameters::refused_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("text");
@@ -151,7 +151,7 @@ void tst_VelhostParameters::refused_data()
     row("value of a flag", "flagged choice", "1", flagged);
 }
 
-void tst_VelhostParameters::refused()
+void tst_Parameters::refused()
 {
     QFETCH(QString, name);
     QFETCH(QString, text);
@@ -164,7 +164,7 @@ void tst_VelhostParameters::refused()
     QCOMPARE(record.contains(name), false);
 }
 
-void tst_VelhostParameters::unknownNames()
+void tst_Parameters::unknownNames()
 {
     QList<Problem> errors;
     const Record record = resolveParameters(
@@ -179,7 +179,7 @@ void tst_VelhostParameters::unknownNames()
     QCOMPARE(record.size(), 2);
 }
 
-void tst_VelhostParameters::noColumns()
+void tst_Parameters::noColumns()
 {
     QList<Problem> errors;
     resolveParameters({{QStringLiteral("port"), QStringLiteral("1")}}, {}, QStringLiteral("device"),
@@ -212,7 +212,7 @@ PluginRegistration registrationWithColumns()
 
 } // namespace
 
-void tst_VelhostParameters::devicesOfHost()
+void tst_Parameters::devicesOfHost()
 {
     Host host(plantWith({{QStringLiteral("choice"), QStringLiteral("Word device")}}),
               [](const LogEntry &) {});
@@ -230,7 +230,7 @@ void tst_VelhostParameters::devicesOfHost()
              Record({{QStringLiteral("choice"), QStringLiteral("1")}}));
 }
 
-void tst_VelhostParameters::devicesWithErrors()
+void tst_Parameters::devicesWithErrors()
 {
     Host host(plantWith({{QStringLiteral("choice"), QStringLiteral("x")}}),
               [](const LogEntry &) {});
@@ -243,5 +243,5 @@ void tst_VelhostParameters::devicesWithErrors()
                                   "use one of: \"Bit device\" (0), \"Word device\" (1)")));
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostParameters)
+QTEST_GUILESS_MAIN(tst_Parameters)
 #include "tst_parameters.moc"

@@ -31,7 +31,7 @@ QByteArray plantAt(int port)
 
 } // namespace
 
-class tst_VelhostKeyence : public QObject
+class tst_RealPlugin : public QObject
 {
     Q_OBJECT
 
@@ -48,7 +48,7 @@ private Q_SLOTS:
     void refusesUnknownType();
 };
 
-ProgramRun tst_VelhostKeyence::run(const QStringList &arguments, const QByteArray &plant)
+ProgramRun tst_RealPlugin::run(const QStringList &arguments, const QByteArray &plant)
 {
     QFile file(m_folder.filePath(text("plant.json")));
     if (!file.open(QIODevice::WriteOnly) || file.write(plant) != plant.size())
@@ -59,7 +59,7 @@ ProgramRun tst_VelhostKeyence::run(const QStringList &arguments, const QByteArra
     return runProgram(text(VELHOST_FILE), common + arguments, m_folder.path());
 }
 
-void tst_VelhostKeyence::declaresItself()
+void tst_RealPlugin::declaresItself()
 {
     const ProgramRun result = run({text("columns")}, plantAt(1));
     QCOMPARE(result.errors, QString());
@@ -71,7 +71,7 @@ void tst_VelhostKeyence::declaresItself()
     QCOMPARE(result.output.split(u'\n').value(4), portColumn);
 }
 
-void tst_VelhostKeyence::reads()
+void tst_RealPlugin::reads()
 {
     kvsim::SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -99,7 +99,7 @@ void tst_VelhostKeyence::reads()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_VelhostKeyence::writes()
+void tst_RealPlugin::writes()
 {
     kvsim::SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -128,7 +128,7 @@ void tst_VelhostKeyence::writes()
     QCOMPARE(controller.word("DM501"), 0x2f3d);
 }
 
-void tst_VelhostKeyence::failedWrite()
+void tst_RealPlugin::failedWrite()
 {
     kvsim::SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -150,7 +150,7 @@ void tst_VelhostKeyence::failedWrite()
     QCOMPARE(controller.word("D201"), 7);
 }
 
-void tst_VelhostKeyence::notConnected()
+void tst_RealPlugin::notConnected()
 {
     int port = 0;
     {
@@ -174,7 +174,7 @@ void tst_VelhostKeyence::notConnected()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_VelhostKeyence::refusesUnknownType()
+void tst_RealPlugin::refusesUnknownType()
 {
     QByteArray plant = plantAt(1);
     plant.replace("\"Short\"", "\"short\"");
@@ -192,5 +192,5 @@ void tst_VelhostKeyence::refusesUnknownType()
     QCOMPARE(result.exitCode, 2);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostKeyence)
+QTEST_GUILESS_MAIN(tst_RealPlugin)
 #include "tst_realplugin.moc"

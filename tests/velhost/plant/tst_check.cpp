@@ -26,7 +26,7 @@ QByteArray deviceAt(const QByteArray &ip, const QByteArray &parameters)
 
 } // namespace
 
-class tst_VelhostCheck : public QObject
+class tst_Check : public QObject
 {
     Q_OBJECT
 
@@ -50,7 +50,7 @@ private Q_SLOTS:
     void connectsToNobody();
 };
 
-void tst_VelhostCheck::everythingAtOnce()
+void tst_Check::everythingAtOnce()
 {
     const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, R"({"colour": "red", "devices": [
  {"id": "1", "name": "Press", "ip": "plc", "parameters": {"port": "0", "timeout": "2 s", "speed": "1"},
@@ -91,14 +91,14 @@ void tst_VelhostCheck::everythingAtOnce()
     QCOMPARE(run.exitCode, 2);
 }
 
-void tst_VelhostCheck::notJson()
+void tst_Check::notJson()
 {
     const ProgramRun run = runCheck("none.so", "{\n \"devices\": [");
     QCOMPARE(run.errors, text("velhost: plant.json:2:14: not valid JSON: unterminated array\n"));
     QCOMPARE(run.exitCode, 2);
 }
 
-void tst_VelhostCheck::json_data()
+void tst_Check::json_data()
 {
     QTest::addColumn<QByteArray>("plant");
     QTest::addColumn<QString>("output");
@@ -124,7 +124,7 @@ void tst_VelhostCheck::json_data()
         << 2;
 }
 
-void tst_VelhostCheck::json()
+void tst_Check::json()
 {
     QFETCH(QByteArray, plant);
     QFETCH(QString, output);
@@ -140,7 +140,7 @@ void tst_VelhostCheck::json()
 }
 
 // Each item is wrong twice, and none of it is left out.
-void tst_VelhostCheck::manyProblems()
+void tst_Check::manyProblems()
 {
     const int count = 5000;
     QByteArray items;
@@ -154,7 +154,7 @@ void tst_VelhostCheck::manyProblems()
     QCOMPARE(run.exitCode, 2);
 }
 
-void tst_VelhostCheck::duplicateKeys_data()
+void tst_Check::duplicateKeys_data()
 {
     QTest::addColumn<int>("extra");
     QTest::addColumn<int>("told");
@@ -167,7 +167,7 @@ void tst_VelhostCheck::duplicateKeys_data()
 }
 
 // They do not keep the other problems back.
-void tst_VelhostCheck::duplicateKeys()
+void tst_Check::duplicateKeys()
 {
     QFETCH(int, extra);
     QFETCH(int, told);
@@ -188,7 +188,7 @@ void tst_VelhostCheck::duplicateKeys()
     QCOMPARE(run.exitCode, 2);
 }
 
-void tst_VelhostCheck::memoryAddresses_data()
+void tst_Check::memoryAddresses_data()
 {
     QTest::addColumn<QByteArray>("address");
     QTest::addColumn<bool>("isRight");
@@ -215,7 +215,7 @@ void tst_VelhostCheck::memoryAddresses_data()
     row("DX-1", false);
 }
 
-void tst_VelhostCheck::memoryAddresses()
+void tst_Check::memoryAddresses()
 {
     QFETCH(QByteArray, address);
     QFETCH(bool, isRight);
@@ -230,7 +230,7 @@ void tst_VelhostCheck::memoryAddresses()
     QCOMPARE(run.exitCode, isRight ? 0 : 2);
 }
 
-void tst_VelhostCheck::addresses_data()
+void tst_Check::addresses_data()
 {
     QTest::addColumn<QByteArray>("ip");
     QTest::addColumn<bool>("isRight");
@@ -252,7 +252,7 @@ void tst_VelhostCheck::addresses_data()
     row("", false);
 }
 
-void tst_VelhostCheck::addresses()
+void tst_Check::addresses()
 {
     QFETCH(QByteArray, ip);
     QFETCH(bool, isRight);
@@ -267,7 +267,7 @@ void tst_VelhostCheck::addresses()
     QCOMPARE(run.exitCode, isRight ? 0 : 2);
 }
 
-void tst_VelhostCheck::numbers_data()
+void tst_Check::numbers_data()
 {
     QTest::addColumn<QByteArray>("parameter");
     QTest::addColumn<bool>("isRight");
@@ -292,7 +292,7 @@ void tst_VelhostCheck::numbers_data()
     row(R"("timeout": null)", false);
 }
 
-void tst_VelhostCheck::numbers()
+void tst_Check::numbers()
 {
     QFETCH(QByteArray, parameter);
     QFETCH(bool, isRight);
@@ -304,7 +304,7 @@ void tst_VelhostCheck::numbers()
 }
 
 // What the plug-in does not declare cannot be wrong: this one has no time-out and no addresses.
-void tst_VelhostCheck::undeclaredParameters()
+void tst_Check::undeclaredParameters()
 {
     const ProgramRun run = runCheck(SCRIPTED_PLUGIN_FILE, deviceAt("10.0.0.1", ""));
     QCOMPARE(run.errors, QString());
@@ -312,7 +312,7 @@ void tst_VelhostCheck::undeclaredParameters()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostCheck::examples_data()
+void tst_Check::examples_data()
 {
     QTest::addColumn<QString>("fileName");
 
@@ -325,7 +325,7 @@ void tst_VelhostCheck::examples_data()
         QTest::newRow(qPrintable(name)) << folder.filePath(name);
 }
 
-void tst_VelhostCheck::examples()
+void tst_Check::examples()
 {
     QFETCH(QString, fileName);
 
@@ -337,7 +337,7 @@ void tst_VelhostCheck::examples()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostCheck::connectsToNobody()
+void tst_Check::connectsToNobody()
 {
     ScriptedPeer controller;
     const QByteArray port = text(R"("port": "%1")").arg(controller.port()).toLatin1();
@@ -347,5 +347,5 @@ void tst_VelhostCheck::connectsToNobody()
     QCOMPARE(controller.connectionCount(), 0);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostCheck)
+QTEST_GUILESS_MAIN(tst_Check)
 #include "tst_check.moc"

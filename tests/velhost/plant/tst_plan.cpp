@@ -53,7 +53,7 @@ QByteArray ask(QTcpSocket *socket, const QByteArray &bytes, int size)
 
 } // namespace
 
-class tst_VelhostPlan : public QObject
+class tst_Plan : public QObject
 {
     Q_OBJECT
 
@@ -75,7 +75,7 @@ private Q_SLOTS:
     void judgeableDevice();
 };
 
-void tst_VelhostPlan::table()
+void tst_Plan::table()
 {
     const ProgramRun run = runPlan(plantAt("10.0.0.1", R"("timeout": "300")"),
                                    {text("--write"), text("Press/Bit=1"), text("--write"),
@@ -97,7 +97,7 @@ Press   3                  21       900       300
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostPlan::json()
+void tst_Plan::json()
 {
     QByteArray plant = plantAt("10.0.0.1", "");
     plant.replace("\"?\"", "\"D0\"").replace("\"D200\"", "\"D0-2\"");
@@ -118,7 +118,7 @@ void tst_VelhostPlan::json()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostPlan::connectsToNobody()
+void tst_Plan::connectsToNobody()
 {
     ScriptedPeer controller;
     const ProgramRun run
@@ -130,7 +130,7 @@ void tst_VelhostPlan::connectsToNobody()
 }
 
 // The plug-in's own word for what it is given, in init() and in each cycle.
-void tst_VelhostPlan::pluginIsPointedElsewhere()
+void tst_Plan::pluginIsPointedElsewhere()
 {
     const ProgramRun run
         = runWithPlant(text(VELHOST_FILE),
@@ -151,7 +151,7 @@ Press   0                  0        unknown   unknown     no answer from 127.0.0
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostPlan::refusedDevices_data()
+void tst_Plan::refusedDevices_data()
 {
     QTest::addColumn<QByteArray>("ip");
     QTest::addColumn<QByteArray>("port");
@@ -178,7 +178,7 @@ void tst_VelhostPlan::refusedDevices_data()
         "the port \"p1\" is no number from 1 to 65535: no connection is possible");
 }
 
-void tst_VelhostPlan::refusedDevices()
+void tst_Plan::refusedDevices()
 {
     QFETCH(QByteArray, ip);
     QFETCH(QByteArray, port);
@@ -196,7 +196,7 @@ void tst_VelhostPlan::refusedDevices()
     QCOMPARE(run.exitCode, isRefused ? 1 : 0);
 }
 
-void tst_VelhostPlan::unknownTimeout_data()
+void tst_Plan::unknownTimeout_data()
 {
     QTest::addColumn<QByteArray>("timeout");
     QTest::addColumn<QString>("times");
@@ -209,7 +209,7 @@ void tst_VelhostPlan::unknownTimeout_data()
     QTest::newRow("none") << QByteArray("null") << text(R"("worst_ms":null,"connect_ms":null)");
 }
 
-void tst_VelhostPlan::unknownTimeout()
+void tst_Plan::unknownTimeout()
 {
     QFETCH(QByteArray, timeout);
     QFETCH(QString, times);
@@ -221,7 +221,7 @@ void tst_VelhostPlan::unknownTimeout()
                  .arg(times));
 }
 
-void tst_VelhostPlan::writeAsks()
+void tst_Plan::writeAsks()
 {
     const ProgramRun run
         = runPlan(plantAt("10.0.0.1", ""), {text("--write"), text("Press/None=1")});
@@ -230,7 +230,7 @@ void tst_VelhostPlan::writeAsks()
     QCOMPARE(run.exitCode, 2);
 }
 
-void tst_VelhostPlan::wordCounts_data()
+void tst_Plan::wordCounts_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<int>("words");
@@ -251,14 +251,14 @@ void tst_VelhostPlan::wordCounts_data()
     row("\r", 0);
 }
 
-void tst_VelhostPlan::wordCounts()
+void tst_Plan::wordCounts()
 {
     QFETCH(QByteArray, line);
     QFETCH(int, words);
     QCOMPARE(wordCount(line), words);
 }
 
-void tst_VelhostPlan::recorderAnswers()
+void tst_Plan::recorderAnswers()
 {
     Recorder recorder;
     QTcpSocket socket;
@@ -275,7 +275,7 @@ void tst_VelhostPlan::recorderAnswers()
     QCOMPARE(recorder.takeLines(), QList<QByteArray>());
 }
 
-void tst_VelhostPlan::recorderEndsEndlessLine()
+void tst_Plan::recorderEndsEndlessLine()
 {
     Recorder recorder;
     QTcpSocket socket;
@@ -286,7 +286,7 @@ void tst_VelhostPlan::recorderEndsEndlessLine()
     QCOMPARE(recorder.takeLines(), QList<QByteArray>());
 }
 
-void tst_VelhostPlan::judgeableDevice_data()
+void tst_Plan::judgeableDevice_data()
 {
     QTest::addColumn<QString>("ip");
     QTest::addColumn<QString>("port");
@@ -309,7 +309,7 @@ void tst_VelhostPlan::judgeableDevice_data()
     row("plc", "x", "plc:x");
 }
 
-void tst_VelhostPlan::judgeableDevice()
+void tst_Plan::judgeableDevice()
 {
     QFETCH(QString, ip);
     QFETCH(QString, port);
@@ -324,5 +324,5 @@ void tst_VelhostPlan::judgeableDevice()
     QCOMPARE(shown, judged);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostPlan)
+QTEST_GUILESS_MAIN(tst_Plan)
 #include "tst_plan.moc"

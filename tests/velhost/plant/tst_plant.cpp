@@ -46,7 +46,7 @@ Plant plantOf(const QList<QPair<QString, QStringList>> &devices)
 
 } // namespace
 
-class tst_VelhostPlant : public QObject
+class tst_Plant : public QObject
 {
     Q_OBJECT
 
@@ -67,7 +67,7 @@ private Q_SLOTS:
     void assignmentErrors();
 };
 
-void tst_VelhostPlant::everyField()
+void tst_Plant::everyField()
 {
     QStringList errors;
     const std::optional<Plant> plant = parsePlant(
@@ -105,7 +105,7 @@ void tst_VelhostPlant::everyField()
     QCOMPARE(plant->devices.at(1).items.size(), 0);
 }
 
-void tst_VelhostPlant::leavesOut()
+void tst_Plant::leavesOut()
 {
     QStringList errors;
     const std::optional<Plant> plant
@@ -117,7 +117,7 @@ void tst_VelhostPlant::leavesOut()
     QCOMPARE(plant->devices.at(0).items.at(0).parameters.size(), 0);
 }
 
-void tst_VelhostPlant::errors_data()
+void tst_Plant::errors_data()
 {
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<QString>("error");
@@ -208,7 +208,7 @@ void tst_VelhostPlant::errors_data()
         "\"8501\"");
 }
 
-void tst_VelhostPlant::errors()
+void tst_Plant::errors()
 {
     QFETCH(QByteArray, json);
     QFETCH(QString, error);
@@ -218,7 +218,7 @@ void tst_VelhostPlant::errors()
     QCOMPARE(errors, QStringList(error));
 }
 
-void tst_VelhostPlant::idLimits_data()
+void tst_Plant::idLimits_data()
 {
     QTest::addColumn<QByteArray>("id");
     QTest::addColumn<bool>("taken");
@@ -231,7 +231,7 @@ void tst_VelhostPlant::idLimits_data()
     QTest::newRow("2147483648") << QByteArray("2147483648") << false;
 }
 
-void tst_VelhostPlant::idLimits()
+void tst_Plant::idLimits()
 {
     QFETCH(QByteArray, id);
     QFETCH(bool, taken);
@@ -247,7 +247,7 @@ void tst_VelhostPlant::idLimits()
                                             "from 0 to 2147483647")));
 }
 
-void tst_VelhostPlant::collectsErrors()
+void tst_Plant::collectsErrors()
 {
     QStringList errors;
     parsePlant(R"({"devices": [{"id": "1", "ip": "", "items": [{}]}], "x": 1})",
@@ -261,7 +261,7 @@ void tst_VelhostPlant::collectsErrors()
                   QStringLiteral("p.json: devices[0].items[0].name: missing; expected a text")}));
 }
 
-void tst_VelhostPlant::sizeLimits_data()
+void tst_Plant::sizeLimits_data()
 {
     QTest::addColumn<int>("excess");
     QTest::addColumn<bool>("taken");
@@ -271,7 +271,7 @@ void tst_VelhostPlant::sizeLimits_data()
     QTest::newRow("a byte above 16 MiB") << 1 << false;
 }
 
-void tst_VelhostPlant::sizeLimits()
+void tst_Plant::sizeLimits()
 {
     QFETCH(int, excess);
     QFETCH(bool, taken);
@@ -291,7 +291,7 @@ void tst_VelhostPlant::sizeLimits()
     QCOMPARE(errors, taken ? QStringList() : QStringList(tooLarge));
 }
 
-void tst_VelhostPlant::unreadableFile()
+void tst_Plant::unreadableFile()
 {
     const QTemporaryDir folder;
     const QString missing = folder.filePath(QStringLiteral("p.json"));
@@ -303,7 +303,7 @@ void tst_VelhostPlant::unreadableFile()
     QCOMPARE(errors, QStringList({first, second}));
 }
 
-void tst_VelhostPlant::assignments_data()
+void tst_Plant::assignments_data()
 {
     QTest::addColumn<QString>("argument");
     QTest::addColumn<int>("device");
@@ -330,7 +330,7 @@ void tst_VelhostPlant::assignments_data()
     row("x=y/z=1", 2, 0, "1");
 }
 
-void tst_VelhostPlant::assignments()
+void tst_Plant::assignments()
 {
     QFETCH(QString, argument);
     QFETCH(int, device);
@@ -352,7 +352,7 @@ void tst_VelhostPlant::assignments()
     QCOMPARE(assignment->value, value);
 }
 
-void tst_VelhostPlant::assignmentErrors_data()
+void tst_Plant::assignmentErrors_data()
 {
     QTest::addColumn<QString>("argument");
     QTest::addColumn<QString>("error");
@@ -372,7 +372,7 @@ void tst_VelhostPlant::assignmentErrors_data()
     row("A/B/C=5", R"("A/B/C=5": fits items of two devices; rename one in the plant file)");
 }
 
-void tst_VelhostPlant::assignmentErrors()
+void tst_Plant::assignmentErrors()
 {
     QFETCH(QString, argument);
     QFETCH(QString, error);
@@ -385,5 +385,5 @@ void tst_VelhostPlant::assignmentErrors()
     QCOMPARE(found, error);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostPlant)
+QTEST_GUILESS_MAIN(tst_Plant)
 #include "tst_plant.moc"

@@ -86,7 +86,7 @@ QSet<QString> choicesOf(const QJsonObject &column)
 
 } // namespace
 
-class tst_VelhostSchema : public QObject
+class tst_PlantSchema : public QObject
 {
     Q_OBJECT
 
@@ -112,14 +112,14 @@ private Q_SLOTS:
 };
 
 // Debian's own Python, to which its package belongs.
-void tst_VelhostSchema::initTestCase()
+void tst_PlantSchema::initTestCase()
 {
     m_validator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_validator.start(text("/usr/bin/python3"), {text("-c"), text(validatorScript), schemaFile});
     QVERIFY(m_validator.waitForStarted());
 }
 
-void tst_VelhostSchema::cleanupTestCase()
+void tst_PlantSchema::cleanupTestCase()
 {
     m_validator.closeWriteChannel();
     QVERIFY(m_validator.waitForFinished());
@@ -127,7 +127,7 @@ void tst_VelhostSchema::cleanupTestCase()
 }
 
 /// The places at which the schema does not fit the plant.
-QStringList tst_VelhostSchema::problems(QByteArray plant)
+QStringList tst_PlantSchema::problems(QByteArray plant)
 {
     m_validator.write(plant.replace('\n', ' ') + '\n');
     while (!m_validator.canReadLine()) {
@@ -140,7 +140,7 @@ QStringList tst_VelhostSchema::problems(QByteArray plant)
                             : QStringList(QString::fromUtf8(line));
 }
 
-void tst_VelhostSchema::examples_data()
+void tst_PlantSchema::examples_data()
 {
     QTest::addColumn<QString>("fileName");
 
@@ -153,7 +153,7 @@ void tst_VelhostSchema::examples_data()
         QTest::newRow(qPrintable(name)) << folder.filePath(name);
 }
 
-void tst_VelhostSchema::examples()
+void tst_PlantSchema::examples()
 {
     QFETCH(QString, fileName);
 
@@ -165,7 +165,7 @@ void tst_VelhostSchema::examples()
     QCOMPARE(QDir::cleanPath(QFileInfo(fileName).dir().filePath(named)), schemaFile);
 }
 
-void tst_VelhostSchema::goodPlantIsRight()
+void tst_PlantSchema::goodPlantIsRight()
 {
     const ProgramRun run = check(goodPlant);
     QCOMPARE(run.errors, QString());
@@ -173,7 +173,7 @@ void tst_VelhostSchema::goodPlantIsRight()
     QCOMPARE(problems(goodPlant), QStringList());
 }
 
-void tst_VelhostSchema::refused_data()
+void tst_PlantSchema::refused_data()
 {
     QTest::addColumn<QByteArray>("part");
     QTest::addColumn<QByteArray>("replacement");
@@ -224,7 +224,7 @@ void tst_VelhostSchema::refused_data()
 }
 
 // Both refuse the good plant with one part replaced.
-void tst_VelhostSchema::refused()
+void tst_PlantSchema::refused()
 {
     QFETCH(QByteArray, part);
     QFETCH(QByteArray, replacement);
@@ -238,7 +238,7 @@ void tst_VelhostSchema::refused()
     QVERIFY2(places.contains(place), qPrintable(places.join(u' ')));
 }
 
-void tst_VelhostSchema::limits_data()
+void tst_PlantSchema::limits_data()
 {
     QTest::addColumn<QByteArray>("part");
     QTest::addColumn<QByteArray>("replacement");
@@ -278,7 +278,7 @@ void tst_VelhostSchema::limits_data()
     row(timeout, R"("timeout": "10000000000")", false);
 }
 
-void tst_VelhostSchema::limits()
+void tst_PlantSchema::limits()
 {
     QFETCH(QByteArray, part);
     QFETCH(QByteArray, replacement);
@@ -291,7 +291,7 @@ void tst_VelhostSchema::limits()
     QCOMPARE(problems(plant).size(), isRight ? 0 : 1);
 }
 
-void tst_VelhostSchema::knownKeys_data()
+void tst_PlantSchema::knownKeys_data()
 {
     QTest::addColumn<QString>("definition");
     QTest::addColumn<QByteArray>("plant");
@@ -305,7 +305,7 @@ void tst_VelhostSchema::knownKeys_data()
 }
 
 // A key that the program learns must be in the schema, and the other way round.
-void tst_VelhostSchema::knownKeys()
+void tst_PlantSchema::knownKeys()
 {
     QFETCH(QString, definition);
     QFETCH(QByteArray, plant);
@@ -317,7 +317,7 @@ void tst_VelhostSchema::knownKeys()
     QCOMPARE(properties(definition).keys(), sorted(keys.split(text(", "))));
 }
 
-void tst_VelhostSchema::columns_data()
+void tst_PlantSchema::columns_data()
 {
     QTest::addColumn<QString>("scope");
     QTest::addColumn<QString>("definition");
@@ -326,7 +326,7 @@ void tst_VelhostSchema::columns_data()
     QTest::newRow("item") << text("item") << text("itemParameters");
 }
 
-void tst_VelhostSchema::columns()
+void tst_PlantSchema::columns()
 {
     QFETCH(QString, scope);
     QFETCH(QString, definition);
@@ -355,7 +355,7 @@ void tst_VelhostSchema::columns()
     QCOMPARE(parameters.keys(), sorted(declared));
 }
 
-void tst_VelhostSchema::everyKeyIsDescribed()
+void tst_PlantSchema::everyKeyIsDescribed()
 {
     int count = 0;
     for (const char *const definition :
@@ -375,5 +375,5 @@ void tst_VelhostSchema::everyKeyIsDescribed()
         QVERIFY(!definition.toObject().value(u"description").toString().isEmpty());
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostSchema)
+QTEST_GUILESS_MAIN(tst_PlantSchema)
 #include "tst_plantschema.moc"

@@ -60,7 +60,7 @@ QString shown(const QList<DeviceReport> &devices)
 
 } // namespace
 
-class tst_VelhostChanges : public QObject
+class tst_Changes : public QObject
 {
     Q_OBJECT
 
@@ -76,7 +76,7 @@ private Q_SLOTS:
     void devicesApart();
 };
 
-void tst_VelhostChanges::records_data()
+void tst_Changes::records_data()
 {
     QTest::addColumn<QStringList>("fields");
     QTest::addColumn<QString>("record");
@@ -94,14 +94,14 @@ void tst_VelhostChanges::records_data()
     row("backslash", {text("\\r")}, "\\r\r\n");
 }
 
-void tst_VelhostChanges::records()
+void tst_Changes::records()
 {
     QFETCH(QStringList, fields);
     QFETCH(QString, record);
     QCOMPARE(csvRecord(fields), record);
 }
 
-void tst_VelhostChanges::onlyChanges_data()
+void tst_Changes::onlyChanges_data()
 {
     QTest::addColumn<QByteArray>("format");
     QTest::addColumn<QString>("output");
@@ -135,7 +135,7 @@ Cycle  Time                           Device  Item  Value  Error
                                  "5,2024-02-29T12:34:56.789+00:00,Press,A,1,,\r\n");
 }
 
-void tst_VelhostChanges::onlyChanges()
+void tst_Changes::onlyChanges()
 {
     QFETCH(QByteArray, format);
     QFETCH(QString, output);
@@ -148,7 +148,7 @@ void tst_VelhostChanges::onlyChanges()
 }
 
 // Log entries stay out of the values, and what does not change is printed without --only-changes.
-void tst_VelhostChanges::csv()
+void tst_Changes::csv()
 {
     const ProgramRun run = runWithPlant(
         text(VELHOST_FILE),
@@ -164,7 +164,7 @@ void tst_VelhostChanges::csv()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostChanges::csvOfDeviceError()
+void tst_Changes::csvOfDeviceError()
 {
     const ProgramRun run
         = runWithPlant(text(VELHOST_FILE), arguments("csv", true), plantWith("1", "read-error"));
@@ -176,7 +176,7 @@ void tst_VelhostChanges::csvOfDeviceError()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostChanges::deviceErrors()
+void tst_Changes::deviceErrors()
 {
     Changes changes;
     QCOMPARE(shown(changes.take(cycleOf(1, "", "1"))), text("A=1"));
@@ -190,7 +190,7 @@ void tst_VelhostChanges::deviceErrors()
 }
 
 // How the end of a device's error is printed.
-void tst_VelhostChanges::deviceErrorEnds()
+void tst_Changes::deviceErrorEnds()
 {
     DeviceReport device;
     device.cycle = 4;
@@ -210,7 +210,7 @@ void tst_VelhostChanges::deviceErrorEnds()
              text("4,2024-02-29T12:34:56.789+00:00,Press,,,,\r\n"));
 }
 
-void tst_VelhostChanges::devicesApart()
+void tst_Changes::devicesApart()
 {
     DeviceReport press = cycleOf(1, "", "1").at(0);
     DeviceReport oven = press;
@@ -222,5 +222,5 @@ void tst_VelhostChanges::devicesApart()
     QCOMPARE(shown(changes.take({press, oven})), QString());
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostChanges)
+QTEST_GUILESS_MAIN(tst_Changes)
 #include "tst_changes.moc"

@@ -35,7 +35,7 @@ QByteArray csvOfCycle()
 
 } // namespace
 
-class tst_VelhostSignals : public QObject
+class tst_ReadSignals : public QObject
 {
     Q_OBJECT
 
@@ -53,7 +53,7 @@ private Q_SLOTS:
     void stopFails();
 };
 
-void tst_VelhostSignals::startRead(QProcess *process, const QByteArray &script, const char *cycles)
+void tst_ReadSignals::startRead(QProcess *process, const QByteArray &script, const char *cycles)
 {
     QFile file(m_folder.filePath(text("plant.json")));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -67,7 +67,7 @@ void tst_VelhostSignals::startRead(QProcess *process, const QByteArray &script, 
     QVERIFY(process->waitForStarted());
 }
 
-void tst_VelhostSignals::betweenCycles_data()
+void tst_ReadSignals::betweenCycles_data()
 {
     QTest::addColumn<int>("signal");
     QTest::addColumn<int>("exitCode");
@@ -77,7 +77,7 @@ void tst_VelhostSignals::betweenCycles_data()
 }
 
 // Ends long before the day is over that lies between two cycles.
-void tst_VelhostSignals::betweenCycles()
+void tst_ReadSignals::betweenCycles()
 {
     QFETCH(int, signal);
     QFETCH(int, exitCode);
@@ -96,7 +96,7 @@ void tst_VelhostSignals::betweenCycles()
     QCOMPARE(process.readAllStandardError().split('\n').value(3), QByteArray("log debug: stop: A"));
 }
 
-void tst_VelhostSignals::duringCycle_data()
+void tst_ReadSignals::duringCycle_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::addColumn<QByteArray>("cycles");
@@ -113,7 +113,7 @@ void tst_VelhostSignals::duringCycle_data()
 }
 
 // The signal comes while the first device is read; the second one is read all the same.
-void tst_VelhostSignals::duringCycle()
+void tst_ReadSignals::duringCycle()
 {
     QFETCH(QByteArray, script);
     QFETCH(QByteArray, cycles);
@@ -131,7 +131,7 @@ void tst_VelhostSignals::duringCycle()
 }
 
 // As a shell starts what shall run on in the background.
-void tst_VelhostSignals::ignoredFromTheStart()
+void tst_ReadSignals::ignoredFromTheStart()
 {
     QFile file(m_folder.filePath(text("plant.json")));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -148,7 +148,7 @@ void tst_VelhostSignals::ignoredFromTheStart()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostSignals::stopFails()
+void tst_ReadSignals::stopFails()
 {
     QProcess process;
     startRead(&process, "raise-int,stop-false", "2");
@@ -159,5 +159,5 @@ void tst_VelhostSignals::stopFails()
                         " returned false from stopPlugin()"));
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostSignals)
+QTEST_GUILESS_MAIN(tst_ReadSignals)
 #include "tst_readsignals.moc"

@@ -59,7 +59,7 @@ QList<QJsonObject> objects(const QString &lines)
 
 } // namespace
 
-class tst_VelhostWatch : public QObject
+class tst_Watch : public QObject
 {
     Q_OBJECT
 
@@ -81,7 +81,7 @@ private Q_SLOTS:
 };
 
 // Long before the second cycle, but not before the time is over.
-void tst_VelhostWatch::endsByItself()
+void tst_Watch::endsByItself()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
@@ -100,7 +100,7 @@ void tst_VelhostWatch::endsByItself()
 }
 
 // A line for each change and none between; the value changes as soon as the line before is there.
-void tst_VelhostWatch::printsChanges()
+void tst_Watch::printsChanges()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 0));
@@ -135,7 +135,7 @@ void tst_VelhostWatch::printsChanges()
     QCOMPARE(process.exitCode(), 143);
 }
 
-void tst_VelhostWatch::countsErrors()
+void tst_Watch::countsErrors()
 {
     kvsim::SimulatorThread controller;
     QCOMPARE(controller.addFault("refuse=E1@DM1@every=2"), QString());
@@ -150,7 +150,7 @@ void tst_VelhostWatch::countsErrors()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_VelhostWatch::expected_data()
+void tst_Watch::expected_data()
 {
     QTest::addColumn<QList<QByteArray>>("rests");
     QTest::addColumn<QString>("lines");
@@ -176,7 +176,7 @@ void tst_VelhostWatch::expected_data()
                                  << 1 << 1;
 }
 
-void tst_VelhostWatch::expected()
+void tst_Watch::expected()
 {
     QFETCH(QList<QByteArray>, rests);
     QFETCH(QString, lines);
@@ -197,7 +197,7 @@ void tst_VelhostWatch::expected()
 }
 
 // What cannot be read is no wrong value.
-void tst_VelhostWatch::json()
+void tst_Watch::json()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
@@ -228,7 +228,7 @@ void tst_VelhostWatch::json()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_VelhostWatch::csv()
+void tst_Watch::csv()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
@@ -241,7 +241,7 @@ void tst_VelhostWatch::csv()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_VelhostWatch::readsAreCollapsed()
+void tst_Watch::readsAreCollapsed()
 {
     kvsim::SimulatorThread controller;
     const ProgramRun twoEntries
@@ -257,7 +257,7 @@ void tst_VelhostWatch::readsAreCollapsed()
     QCOMPARE(oneEntry.output.count(text("invalid address")), 3);
 }
 
-void tst_VelhostWatch::jsonKeepsAllEntries()
+void tst_Watch::jsonKeepsAllEntries()
 {
     kvsim::SimulatorThread controller;
     const ProgramRun result = run("read plant.json --cycles 3 --interval 0 --format json",
@@ -267,7 +267,7 @@ void tst_VelhostWatch::jsonKeepsAllEntries()
 }
 
 // The first line is that of the device itself; the count comes when another entry does.
-void tst_VelhostWatch::lostConnection()
+void tst_Watch::lostConnection()
 {
     int port = 0;
     {
@@ -289,7 +289,7 @@ void tst_VelhostWatch::lostConnection()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_VelhostWatch::signalEnds_data()
+void tst_Watch::signalEnds_data()
 {
     QTest::addColumn<int>("signal");
     QTest::addColumn<int>("exitCode");
@@ -299,7 +299,7 @@ void tst_VelhostWatch::signalEnds_data()
 }
 
 // A controller that sees its client go, a day before the next cycle.
-void tst_VelhostWatch::signalEnds()
+void tst_Watch::signalEnds()
 {
     QFETCH(int, signal);
     QFETCH(int, exitCode);
@@ -338,7 +338,7 @@ void tst_VelhostWatch::signalEnds()
 }
 
 // The plug-in is stopped after the summary, whatever ends the watch.
-void tst_VelhostWatch::stops()
+void tst_Watch::stops()
 {
     const QByteArray plant = R"({"devices": [{"id": 1, "name": "A", "ip": "127.0.0.1",
  "parameters": {"script": "trace,raise-int"}, "items": [{"name": "x"}]}]})";
@@ -351,7 +351,7 @@ void tst_VelhostWatch::stops()
 }
 
 // Nobody sees what would come.
-void tst_VelhostWatch::outputIsLost()
+void tst_Watch::outputIsLost()
 {
     const QByteArray plant
         = R"({"devices": [{"id": 1, "name": "A", "ip": "127.0.0.1", "items": [{"name": "x"}]}]})";
@@ -366,5 +366,5 @@ void tst_VelhostWatch::outputIsLost()
     QCOMPARE(result.exitCode, 1);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostWatch)
+QTEST_GUILESS_MAIN(tst_Watch)
 #include "tst_watch.moc"

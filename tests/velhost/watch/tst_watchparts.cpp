@@ -51,7 +51,7 @@ QStringList screen(const std::vector<WatchedDevice> &devices, ScreenSize size, M
 
 } // namespace
 
-class tst_VelhostWatchParts : public QObject
+class tst_WatchParts : public QObject
 {
     Q_OBJECT
 
@@ -78,7 +78,7 @@ private Q_SLOTS:
     void summary();
 };
 
-void tst_VelhostWatchParts::noLatency()
+void tst_WatchParts::noLatency()
 {
     const Latencies latencies;
     QCOMPARE(latencies.count(), 0);
@@ -86,7 +86,7 @@ void tst_VelhostWatchParts::noLatency()
     QCOMPARE(latencies.longest(), 0);
 }
 
-void tst_VelhostWatchParts::latencies_data()
+void tst_WatchParts::latencies_data()
 {
     QTest::addColumn<qint64>("microseconds");
     QTest::addColumn<qint64>("median");
@@ -109,7 +109,7 @@ void tst_VelhostWatchParts::latencies_data()
 }
 
 // Between a shorter and a longer one, so that nothing but the bucket decides.
-void tst_VelhostWatchParts::latencies()
+void tst_WatchParts::latencies()
 {
     QFETCH(qint64, microseconds);
     QFETCH(qint64, median);
@@ -123,7 +123,7 @@ void tst_VelhostWatchParts::latencies()
     QCOMPARE(latencies.count(), 3);
 }
 
-void tst_VelhostWatchParts::percentiles()
+void tst_WatchParts::percentiles()
 {
     Latencies latencies;
     latencies.add(100'000);
@@ -140,7 +140,7 @@ void tst_VelhostWatchParts::percentiles()
     QCOMPARE(latencies.longest(), 100'000);
 }
 
-void tst_VelhostWatchParts::width_data()
+void tst_WatchParts::width_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("width");
@@ -153,7 +153,7 @@ void tst_VelhostWatchParts::width_data()
     QTest::newRow("beyond the basic plane") << utf8("𠮷") << 2;
 }
 
-void tst_VelhostWatchParts::width()
+void tst_WatchParts::width()
 {
     QFETCH(QString, text);
     QFETCH(int, width);
@@ -161,7 +161,7 @@ void tst_VelhostWatchParts::width()
     QCOMPARE(paddedToWidth(text, 7), text + QString(7 - width, u' '));
 }
 
-void tst_VelhostWatchParts::cut_data()
+void tst_WatchParts::cut_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("columns");
@@ -177,7 +177,7 @@ void tst_VelhostWatchParts::cut_data()
     QTest::newRow("behind an ideograph") << utf8("温度計") << 5 << utf8("温度…");
 }
 
-void tst_VelhostWatchParts::cut()
+void tst_WatchParts::cut()
 {
     QFETCH(QString, text);
     QFETCH(int, columns);
@@ -185,7 +185,7 @@ void tst_VelhostWatchParts::cut()
     QCOMPARE(cutToWidth(text, columns), result);
 }
 
-void tst_VelhostWatchParts::age_data()
+void tst_WatchParts::age_data()
 {
     QTest::addColumn<qint64>("milliseconds");
     QTest::addColumn<QString>("text");
@@ -204,7 +204,7 @@ void tst_VelhostWatchParts::age_data()
     row("years", Q_INT64_C(86'400'000) * 1000, "1000 d 00 h");
 }
 
-void tst_VelhostWatchParts::age()
+void tst_WatchParts::age()
 {
     QFETCH(qint64, milliseconds);
     QFETCH(QString, text);
@@ -212,7 +212,7 @@ void tst_VelhostWatchParts::age()
 }
 
 // The error's own control characters are written out.
-void tst_VelhostWatchParts::wholeScreen()
+void tst_WatchParts::wholeScreen()
 {
     const QStringList lines{
         utf8("title of the watch"),
@@ -227,7 +227,7 @@ void tst_VelhostWatchParts::wholeScreen()
     QCOMPARE(screen(pressWith(1), {200, 24}, Marking::None), lines);
 }
 
-void tst_VelhostWatchParts::screenRows_data()
+void tst_WatchParts::screenRows_data()
 {
     QTest::addColumn<int>("rows");
     QTest::addColumn<int>("lines");
@@ -241,7 +241,7 @@ void tst_VelhostWatchParts::screenRows_data()
     QTest::newRow("the title alone") << 1 << 1 << utf8("title of the watch");
 }
 
-void tst_VelhostWatchParts::screenRows()
+void tst_WatchParts::screenRows()
 {
     QFETCH(int, rows);
     QFETCH(int, lines);
@@ -252,7 +252,7 @@ void tst_VelhostWatchParts::screenRows()
     QVERIFY2(found.last().startsWith(lastLine), qPrintable(found.last()));
 }
 
-void tst_VelhostWatchParts::screenColumns_data()
+void tst_WatchParts::screenColumns_data()
 {
     QTest::addColumn<int>("columns");
     QTest::addColumn<QString>("line");
@@ -263,7 +263,7 @@ void tst_VelhostWatchParts::screenColumns_data()
     QTest::newRow("one column") << 1 << utf8("…");
 }
 
-void tst_VelhostWatchParts::screenColumns()
+void tst_WatchParts::screenColumns()
 {
     QFETCH(int, columns);
     QFETCH(QString, line);
@@ -275,7 +275,7 @@ void tst_VelhostWatchParts::screenColumns()
 }
 
 // What stands behind it has its place as long as twenty columns are left for the error.
-void tst_VelhostWatchParts::errorTakesTheRest()
+void tst_WatchParts::errorTakesTheRest()
 {
     const QString whole = screen(pressWith(1), {88, 24}, Marking::None).at(4);
     QVERIFY2(whole.contains(utf8("  no such address\\x1b[31m  0 ")), qPrintable(whole));
@@ -285,7 +285,7 @@ void tst_VelhostWatchParts::errorTakesTheRest()
     QVERIFY2(least.contains(utf8("  no such address\\x1b…  0 ")), qPrintable(least));
 }
 
-void tst_VelhostWatchParts::marks_data()
+void tst_WatchParts::marks_data()
 {
     QTest::addColumn<int>("marking");
     QTest::addColumn<qint64>("changedCycle");
@@ -301,7 +301,7 @@ void tst_VelhostWatchParts::marks_data()
     QTest::newRow("none") << static_cast<int>(Marking::None) << qint64(2) << utf8("  -123456789  ");
 }
 
-void tst_VelhostWatchParts::marks()
+void tst_WatchParts::marks()
 {
     QFETCH(int, marking);
     QFETCH(qint64, changedCycle);
@@ -315,7 +315,7 @@ void tst_VelhostWatchParts::marks()
 }
 
 // The latest three, above which the table makes room.
-void tst_VelhostWatchParts::logBelow()
+void tst_WatchParts::logBelow()
 {
     QList<CountedEntry> log;
     for (int i = 1; i <= 4; ++i)
@@ -330,7 +330,7 @@ void tst_VelhostWatchParts::logBelow()
     QCOMPARE(countedText({log.at(3).entry, 1}), utf8("log error: entry\\r4\n"));
 }
 
-void tst_VelhostWatchParts::summary()
+void tst_WatchParts::summary()
 {
     std::vector<WatchedDevice> devices = pressWith(1);
     devices.at(0).failedCycles = 1;
@@ -348,5 +348,5 @@ void tst_VelhostWatchParts::summary()
                   "\n"));
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostWatchParts)
+QTEST_GUILESS_MAIN(tst_WatchParts)
 #include "tst_watchparts.moc"

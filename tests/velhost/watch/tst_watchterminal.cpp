@@ -44,7 +44,7 @@ QByteArray afterLeaving(const QByteArray &output)
 
 } // namespace
 
-class tst_VelhostWatchTerminal : public QObject
+class tst_WatchTerminal : public QObject
 {
     Q_OBJECT
 
@@ -71,8 +71,8 @@ private Q_SLOTS:
     void lines();
 };
 
-QStringList tst_VelhostWatchTerminal::arguments(const kvsim::SimulatorThread &controller,
-                                                const QStringList &items, const char *interval)
+QStringList tst_WatchTerminal::arguments(const kvsim::SimulatorThread &controller,
+                                         const QStringList &items, const char *interval)
 {
     QStringList texts;
     for (const QString &item : items)
@@ -91,7 +91,7 @@ QStringList tst_VelhostWatchTerminal::arguments(const kvsim::SimulatorThread &co
             text(interval), text("--plugin"), text(KEYENCE_PLUGIN_FILE)};
 }
 
-void tst_VelhostWatchTerminal::redraws()
+void tst_WatchTerminal::redraws()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 5));
@@ -116,7 +116,7 @@ void tst_VelhostWatchTerminal::redraws()
     QVERIFY(watch.waitFor("  2        0 "));
 }
 
-void tst_VelhostWatchTerminal::colour_data()
+void tst_WatchTerminal::colour_data()
 {
     QTest::addColumn<QByteArray>("noColor");
     QTest::addColumn<QByteArray>("before");
@@ -132,7 +132,7 @@ void tst_VelhostWatchTerminal::colour_data()
 }
 
 // The changed value stands out, then no more.
-void tst_VelhostWatchTerminal::colour()
+void tst_WatchTerminal::colour()
 {
     QFETCH(QByteArray, noColor);
     QFETCH(QByteArray, before);
@@ -154,7 +154,7 @@ void tst_VelhostWatchTerminal::colour()
     QCOMPARE(watch.output().contains("\x1b[30;43m"), isColoured);
 }
 
-void tst_VelhostWatchTerminal::wrongValue()
+void tst_WatchTerminal::wrongValue()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
@@ -164,7 +164,7 @@ void tst_VelhostWatchTerminal::wrongValue()
     QVERIFY(watch.waitFor("\x1b[31mexpected \"5\"\x1b[0m  0 "));
 }
 
-void tst_VelhostWatchTerminal::smallWindow()
+void tst_WatchTerminal::smallWindow()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 12345));
@@ -185,7 +185,7 @@ void tst_VelhostWatchTerminal::smallWindow()
         QVERIFY2(QString::fromUtf8(line).size() <= 21, line.constData());
 }
 
-void tst_VelhostWatchTerminal::windowChanges()
+void tst_WatchTerminal::windowChanges()
 {
     kvsim::SimulatorThread controller;
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("A=DM1"), text("B=DM2")}), 5,
@@ -198,7 +198,7 @@ void tst_VelhostWatchTerminal::windowChanges()
 }
 
 // Long before the next cycle.
-void tst_VelhostWatchTerminal::ages()
+void tst_WatchTerminal::ages()
 {
     kvsim::SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 5));
@@ -210,7 +210,7 @@ void tst_VelhostWatchTerminal::ages()
 
 // An entry that comes again and again stands there once, and nowhere but in the drawings; at the
 // end it is printed once.
-void tst_VelhostWatchTerminal::logBelow()
+void tst_WatchTerminal::logBelow()
 {
     kvsim::SimulatorThread controller;
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("A=DM70000")}), 24, 100,
@@ -224,7 +224,7 @@ void tst_VelhostWatchTerminal::logBelow()
     QCOMPARE(afterLeaving(watch.output()).count(entry + " (x "), 1);
 }
 
-void tst_VelhostWatchTerminal::controlCharacters()
+void tst_WatchTerminal::controlCharacters()
 {
     QFile file(m_folder.filePath(text("plant.json")));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -244,7 +244,7 @@ void tst_VelhostWatchTerminal::controlCharacters()
     QVERIFY(!watch.output().contains("\xc2\x9b"));
 }
 
-void tst_VelhostWatchTerminal::ends_data()
+void tst_WatchTerminal::ends_data()
 {
     QTest::addColumn<QByteArray>("keys");
     QTest::addColumn<int>("signal");
@@ -259,7 +259,7 @@ void tst_VelhostWatchTerminal::ends_data()
 }
 
 // The terminal is given back once, and nothing is drawn after it.
-void tst_VelhostWatchTerminal::ends()
+void tst_WatchTerminal::ends()
 {
     QFETCH(QByteArray, keys);
     QFETCH(int, signal);
@@ -286,7 +286,7 @@ void tst_VelhostWatchTerminal::ends()
 }
 
 // A stop gives it back, too; who goes on takes it again.
-void tst_VelhostWatchTerminal::stoppedAndContinued()
+void tst_WatchTerminal::stoppedAndContinued()
 {
     kvsim::SimulatorThread controller;
     const QStringList words = arguments(controller, {text("Counter=DM1")});
@@ -309,7 +309,7 @@ void tst_VelhostWatchTerminal::stoppedAndContinued()
     QCOMPARE(shell.output().count(leave), 2);
 }
 
-void tst_VelhostWatchTerminal::lines_data()
+void tst_WatchTerminal::lines_data()
 {
     QTest::addColumn<QByteArray>("term");
     QTest::addColumn<QByteArray>("option");
@@ -321,7 +321,7 @@ void tst_VelhostWatchTerminal::lines_data()
 }
 
 // No drawing: lines that scroll.
-void tst_VelhostWatchTerminal::lines()
+void tst_WatchTerminal::lines()
 {
     QFETCH(QByteArray, term);
     QFETCH(QByteArray, option);
@@ -340,5 +340,5 @@ void tst_VelhostWatchTerminal::lines()
     QVERIFY2(!watch.output().contains('\x1b'), watch.output().constData());
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostWatchTerminal)
+QTEST_GUILESS_MAIN(tst_WatchTerminal)
 #include "tst_watchterminal.moc"

@@ -5,7 +5,7 @@
 
 Q_DECLARE_METATYPE(ValueKind)
 
-class tst_VelhostSameValue : public QObject
+class tst_SameValue : public QObject
 {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ private Q_SLOTS:
     void kinds();
 };
 
-void tst_VelhostSameValue::compares_data()
+void tst_SameValue::compares_data()
 {
     QTest::addColumn<ValueKind>("kind");
     QTest::addColumn<QString>("written");
@@ -79,7 +79,7 @@ void tst_VelhostSameValue::compares_data()
     row("text, digits", ValueKind::Text, "007", "7", false);
 }
 
-void tst_VelhostSameValue::compares()
+void tst_SameValue::compares()
 {
     QFETCH(ValueKind, kind);
     QFETCH(QString, written);
@@ -88,7 +88,7 @@ void tst_VelhostSameValue::compares()
     QCOMPARE(sameValue(written, readBack, kind), same);
 }
 
-void tst_VelhostSameValue::kinds_data()
+void tst_SameValue::kinds_data()
 {
     QTest::addColumn<QString>("type");
     QTest::addColumn<ValueKind>("kind");
@@ -100,7 +100,7 @@ void tst_VelhostSameValue::kinds_data()
     QTest::newRow("left out") << QString() << ValueKind::Number;
 }
 
-void tst_VelhostSameValue::kinds()
+void tst_SameValue::kinds()
 {
     QFETCH(QString, type);
     QFETCH(ValueKind, kind);
@@ -118,5 +118,5 @@ void tst_VelhostSameValue::kinds()
     QCOMPARE(valueKind(parameters, {address, column}), kind);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostSameValue)
+QTEST_GUILESS_MAIN(tst_SameValue)
 #include "tst_samevalue.moc"

@@ -49,7 +49,7 @@ QStringList arguments(const char *plugin, const char *format, const QStringList 
 
 } // namespace
 
-class tst_VelhostWrite : public QObject
+class tst_Write : public QObject
 {
     Q_OBJECT
 
@@ -66,7 +66,7 @@ private Q_SLOTS:
     void writesOnly();
 };
 
-void tst_VelhostWrite::confirmation_data()
+void tst_Write::confirmation_data()
 {
     QTest::addColumn<QByteArray>("ip");
     QTest::addColumn<bool>("isAsked");
@@ -85,7 +85,7 @@ void tst_VelhostWrite::confirmation_data()
     QTest::newRow("empty") << QByteArray() << true;
 }
 
-void tst_VelhostWrite::confirmation()
+void tst_Write::confirmation()
 {
     QFETCH(QByteArray, ip);
     QFETCH(bool, isAsked);
@@ -107,7 +107,7 @@ void tst_VelhostWrite::confirmation()
     QCOMPARE(confirmed.exitCode, 0);
 }
 
-void tst_VelhostWrite::namesEveryDevice()
+void tst_Write::namesEveryDevice()
 {
     const QByteArray plant = R"({"devices": [
  {"id": 1, "name": "A", "ip": "10.0.0.1", "items": [{"name": "x"}]},
@@ -127,7 +127,7 @@ void tst_VelhostWrite::namesEveryDevice()
     }
 }
 
-void tst_VelhostWrite::records_data()
+void tst_Write::records_data()
 {
     QTest::addColumn<QByteArray>("answers");
     QTest::addColumn<QByteArray>("script");
@@ -162,7 +162,7 @@ void tst_VelhostWrite::records_data()
         1);
 }
 
-void tst_VelhostWrite::records()
+void tst_Write::records()
 {
     QFETCH(QByteArray, answers);
     QFETCH(QByteArray, script);
@@ -182,7 +182,7 @@ void tst_VelhostWrite::records()
     QCOMPARE(run.exitCode, exitCode);
 }
 
-void tst_VelhostWrite::table()
+void tst_Write::table()
 {
     const ProgramRun run = runWithPlant(
         program,
@@ -198,7 +198,7 @@ void tst_VelhostWrite::table()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_VelhostWrite::realController()
+void tst_Write::realController()
 {
     kvsim::SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -227,7 +227,7 @@ void tst_VelhostWrite::realController()
 }
 
 // Each failure is its own item's, and the items after it are written.
-void tst_VelhostWrite::realFailures()
+void tst_Write::realFailures()
 {
     kvsim::SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -253,7 +253,7 @@ void tst_VelhostWrite::realFailures()
     QCOMPARE(controller.word("D220"), 1);
 }
 
-void tst_VelhostWrite::twiceTheSameItem()
+void tst_Write::twiceTheSameItem()
 {
     kvsim::SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -270,7 +270,7 @@ void tst_VelhostWrite::twiceTheSameItem()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostWrite::writesOnly()
+void tst_Write::writesOnly()
 {
     ScriptedPeer controller({{"OK\r\n"}});
     const ProgramRun run = runWithPlant(
@@ -286,5 +286,5 @@ void tst_VelhostWrite::writesOnly()
     QCOMPARE(run.exitCode, 0);
 }
 
-QTEST_GUILESS_MAIN(tst_VelhostWrite)
+QTEST_GUILESS_MAIN(tst_Write)
 #include "tst_write.moc"
