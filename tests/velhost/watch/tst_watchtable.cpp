@@ -1,12 +1,10 @@
-#include <latencies.h>
 #include <textwidth.h>
-#include <watchsummary.h>
 #include <watchtable.h>
 
 #include <QDateTime>
 #include <QTest>
 
-// What a watch is made of, without a process and without a terminal.
+// What a watch draws, without a process and without a terminal.
 
 namespace {
 
@@ -51,19 +49,11 @@ QStringList screen(const std::vector<WatchedDevice> &devices, ScreenSize size, M
 
 } // namespace
 
-class tst_WatchParts : public QObject
+class tst_WatchTable : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void noLatency();
-    void latencies_data();
-    void latencies();
-    void percentiles();
-    void width_data();
-    void width();
-    void cut_data();
-    void cut();
     void age_data();
     void age();
     void wholeScreen();
@@ -75,117 +65,9 @@ private Q_SLOTS:
     void marks_data();
     void marks();
     void logBelow();
-    void summary();
 };
 
-void tst_WatchParts::noLatency()
-{
-    const Latencies latencies;
-    QCOMPARE(latencies.count(), 0);
-    QCOMPARE(latencies.percentile(50), 0);
-    QCOMPARE(latencies.longest(), 0);
-}
-
-void tst_WatchParts::latencies_data()
-{
-    QTest::addColumn<qint64>("microseconds");
-    QTest::addColumn<qint64>("median");
-
-    const auto row = [](const char *title, qint64 microseconds, qint64 median) {
-        QTest::newRow(title) << microseconds << median;
-    };
-    row("negative", -1, 0);
-    row("zero", 0, 0);
-    row("one", 1, 1);
-    row("below the first wide bucket", 127, 127);
-    row("the first wide bucket", 128, 129);
-    row("its end", 129, 129);
-    row("the next one", 130, 131);
-    row("below a doubling", 255, 255);
-    row("at a doubling", 256, 258);
-    row("a second", 1'000'000, 1'003'520);
-    row("below the last bit", (Q_INT64_C(1) << 42) - 1, 4'380'866'641'920);
-    row("more than there are buckets", Q_INT64_C(1) << 50, 4'380'866'641'920);
-}
-
-// Between a shorter and a longer one, so that nothing but the bucket decides.
-void tst_WatchParts::latencies()
-{
-    QFETCH(qint64, microseconds);
-    QFETCH(qint64, median);
-
-    const qint64 longest = std::numeric_limits<qint64>::max();
-    Latencies latencies;
-    for (const qint64 time : {Q_INT64_C(0), microseconds, longest})
-        latencies.add(time);
-    QCOMPARE(latencies.percentile(50), median);
-    QCOMPARE(latencies.longest(), longest);
-    QCOMPARE(latencies.count(), 3);
-}
-
-void tst_WatchParts::percentiles()
-{
-    Latencies latencies;
-    latencies.add(100'000);
-    QCOMPARE(latencies.percentile(50), 100'000);
-    QCOMPARE(latencies.percentile(99), 100'000);
-    for (int i = 1; i < 100; ++i)
-        latencies.add(i);
-    QCOMPARE(latencies.percentile(1), 1);
-    QCOMPARE(latencies.percentile(50), 50);
-    QCOMPARE(latencies.percentile(99), 99);
-    QCOMPARE(latencies.percentile(100), 99'840);
-    latencies.add(1);
-    QCOMPARE(latencies.percentile(99), 99);
-    QCOMPARE(latencies.longest(), 100'000);
-}
-
-void tst_WatchParts::width_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("width");
-
-    QTest::newRow("empty") << QString() << 0;
-    QTest::newRow("Latin") << utf8("Zähler") << 6;
-    QTest::newRow("ideographs") << utf8("温度1") << 5;
-    QTest::newRow("half-width katakana") << utf8("ﾌﾟﾚｽ") << 4;
-    QTest::newRow("combining mark") << utf8("e\u0301") << 1;
-    QTest::newRow("beyond the basic plane") << utf8("𠮷") << 2;
-}
-
-void tst_WatchParts::width()
-{
-    QFETCH(QString, text);
-    QFETCH(int, width);
-    QCOMPARE(textWidth(text), width);
-    QCOMPARE(paddedToWidth(text, 7), text + QString(7 - width, u' '));
-}
-
-void tst_WatchParts::cut_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("columns");
-    QTest::addColumn<QString>("result");
-
-    QTest::newRow("too short") << utf8("1234") << 3 << utf8("12…");
-    QTest::newRow("fits") << utf8("1234") << 4 << utf8("1234");
-    QTest::newRow("room") << utf8("1234") << 5 << utf8("1234");
-    QTest::newRow("one column") << utf8("1234") << 1 << utf8("…");
-    QTest::newRow("no column") << utf8("1234") << 0 << QString();
-    QTest::newRow("less than none") << utf8("1234") << -1 << QString();
-    QTest::newRow("within an ideograph") << utf8("温度計") << 4 << utf8("温…");
-    QTest::newRow("behind an ideograph") << utf8("温度計") << 5 << utf8("温度…");
-}
-
-void tst_WatchParts::cut()
-{
-    QFETCH(QString, text);
-    QFETCH(int, columns);
-    QFETCH(QString, result);
-    QCOMPARE(cutToWidth(text, columns), result);
-}
-
-void tst_WatchParts::age_data()
+void tst_WatchTable::age_data()
 {
     QTest::addColumn<qint64>("milliseconds");
     QTest::addColumn<QString>("text");
@@ -204,7 +86,7 @@ void tst_WatchParts::age_data()
     row("years", Q_INT64_C(86'400'000) * 1000, "1000 d 00 h");
 }
 
-void tst_WatchParts::age()
+void tst_WatchTable::age()
 {
     QFETCH(qint64, milliseconds);
     QFETCH(QString, text);
@@ -212,7 +94,7 @@ void tst_WatchParts::age()
 }
 
 // The error's own control characters are written out.
-void tst_WatchParts::wholeScreen()
+void tst_WatchTable::wholeScreen()
 {
     const QStringList lines{
         utf8("title of the watch"),
@@ -227,7 +109,7 @@ void tst_WatchParts::wholeScreen()
     QCOMPARE(screen(pressWith(1), {200, 24}, Marking::None), lines);
 }
 
-void tst_WatchParts::screenRows_data()
+void tst_WatchTable::screenRows_data()
 {
     QTest::addColumn<int>("rows");
     QTest::addColumn<int>("lines");
@@ -241,7 +123,7 @@ void tst_WatchParts::screenRows_data()
     QTest::newRow("the title alone") << 1 << 1 << utf8("title of the watch");
 }
 
-void tst_WatchParts::screenRows()
+void tst_WatchTable::screenRows()
 {
     QFETCH(int, rows);
     QFETCH(int, lines);
@@ -252,7 +134,7 @@ void tst_WatchParts::screenRows()
     QVERIFY2(found.last().startsWith(lastLine), qPrintable(found.last()));
 }
 
-void tst_WatchParts::screenColumns_data()
+void tst_WatchTable::screenColumns_data()
 {
     QTest::addColumn<int>("columns");
     QTest::addColumn<QString>("line");
@@ -263,7 +145,7 @@ void tst_WatchParts::screenColumns_data()
     QTest::newRow("one column") << 1 << utf8("…");
 }
 
-void tst_WatchParts::screenColumns()
+void tst_WatchTable::screenColumns()
 {
     QFETCH(int, columns);
     QFETCH(QString, line);
@@ -275,7 +157,7 @@ void tst_WatchParts::screenColumns()
 }
 
 // What stands behind it has its place as long as twenty columns are left for the error.
-void tst_WatchParts::errorTakesTheRest()
+void tst_WatchTable::errorTakesTheRest()
 {
     const QString whole = screen(pressWith(1), {88, 24}, Marking::None).at(4);
     QVERIFY2(whole.contains(utf8("  no such address\\x1b[31m  0 ")), qPrintable(whole));
@@ -285,7 +167,7 @@ void tst_WatchParts::errorTakesTheRest()
     QVERIFY2(least.contains(utf8("  no such address\\x1b…  0 ")), qPrintable(least));
 }
 
-void tst_WatchParts::marks_data()
+void tst_WatchTable::marks_data()
 {
     QTest::addColumn<int>("marking");
     QTest::addColumn<qint64>("changedCycle");
@@ -301,7 +183,7 @@ void tst_WatchParts::marks_data()
     QTest::newRow("none") << static_cast<int>(Marking::None) << qint64(2) << utf8("  -123456789  ");
 }
 
-void tst_WatchParts::marks()
+void tst_WatchTable::marks()
 {
     QFETCH(int, marking);
     QFETCH(qint64, changedCycle);
@@ -315,7 +197,7 @@ void tst_WatchParts::marks()
 }
 
 // The latest three, above which the table makes room.
-void tst_WatchParts::logBelow()
+void tst_WatchTable::logBelow()
 {
     QList<CountedEntry> log;
     for (int i = 1; i <= 4; ++i)
@@ -330,23 +212,5 @@ void tst_WatchParts::logBelow()
     QCOMPARE(countedText({log.at(3).entry, 1}), utf8("log error: entry\\r4\n"));
 }
 
-void tst_WatchParts::summary()
-{
-    std::vector<WatchedDevice> devices = pressWith(1);
-    devices.at(0).failedCycles = 1;
-    for (const qint64 time : {1500, 2500, 1'000'000})
-        devices.at(0).latencies.add(time);
-    for (WatchedItem &item : devices.at(0).items)
-        item.reads = 3;
-    devices.at(0).items.at(0).wrong = 2;
-    QCOMPARE(summaryText(OutputFormat::Table, devices),
-             utf8("Device  Cycles  Failed  Reads  Errors  Wrong  p50 ms  p99 ms   Max ms\n"
-                  "Press   3       1       6      1       2      2.51    1000.00  1000.00\n"));
-    QCOMPARE(summaryText(OutputFormat::Json, devices),
-             utf8(R"({"type":"summary","device":"Press","cycles":3,"failed":1,"reads":6,)"
-                  R"("errors":1,"wrong":2,"p50_ms":2.512,"p99_ms":1000,"max_ms":1000})"
-                  "\n"));
-}
-
-QTEST_GUILESS_MAIN(tst_WatchParts)
-#include "tst_watchparts.moc"
+QTEST_GUILESS_MAIN(tst_WatchTable)
+#include "tst_watchtable.moc"
