@@ -1,15 +1,12 @@
 #include <kvsim/linebuffer.h>
-#include <kvsim/trace.h>
 
-#include <QDateTime>
-#include <QHostAddress>
 #include <QTest>
 
 using kvsim::Line;
 using kvsim::LineBuffer;
 
-// How the simulated controller cuts what it receives into lines, and how it shows them.
-class tst_Lines : public QObject
+// How the simulated controller cuts what it receives into lines.
+class tst_LineBuffer : public QObject
 {
     Q_OBJECT
 
@@ -20,11 +17,6 @@ private Q_SLOTS:
     void lengthLimit_data();
     void lengthLimit();
     void lineWithoutEnd();
-    void escapes_data();
-    void escapes();
-    void endpoints_data();
-    void endpoints();
-    void trace();
 };
 
 namespace {
@@ -42,7 +34,7 @@ QList<QByteArray> takeLines(LineBuffer *buffer)
 
 } // namespace
 
-void tst_Lines::lines_data()
+void tst_LineBuffer::lines_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QList<QByteArray>>("lines");
@@ -61,7 +53,7 @@ void tst_Lines::lines_data()
     QTest::newRow("zero byte") << QByteArray("?\0K\r", 4) << Lines{QByteArray("?\0K", 3)};
 }
 
-void tst_Lines::lines()
+void tst_LineBuffer::lines()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QList<QByteArray>, lines);
@@ -71,7 +63,7 @@ void tst_Lines::lines()
     QCOMPARE(takeLines(&buffer), lines);
 }
 
-void tst_Lines::everyCut()
+void tst_LineBuffer::everyCut()
 {
     const QByteArray bytes("RD DM100\r\nWRS DM0 2  1 -2\r\n\r?K\rRDS");
     const QList<QByteArray> expected{"RD DM100", "WRS DM0 2  1 -2", "", "?K"};
@@ -93,7 +85,7 @@ void tst_Lines::everyCut()
     QCOMPARE(lines, expected);
 }
 
-void tst_Lines::lengthLimit_data()
+void tst_LineBuffer::lengthLimit_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QByteArray>("text");
@@ -109,7 +101,7 @@ void tst_Lines::lengthLimit_data()
     QTest::newRow("twice") << at + at << beginning << true;
 }
 
-void tst_Lines::lengthLimit()
+void tst_LineBuffer::lengthLimit()
 {
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, text);
@@ -124,7 +116,7 @@ void tst_Lines::lengthLimit()
     QCOMPARE(takeLines(&buffer), QList<QByteArray>{"?K"});
 }
 
-void tst_Lines::lineWithoutEnd()
+void tst_LineBuffer::lineWithoutEnd()
 {
     LineBuffer buffer;
     buffer.append(QByteArray(maximum, 'A'));
@@ -141,54 +133,5 @@ void tst_Lines::lineWithoutEnd()
     QCOMPARE(takeLines(&buffer), QList<QByteArray>{"?K"});
 }
 
-void tst_Lines::escapes_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QByteArray>("text");
-
-    QTest::newRow("nothing") << QByteArray() << QByteArray();
-    QTest::newRow("plain") << QByteArray("RD DM0 ~") << QByteArray("RD DM0 ~");
-    QTest::newRow("line end") << QByteArray("OK\r\n") << QByteArray(R"(OK\r\n)");
-    QTest::newRow("backslash") << QByteArray(R"(\r)") << QByteArray(R"(\\r)");
-    QTest::newRow("zero byte") << QByteArray("\0", 1) << QByteArray(R"(\x00)");
-    QTest::newRow("below blank") << QByteArray("\x1f") << QByteArray(R"(\x1f)");
-    QTest::newRow("above tilde") << QByteArray("\x7f") << QByteArray(R"(\x7f)");
-    QTest::newRow("highest") << QByteArray("\xff") << QByteArray(R"(\xff)");
-}
-
-void tst_Lines::escapes()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QByteArray, text);
-    QCOMPARE(kvsim::escaped(bytes), text);
-}
-
-void tst_Lines::endpoints_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<int>("port");
-    QTest::addColumn<QByteArray>("text");
-
-    QTest::newRow("IPv4") << QStringLiteral("127.0.0.1") << 8501 << QByteArray("127.0.0.1:8501");
-    QTest::newRow("IPv6") << QStringLiteral("::1") << 65535 << QByteArray("[::1]:65535");
-}
-
-void tst_Lines::endpoints()
-{
-    QFETCH(QString, address);
-    QFETCH(int, port);
-    QFETCH(QByteArray, text);
-    QCOMPARE(kvsim::endpointText(QHostAddress(address), static_cast<quint16>(port)), text);
-}
-
-void tst_Lines::trace()
-{
-    const QDateTime time(QDate(2024, 5, 1), QTime(8, 2, 3, 45));
-    const QByteArray expected(R"(2024-05-01T08:02:03.045 127.0.0.1:40000 > RD DM1\r
-2024-05-01T08:02:03.045 127.0.0.1:40000 < 00001\r\n
-)");
-    QCOMPARE(kvsim::traceText(time, "127.0.0.1:40000", "RD DM1\r", "00001\r\n", {}), expected);
-}
-
-QTEST_GUILESS_MAIN(tst_Lines)
-#include "tst_lines.moc"
+QTEST_GUILESS_MAIN(tst_LineBuffer)
+#include "tst_linebuffer.moc"

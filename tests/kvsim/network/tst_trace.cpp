@@ -1,0 +1,70 @@
+#include <kvsim/trace.h>
+
+#include <QDateTime>
+#include <QHostAddress>
+#include <QTest>
+
+// How the simulated controller shows what it receives and sends.
+class tst_Trace : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void escapes_data();
+    void escapes();
+    void endpoints_data();
+    void endpoints();
+    void trace();
+};
+
+void tst_Trace::escapes_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("text");
+
+    QTest::newRow("nothing") << QByteArray() << QByteArray();
+    QTest::newRow("plain") << QByteArray("RD DM0 ~") << QByteArray("RD DM0 ~");
+    QTest::newRow("line end") << QByteArray("OK\r\n") << QByteArray(R"(OK\r\n)");
+    QTest::newRow("backslash") << QByteArray(R"(\r)") << QByteArray(R"(\\r)");
+    QTest::newRow("zero byte") << QByteArray("\0", 1) << QByteArray(R"(\x00)");
+    QTest::newRow("below blank") << QByteArray("\x1f") << QByteArray(R"(\x1f)");
+    QTest::newRow("above tilde") << QByteArray("\x7f") << QByteArray(R"(\x7f)");
+    QTest::newRow("highest") << QByteArray("\xff") << QByteArray(R"(\xff)");
+}
+
+void tst_Trace::escapes()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, text);
+    QCOMPARE(kvsim::escaped(bytes), text);
+}
+
+void tst_Trace::endpoints_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<int>("port");
+    QTest::addColumn<QByteArray>("text");
+
+    QTest::newRow("IPv4") << QStringLiteral("127.0.0.1") << 8501 << QByteArray("127.0.0.1:8501");
+    QTest::newRow("IPv6") << QStringLiteral("::1") << 65535 << QByteArray("[::1]:65535");
+}
+
+void tst_Trace::endpoints()
+{
+    QFETCH(QString, address);
+    QFETCH(int, port);
+    QFETCH(QByteArray, text);
+    QCOMPARE(kvsim::endpointText(QHostAddress(address), static_cast<quint16>(port)), text);
+}
+
+void tst_Trace::trace()
+{
+    const QDateTime time(QDate(2024, 5, 1), QTime(8, 2, 3, 45));
+    const QByteArray expected(R"(2024-05-01T08:02:03.045 127.0.0.1:40000 > RD DM1\r
+2024-05-01T08:02:03.045 127.0.0.1:40000 < 00001\r\n
+)");
+    QCOMPARE(kvsim::traceText(time, "127.0.0.1:40000", "RD DM1\r", "00001\r\n", {}), expected);
+}
+
+QTEST_GUILESS_MAIN(tst_Trace)
+#include "tst_trace.moc"
