@@ -33,7 +33,7 @@ import textwrap
 import threading
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-EXCEPTED_PAGES = {"docs/errors.md": "tests/tst_errorprovocation.cpp runs what this page is made of"}
+EXCEPTED_PAGES = {"docs/errors.md": "tests/velhost/explain/tst_errorprovocation.cpp runs what this page is made of"}
 SECONDS = 60
 
 COMMENT = re.compile(r"<!-- (?:(before|prints|not run): (.+)|digits vary) -->$")

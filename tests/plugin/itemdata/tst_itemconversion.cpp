@@ -167,7 +167,11 @@ void tst_ItemConversion::getPlcValue_data()
     };
     row("short: padded", 1, text("5"), "0005");
     row("short: negative", 1, text("-5"), "00-5");
-    row("short: negative of four characters", 1, text("-123"), "-123");
+    row("short: least that is padded by two", 1, text("-9"), "00-9");
+    row("short: greatest that is padded by one", 1, text("-10"), "0-10");
+    row("short: least that is padded", 1, text("-99"), "0-99");
+    row("short: negative of four characters", 1, text("-100"), "-100");
+    row("short: negative of more", 1, text("-1000"), "-1000");
     row("short: least", 1, text("-32768"), "-32768");
     row("short: greatest", 1, text("32767"), "32767");
     row("short: beyond", 1, text("32768"), "0000");
