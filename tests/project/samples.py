@@ -271,7 +271,8 @@ def main():
     if len(sys.argv) not in (2, 3) or not os.access(pathlib.Path(sys.argv[1]) / "velhost", os.X_OK):
         print("samples: name the folder that holds velhost and kvsim", file=sys.stderr)
         return 2
-    alone = ["unshare", "--net", "--map-root-user"]
+    # Root needs no user of its own for that, and could not have one within a chroot.
+    alone = ["unshare", "--net"] if os.geteuid() == 0 else ["unshare", "--net", "--map-root-user"]
     if sys.argv[2:] != ["--alone"]:
         if subprocess.run([*alone, "true"]).returncode != 0:
             print("samples: nothing was run: this user can have no network of its own here", file=sys.stderr)
