@@ -11,7 +11,7 @@ packages_for() {
     test) packages_for build && echo bash-completion groff-base python3-jsonschema ;;
     documents) packages_for test && echo iproute2 iputils-ping python3 ;;
     coverage) packages_for test && echo gcovr ;;
-    lint) packages_for build && echo clang-format clang-tidy clazy git ;;
+    lint) packages_for test && echo clang-format clang-tidy clazy git ;;
     cross-compiler) echo g++-arm-linux-gnueabihf ;;
     emulator) echo qemu-user ;;
     package) packages_for build && echo dpkg-dev file git ;;
