@@ -1,46 +1,13 @@
+#include "discoverrun.h"
 #include "scriptedpeer.h"
-#include "searchrun.h"
 #include "udppeer.h"
 
 #include <kvsim/simulatorthread.h>
 
 #include <QHostAddress>
-#include <QNetworkDatagram>
 #include <QTest>
-#include <QUdpSocket>
 
-// `discover`: what it asks, what it takes for a controller, what it refuses.
-
-namespace {
-
-const QString tableHead = QStringLiteral("Address    Port   Protocol  Model\n");
-const QString nothingFound = QStringLiteral(
-    "velhost: no controller found; check that it has power and an address in this network, that "
-    "its Host Link port is among those asked, and that no firewall is between\n");
-
-/// A row of the table, for a port of five digits.
-QString row(const char *address, int port, const char *protocol, const char *model)
-{
-    return text("%1  %2  %3  %4\n")
-        .arg(text(address), QString::number(port), text(protocol).leftJustified(8), text(model));
-}
-
-/// What is told first, for one port each.
-QString asking(int udpAddresses, int tcpAddresses)
-{
-    return text("velhost: asking %1 addresses by UDP at 1 ports, then %2 by TCP at 1, for at most "
-                "1600 ms\n")
-        .arg(udpAddresses)
-        .arg(tcpAddresses);
-}
-
-ProgramRun discover(const QString &udpPorts, const QString &tcpPorts, const QStringList &more = {})
-{
-    return runBesideLoop(text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, udpPorts,
-                                                             tcpPorts, shortSearch() + more));
-}
-
-} // namespace
+// `discover`, mostly by TCP: what it asks, what it takes for a controller, what it refuses.
 
 class tst_Discover : public QObject
 {
@@ -52,13 +19,8 @@ private Q_SLOTS:
     void tcpAnswers_data();
     void tcpAnswers();
     void answerInPieces();
-    void udpAnswers_data();
-    void udpAnswers();
-    void otherPort();
     void tcpAndUdp();
     void severalControllers();
-    void json();
-    void broadcast();
     void nobody();
     void wideRange();
     void usageErrors_data();
@@ -123,69 +85,6 @@ void tst_Discover::answerInPieces()
     QCOMPARE(controller.faultCounts().constFirst().applied, 1);
 }
 
-void tst_Discover::udpAnswers_data()
-{
-    QTest::addColumn<QList<QByteArray>>("answers");
-    QTest::addColumn<QString>("model");
-    QTest::addColumn<QString>("strangers");
-
-    using Answers = QList<QByteArray>;
-    QTest::newRow("known model") << Answers{"55\r\n"} << text("KV-7500") << QString();
-    QTest::newRow("no end") << Answers{"55"} << text("KV-7500") << QString();
-    QTest::newRow("other model") << Answers{"57\r\n"} << text("model code 57") << QString();
-    QTest::newRow("refusal") << Answers{"E0\r\n"} << text("not told, refused with E0") << QString();
-    QTest::newRow("twice") << Answers{"55\r\n", "55\r\n"} << text("KV-7500") << QString();
-    QTest::newRow("its own question") << Answers{"?K\r"} << QString() << text("\"?K\"");
-    QTest::newRow("empty") << Answers{""} << QString() << text("nothing");
-    QTest::newRow("large") << Answers{QByteArray(9000, '5')} << QString()
-                           << text("\"%1\"").arg(QString(64, u'5'));
-    QTest::newRow("none") << Answers() << QString() << QString();
-}
-
-void tst_Discover::udpAnswers()
-{
-    QFETCH(QList<QByteArray>, answers);
-    QFETCH(QString, model);
-    QFETCH(QString, strangers);
-
-    const UdpPeer peer(answers);
-    const ProgramRun run = discover(QString::number(peer.port()), m_nobody.tcp());
-    QCOMPARE(peer.questions(), QList<QByteArray>{"?K\r"});
-    const QString notice
-        = text("velhost: 127.0.0.1:%1 (UDP) is no controller: it answered ").arg(peer.port());
-    QCOMPARE(run.errors, asking(14, 14)
-                             + (strangers.isEmpty() ? QString() : notice + strangers + u'\n')
-                             + (model.isEmpty() ? nothingFound : QString()));
-    QCOMPARE(run.output,
-             model.isEmpty()
-                 ? QString()
-                 : tableHead + row("127.0.0.1", peer.port(), "UDP", model.toLatin1().constData()));
-    QCOMPARE(run.exitCode, model.isEmpty() ? 1 : 0);
-}
-
-// A datagram from a port that was not asked is no answer, whatever it holds.
-void tst_Discover::otherPort()
-{
-    QUdpSocket other;
-    QVERIFY(other.bind(QHostAddress(QHostAddress::LocalHost)));
-    QUdpSocket asked;
-    QVERIFY(asked.bind(QHostAddress(QHostAddress::LocalHost)));
-    int answered = 0;
-    connect(&asked, &QUdpSocket::readyRead, &other, [&] {
-        while (asked.hasPendingDatagrams()) {
-            const QNetworkDatagram question = asked.receiveDatagram();
-            other.writeDatagram("55\r\n", question.senderAddress(),
-                                static_cast<quint16>(question.senderPort()));
-            ++answered;
-        }
-    });
-    const ProgramRun run = discover(QString::number(asked.localPort()), m_nobody.tcp());
-    QCOMPARE(answered, 1);
-    QCOMPARE(run.output, QString());
-    QCOMPARE(run.errors, asking(14, 14) + nothingFound);
-    QCOMPARE(run.exitCode, 1);
-}
-
 void tst_Discover::tcpAndUdp()
 {
     const ScriptedPeer controller({{"55\r\n", Answer::KeepOpen}});
@@ -216,33 +115,6 @@ void tst_Discover::severalControllers()
     QCOMPARE(run.output, text("Address     Port   Protocol  Model\n")
                              + line("127.0.0.2", second.port()) + line("127.0.0.3", third.port())
                              + line("127.0.0.10", tenth.port()));
-    QCOMPARE(run.exitCode, 0);
-}
-
-void tst_Discover::json()
-{
-    const UdpPeer peer({"57\r\n"});
-    const ProgramRun run
-        = discover(QString::number(peer.port()), m_nobody.tcp(), {text("--format"), text("json")});
-    QCOMPARE(run.output, text(R"({"type":"controller","address":"127.0.0.1","port":%1,)"
-                              R"("protocols":["udp"],"model":null,"answer":"57"})"
-                              "\n")
-                             .arg(peer.port()));
-    QCOMPARE(run.exitCode, 0);
-}
-
-void tst_Discover::broadcast()
-{
-    const UdpPeer peer({"55\r\n"}, QHostAddress(text("127.255.255.255")));
-    QVERIFY(peer.port() != 0);
-    const ProgramRun run = runBesideLoop(
-        text(VELHOST_FILE),
-        searchArguments(KEYENCE_PLUGIN_FILE, QString::number(peer.port()), m_nobody.tcp(),
-                        shortSearch(),
-                        {text("--interface"), text("lo"), text("--subnet"), text("127.0.0.1")}));
-    QCOMPARE(peer.questions(), QList<QByteArray>{"?K\r"});
-    QCOMPARE(run.errors, asking(1, 1));
-    QCOMPARE(run.output, tableHead + row("127.0.0.1", peer.port(), "UDP", "KV-7500"));
     QCOMPARE(run.exitCode, 0);
 }
 
