@@ -4,7 +4,7 @@
 #include "memoryobject.h"
 #include "trace.h"
 
-#include <jsonfile/jsonfile.h>
+#include <common/jsonfile.h>
 
 #include <QFileInfo>
 #include <QRegularExpression>

@@ -3,7 +3,7 @@
 #include "devicetable.h"
 #include "generator.h"
 
-#include <jsonfile/jsonplace.h>
+#include <common/jsonplace.h>
 
 namespace kvsim {
 

@@ -2,7 +2,7 @@
 
 #include "memoryobject.h"
 
-#include <jsonfile/jsonfile.h>
+#include <common/jsonfile.h>
 
 #include <QSaveFile>
 

@@ -2,7 +2,7 @@
 
 #include "memory.h"
 
-#include <jsonfile/jsonplace.h>
+#include <common/jsonplace.h>
 
 namespace kvsim {
 

@@ -2,7 +2,7 @@
 
 #include "table.h"
 
-#include <jsonfile/json.h>
+#include <common/json.h>
 
 #include <QHostAddress>
 #include <QJsonArray>

@@ -2,7 +2,7 @@
 
 #include "explain.h"
 
-#include <jsonfile/json.h>
+#include <common/json.h>
 
 #include <QFile>
 #include <QJsonArray>

@@ -2,7 +2,7 @@
 
 #include "csv.h"
 #include "table.h"
-#include <jsonfile/json.h>
+#include <common/json.h>
 
 #include <QJsonArray>
 #include <QJsonObject>

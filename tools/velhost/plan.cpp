@@ -2,7 +2,7 @@
 
 #include "recorder.h"
 #include "table.h"
-#include <jsonfile/json.h>
+#include <common/json.h>
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "plant.h"
 
-#include <jsonfile/json.h>
-#include <jsonfile/jsonfile.h>
-#include <jsonfile/jsonplace.h>
+#include <common/json.h>
+#include <common/jsonfile.h>
+#include <common/jsonplace.h>
 
 #include <QJsonArray>
 #include <QJsonObject>

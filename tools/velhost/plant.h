@@ -1,6 +1,6 @@
 #pragma once
 
-#include <jsonfile/problem.h>
+#include <common/problem.h>
 
 #include <QByteArray>
 #include <QList>

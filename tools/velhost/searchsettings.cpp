@@ -4,7 +4,7 @@
 #include "portlist.h"
 #include "wholenumber.h"
 
-#include <jsonfile/problem.h>
+#include <common/problem.h>
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "writeoutput.h"
 
 #include "table.h"
-#include <jsonfile/json.h>
+#include <common/json.h>
 
 namespace {
 

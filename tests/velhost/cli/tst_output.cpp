@@ -1,4 +1,4 @@
-#include <jsonfile/json.h>
+#include <common/json.h>
 #include <output.h>
 #include <table.h>
 
