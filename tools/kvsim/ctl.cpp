@@ -2,6 +2,8 @@
 
 #include "terminal.h"
 
+#include <common/wholenumber.h>
+
 #include <QCommandLineParser>
 #include <QHostAddress>
 #include <QTcpSocket>
@@ -78,15 +80,14 @@ int runCtl(const QStringList &arguments)
         return failUsage(parser.errorText());
     if (parser.isSet(helpOption))
         return printHelp();
-    bool ok = false;
-    const quint16 port = parser.value(portOption).toUShort(&ok);
-    if (!ok || port == 0)
+    const std::optional<int> port = wholeNumber(parser.value(portOption), 1, 65535);
+    if (!port)
         return failUsage(QStringLiteral("'%1' is no port; --port takes a number from 1 to 65535.")
                              .arg(parser.value(portOption)));
     const QString command = parser.positionalArguments().join(QLatin1Char(' ')).simplified();
     if (command.isEmpty())
         return failUsage(QStringLiteral("No command."));
-    return askSimulator(port, command);
+    return askSimulator(static_cast<quint16>(*port), command);
 }
 
 } // namespace kvsim

@@ -2,6 +2,8 @@
 
 #include "places.h"
 
+#include <common/wholenumber.h>
+
 #include <QCommandLineParser>
 
 namespace kvsim {
@@ -36,17 +38,8 @@ Options refusedPort(const QString &option, const QString &port)
 
 std::optional<quint16> parsePort(const QString &text)
 {
-    bool ok = false;
-    const quint16 port = text.toUShort(&ok);
-    return ok ? std::make_optional(port) : std::nullopt;
-}
-
-// How many controllers, 0 when the text is no such number.
-int parseControllers(const QString &text)
-{
-    bool ok = false;
-    const int count = text.toInt(&ok);
-    return ok && count >= 1 && count <= mostControllers ? count : 0;
+    const std::optional<int> port = wholeNumber(text, 0, 65535);
+    return port ? std::make_optional(static_cast<quint16>(*port)) : std::nullopt;
 }
 
 std::optional<Consecutive> parseConsecutive(const QString &text)
@@ -61,8 +54,8 @@ std::optional<Consecutive> parseConsecutive(const QString &text)
 Options placesFrom(const QHostAddress &address, quint16 port, const QCommandLineParser &parser)
 {
     const QString controllers = parser.value(controllersOption);
-    const int count = parseControllers(controllers);
-    if (count == 0)
+    const std::optional<int> count = wholeNumber(controllers, 1, mostControllers);
+    if (!count)
         return refused(QStringLiteral("'%1' is no number of controllers; --controllers takes a "
                                       "number from 1 to %2.")
                            .arg(controllers)
@@ -79,7 +72,7 @@ Options placesFrom(const QHostAddress &address, quint16 port, const QCommandLine
         return refused(
             QStringLiteral("--controllers and --config exclude each other; the file says "
                            "how many there are."));
-    const Places places = consecutivePlaces(address, port, count, *differ);
+    const Places places = consecutivePlaces(address, port, *count, *differ);
     if (!places.error.isEmpty())
         return refused(places.error);
     Options options;

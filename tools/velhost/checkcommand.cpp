@@ -1,7 +1,8 @@
 #include "checkcommand.h"
 
 #include "host.h"
-#include "wholenumber.h"
+
+#include <common/wholenumber.h>
 
 #include <QRegularExpression>
 #include <QSet>

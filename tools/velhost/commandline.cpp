@@ -1,6 +1,6 @@
 #include "commandline.h"
 
-#include "wholenumber.h"
+#include <common/wholenumber.h>
 
 #include <QCommandLineParser>
 #include <QMap>

@@ -2,9 +2,9 @@
 
 #include "parameters.h"
 #include "portlist.h"
-#include "wholenumber.h"
 
 #include <common/problem.h>
+#include <common/wholenumber.h>
 
 namespace {
 

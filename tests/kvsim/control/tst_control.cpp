@@ -223,6 +223,7 @@ void tst_Control::ctlFailures_data()
     answer("counters all", "'counters all' is wrong; write counters");
     usage("--port 0 clear", "'0' is no port; --port takes a number from 1 to 65535.");
     usage("--port 65536 clear", "'65536' is no port; --port takes a number from 1 to 65535.");
+    usage("--port +8502 clear", "'+8502' is no port; --port takes a number from 1 to 65535.");
     usage("--prot 1 clear", "Unknown option 'prot'.");
     usage("--port", "Missing value after '--port'.");
     usage("--port 1", "No command.");

@@ -231,6 +231,8 @@ void tst_KvsimProgram::usageErrors_data()
     row("value for a switch", "--trace=1", "Unexpected value after '--trace'.");
     row("control port above 65535", "--control|65536",
         "'65536' is no port; --control takes a number from 0 to 65535, 0 picks a free port.");
+    row("control port with a sign", "--control|+18502",
+        "'+18502' is no port; --control takes a number from 0 to 65535, 0 picks a free port.");
     row("control port empty", "--control|",
         "'' is no port; --control takes a number from 0 to 65535, 0 picks a free port.");
     row("unknown selector", "--fault|silent@nth",
@@ -255,6 +257,9 @@ void tst_KvsimProgram::usageErrors_data()
     badPort("port above 65535", "65536");
     badPort("port in letters", "http");
     badPort("port empty", "");
+    badPort("port with a sign", "+18501");
+    badPort("port behind a blank", " 18502");
+    badPort("port before a blank", "18502 ");
     const auto badAddress = [&row](const char *name, const char *address) {
         const QByteArray arguments = QByteArray("--bind|") + address;
         const QByteArray error = "'" + QByteArray(address)

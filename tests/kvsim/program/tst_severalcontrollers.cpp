@@ -295,6 +295,7 @@ void tst_SeveralControllers::usageErrors_data()
     count("255");
     count("-1");
     count("three");
+    count("+1");
     row("--consecutive ports",
         "--consecutive says nothing without --controllers; write both, or none.");
     row("--controllers 2 --consecutive names",
