@@ -1,5 +1,7 @@
 #include "terminal.h"
 
+#include <common/visibletext.h>
+
 #include <QFile>
 
 #include <cerrno>
@@ -9,7 +11,7 @@ namespace kvsim {
 
 int fail(ExitCode code, const QString &text)
 {
-    const QString line = QLatin1String("kvsim: ") + text + QLatin1Char('\n');
+    const QString line = QLatin1String("kvsim: ") + visible(text) + QLatin1Char('\n');
     std::fputs(line.toLocal8Bit().constData(), stderr);
     return code;
 }

@@ -7,7 +7,8 @@ namespace kvsim {
 /// What the program tells its caller.
 enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
 
-/// Prints "kvsim: " and the text to standard error; returns `code`.
+/// Prints "kvsim: " and the text to standard error, what cannot be seen written out; returns
+/// `code`.
 int fail(ExitCode code, const QString &text);
 
 /// Prints to standard output at once. Success, or Failure after an error was printed.

@@ -3,6 +3,8 @@
 #include "table.h"
 #include "textwidth.h"
 
+#include <common/visibletext.h>
+
 namespace {
 
 constexpr int timeWidth = 29;

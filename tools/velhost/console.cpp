@@ -1,6 +1,6 @@
 #include "console.h"
 
-#include "output.h"
+#include <common/visibletext.h>
 
 void print(FILE *stream, const QString &text)
 {

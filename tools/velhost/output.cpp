@@ -3,6 +3,7 @@
 #include "csv.h"
 #include "table.h"
 #include <common/json.h>
+#include <common/visibletext.h>
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -165,31 +166,6 @@ QString cycleTable(const QList<DeviceReport> &devices)
     return rows.size() > 1 ? tableText(rows) : QString();
 }
 
-/// One character written out, or as it is when it can be seen.
-QString visibleCharacter(uint character)
-{
-    switch (character) {
-    case '\\':
-        return QStringLiteral("\\\\");
-    case '\r':
-        return QStringLiteral("\\r");
-    case '\n':
-        return QStringLiteral("\\n");
-    case '\t':
-        return QStringLiteral("\\t");
-    default:
-        break;
-    }
-    const QChar::Category category = QChar::category(character);
-    const bool breaksLine
-        = category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
-    if (QChar::isPrint(character) && !breaksLine)
-        return QString::fromUcs4(&character, 1);
-    if (character <= 0xff)
-        return QStringLiteral("\\x%1").arg(character, 2, 16, QLatin1Char('0'));
-    return QStringLiteral("\\u%1").arg(character, 4, 16, QLatin1Char('0'));
-}
-
 } // namespace
 
 bool DeviceReport::hasError() const
@@ -256,17 +232,4 @@ QString timeText(const QDateTime &time)
         text += u"+00:00";
     }
     return text;
-}
-
-QString visible(const QString &text)
-{
-    QString result;
-    const QVector<uint> characters = text.toUcs4();
-    for (const uint character : characters)
-        result += visibleCharacter(character);
-    if (result.endsWith(u' ')) {
-        result.chop(1);
-        result += u"\\x20";
-    }
-    return result;
 }

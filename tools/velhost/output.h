@@ -74,7 +74,3 @@ QString logText(OutputFormat format, const LogEntry &entry);
 
 /// ISO 8601 with milliseconds and the offset from UTC, in the time's own zone.
 QString timeText(const QDateTime &time);
-
-/// The text with its control characters, other invisible characters and backslashes written out
-/// (`\r`, `\x00`, `\u2028`, `\\`), and a space at its end as `\x20`.
-QString visible(const QString &text);

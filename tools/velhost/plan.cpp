@@ -3,6 +3,7 @@
 #include "recorder.h"
 #include "table.h"
 #include <common/json.h>
+#include <common/visibletext.h>
 
 namespace {
 

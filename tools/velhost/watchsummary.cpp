@@ -3,6 +3,7 @@
 #include "table.h"
 
 #include <common/json.h>
+#include <common/visibletext.h>
 
 namespace {
 

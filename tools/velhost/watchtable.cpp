@@ -4,6 +4,8 @@
 #include "table.h"
 #include "textwidth.h"
 
+#include <common/visibletext.h>
+
 #include <QVector>
 
 #include <algorithm>

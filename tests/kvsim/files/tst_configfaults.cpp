@@ -42,6 +42,8 @@ void tst_ConfigFaults::faults_data()
     row(R"("ports": 1)", "ports: unknown key; known here: name, address, port, model, memory, "
                          "readOnly, missing, generators, faults");
     row(R"("name": "2")", "name: '2' is no name; write a letter and then letters, digits, - or _");
+    row(R"("name": "\u001b[2J\n\u009b")",
+        R"(name: '\x1b[2J\n\x9b' is no name; write a letter and then letters, digits, - or _)");
     row(R"("name": 2)", "name: expected a text, found a number");
     row(R"("address": "localhost")",
         "address: 'localhost' is no IP address; write one such as 127.0.0.1");

@@ -1,4 +1,5 @@
 #include <common/json.h>
+#include <common/visibletext.h>
 #include <output.h>
 #include <table.h>
 

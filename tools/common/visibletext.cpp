@@ -1,0 +1,45 @@
+#include "visibletext.h"
+
+#include <QVector>
+
+namespace {
+
+// One character written out, or as it is when it can be seen.
+QString visibleCharacter(uint character)
+{
+    switch (character) {
+    case '\\':
+        return QStringLiteral("\\\\");
+    case '\r':
+        return QStringLiteral("\\r");
+    case '\n':
+        return QStringLiteral("\\n");
+    case '\t':
+        return QStringLiteral("\\t");
+    default:
+        break;
+    }
+    const QChar::Category category = QChar::category(character);
+    const bool breaksLine
+        = category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
+    if (QChar::isPrint(character) && !breaksLine)
+        return QString::fromUcs4(&character, 1);
+    if (character <= 0xff)
+        return QStringLiteral("\\x%1").arg(character, 2, 16, QLatin1Char('0'));
+    return QStringLiteral("\\u%1").arg(character, 4, 16, QLatin1Char('0'));
+}
+
+} // namespace
+
+QString visible(const QString &text)
+{
+    QString result;
+    const QVector<uint> characters = text.toUcs4();
+    for (const uint character : characters)
+        result += visibleCharacter(character);
+    if (result.endsWith(u' ')) {
+        result.chop(1);
+        result += u"\\x20";
+    }
+    return result;
+}
