@@ -46,7 +46,7 @@ if(KEYENCE_BUILD_TOOLS)
     install_pages(tools ${tools_pages})
     install(FILES docs/plant.schema.json DESTINATION ${tools_documents}/docs COMPONENT tools)
     install(DIRECTORY tools/completion/ DESTINATION share/bash-completion/completions COMPONENT tools)
-    # Its pages are there when they could be made.
+    # There are none without KEYENCE_BUILD_MAN_PAGES.
     install(
         DIRECTORY ${KEYENCE_MAN_FOLDER}/
         DESTINATION share/man/man1

@@ -6,8 +6,7 @@ set -eu
 packages_for() {
     case $1 in
     programs) echo g++ cmake ninja-build qtbase5-dev ;;
-    manuals) echo help2man ;;
-    build) packages_for programs && packages_for manuals ;;
+    build) packages_for programs && echo help2man ;;
     test) packages_for build && echo bash-completion groff-base python3-jsonschema ;;
     documents) packages_for test && echo iproute2 iputils-ping python3 ;;
     coverage) packages_for test && echo gcovr ;;
