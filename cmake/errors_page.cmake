@@ -1,4 +1,4 @@
-# Makes docs/errors.md of tools/velhost/errors.json:
+# Makes docs/errors.md of tools/velhost/explain/errors.json:
 #
 #     cmake -P cmake/errors_page.cmake
 #
@@ -7,7 +7,7 @@ cmake_minimum_required(VERSION 3.22)
 
 set(root ${CMAKE_CURRENT_LIST_DIR}/..)
 set(committed ${root}/docs/errors.md)
-file(READ ${root}/tools/velhost/errors.json catalogue)
+file(READ ${root}/tools/velhost/explain/errors.json catalogue)
 
 # get(<variable> <json> <key>...): what stands there, or nothing.
 function(get variable json)
@@ -181,7 +181,7 @@ in [troubleshooting](troubleshooting.md).
 - In the examples `kvsim` and `velhost` stand for the installed programs, or for those in `build/demo/bin` after the
   demonstration, each in a shell of its own; the plant is `plant.json`.
 
-This page is made of `tools/velhost/errors.json` by `cmake -P cmake/errors_page.cmake`; change it there.
+This page is made of `tools/velhost/explain/errors.json` by `cmake -P cmake/errors_page.cmake`; change it there.
 
 ## Index
 
@@ -219,5 +219,5 @@ file(WRITE ${PAGE} "${page}")
 execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${PAGE} ${committed} RESULT_VARIABLE differs)
 if(differs)
     message(FATAL_ERROR
-        "docs/errors.md does not fit tools/velhost/errors.json: run cmake -P cmake/errors_page.cmake")
+        "docs/errors.md does not fit tools/velhost/explain/errors.json: run cmake -P cmake/errors_page.cmake")
 endif()

@@ -20,8 +20,8 @@ Tool toolNamed(const QString &name)
 {
     const QString folder = text(TOOLS_FOLDER "/") + name;
     const QString program = name == text("kvsim") ? text(KVSIM_PROGRAM) : text(VELHOST_FILE);
-    return {program, folder + text("/help.txt"), text(MAN_FOLDER "/") + name + text(".1"),
-            text(TOOLS_FOLDER "/completion/") + name};
+    return {program, folder + text(name == text("kvsim") ? "/program/help.txt" : "/cli/help.txt"),
+            text(MAN_FOLDER "/") + name + text(".1"), text(TOOLS_FOLDER "/completion/") + name};
 }
 
 QString contents(const QString &fileName)

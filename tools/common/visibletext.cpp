@@ -1,4 +1,4 @@
-#include "visibletext.h"
+#include <common/visibletext.h>
 
 #include <QVector>
 

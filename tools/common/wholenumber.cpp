@@ -1,4 +1,4 @@
-#include "wholenumber.h"
+#include <common/wholenumber.h>
 
 #include <algorithm>
 

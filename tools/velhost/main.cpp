@@ -1,18 +1,18 @@
-#include "checkcommand.h"
-#include "commandline.h"
-#include "console.h"
-#include "discovercommand.h"
-#include "explaincommand.h"
-#include "host.h"
-#include "job.h"
-#include "logoutput.h"
-#include "output.h"
-#include "plancommand.h"
-#include "planhost.h"
-#include "pluginfile.h"
-#include "readcommand.h"
-#include "watchcommand.h"
-#include "writecommand.h"
+#include "check/checkcommand.h"
+#include "cli/commandline.h"
+#include "cli/job.h"
+#include "cycle/output.h"
+#include "discover/discovercommand.h"
+#include "explain/explaincommand.h"
+#include "host/host.h"
+#include "host/logoutput.h"
+#include "host/pluginfile.h"
+#include "plan/plancommand.h"
+#include "plan/planhost.h"
+#include "read/readcommand.h"
+#include "watch/watchcommand.h"
+#include "write/writecommand.h"
+#include <common/console.h>
 
 #include <QCoreApplication>
 #include <QFile>
@@ -162,6 +162,7 @@ int main(int argc, char *argv[])
     // The system's texts are shown among English ones, and the loader's are explained by their
     // words.
     std::setlocale(LC_MESSAGES, "C");
+    QCoreApplication::setApplicationName(QStringLiteral("velhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELHOST_VERSION));
     if (!arguments) {
         complain(QStringLiteral("an argument is not valid UTF-8"));

@@ -3,9 +3,9 @@
 #include "text.h"
 #include "textclient.h"
 
-#include <kvsim/control.h>
-#include <kvsim/controller.h>
-#include <kvsim/controlserver.h>
+#include <control/control.h>
+#include <control/controlserver.h>
+#include <controller/controller.h>
 
 #include <QTcpServer>
 #include <QTest>

@@ -1,6 +1,6 @@
 #include "text.h"
 
-#include <kvsim/faultengine.h>
+#include <controller/faultengine.h>
 
 #include <QTest>
 

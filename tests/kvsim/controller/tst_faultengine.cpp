@@ -1,8 +1,8 @@
 #include "text.h"
 
-#include <kvsim/controller.h>
-#include <kvsim/interpreter.h>
-#include <kvsim/linebuffer.h>
+#include <controller/controller.h>
+#include <controller/interpreter.h>
+#include <controller/linebuffer.h>
 
 #include <QSet>
 #include <QTest>

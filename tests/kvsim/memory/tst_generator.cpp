@@ -1,9 +1,9 @@
 #include "interpreted.h"
 #include "text.h"
 
-#include <kvsim/controller.h>
-#include <kvsim/generator.h>
-#include <kvsim/valuesfile.h>
+#include <controller/controller.h>
+#include <files/valuesfile.h>
+#include <memory/generator.h>
 
 #include <QTest>
 

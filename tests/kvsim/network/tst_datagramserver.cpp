@@ -3,10 +3,10 @@
 #include "textclient.h"
 #include "udpclient.h"
 
-#include <kvsim/controller.h>
-#include <kvsim/datagramserver.h>
-#include <kvsim/server.h>
-#include <kvsim/simulatorthread.h>
+#include <controller/controller.h>
+#include <network/datagramserver.h>
+#include <network/server.h>
+#include <network/simulatorthread.h>
 
 #include <QElapsedTimer>
 #include <QSignalSpy>

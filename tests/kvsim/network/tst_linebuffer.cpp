@@ -1,4 +1,4 @@
-#include <kvsim/linebuffer.h>
+#include <controller/linebuffer.h>
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
-#include <kvsim/connection.h>
-#include <kvsim/controller.h>
-#include <kvsim/linebuffer.h>
-#include <kvsim/server.h>
-#include <kvsim/simulatorthread.h>
+#include <controller/controller.h>
+#include <controller/linebuffer.h>
+#include <network/connection.h>
+#include <network/server.h>
+#include <network/simulatorthread.h>
 
 #include <QSignalSpy>
 #include <QTcpSocket>

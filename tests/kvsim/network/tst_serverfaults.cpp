@@ -1,7 +1,7 @@
 #include "loopback.h"
 #include "textclient.h"
 
-#include <kvsim/simulatorthread.h>
+#include <network/simulatorthread.h>
 
 #include <QElapsedTimer>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include <kvsim/trace.h>
+#include <network/trace.h>
 
 #include <QDateTime>
 #include <QHostAddress>

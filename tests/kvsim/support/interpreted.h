@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kvsim/interpreter.h>
+#include <controller/interpreter.h>
 
 /// What the simulated controller answers with this memory, without a network.
 inline QByteArray ask(kvsim::Memory *memory, const QByteArray &command)

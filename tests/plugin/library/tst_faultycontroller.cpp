@@ -2,8 +2,8 @@
 #include "recordingbackend.h"
 #include "text.h"
 
-#include <kvsim/server.h>
-#include <kvsim/simulatorthread.h>
+#include <network/server.h>
+#include <network/simulatorthread.h>
 #include <vel/velinterface.h>
 
 #include <QPluginLoader>

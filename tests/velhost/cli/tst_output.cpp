@@ -1,7 +1,7 @@
-#include <common/json.h>
+#include <common/json/json.h>
+#include <common/table.h>
 #include <common/visibletext.h>
-#include <output.h>
-#include <table.h>
+#include <cycle/output.h>
 
 #include <QDateTime>
 #include <QJsonArray>

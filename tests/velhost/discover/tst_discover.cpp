@@ -2,7 +2,7 @@
 #include "scriptedpeer.h"
 #include "udppeer.h"
 
-#include <kvsim/simulatorthread.h>
+#include <network/simulatorthread.h>
 
 #include <QHostAddress>
 #include <QTest>

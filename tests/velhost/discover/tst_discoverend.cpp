@@ -3,7 +3,7 @@
 #include "searchrun.h"
 #include "terminalrun.h"
 
-#include <kvsim/simulatorthread.h>
+#include <network/simulatorthread.h>
 
 #include <QElapsedTimer>
 #include <QFile>

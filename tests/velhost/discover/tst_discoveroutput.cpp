@@ -1,6 +1,6 @@
 #include "text.h"
 
-#include <discoveroutput.h>
+#include <discover/discoveroutput.h>
 
 #include <QTest>
 

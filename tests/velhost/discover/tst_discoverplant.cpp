@@ -1,7 +1,7 @@
 #include "searchrun.h"
 #include "udppeer.h"
 
-#include <kvsim/simulatorthread.h>
+#include <network/simulatorthread.h>
 
 #include <QDir>
 #include <QFile>

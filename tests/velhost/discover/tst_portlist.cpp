@@ -1,6 +1,6 @@
 #include "text.h"
 
-#include <portlist.h>
+#include <discover/portlist.h>
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 #include "text.h"
 
-#include <searcharea.h>
+#include <discover/search/searcharea.h>
 
 #include <QHostAddress>
 #include <QTest>

@@ -1,7 +1,7 @@
 #include "text.h"
 
-#include <commandline.h>
-#include <searchsettings.h>
+#include <cli/commandline.h>
+#include <discover/searchsettings.h>
 
 #include <QMap>
 #include <QTest>

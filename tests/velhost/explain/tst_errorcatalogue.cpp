@@ -4,7 +4,7 @@
 #include "recordingbackend.h"
 #include "text.h"
 
-#include <errorcatalogue.h>
+#include <explain/errorcatalogue.h>
 
 #include <QDir>
 #include <QFile>

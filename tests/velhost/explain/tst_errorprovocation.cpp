@@ -3,11 +3,11 @@
 #include "programrun.h"
 #include "text.h"
 
-#include <assignment.h>
-#include <cycle.h>
-#include <host.h>
-#include <kvsim/simulatorthread.h>
-#include <plant.h>
+#include <cycle/cycle.h>
+#include <host/host.h>
+#include <network/simulatorthread.h>
+#include <plant/assignment.h>
+#include <plant/plant.h>
 #include <vel/velinterface.h>
 
 #include <QFile>

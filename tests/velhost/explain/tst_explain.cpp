@@ -1,7 +1,7 @@
 #include "programrun.h"
 #include "text.h"
 
-#include <explain.h>
+#include <explain/explain.h>
 
 #include <QFile>
 #include <QTemporaryDir>

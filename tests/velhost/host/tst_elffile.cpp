@@ -1,4 +1,4 @@
-#include <elffile.h>
+#include <host/elffile.h>
 
 #include <QBuffer>
 #include <QDataStream>

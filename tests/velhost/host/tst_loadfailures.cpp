@@ -1,7 +1,7 @@
 #include "programrun.h"
 #include "text.h"
 
-#include <elffile.h>
+#include <host/elffile.h>
 
 #include <vel/interfaceid.h>
 

@@ -1,5 +1,5 @@
-#include <host.h>
-#include <parameters.h>
+#include <host/host.h>
+#include <plant/parameters.h>
 
 #include <QMap>
 #include <QTest>

@@ -1,7 +1,7 @@
 #include "programrun.h"
 #include "text.h"
 
-#include <kvsim/simulatorthread.h>
+#include <network/simulatorthread.h>
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -2,8 +2,8 @@
 #include "scriptedpeer.h"
 #include "text.h"
 
-#include <planhost.h>
-#include <recorder.h>
+#include <plan/planhost.h>
+#include <plan/recorder.h>
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,5 +1,5 @@
-#include <assignment.h>
-#include <plant.h>
+#include <plant/assignment.h>
+#include <plant/plant.h>
 
 #include <QFile>
 #include <QPair>

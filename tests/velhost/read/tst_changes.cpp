@@ -1,8 +1,8 @@
 #include "plantrun.h"
 #include "text.h"
 
-#include <changes.h>
-#include <csv.h>
+#include <cycle/changes.h>
+#include <cycle/csv.h>
 
 #include <QDateTime>
 #include <QTest>

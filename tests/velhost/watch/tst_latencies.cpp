@@ -1,4 +1,4 @@
-#include <latencies.h>
+#include <watch/latencies.h>
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include <textwidth.h>
+#include <common/textwidth.h>
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
 #include "plantrun.h"
 #include "text.h"
 
-#include <kvsim/simulatorthread.h>
+#include <network/simulatorthread.h>
 
 #include <QElapsedTimer>
 #include <QFile>

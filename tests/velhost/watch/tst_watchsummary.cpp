@@ -1,4 +1,4 @@
-#include <watchsummary.h>
+#include <watch/watchsummary.h>
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
-#include <textwidth.h>
-#include <watchtable.h>
+#include <common/textwidth.h>
+#include <watch/watchtable.h>
 
 #include <QDateTime>
 #include <QTest>

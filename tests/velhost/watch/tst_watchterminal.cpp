@@ -2,7 +2,7 @@
 #include "terminalrun.h"
 #include "text.h"
 
-#include <kvsim/simulatorthread.h>
+#include <network/simulatorthread.h>
 
 #include <QFile>
 #include <QProcessEnvironment>

@@ -1,4 +1,4 @@
-#include <samevalue.h>
+#include <plant/samevalue.h>
 
 #include <QMap>
 #include <QTest>

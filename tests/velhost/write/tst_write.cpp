@@ -2,7 +2,7 @@
 #include "scriptedpeer.h"
 #include "text.h"
 
-#include <kvsim/simulatorthread.h>
+#include <network/simulatorthread.h>
 
 #include <QTest>
 

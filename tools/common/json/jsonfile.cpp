@@ -1,0 +1,60 @@
+#include <common/json/jsonfile.h>
+
+#include <common/json/duplicatekey.h>
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+constexpr qint64 maximumFileSize = 16LL * 1024 * 1024;
+
+/// The line and the column of an offset in bytes, both from 1, as LINE:COLUMN; columns count
+/// characters.
+QString lineAndColumn(const QByteArray &json, int offset)
+{
+    const QByteArray before = json.left(offset);
+    const int line = before.count('\n') + 1;
+    const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
+    return QStringLiteral("%1:%2").arg(line).arg(column);
+}
+
+} // namespace
+
+std::optional<QByteArray> readJsonBytes(const QString &fileName, const QString &kind,
+                                        QList<Problem> *problems)
+{
+    QFile file(fileName);
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    const QByteArray json = isOpen ? file.read(maximumFileSize + 1) : QByteArray();
+    if (file.error() != QFileDevice::NoError) {
+        problems->append({{}, {}, u"cannot be read: " + file.errorString()});
+        return {};
+    }
+    if (json.size() > maximumFileSize) {
+        problems->append({{}, {}, u"larger than 16 MiB, so it is no " + kind});
+        return {};
+    }
+    return json;
+}
+
+std::optional<QJsonValue> parseJson(const QByteArray &json, QList<Problem> *problems)
+{
+    QJsonParseError syntax{};
+    const QJsonDocument document = QJsonDocument::fromJson(json, &syntax);
+    if (syntax.error != QJsonParseError::NoError) {
+        problems->append(
+            {lineAndColumn(json, syntax.offset), {}, u"not valid JSON: " + syntax.errorString()});
+        return {};
+    }
+    const QList<DuplicateKey> duplicates = findDuplicateKeys(json);
+    for (const DuplicateKey &duplicate : duplicates)
+        problems->append(
+            {lineAndColumn(json, duplicate.offset),
+             {},
+             QStringLiteral("the key \"%1\" is given twice in one object; leave one out")
+                 .arg(duplicate.key)});
+    return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+}

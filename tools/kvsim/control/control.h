@@ -1,0 +1,35 @@
+#pragma once
+
+#include "controller/controller.h"
+
+#include <functional>
+
+namespace kvsim {
+
+/// What a control command comes to.
+struct ControlAnswer
+{
+    /// One line, or several lines and an empty one; ended by a line feed.
+    QByteArray text;
+    /// The simulator is to end once the answer is sent.
+    bool quit = false;
+};
+
+/// Writes the memory of all controllers to their file; returns an empty text, or why it could not.
+using DumpTarget = std::function<QString()>;
+
+/// What control commands reach.
+struct ControlTarget
+{
+    NamedControllers controllers;
+    /// Nothing: there is no such file.
+    DumpTarget dump;
+};
+
+/// Carries out one line of the control protocol, without its line end: "get DM100",
+/// "set DM100 5", "fault silent@DM100", "clear", "counters", "dump" or "quit". It is for all
+/// controllers, or with "@NAME " before it for that one. A line that is wrong changes nothing and
+/// is answered "error" and what is wrong.
+ControlAnswer answerControl(const QByteArray &line, const ControlTarget &target);
+
+} // namespace kvsim

@@ -1,0 +1,57 @@
+#include "control/controlserver.h"
+
+#include <QHostAddress>
+#include <QTcpSocket>
+
+namespace kvsim {
+
+namespace {
+
+// While more waits for the client to read it, its further commands are left unread.
+constexpr int unsentLimit = 64 * 1024;
+
+} // namespace
+
+ControlServer::ControlServer(ControlTarget target, QObject *parent)
+    : QObject(parent), m_target(std::move(target))
+{
+    connect(&m_listener, &QTcpServer::newConnection, this, &ControlServer::acceptClients);
+}
+
+bool ControlServer::listen(quint16 port)
+{
+    return m_listener.listen(QHostAddress(QHostAddress::LocalHost), port);
+}
+
+void ControlServer::acceptClients()
+{
+    while (QTcpSocket *socket = m_listener.nextPendingConnection()) {
+        socket->setReadBufferSize(maximumLine);
+        const auto serveIt = [this, socket] { serve(socket); };
+        connect(socket, &QTcpSocket::readyRead, socket, serveIt);
+        connect(socket, &QTcpSocket::bytesWritten, socket, serveIt, Qt::QueuedConnection);
+        connect(socket, &QTcpSocket::disconnected, socket, &QTcpSocket::deleteLater);
+    }
+}
+
+void ControlServer::serve(QTcpSocket *socket)
+{
+    while (socket->bytesToWrite() <= unsentLimit && socket->canReadLine()) {
+        const ControlAnswer answer = answerControl(socket->readLine().trimmed(), m_target);
+        socket->write(answer.text);
+        if (answer.quit) {
+            socket->flush();
+            Q_EMIT quitWanted();
+            return;
+        }
+    }
+    if (socket->bytesAvailable() >= maximumLine && !socket->canReadLine()) {
+        socket->write("error the line is too long; write at most 4095 bytes\n");
+        socket->disconnectFromHost();
+        return;
+    }
+    // At once: QTcpSocket throws away what still waits when the client closes its sending side.
+    socket->flush();
+}
+
+} // namespace kvsim

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "memory/devicetable.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace kvsim {
+
+/// What goes wrong.
+enum class FaultKind {
+    Delay,
+    Silent,
+    Late,
+    Refuse,
+    Split,
+    Dribble,
+    NoTerminator,
+    Empty,
+    Garbage,
+    Nul,
+    Long,
+    ShortAnswer,
+    ExtraWord,
+    NotANumber,
+    Duplicate,
+    PreviousAnswer,
+    Close,
+    Reset,
+    Restart,
+    // What follows strikes new clients, all others strike commands.
+    RefuseConnect,
+    AcceptThenSilent,
+    MaxClients,
+};
+
+/// When a connection ends: instead of the answer, half way through it, or behind it.
+enum class Moment { Before, In, After };
+
+/// One fault with the commands, or the new clients, that it strikes.
+struct Fault
+{
+    FaultKind kind = FaultKind::Silent;
+    /// Milliseconds, bytes or clients, as the kind has it.
+    int amount = 0;
+    /// Delay: the most milliseconds to add or to take off. Split: milliseconds between the parts.
+    int variation = 0;
+    /// Refuse: the answer, for example "E1".
+    QByteArray refusal;
+    /// Close and Reset.
+    Moment moment = Moment::Before;
+
+    /// Only commands that touch this word or bit; nothing: all commands.
+    std::optional<Address> address;
+    /// Only the n-th that is seen, counted from 1; 0: not limited so.
+    quint32 nth = 0;
+    /// Only every n-th that is seen; 0: not limited so.
+    quint32 every = 0;
+    /// How many in a hundred, 1 to 100, drawn at random.
+    quint32 percent = 100;
+    /// Where everything random about this fault begins.
+    quint32 seed = 1;
+
+    /// As it was written.
+    QByteArray text;
+};
+
+/// Whether it strikes new clients and not commands.
+constexpr bool strikesClients(FaultKind kind)
+{
+    return kind >= FaultKind::RefuseConnect;
+}
+
+/// A fault, or why there is none.
+struct ParsedFault
+{
+    std::optional<Fault> fault;
+    /// What is wrong with the text and what to write instead; empty when there is a fault.
+    QString error;
+};
+
+/// Reads KIND[=ARGUMENTS][@SELECTOR...], for example "split=3,20@DM100@nth=2".
+ParsedFault parseFault(const QByteArray &text);
+
+} // namespace kvsim

@@ -1,0 +1,138 @@
+#include "controller/faultengine.h"
+
+#include "controller/interpreter.h"
+#include "controller/linebuffer.h"
+#include "memory/number.h"
+
+#include <QMutexLocker>
+
+namespace kvsim {
+
+namespace {
+
+// The words or bits that a command names, whether they all exist or not.
+std::optional<Range> rangeOf(const QByteArray &line)
+{
+    const QList<QByteArray> fields = line.simplified().split(' ');
+    if (fields.size() < 2)
+        return std::nullopt;
+    const std::optional<Address> first = parseAddress(fields.at(1));
+    if (!first)
+        return std::nullopt;
+    const bool counted = fields.first().endsWith('S') && fields.size() > 2;
+    const std::optional<quint32> count
+        = counted ? parseNumber(fields.at(2), 10) : std::make_optional(1U);
+    return Range{*first, count.value_or(1)};
+}
+
+bool fits(const Fault &fault, const std::optional<Range> &range)
+{
+    if (strikesClients(fault.kind))
+        return false;
+    if (!fault.address)
+        return true;
+    return range && overlap(*range, {*fault.address, 1});
+}
+
+} // namespace
+
+QString FaultEngine::refusalOf(const ParsedFault &parsed) const
+{
+    if (!parsed.fault)
+        return parsed.error;
+    if (m_entries.size() >= maximumFaults)
+        return QStringLiteral("%1 faults are in force already; clear them first")
+            .arg(maximumFaults);
+    return {};
+}
+
+QString FaultEngine::refusal(const QByteArray &text) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return refusalOf(parseFault(text));
+}
+
+QString FaultEngine::add(const QByteArray &text)
+{
+    const ParsedFault parsed = parseFault(text);
+    const QMutexLocker locker(&m_mutex);
+    const QString error = refusalOf(parsed);
+    if (!error.isEmpty())
+        return error;
+    m_entries.append({*parsed.fault, QRandomGenerator(parsed.fault->seed), {text, 0, 0}});
+    return {};
+}
+
+void FaultEngine::clear()
+{
+    const QMutexLocker locker(&m_mutex);
+    m_entries.clear();
+}
+
+QVector<FaultCount> FaultEngine::counts() const
+{
+    const QMutexLocker locker(&m_mutex);
+    QVector<FaultCount> counts;
+    for (const Entry &entry : m_entries)
+        counts.append(entry.count);
+    return counts;
+}
+
+// Draws whether the fault strikes or not, so that what one fault does hangs on no other.
+bool FaultEngine::strikesNow(Entry *entry)
+{
+    const quint64 seen = ++entry->count.seen;
+    const Fault &fault = entry->fault;
+    if (fault.nth != 0)
+        return seen == fault.nth;
+    if (fault.every != 0)
+        return seen % fault.every == 0;
+    return fault.percent == 100 || entry->random.bounded(100U) < fault.percent;
+}
+
+Reply FaultEngine::reply(const Line &line, const QByteArray &previous,
+                         CommandInterpreter *interpreter)
+{
+    const QMutexLocker locker(&m_mutex);
+    const std::optional<Range> range = rangeOf(line.text);
+    Entry *struck = nullptr;
+    for (Entry &entry : m_entries) {
+        if (!fits(entry.fault, range) || !strikesNow(&entry) || struck)
+            continue;
+        // A client's first command has no answer before it that could be sent.
+        if (entry.fault.kind != FaultKind::PreviousAnswer || !previous.isEmpty())
+            struck = &entry;
+    }
+
+    QByteArray answer;
+    if (line.tooLong)
+        answer = CommandInterpreter::refusalOfLine();
+    else if (!struck || executesCommand(struck->fault))
+        answer = interpreter->answer(line.text);
+    if (!struck) {
+        Reply reply;
+        reply.actions.append({Action::Kind::Send, 0, answer});
+        reply.answer = answer;
+        return reply;
+    }
+    ++struck->count.applied;
+    return faultyReply(struck->fault, answer, previous, &struck->random);
+}
+
+Welcome FaultEngine::welcome(int connected)
+{
+    const QMutexLocker locker(&m_mutex);
+    Welcome welcome = Welcome::Serve;
+    for (Entry &entry : m_entries) {
+        const Fault &fault = entry.fault;
+        if (!strikesClients(fault.kind) || !strikesNow(&entry) || welcome != Welcome::Serve)
+            continue;
+        if (fault.kind == FaultKind::MaxClients && connected < fault.amount)
+            continue;
+        welcome = fault.kind == FaultKind::AcceptThenSilent ? Welcome::Ignore : Welcome::Reset;
+        ++entry.count.applied;
+    }
+    return welcome;
+}
+
+} // namespace kvsim

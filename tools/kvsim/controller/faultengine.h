@@ -1,0 +1,71 @@
+#pragma once
+
+#include "controller/faultreply.h"
+
+#include <QMutex>
+#include <QRandomGenerator>
+#include <QVector>
+
+namespace kvsim {
+
+class CommandInterpreter;
+struct Line;
+
+/// How often a fault had a chance and how often it struck.
+struct FaultCount
+{
+    /// The fault as it was written.
+    QByteArray text;
+    /// Commands that touch its address, or new clients.
+    quint64 seen = 0;
+    quint64 applied = 0;
+};
+
+/// How a new client is met.
+enum class Welcome { Serve, Ignore, Reset };
+
+/// The faults that are in force: decides what becomes of each command and each new client. It
+/// knows neither a socket nor a clock. Safe to use from several threads.
+class FaultEngine
+{
+public:
+    /// The most faults that are in force at a time.
+    static constexpr int maximumFaults = 100;
+
+    /// Why add() would not take the fault; an empty text when it would.
+    QString refusal(const QByteArray &text) const;
+
+    /// Puts a fault in force, see parseFault(); its counters begin at 0. Returns an empty text, or
+    /// what is wrong: then nothing has changed.
+    QString add(const QByteArray &text);
+
+    /// Ends all faults. What they have begun is still carried out.
+    void clear();
+
+    /// Of every fault in force, in the order in which they were added.
+    QVector<FaultCount> counts() const;
+
+    /// What becomes of a command: `interpreter` executes it unless the fault prevents that.
+    /// `previous` is the proper answer to the same client's command before, empty when it is its
+    /// first. Every fault that the command fits sees it; the first one that strikes is applied.
+    Reply reply(const Line &line, const QByteArray &previous, CommandInterpreter *interpreter);
+
+    /// What becomes of a new client beside `connected` others.
+    Welcome welcome(int connected);
+
+private:
+    struct Entry
+    {
+        Fault fault;
+        QRandomGenerator random;
+        FaultCount count;
+    };
+
+    QString refusalOf(const ParsedFault &parsed) const;
+    static bool strikesNow(Entry *entry);
+
+    mutable QMutex m_mutex;
+    QVector<Entry> m_entries;
+};
+
+} // namespace kvsim

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "controller/fault.h"
+
+#include <QList>
+
+class QRandomGenerator;
+
+namespace kvsim {
+
+/// One step of what a client gets to see.
+struct Action
+{
+    enum class Kind { Send, Close, Reset, Restart };
+
+    Kind kind = Kind::Send;
+    /// Milliseconds after the step before. Restart: how long nobody listens.
+    int milliseconds = 0;
+    /// What to send.
+    QByteArray bytes;
+};
+
+/// All that follows from one command.
+struct Reply
+{
+    /// Done one after the other; none: the command stays without an answer.
+    QList<Action> actions;
+    /// The answers to later commands do not wait for this one.
+    bool detached = false;
+    /// The answer as the controller means it, whatever becomes of it on the way.
+    QByteArray answer;
+    /// The fault that was applied, as it was written; empty when there was none.
+    QByteArray fault;
+
+    /// Every byte that the actions send.
+    QByteArray bytes() const;
+};
+
+/// Whether a command that `fault` strikes is executed all the same.
+bool executesCommand(const Fault &fault);
+
+/// What `fault`, one that strikes commands, makes of a command. `answer` is the command's proper
+/// answer with its line end (empty when it was not executed), `previous` the proper answer to the
+/// same client's command before it. All chance comes from `random`.
+Reply faultyReply(const Fault &fault, const QByteArray &answer, const QByteArray &previous,
+                  QRandomGenerator *random);
+
+} // namespace kvsim

@@ -1,0 +1,195 @@
+#include "files/generatorobject.h"
+
+#include "files/valuesfile.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace kvsim {
+
+namespace {
+
+constexpr qint64 longestPeriod = 86400000; // a day
+
+// One generator of a file, with where its faults go. Reading goes on behind a fault, with 1.
+class GeneratorFields
+{
+public:
+    GeneratorFields(QJsonObject object, DeviceKind kind, QString folder, QString place,
+                    QList<Problem> *errors)
+        : m_object(std::move(object)), m_kind(kind), m_folder(std::move(folder)),
+          m_place(std::move(place)), m_errors(errors)
+    {
+    }
+
+    qint64 number(const char *key, qint64 minimum, qint64 maximum) const
+    {
+        const QString name = QLatin1String(key);
+        return readWhole(m_object.value(name), minimum, maximum, member(m_place, name), m_errors)
+            .value_or(1);
+    }
+
+    qint64 time(const char *key) const { return number(key, 1, longestPeriod); }
+
+    // What the word or bit may hold.
+    qint64 level(const char *key) const { return number(key, lowest(), highest()); }
+
+    qint64 lowest() const { return m_kind == DeviceKind::Bit ? 0 : -32768; }
+    qint64 highest() const { return maximumValue(m_kind); }
+
+    bool has(const char *key) const { return m_object.contains(QLatin1String(key)); }
+
+    bool isOnce() const
+    {
+        const QString name = QStringLiteral("once");
+        const QJsonValue value = m_object.value(name);
+        if (has("once") && !value.isBool())
+            addWrongKind(value, QStringLiteral("true or false"), member(m_place, name), m_errors);
+        return value.toBool();
+    }
+
+    QVector<qint64> levels(const char *key) const
+    {
+        const QString place = member(m_place, QLatin1String(key));
+        const QJsonArray list = readList(m_object.value(QLatin1String(key)), place, m_errors);
+        QVector<qint64> values;
+        for (int i = 0; i < list.size(); ++i)
+            values.append(readWhole(list.at(i), lowest(), highest(), element(place, i), m_errors)
+                              .value_or(1));
+        if (values.isEmpty())
+            fault(key, QStringLiteral("must have one value at least"));
+        return values;
+    }
+
+    QString text(const char *key) const
+    {
+        const QString name = QLatin1String(key);
+        return readName(m_object.value(name), member(m_place, name), m_errors);
+    }
+
+    void fault(const char *key, const QString &text) const
+    {
+        addError(member(m_place, QLatin1String(key)), text, m_errors);
+    }
+
+    QString path(const QString &fileName) const { return QDir(m_folder).filePath(fileName); }
+
+private:
+    QJsonObject m_object;
+    DeviceKind m_kind;
+    QString m_folder;
+    QString m_place;
+    QList<Problem> *m_errors;
+};
+
+Generator readRamp(const GeneratorFields &fields)
+{
+    const qint64 from = fields.level("from");
+    const qint64 to = fields.level("to");
+    return ramp(from, to, fields.time("period"));
+}
+
+Generator readSine(const GeneratorFields &fields)
+{
+    constexpr qint64 widest = 65535;
+    const qint64 mean = fields.level("mean");
+    const qint64 amplitude = fields.number("amplitude", 0, widest);
+    return sine(mean, amplitude, fields.time("period"));
+}
+
+Generator readSquare(const GeneratorFields &fields)
+{
+    const qint64 low = fields.level("low");
+    const qint64 high = fields.level("high");
+    return square(low, high, fields.time("period"));
+}
+
+Generator readRandom(const GeneratorFields &fields)
+{
+    constexpr qint64 largestSeed = std::numeric_limits<quint32>::max();
+    const qint64 minimum = fields.level("min");
+    const qint64 maximum = fields.level("max");
+    if (maximum < minimum)
+        fields.fault("max", QStringLiteral("is less than min; write min first"));
+    const qint64 seed = fields.has("seed") ? fields.number("seed", 0, largestSeed) : 1;
+    return randomNumbers(minimum, std::max(minimum, maximum), fields.time("period"),
+                         static_cast<quint32>(seed));
+}
+
+Generator readSteps(const GeneratorFields &fields)
+{
+    const QVector<qint64> values = fields.levels("values");
+    const qint64 hold = fields.time("hold");
+    return replay(evenly(values, hold, fields.isOnce()));
+}
+
+Generator readCsv(const GeneratorFields &fields)
+{
+    const QString fileName = fields.text("file");
+    const bool once = fields.isOnce();
+    const qint64 period = fields.has("period") ? fields.time("period") : 0;
+    if (fileName.isEmpty())
+        return {};
+    const ValuesFile file
+        = readValuesFile(fields.path(fileName), fields.lowest(), fields.highest(), period, once);
+    for (const QString &error : file.errors)
+        fields.fault("file", error);
+    return file.errors.isEmpty() ? replay(file.timeline) : Generator();
+}
+
+struct GeneratorKind
+{
+    const char *name;
+    /// All keys that it may have, with blanks between.
+    const char *keys;
+    Generator (*read)(const GeneratorFields &fields);
+};
+
+constexpr std::array<GeneratorKind, 6> generatorKinds{{
+    {"ramp", "kind from to period", readRamp},
+    {"sine", "kind mean amplitude period", readSine},
+    {"square", "kind low high period", readSquare},
+    {"random", "kind min max period seed", readRandom},
+    {"steps", "kind values hold once", readSteps},
+    {"csv", "kind file period once", readCsv},
+}};
+
+QString unknownKind(const QString &name)
+{
+    QStringList names;
+    for (const GeneratorKind &kind : generatorKinds)
+        names.append(QLatin1String(kind.name));
+    return QStringLiteral("unknown kind '%1'; use one of: %2")
+        .arg(name, names.join(QLatin1String(", ")));
+}
+
+} // namespace
+
+std::optional<Generator> readGenerator(const QJsonValue &value, DeviceKind kind,
+                                       const QString &folder, const QString &place,
+                                       QList<Problem> *errors)
+{
+    const QJsonObject object = readObject(value, place, errors);
+    if (!value.isObject())
+        return {};
+    const QString key = QStringLiteral("kind");
+    const int before = errors->size();
+    const QString name = readName(object.value(key), member(place, key), errors);
+    if (errors->size() > before)
+        return {};
+    const auto *known
+        = std::find_if(generatorKinds.cbegin(), generatorKinds.cend(),
+                       [&](const GeneratorKind &k) { return name == QLatin1String(k.name); });
+    if (known == generatorKinds.cend()) {
+        addError(member(place, key), unknownKind(name), errors);
+        return {};
+    }
+    checkKeys(object, QString::fromLatin1(known->keys).split(u' '), place, errors);
+    const Generator generator = known->read(GeneratorFields(object, kind, folder, place, errors));
+    return errors->size() > before ? std::nullopt : std::make_optional(generator);
+}
+
+} // namespace kvsim

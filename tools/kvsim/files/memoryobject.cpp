@@ -1,0 +1,129 @@
+#include "files/memoryobject.h"
+
+#include <QSet>
+
+namespace kvsim {
+
+namespace {
+
+// So many values in a line of text.
+constexpr int longestRun = 16;
+
+class Reader
+{
+public:
+    Reader(const Memory &taken, QList<Problem> *errors) : m_taken(taken), m_errors(errors) {}
+
+    void read(Address address, const QJsonValue &value, const QString &place)
+    {
+        const QString text = QString::fromLatin1(addressText(address));
+        const std::optional<qint64> number
+            = readWhole(value, 0, maximumValue(address.device->kind), place, m_errors);
+        if (m_taken.isGenerated(address))
+            addError(place,
+                     QStringLiteral("a generator makes the value of %1; leave one of the two out")
+                         .arg(text),
+                     m_errors);
+        else if (m_seen.contains({address.device, address.index}))
+            addError(place,
+                     QStringLiteral("%1 has a value already; leave one of the two out").arg(text),
+                     m_errors);
+        else if (number)
+            cells.append({address, static_cast<quint16>(*number)});
+        m_seen.insert({address.device, address.index});
+    }
+
+    void readRun(Address first, const QJsonArray &values, const QString &place)
+    {
+        const quint32 room = countToEnd(first);
+        if (values.isEmpty())
+            addError(place, QStringLiteral("must not be empty"), m_errors);
+        if (static_cast<quint32>(values.size()) > room) {
+            addError(place,
+                     QStringLiteral("%1 values run over the end of the device; write at most %2")
+                         .arg(values.size())
+                         .arg(room),
+                     m_errors);
+            return;
+        }
+        for (int i = 0; i < values.size(); ++i)
+            read({first.device, first.index + static_cast<quint32>(i)}, values.at(i),
+                 element(place, i));
+    }
+
+    QVector<Cell> cells;
+
+private:
+    const Memory &m_taken;
+    QList<Problem> *m_errors;
+    QSet<QPair<const Device *, quint32>> m_seen;
+};
+
+QByteArray runText(const QVector<Cell> &cells, int first, int count)
+{
+    QList<QByteArray> values;
+    for (int i = first; i < first + count; ++i)
+        values.append(QByteArray::number(cells.at(i).value));
+    const QByteArray text = values.join(", ");
+    return '"' + addressText(cells.at(first).address)
+           + "\": " + (count > 1 ? QByteArray('[' + text + ']') : text);
+}
+
+// How many cells from there on follow each other without a gap.
+int runLength(const QVector<Cell> &cells, int first)
+{
+    const Address start = cells.at(first).address;
+    int count = 1;
+    while (count < longestRun && first + count < cells.size()
+           && cells.at(first + count).address.device == start.device
+           && cells.at(first + count).address.index == start.index + static_cast<quint32>(count))
+        ++count;
+    return count;
+}
+
+} // namespace
+
+std::optional<Address> readAddress(const QString &text, const QString &place,
+                                   QList<Problem> *errors)
+{
+    const std::optional<Address> address = parseAddress(text.toUtf8());
+    if (!address)
+        addError(place,
+                 QStringLiteral("'%1' is no address that exists; write one such as DM100 or R015")
+                     .arg(text),
+                 errors);
+    return address;
+}
+
+QVector<Cell> readMemory(const QJsonValue &value, const QString &place, const Memory &taken,
+                         QList<Problem> *errors)
+{
+    if (value.isUndefined())
+        return {};
+    const QJsonObject object = readObject(value, place, errors);
+    Reader reader(taken, errors);
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        const QString entryPlace = member(place, entry.key());
+        const std::optional<Address> address = readAddress(entry.key(), entryPlace, errors);
+        if (!address)
+            continue;
+        if (entry.value().isArray())
+            reader.readRun(*address, entry.value().toArray(), entryPlace);
+        else
+            reader.read(*address, entry.value(), entryPlace);
+    }
+    return reader.cells;
+}
+
+QByteArray memoryText(const QVector<Cell> &cells, const QByteArray &indent)
+{
+    QList<QByteArray> lines;
+    for (int i = 0; i < cells.size();) {
+        const int count = runLength(cells, i);
+        lines.append(indent + runText(cells, i, count));
+        i += count;
+    }
+    return lines.join(",\n");
+}
+
+} // namespace kvsim

@@ -1,0 +1,104 @@
+#include "files/valuesfile.h"
+
+#include <QFile>
+
+#include <optional>
+
+namespace kvsim {
+
+namespace {
+
+constexpr qint64 maximumFileSize = 16LL * 1024 * 1024;
+constexpr qint64 latestTime = 1000000000000; // some thirty years
+// Enough to see what is wrong with the file.
+constexpr int mostErrors = 10;
+
+std::optional<qint64> whole(const QByteArray &text, qint64 minimum, qint64 maximum)
+{
+    bool ok = false;
+    const qint64 number = text.trimmed().toLongLong(&ok);
+    return ok && number >= minimum && number <= maximum ? std::make_optional(number) : std::nullopt;
+}
+
+QString readTime(const QByteArray &text, Timeline *timeline)
+{
+    const qint64 earliest = timeline->times.isEmpty() ? 0 : timeline->times.constLast() + 1;
+    const std::optional<qint64> time = whole(text, earliest, latestTime);
+    if (!time)
+        return QStringLiteral("'%1' is no time here; write milliseconds, a whole number from %2 on")
+            .arg(QString::fromUtf8(text))
+            .arg(earliest);
+    timeline->times.append(*time);
+    return {};
+}
+
+// What is wrong with a line, or an empty text.
+QString readLine(QByteArray line, qint64 minimum, qint64 maximum, bool timed, Timeline *timeline)
+{
+    if (timed) {
+        const int separator = line.replace(';', ',').indexOf(',');
+        if (separator < 0)
+            return QStringLiteral("'%1' has no comma; write TIME,VALUE, or give a period")
+                .arg(QString::fromUtf8(line));
+        const QString error = readTime(line.left(separator), timeline);
+        if (!error.isEmpty())
+            return error;
+        line = line.mid(separator + 1);
+    }
+    const std::optional<qint64> value = whole(line, minimum, maximum);
+    if (!value)
+        return QStringLiteral("'%1' is no value; write a whole number from %2 to %3")
+            .arg(QString::fromUtf8(line))
+            .arg(minimum)
+            .arg(maximum);
+    timeline->values.append(*value);
+    return {};
+}
+
+qint64 lengthOf(const QVector<qint64> &times, bool once)
+{
+    const int last = times.size() - 1;
+    return once || last < 1 ? 0 : 2 * times.at(last) - times.at(last - 1);
+}
+
+} // namespace
+
+Timeline evenly(const QVector<qint64> &values, qint64 period, bool once)
+{
+    Timeline timeline{{}, values, once ? 0 : values.size() * period};
+    for (int i = 0; i < values.size(); ++i)
+        timeline.times.append(i * period);
+    return timeline;
+}
+
+ValuesFile readValuesFile(const QString &fileName, qint64 minimum, qint64 maximum, qint64 period,
+                          bool once)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return {{}, {fileName + QLatin1String(" cannot be read: ") + file.errorString()}};
+    const QByteArray bytes = file.read(maximumFileSize + 1);
+    if (bytes.size() > maximumFileSize)
+        return {{}, {fileName + QLatin1String(" is larger than 16 MiB; write a shorter one")}};
+
+    ValuesFile result;
+    const QList<QByteArray> lines = bytes.split('\n');
+    for (int i = 0; i < lines.size() && result.errors.size() < mostErrors; ++i) {
+        const QByteArray line = lines.at(i).trimmed();
+        if (line.isEmpty() || line.startsWith('#'))
+            continue;
+        const QString error = readLine(line, minimum, maximum, period == 0, &result.timeline);
+        if (!error.isEmpty())
+            result.errors.append(
+                QStringLiteral("%1, line %2: %3").arg(fileName).arg(i + 1).arg(error));
+    }
+    if (result.timeline.values.isEmpty() && result.errors.isEmpty())
+        result.errors.append(fileName + QLatin1String(" has no value; write one at least"));
+    if (period > 0)
+        result.timeline = evenly(result.timeline.values, period, once);
+    else
+        result.timeline.length = lengthOf(result.timeline.times, once);
+    return result;
+}
+
+} // namespace kvsim

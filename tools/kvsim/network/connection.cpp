@@ -1,0 +1,165 @@
+#include "network/connection.h"
+
+#include "controller/controller.h"
+#include "controller/interpreter.h"
+#include "network/trace.h"
+
+#include <QHostAddress>
+#include <QTcpSocket>
+
+#include <sys/socket.h>
+
+namespace kvsim {
+
+namespace {
+
+constexpr int receiveLimit = 64 * 1024;
+constexpr int chunkSize = 4096;
+// What an answer that comes late takes beside its bytes, so that many short ones are limited too.
+constexpr int lateOverhead = 256;
+
+} // namespace
+
+Connection::Connection(QTcpSocket *socket, Controller *controller, CommandInterpreter *interpreter,
+                       QObject *parent)
+    : QObject(parent), m_socket(socket), m_controller(controller), m_interpreter(interpreter),
+      m_client(endpointText(socket->peerAddress(), socket->peerPort())), m_due(this)
+{
+    socket->setParent(this);
+    socket->setReadBufferSize(receiveLimit);
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    m_due.setSingleShot(true);
+    m_due.setTimerType(Qt::PreciseTimer);
+    connect(&m_due, &QTimer::timeout, this, [this] {
+        m_waiting.first().milliseconds = 0;
+        serve();
+    });
+    connect(socket, &QTcpSocket::readyRead, this, &Connection::serve);
+    // A client that reads again makes room for more answers. Queued, because flush() emits it too
+    // and no second time for what is written from within the slot.
+    connect(socket, &QTcpSocket::bytesWritten, this, &Connection::serve, Qt::QueuedConnection);
+    connect(socket, &QTcpSocket::disconnected, this, &Connection::deleteLater);
+}
+
+void Connection::ignore()
+{
+    disconnect(m_socket, &QTcpSocket::readyRead, this, nullptr);
+    connect(m_socket, &QTcpSocket::readyRead, m_socket, [this] { m_socket->skip(receiveLimit); });
+}
+
+void Connection::drop()
+{
+    m_waiting.clear();
+    m_due.stop();
+    m_socket->abort();
+}
+
+void Connection::serve()
+{
+    carryOutWaiting();
+    answerCommands();
+    // At once: QTcpSocket throws away what still waits when the client closes its sending side.
+    m_socket->flush();
+}
+
+void Connection::answerCommands()
+{
+    while (mayReadOn()) {
+        const std::optional<Line> line = m_lines.next();
+        if (line) {
+            reply(*line);
+            continue;
+        }
+        const QByteArray bytes = m_socket->read(chunkSize);
+        if (bytes.isEmpty())
+            return;
+        m_lines.append(bytes);
+    }
+}
+
+bool Connection::isConnected() const
+{
+    return m_socket->state() == QAbstractSocket::ConnectedState;
+}
+
+bool Connection::mayReadOn() const
+{
+    return isConnected() && m_waiting.isEmpty()
+           && m_socket->bytesToWrite() + m_lateBytes <= unsentLimit;
+}
+
+void Connection::reply(const Line &line)
+{
+    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previous);
+    if (reply.detached) {
+        for (const Action &action : reply.actions)
+            scheduleAnswer(action);
+    } else {
+        m_waiting = reply.actions;
+        carryOutWaiting();
+    }
+    Q_EMIT answered(m_client, line.tooLong ? line.text : QByteArray(line.text + '\r'),
+                    reply.bytes(), reply.fault);
+}
+
+void Connection::carryOutWaiting()
+{
+    while (isConnected() && !m_waiting.isEmpty() && !m_due.isActive()) {
+        const Action &first = m_waiting.constFirst();
+        if (first.kind == Action::Kind::Send && first.milliseconds > 0) {
+            m_due.start(first.milliseconds);
+            return;
+        }
+        carryOut(m_waiting.takeFirst());
+    }
+}
+
+void Connection::carryOut(const Action &action)
+{
+    switch (action.kind) {
+    case Action::Kind::Send:
+        m_socket->write(action.bytes);
+        // The parts of an answer leave one by one.
+        if (!m_waiting.isEmpty())
+            m_socket->flush();
+        return;
+    case Action::Kind::Close:
+        m_socket->disconnectFromHost();
+        return;
+    case Action::Kind::Reset:
+        resetConnection(m_socket);
+        return;
+    case Action::Kind::Restart:
+        Q_EMIT restartWanted(action.milliseconds);
+        return;
+    }
+}
+
+void Connection::scheduleAnswer(const Action &action)
+{
+    const int size = action.bytes.size() + lateOverhead;
+    m_lateBytes += size;
+    QTimer::singleShot(action.milliseconds, Qt::PreciseTimer, this, [this, action, size] {
+        m_lateBytes -= size;
+        sendInTurn(action);
+        serve();
+    });
+}
+
+// Not into the middle of another answer.
+void Connection::sendInTurn(const Action &action)
+{
+    if (isConnected())
+        m_waiting.append({Action::Kind::Send, 0, action.bytes});
+}
+
+void resetConnection(QTcpSocket *socket)
+{
+    socket->flush();
+    const linger atOnce{1, 0};
+    ::setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce,
+                 sizeof atOnce);
+    socket->abort();
+}
+
+} // namespace kvsim

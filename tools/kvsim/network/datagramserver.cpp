@@ -1,0 +1,150 @@
+#include "network/datagramserver.h"
+
+#include "controller/controller.h"
+#include "controller/interpreter.h"
+#include "network/trace.h"
+
+#include <QTimer>
+#include <QUdpSocket>
+
+#include <utility>
+
+namespace kvsim {
+
+namespace {
+
+// What an answer that waits takes beside its bytes, so that many short ones are limited too.
+constexpr int waitingOverhead = 256;
+
+int sizeWaiting(const Action &datagram)
+{
+    return datagram.bytes.size() + waitingOverhead;
+}
+
+bool wantsRestart(const Reply &reply)
+{
+    return !reply.actions.isEmpty() && reply.actions.constFirst().kind == Action::Kind::Restart;
+}
+
+} // namespace
+
+DatagramLines linesOf(const QByteArray &datagram)
+{
+    QList<QByteArray> texts = QByteArray(datagram).replace("\n", "").split('\r');
+    const bool lastIsOpen = !texts.constLast().isEmpty();
+    if (!lastIsOpen)
+        texts.removeLast();
+    if (texts.size() > DatagramServer::maximumCommands)
+        return {{{datagram.left(LineBuffer::shownLength), true}}, true};
+    QList<Line> lines;
+    for (const QByteArray &text : qAsConst(texts))
+        lines.append({text, false});
+    return {lines, lastIsOpen};
+}
+
+void appendDatagrams(const QList<Action> &actions, QList<Action> *datagrams)
+{
+    bool first = true;
+    for (const Action &action : actions) {
+        if (action.kind != Action::Kind::Send)
+            continue;
+        if (first && action.milliseconds == 0 && !datagrams->isEmpty())
+            datagrams->last().bytes += action.bytes;
+        else
+            datagrams->append(action);
+        first = false;
+    }
+}
+
+DatagramServer::DatagramServer(Controller *controller, CommandInterpreter *interpreter,
+                               QObject *parent)
+    : QObject(parent), m_controller(controller), m_interpreter(interpreter)
+{
+}
+
+bool DatagramServer::listen(const QHostAddress &address, quint16 port)
+{
+    m_socket = new QUdpSocket(this);
+    if (!m_socket->bind(address, port, QAbstractSocket::DontShareAddress)) {
+        m_errorString = m_socket->errorString();
+        close();
+        return false;
+    }
+    // One datagram a signal: the socket reports the next one by itself, and others get their turn.
+    connect(m_socket, &QUdpSocket::readyRead, this, &DatagramServer::receive);
+    return true;
+}
+
+void DatagramServer::close()
+{
+    delete std::exchange(m_socket, nullptr);
+    m_waitingBytes = 0;
+}
+
+void DatagramServer::receive()
+{
+    const QNetworkDatagram question = m_socket->receiveDatagram();
+    if (m_waitingBytes > waitingLimit)
+        return;
+    const QByteArray client
+        = endpointText(question.senderAddress(), static_cast<quint16>(question.senderPort()))
+          + "/udp";
+    const DatagramLines commands = linesOf(question.data());
+    QList<Action> datagrams;
+    for (int i = 0; i < commands.lines.size(); ++i) {
+        const bool last = i == commands.lines.size() - 1;
+        const Reply answer = reply(commands.lines.at(i), client, last && commands.lastIsOpen);
+        if (wantsRestart(answer)) {
+            Q_EMIT restartWanted(answer.actions.constFirst().milliseconds);
+            break;
+        }
+        if (answer.detached)
+            schedule(question, answer.actions);
+        else
+            appendDatagrams(answer.actions, &datagrams);
+    }
+    schedule(question, datagrams);
+}
+
+Reply DatagramServer::reply(const Line &line, const QByteArray &client, bool open)
+{
+    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previous);
+    Q_EMIT answered(client, open ? line.text : QByteArray(line.text + '\r'), reply.bytes(),
+                    reply.fault);
+    return reply;
+}
+
+void DatagramServer::schedule(const QNetworkDatagram &question, const QList<Action> &datagrams)
+{
+    for (const Action &datagram : datagrams)
+        m_waitingBytes += sizeWaiting(datagram);
+    depart(std::make_shared<Answer>(Answer{question, datagrams}));
+}
+
+void DatagramServer::depart(const Departure &departure)
+{
+    QList<Action> &datagrams = departure->datagrams;
+    while (!datagrams.isEmpty()) {
+        const int wait = std::exchange(datagrams.first().milliseconds, 0);
+        if (wait > 0) {
+            auto *due = new QTimer(m_socket);
+            due->setTimerType(Qt::PreciseTimer);
+            connect(due, &QTimer::timeout, this, [this, due, departure] {
+                due->deleteLater();
+                depart(departure);
+            });
+            due->setSingleShot(true);
+            due->start(wait);
+            return;
+        }
+        const Action datagram = datagrams.takeFirst();
+        m_waitingBytes -= sizeWaiting(datagram);
+        // Sent or not: nobody is told of a datagram that is lost. Not as the question's reply, for
+        // which Qt names the interface, so that the system takes that one's first address.
+        const QNetworkDatagram &question = departure->question;
+        m_socket->writeDatagram(datagram.bytes.left(largestDatagram), question.senderAddress(),
+                                static_cast<quint16>(question.senderPort()));
+    }
+}
+
+} // namespace kvsim

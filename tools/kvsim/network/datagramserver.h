@@ -1,0 +1,93 @@
+#pragma once
+
+#include "controller/faultreply.h"
+#include "controller/linebuffer.h"
+
+#include <QNetworkDatagram>
+#include <QObject>
+
+#include <memory>
+
+class QUdpSocket;
+
+namespace kvsim {
+
+class CommandInterpreter;
+struct Controller;
+
+/// The commands of one datagram.
+struct DatagramLines
+{
+    QList<Line> lines;
+    /// The last one has no carriage return of its own.
+    bool lastIsOpen = false;
+};
+
+/// Cuts a datagram into command lines, as LineBuffer does with a stream, but the end of the
+/// datagram ends a line too. More than DatagramServer::maximumCommands are no commands: they are
+/// one line that is too long.
+DatagramLines linesOf(const QByteArray &datagram);
+
+/// Adds what follows from a command to the datagrams that answer: `actions` of the kind Send, each
+/// one datagram. What follows at once goes into the datagram of the command before.
+void appendDatagrams(const QList<Action> &actions, QList<Action> *datagrams);
+
+/// Serves one controller over UDP: the commands of a datagram are answered to its sender.
+class DatagramServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// So many that their proper answers fit into one datagram, whatever they read.
+    static constexpr int maximumCommands = 10;
+    /// What is longer is cut off.
+    static constexpr int largestDatagram = 65507;
+    /// While more bytes than this wait for their time, datagrams are dropped.
+    static constexpr int waitingLimit = 256 * 1024;
+
+    /// `controller` and `interpreter` must outlive the server.
+    DatagramServer(Controller *controller, CommandInterpreter *interpreter, QObject *parent);
+
+    /// Starts to answer. False when that is not possible: `errorString()` then tells why.
+    bool listen(const QHostAddress &address, quint16 port);
+
+    /// Answers no longer; what still waits for its time is dropped.
+    void close();
+
+    QString errorString() const { return m_errorString; }
+
+Q_SIGNALS:
+    /// One command is decided, see Connection::answered(). The client's name ends in "/udp"; the
+    /// last command of a datagram may lack its carriage return.
+    void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
+                  const QByteArray &fault);
+
+    /// A fault asks for the controller to be gone for so long.
+    void restartWanted(int milliseconds);
+
+private:
+    /// The datagrams that are still to be sent for one that was received.
+    struct Answer
+    {
+        QNetworkDatagram question;
+        QList<Action> datagrams;
+    };
+    using Departure = std::shared_ptr<Answer>;
+
+    void receive();
+    Reply reply(const Line &line, const QByteArray &client, bool open);
+    void schedule(const QNetworkDatagram &question, const QList<Action> &datagrams);
+    void depart(const Departure &departure);
+
+    Controller *m_controller;
+    CommandInterpreter *m_interpreter;
+    /// Gone while the server does not listen; the answers that wait go with it.
+    QUdpSocket *m_socket = nullptr;
+    QString m_errorString;
+    /// The proper answer to the last command of any sender.
+    QByteArray m_previous;
+    /// Memory taken by answers that wait for their time.
+    int m_waitingBytes = 0;
+};
+
+} // namespace kvsim

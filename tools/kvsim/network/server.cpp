@@ -1,0 +1,117 @@
+#include "network/server.h"
+
+#include "controller/controller.h"
+#include "network/connection.h"
+#include "network/datagramserver.h"
+
+#include <QTcpSocket>
+
+namespace kvsim {
+
+Server::Server(Controller *controller, QObject *parent)
+    : QObject(parent), m_controller(controller),
+      m_interpreter(&controller->memory, controller->profile), m_listener(new QTcpServer(this)),
+      m_datagrams(new DatagramServer(controller, &m_interpreter, this)), m_down(this)
+{
+    m_down.setSingleShot(true);
+    m_down.setTimerType(Qt::PreciseTimer);
+    connect(&m_down, &QTimer::timeout, this, &Server::listenAgain);
+    connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
+    connect(m_datagrams, &DatagramServer::answered, this, &Server::answered);
+    // Queued: the datagram is still at work when it asks.
+    connect(m_datagrams, &DatagramServer::restartWanted, this, &Server::restart,
+            Qt::QueuedConnection);
+}
+
+bool Server::listen(const QHostAddress &address, quint16 port)
+{
+    // A port that is free for TCP may be in use for UDP.
+    const int attempts = port == 0 ? 20 : 1;
+    for (int i = 0; i < attempts; ++i) {
+        if (!m_listener->listen(address, port)) {
+            m_errorString = m_listener->errorString();
+            return false;
+        }
+        if (m_datagrams->listen(m_listener->serverAddress(), m_listener->serverPort()))
+            return true;
+        m_errorString = m_datagrams->errorString() + QLatin1String(" (UDP)");
+        m_listener->close();
+    }
+    return false;
+}
+
+void Server::close()
+{
+    m_listener->close();
+    m_datagrams->close();
+}
+
+bool Server::isListening() const
+{
+    return m_listener->isListening();
+}
+
+QHostAddress Server::address() const
+{
+    return m_listener->serverAddress();
+}
+
+quint16 Server::port() const
+{
+    return m_listener->serverPort();
+}
+
+void Server::acceptClients()
+{
+    while (QTcpSocket *socket = m_listener->nextPendingConnection())
+        accept(socket);
+}
+
+void Server::accept(QTcpSocket *socket)
+{
+    ++m_controller->counters.clients;
+    const Welcome welcome = m_controller->faults.welcome(m_connections.size());
+    if (welcome == Welcome::Reset) {
+        resetConnection(socket);
+        socket->deleteLater();
+        return;
+    }
+
+    auto *connection = new Connection(socket, m_controller, &m_interpreter, this);
+    m_connections.append(connection);
+    connect(connection, &Connection::answered, this, &Server::answered);
+    // Queued: the connection is still at work when it asks.
+    connect(connection, &Connection::restartWanted, this, &Server::restart, Qt::QueuedConnection);
+    connect(socket, &QTcpSocket::disconnected, this,
+            [this, connection] { m_connections.removeOne(connection); });
+    // Out of file descriptors, Qt may accept nobody any more until it is told to; a listener that
+    // is closed must not be told.
+    connect(connection, &Connection::destroyed, m_listener, [this] {
+        if (m_listener->isListening())
+            m_listener->resumeAccepting();
+    });
+    if (welcome == Welcome::Ignore)
+        connection->ignore();
+}
+
+void Server::restart(int milliseconds)
+{
+    // Two clients may have asked at the same time.
+    if (!m_listener->isListening())
+        return;
+    m_downAddress = address();
+    m_downPort = port();
+    close();
+    const QList<Connection *> connections = m_connections;
+    for (Connection *connection : connections)
+        connection->drop();
+    m_down.start(milliseconds);
+}
+
+void Server::listenAgain()
+{
+    if (!listen(m_downAddress, m_downPort))
+        Q_EMIT stayedDown();
+}
+
+} // namespace kvsim

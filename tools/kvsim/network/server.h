@@ -1,0 +1,65 @@
+#pragma once
+
+#include "controller/interpreter.h"
+
+#include <QHostAddress>
+#include <QTcpServer>
+#include <QTimer>
+
+namespace kvsim {
+
+class Connection;
+class DatagramServer;
+struct Controller;
+
+/// Serves one controller to any number of TCP clients, and over UDP on the same port.
+class Server : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `controller` must outlive the server.
+    explicit Server(Controller *controller, QObject *parent = nullptr);
+
+    /// Starts to accept clients; port 0 picks a free one. False when that is not possible:
+    /// `errorString()` then tells why.
+    bool listen(const QHostAddress &address, quint16 port);
+
+    /// Accepts nobody any more. Who is connected stays.
+    void close();
+
+    bool isListening() const;
+    QString errorString() const { return m_errorString; }
+    QHostAddress address() const;
+    /// The port in use, 0 while the server is not listening.
+    quint16 port() const;
+
+Q_SIGNALS:
+    /// One command of one client is decided, see Connection::answered() and
+    /// DatagramServer::answered().
+    void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
+                  const QByteArray &fault);
+
+    /// After a restart the server could not listen again, `errorString()` tells why.
+    void stayedDown();
+
+private:
+    void acceptClients();
+    void accept(QTcpSocket *socket);
+    void restart(int milliseconds);
+    void listenAgain();
+
+    Controller *m_controller;
+    CommandInterpreter m_interpreter;
+    QTcpServer *m_listener;
+    DatagramServer *m_datagrams;
+    QString m_errorString;
+    QList<Connection *> m_connections;
+    /// Runs while a restart keeps the server from listening, there and on that port before and
+    /// after.
+    QTimer m_down;
+    QHostAddress m_downAddress;
+    quint16 m_downPort = 0;
+};
+
+} // namespace kvsim

@@ -1,0 +1,59 @@
+#include "network/trace.h"
+
+#include <QDateTime>
+#include <QHostAddress>
+
+namespace kvsim {
+
+namespace {
+
+QByteArray escapedByte(char byte)
+{
+    switch (byte) {
+    case '\r':
+        return "\\r";
+    case '\n':
+        return "\\n";
+    case '\\':
+        return "\\\\";
+    default:
+        break;
+    }
+    if (byte >= ' ' && byte <= '~')
+        return {1, byte};
+    return "\\x" + QByteArray(1, byte).toHex();
+}
+
+} // namespace
+
+QByteArray escaped(const QByteArray &bytes)
+{
+    QByteArray text;
+    text.reserve(bytes.size());
+    for (const char byte : bytes)
+        text += escapedByte(byte);
+    return text;
+}
+
+QByteArray endpointText(const QHostAddress &address, quint16 port)
+{
+    const QByteArray host = address.toString().toLatin1();
+    const QByteArray number = QByteArray::number(port);
+    if (address.protocol() == QAbstractSocket::IPv6Protocol)
+        return '[' + host + "]:" + number;
+    return host + ':' + number;
+}
+
+QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByteArray &command,
+                     const QByteArray &answer, const QByteArray &fault)
+{
+    const QByteArray prefix = time.toString(Qt::ISODateWithMs).toLatin1() + ' ' + client;
+    QByteArray text = prefix + " > " + escaped(command) + '\n';
+    if (!fault.isEmpty())
+        text += prefix + " ! " + fault + '\n';
+    if (!answer.isEmpty())
+        text += prefix + " < " + escaped(answer) + '\n';
+    return text;
+}
+
+} // namespace kvsim

@@ -1,0 +1,35 @@
+#include "control/ctl.h"
+#include "program/options.h"
+#include "program/serve.h"
+#include "program/terminal.h"
+
+#include <QCoreApplication>
+
+using kvsim::fail;
+using kvsim::Options;
+using kvsim::print;
+using kvsim::WrongUsage;
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("kvsim"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KVSIM_VERSION));
+
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == QLatin1String("ctl"))
+        return kvsim::runCtl(arguments.mid(2));
+
+    const Options options = kvsim::parseOptions(arguments);
+    switch (options.action) {
+    case Options::Action::ShowHelp:
+        return kvsim::printHelp();
+    case Options::Action::ShowVersion:
+        return print(QStringLiteral("kvsim %1\n").arg(QCoreApplication::applicationVersion()));
+    case Options::Action::RefuseUsage:
+        return fail(WrongUsage, options.text + QLatin1String(" See kvsim --help."));
+    case Options::Action::Serve:
+        break;
+    }
+    return kvsim::serve(options);
+}

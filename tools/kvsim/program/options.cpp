@@ -1,0 +1,157 @@
+#include "program/options.h"
+
+#include "program/places.h"
+
+#include <common/wholenumber.h>
+
+#include <QCommandLineParser>
+
+namespace kvsim {
+
+namespace {
+
+constexpr int mostControllers = 254;
+
+const QString controllersOption = QStringLiteral("controllers");
+const QString configOption = QStringLiteral("config");
+const QString consecutiveOption = QStringLiteral("consecutive");
+
+Options answered(Options::Action action, const QString &text)
+{
+    Options options;
+    options.action = action;
+    options.text = text;
+    return options;
+}
+
+Options refused(const QString &text)
+{
+    return answered(Options::Action::RefuseUsage, text);
+}
+
+Options refusedPort(const QString &option, const QString &port)
+{
+    return refused(QStringLiteral("'%1' is no port; %2 takes a number from 0 to 65535, 0 picks a "
+                                  "free port.")
+                       .arg(port, option));
+}
+
+std::optional<quint16> parsePort(const QString &text)
+{
+    const std::optional<int> port = wholeNumber(text, 0, 65535);
+    return port ? std::make_optional(static_cast<quint16>(*port)) : std::nullopt;
+}
+
+std::optional<Consecutive> parseConsecutive(const QString &text)
+{
+    if (text == QLatin1String("addresses"))
+        return Consecutive::Addresses;
+    if (text == QLatin1String("ports"))
+        return Consecutive::Ports;
+    return std::nullopt;
+}
+
+Options placesFrom(const QHostAddress &address, quint16 port, const QCommandLineParser &parser)
+{
+    const QString controllers = parser.value(controllersOption);
+    const std::optional<int> count = wholeNumber(controllers, 1, mostControllers);
+    if (!count)
+        return refused(QStringLiteral("'%1' is no number of controllers; --controllers takes a "
+                                      "number from 1 to %2.")
+                           .arg(controllers)
+                           .arg(mostControllers));
+    const QString consecutive = parser.value(consecutiveOption);
+    const std::optional<Consecutive> differ = parseConsecutive(consecutive);
+    if (!differ)
+        return refused(QStringLiteral("'%1' is wrong; --consecutive takes addresses or ports.")
+                           .arg(consecutive));
+    if (parser.isSet(consecutiveOption) && !parser.isSet(controllersOption))
+        return refused(QStringLiteral("--consecutive says nothing without --controllers; write "
+                                      "both, or none."));
+    if (parser.isSet(configOption) && parser.isSet(controllersOption))
+        return refused(
+            QStringLiteral("--controllers and --config exclude each other; the file says "
+                           "how many there are."));
+    const Places places = consecutivePlaces(address, port, *count, *differ);
+    if (!places.error.isEmpty())
+        return refused(places.error);
+    Options options;
+    options.places = places.places;
+    return options;
+}
+
+// The places to listen.
+Options servingOptions(const QCommandLineParser &parser)
+{
+    const QString bind = parser.value(QStringLiteral("bind"));
+    QHostAddress address;
+    if (!address.setAddress(bind))
+        return refused(QStringLiteral("'%1' is no IP address; --bind takes one such as 127.0.0.1, "
+                                      "or 0.0.0.0 for all interfaces.")
+                           .arg(bind));
+    const QString port = parser.value(QStringLiteral("port"));
+    const std::optional<quint16> number = parsePort(port);
+    if (!number)
+        return refusedPort(QStringLiteral("--port"), port);
+    Options options = placesFrom(address, *number, parser);
+
+    const QString control = parser.value(QStringLiteral("control"));
+    options.control = parsePort(control);
+    if (parser.isSet(QStringLiteral("control")) && !options.control)
+        return refusedPort(QStringLiteral("--control"), control);
+    return options;
+}
+
+// What there is to parse. What it means to people stands in help.txt.
+void addOptions(QCommandLineParser *parser)
+{
+    const QString value = QStringLiteral("value");
+    parser->addOptions({
+        // Not addHelpOption(): it brings --help-all with it, which would need an answer too.
+        QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}),
+        QCommandLineOption(QStringList{QStringLiteral("v"), QStringLiteral("version")}),
+        QCommandLineOption(QStringLiteral("trace")),
+        {QStringLiteral("bind"), {}, value, QStringLiteral("127.0.0.1")},
+        {QStringLiteral("port"), {}, value, QStringLiteral("8501")},
+        {controllersOption, {}, value, QStringLiteral("1")},
+        {consecutiveOption, {}, value, QStringLiteral("addresses")},
+        {configOption, {}, value},
+        {QStringLiteral("load"), {}, value},
+        {QStringLiteral("dump"), {}, value},
+        {QStringLiteral("control"), {}, value},
+        {QStringLiteral("fault"), {}, value},
+        {QStringLiteral("set"), {}, value},
+    });
+}
+
+} // namespace
+
+Options parseOptions(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    addOptions(&parser);
+    if (!parser.parse(arguments))
+        return refused(parser.errorText());
+    if (parser.isSet(QStringLiteral("help")))
+        return answered(Options::Action::ShowHelp, {});
+    if (parser.isSet(QStringLiteral("version")))
+        return answered(Options::Action::ShowVersion, {});
+    if (!parser.positionalArguments().isEmpty())
+        return refused(QStringLiteral("Unexpected argument '%1'; kvsim takes options only.")
+                           .arg(parser.positionalArguments().constFirst()));
+
+    Options options = servingOptions(parser);
+    for (const QString &file : {configOption, QStringLiteral("load"), QStringLiteral("dump")}) {
+        if (parser.isSet(file) && parser.value(file).isEmpty())
+            return refused(QStringLiteral("--%1 takes the name of a file.").arg(file));
+    }
+    options.config = parser.value(configOption);
+    options.load = parser.value(QStringLiteral("load"));
+    options.dump = parser.value(QStringLiteral("dump"));
+    options.trace = parser.isSet(QStringLiteral("trace"));
+    options.faults = parser.values(QStringLiteral("fault"));
+    options.values = parser.values(QStringLiteral("set"));
+    return options;
+}
+
+} // namespace kvsim

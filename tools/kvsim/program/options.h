@@ -1,0 +1,39 @@
+#pragma once
+
+#include "program/simulation.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace kvsim {
+
+/// What the command line asks for.
+struct Options
+{
+    enum class Action { Serve, ShowHelp, ShowVersion, RefuseUsage };
+
+    Action action = Action::Serve;
+    /// Where the controllers listen; with a configuration, the one place where those listen that it
+    /// gives none.
+    QList<Place> places;
+    /// Files; empty: none.
+    QString config;
+    QString load;
+    QString dump;
+    /// The port of the control protocol; nothing: there is none.
+    std::optional<quint16> control;
+    bool trace = false;
+    /// As they were given, in their order.
+    QStringList faults;
+    /// What memory holds at the start, each ADDRESS=VALUE as it was given, in their order.
+    QStringList values;
+    /// What is wrong, for `RefuseUsage`.
+    QString text;
+};
+
+/// Reads the command line; `arguments` begins with the program's name.
+Options parseOptions(const QStringList &arguments);
+
+} // namespace kvsim

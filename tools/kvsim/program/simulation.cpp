@@ -1,0 +1,90 @@
+#include "program/simulation.h"
+
+#include "network/trace.h"
+
+namespace kvsim {
+
+struct Simulation::Station
+{
+    explicit Station(const Setup &setup) : place(setup.place), controller(setup.profile)
+    {
+        for (const Generated &generated : setup.generators)
+            controller.memory.generate(generated.address, generated.generator);
+        for (const Cell &cell : setup.memory)
+            controller.memory.setValue(cell.address, cell.value);
+        for (const QByteArray &fault : setup.faults)
+            controller.faults.add(fault);
+    }
+
+    Place place;
+    QByteArray endpoint;
+    Controller controller;
+    Server server{&controller};
+};
+
+Simulation::Simulation(const QList<Setup> &setups, QObject *parent) : QObject(parent)
+{
+    for (const Setup &setup : setups) {
+        m_stations.push_back(std::make_unique<Station>(setup));
+        Server *server = &m_stations.back()->server;
+        const QByteArray prefix = setups.size() > 1 ? setup.place.name + ' ' : QByteArray();
+        connect(server, &Server::answered, this,
+                [this, prefix](const QByteArray &client, const QByteArray &command,
+                               const QByteArray &answer, const QByteArray &fault) {
+                    Q_EMIT answered(prefix + client, command, answer, fault);
+                });
+        connect(server, &Server::stayedDown, this,
+                [this, server] { Q_EMIT stayedDown(server->errorString()); });
+    }
+}
+
+Simulation::~Simulation() = default;
+
+bool Simulation::listen()
+{
+    // A port that is free for the first may be in use where another one follows it.
+    const bool choose = m_stations.size() > 1 && m_stations.back()->place.port == 0;
+    const int attempts = choose ? 20 : 1;
+    for (int i = 0; i < attempts; ++i) {
+        if (listenOnce())
+            return true;
+        close();
+    }
+    return false;
+}
+
+bool Simulation::listenOnce()
+{
+    const Server &first = m_stations.front()->server;
+    for (const auto &station : m_stations) {
+        const Place &place = station->place;
+        int port = place.port;
+        if (port == 0 && place.behindFirst && first.isListening())
+            port = first.port() + *place.behindFirst;
+        Server &server = station->server;
+        if (port > 65535 || !server.listen(place.address, static_cast<quint16>(port))) {
+            m_errorString
+                = QString::fromLatin1(endpointText(place.address, static_cast<quint16>(port)))
+                  + QLatin1String(": ") + server.errorString();
+            return false;
+        }
+        station->endpoint = endpointText(server.address(), server.port());
+    }
+    return true;
+}
+
+void Simulation::close()
+{
+    for (const auto &station : m_stations)
+        station->server.close();
+}
+
+NamedControllers Simulation::controllers() const
+{
+    NamedControllers controllers;
+    for (const auto &station : m_stations)
+        controllers.append({station->place.name, station->endpoint, &station->controller});
+    return controllers;
+}
+
+} // namespace kvsim

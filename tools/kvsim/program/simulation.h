@@ -1,0 +1,79 @@
+#pragma once
+
+#include "controller/controller.h"
+#include "network/server.h"
+
+#include <memory>
+#include <vector>
+
+namespace kvsim {
+
+/// Where one of the controllers is to be found.
+struct Place
+{
+    QByteArray name;
+    QHostAddress address;
+    /// 0: a free one.
+    quint16 port = 0;
+    /// With port 0: so many behind the port of the first controller; nothing: any.
+    std::optional<quint16> behindFirst;
+};
+
+/// A word or bit that changes by itself.
+struct Generated
+{
+    Address address;
+    Generator generator;
+};
+
+/// What one of the controllers is at the start.
+struct Setup
+{
+    Place place;
+    Profile profile;
+    QVector<Generated> generators;
+    QVector<Cell> memory;
+    QList<QByteArray> faults;
+};
+
+/// The controllers of one program, each with a server of its own.
+class Simulation : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// At least one controller.
+    explicit Simulation(const QList<Setup> &setups, QObject *parent = nullptr);
+    ~Simulation() override;
+    Simulation(const Simulation &) = delete;
+    Simulation &operator=(const Simulation &) = delete;
+
+    /// Starts all servers. False, and none is started, when one cannot: `errorString()` then tells
+    /// where and why.
+    bool listen();
+
+    QString errorString() const { return m_errorString; }
+
+    /// All controllers in their order; where they listen is known after listen().
+    NamedControllers controllers() const;
+
+Q_SIGNALS:
+    /// As Server::answered(); where there are several controllers, the name of the one that was
+    /// asked stands before the client.
+    void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
+                  const QByteArray &fault);
+
+    /// A controller could not listen again after a restart, `reason` tells why.
+    void stayedDown(const QString &reason);
+
+private:
+    struct Station;
+
+    bool listenOnce();
+    void close();
+
+    std::vector<std::unique_ptr<Station>> m_stations;
+    QString m_errorString;
+};
+
+} // namespace kvsim

@@ -1,0 +1,25 @@
+#include "cycle/changes.h"
+
+QList<DeviceReport> Changes::take(const QList<DeviceReport> &devices)
+{
+    QList<DeviceReport> changes;
+    for (const DeviceReport &device : devices) {
+        Printed &printed = m_printed[device.device];
+        DeviceReport change = device;
+        change.values.clear();
+        change.errorEnded = device.error.isEmpty() && !printed.error.isEmpty();
+        if (device.error == printed.error)
+            change.error.clear();
+        printed.error = device.error;
+        for (const ItemReport &item : device.values) {
+            const auto last = printed.items.constFind(item.item);
+            if (last != printed.items.constEnd() && last->value == item.value
+                && last->error == item.error)
+                continue;
+            printed.items.insert(item.item, item);
+            change.values.append(item);
+        }
+        changes.append(change);
+    }
+    return changes;
+}

@@ -1,0 +1,117 @@
+#include "cycle/cycle.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace {
+
+QString valueKey()
+{
+    return QStringLiteral("value");
+}
+
+void appendItem(LogList *list, const DeviceInstancePlugin &device, int item, const QString &value)
+{
+    DataItem dataItem;
+    dataItem.values.insert(valueKey(), value);
+    dataItem.item = device.items.at(item);
+    dataItem.device = device;
+    list->dataItems.append(dataItem);
+}
+
+/// Empties what the plug-in is to fill in. The time stamp is among it, so that a plug-in which sets
+/// none is told from one that does.
+void beginCycle(LogList *list)
+{
+    list->setLastError({});
+    for (ItemInstancePlugin &item : list->items)
+        item.setLastError({});
+    for (DataItem &dataItem : list->dataItems) {
+        dataItem.item.setLastError({});
+        dataItem.device.setLastError({});
+        dataItem.timestamp = {};
+    }
+}
+
+DeviceReport report(const LogList &list, qint64 cycle)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    DeviceReport report;
+    report.time = now;
+    report.cycle = cycle;
+    report.device = list.name;
+    report.error = list.lastError;
+    for (const DataItem &dataItem : list.dataItems) {
+        report.values.append({dataItem.timestamp.isValid() ? dataItem.timestamp : now,
+                              dataItem.item.name, dataItem.values.value(valueKey()),
+                              dataItem.item.lastError, false});
+    }
+    return report;
+}
+
+} // namespace
+
+QList<LogList> readLists(const QList<DeviceInstancePlugin> &devices)
+{
+    QList<LogList> lists;
+    for (const DeviceInstancePlugin &device : devices) {
+        LogList list{device, {}};
+        for (int item = 0; item < device.items.size(); ++item)
+            appendItem(&list, device, item, {});
+        lists.append(list);
+    }
+    return lists;
+}
+
+QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
+                          const QList<Assignment> &assignments)
+{
+    QList<LogList> lists;
+    for (const Assignment &assignment : assignments) {
+        const DeviceInstancePlugin &device = devices.at(assignment.device);
+        auto list = std::find_if(lists.begin(), lists.end(), [&](const LogList &candidate) {
+            return candidate.name == device.name;
+        });
+        if (list == lists.end())
+            list = lists.insert(lists.end(), {device, {}});
+        appendItem(&*list, device, assignment.item, assignment.value);
+    }
+    return lists;
+}
+
+DeviceReport readDevice(VELInterface *plugin, LogList *list, qint64 cycle)
+{
+    beginCycle(list);
+    QElapsedTimer sinceCall;
+    sinceCall.start();
+    const bool done = plugin->readData(list);
+    const qint64 nanoseconds = sinceCall.nsecsElapsed();
+    DeviceReport result = report(*list, cycle);
+    result.microseconds = nanoseconds / 1000;
+    if (!done && result.error.isEmpty())
+        result.error = QStringLiteral("readData() returned false");
+    // A plug-in that gets no answer from the device need not set an error on each of its items.
+    for (ItemReport &item : result.values) {
+        const bool failed = !result.error.isEmpty() || !item.error.isEmpty();
+        item.isOld = failed && !item.value.isEmpty();
+    }
+    return result;
+}
+
+DeviceReport writeDevice(VELInterface *plugin, LogList *list, qint64 cycle, const Host &host)
+{
+    beginCycle(list);
+    const int errorsBefore = host.errorCount();
+    const bool done = plugin->writeData(list);
+    const int errors = host.errorCount() - errorsBefore;
+    DeviceReport result = report(*list, cycle);
+    if (result.error.isEmpty() && errors > 0)
+        result.error = QStringLiteral("write failed: %1 in the error log")
+                           .arg(errors == 1 ? QStringLiteral("1 entry")
+                                            : QStringLiteral("%1 entries").arg(errors));
+    if (result.error.isEmpty() && !done)
+        result.error = QStringLiteral("writeData() returned false");
+    return result;
+}

@@ -1,0 +1,118 @@
+#include "discover/discoveroutput.h"
+
+#include <common/table.h>
+
+#include <common/json/json.h>
+
+#include <QHostAddress>
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace {
+
+QString modelText(const Identity &identity)
+{
+    if (identity.kind == Identity::Refusal)
+        return u"not told, refused with " + identity.text;
+    const QString name = modelName(identity.text);
+    return name.isEmpty() ? QString(u"model code " + identity.text) : name;
+}
+
+QString controllerJson(const Finding &finding)
+{
+    const QString name = modelName(finding.identity.text);
+    QJsonArray protocols;
+    if (finding.byTcp)
+        protocols.append(QStringLiteral("tcp"));
+    if (finding.byUdp)
+        protocols.append(QStringLiteral("udp"));
+    return jsonObject(
+        {{QStringLiteral("type"), jsonText(QStringLiteral("controller"))},
+         {QStringLiteral("address"), jsonText(QHostAddress(finding.address).toString())},
+         {QStringLiteral("port"), jsonText(finding.port)},
+         {QStringLiteral("protocols"), jsonText(protocols)},
+         {QStringLiteral("model"), jsonText(name.isEmpty() ? QJsonValue() : QJsonValue(name))},
+         {QStringLiteral("answer"), jsonText(finding.identity.text)}});
+}
+
+QString deviceJson(int id, const Finding &finding)
+{
+    const QJsonObject parameters{{QStringLiteral("port"), QString::number(finding.port)}};
+    return jsonObject({{QStringLiteral("id"), jsonText(id)},
+                       {QStringLiteral("name"), jsonText(finding.place())},
+                       {QStringLiteral("ip"), jsonText(QHostAddress(finding.address).toString())},
+                       {QStringLiteral("parameters"), jsonText(parameters)},
+                       {QStringLiteral("items"), jsonText(QJsonArray())}});
+}
+
+quint64 placesOf(const QList<Subnet> &subnets)
+{
+    return Endpoints(subnets, {1}).count();
+}
+
+} // namespace
+
+QString controllersText(OutputFormat format, const Findings &findings)
+{
+    QString lines;
+    QList<QStringList> rows{{QStringLiteral("Address"), QStringLiteral("Port"),
+                             QStringLiteral("Protocol"), QStringLiteral("Model")}};
+    for (const Finding &finding : findings.all()) {
+        if (!finding.isController())
+            continue;
+        lines += controllerJson(finding) + u'\n';
+        rows.append({QHostAddress(finding.address).toString(), QString::number(finding.port),
+                     finding.protocols(), modelText(finding.identity)});
+    }
+    if (format == OutputFormat::Json)
+        return lines;
+    return rows.size() > 1 ? tableText(rows) : QString();
+}
+
+QStringList strangerTexts(const Findings &findings)
+{
+    QStringList texts;
+    for (const Finding &finding : findings.all()) {
+        if (finding.isController())
+            continue;
+        const QString answer = finding.identity.text.isEmpty()
+                                   ? QStringLiteral("nothing")
+                                   : QString(u'"' + finding.identity.text + u'"');
+        texts.append(QStringLiteral("%1 (%2) is no controller: it answered %3")
+                         .arg(finding.place(), finding.protocols(), answer));
+    }
+    return texts;
+}
+
+QString searchText(const SearchPlan &plan)
+{
+    return QStringLiteral("asking %1 addresses by UDP at %2 ports, then %3 by TCP at %4, for at "
+                          "most %5 ms")
+        .arg(QString::number(placesOf(plan.area.udp)), QString::number(plan.udpPorts.size()),
+             QString::number(placesOf(plan.area.tcp)), QString::number(plan.tcpPorts.size()),
+             QString::number(plan.timeoutMs));
+}
+
+QString progressText(const SearchProgress &progress)
+{
+    return QStringLiteral("%1 of %2 asked by TCP, %3 controllers found")
+        .arg(QString::number(progress.tcpAsked), QString::number(progress.tcpCount),
+             QString::number(progress.controllers));
+}
+
+QByteArray plantJson(const SearchArea &area, const Findings &findings)
+{
+    QStringList devices;
+    QStringList names;
+    for (const Finding &finding : findings.all()) {
+        // Two that answer differently by TCP and UDP are one device.
+        if (!finding.isController() || names.contains(finding.place()))
+            continue;
+        names.append(finding.place());
+        devices.append(deviceJson(names.size(), finding));
+    }
+    const QString interfaces = jsonText(QJsonArray::fromStringList(area.interfaces));
+    const QString text = u"{\n  \"networkInterfaces\": " + interfaces + u",\n  \"devices\": [\n    "
+                         + devices.join(QStringLiteral(",\n    ")) + u"\n  ]\n}\n";
+    return text.toUtf8();
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "discover/search/identity.h"
+
+#include <QList>
+
+/// What answers at one port of one address.
+struct Finding
+{
+    quint32 address = 0;
+    quint16 port = 0;
+    Identity identity;
+    bool byTcp = false;
+    bool byUdp = false;
+
+    bool isController() const { return identity.kind != Identity::Other; }
+    /// The address and the port, with a colon between.
+    QString place() const;
+    /// TCP, UDP or both.
+    QString protocols() const;
+};
+
+/// Everything that answered, sorted by address and port. The same answer from the same place by TCP
+/// and by UDP is one finding.
+class Findings
+{
+public:
+    /// So many are kept, more are only noticed: anybody may send an answer.
+    static constexpr int maximum = 4096;
+
+    void add(const Finding &finding);
+
+    const QList<Finding> &all() const { return m_all; }
+    int controllerCount() const { return m_controllerCount; }
+    bool isFull() const { return m_isFull; }
+
+private:
+    QList<Finding> m_all;
+    int m_controllerCount = 0;
+    bool m_isFull = false;
+};

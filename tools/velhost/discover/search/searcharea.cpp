@@ -1,0 +1,126 @@
+#include "discover/search/searcharea.h"
+
+#include <QNetworkInterface>
+
+namespace {
+
+constexpr int shortestPrefix = 22;
+constexpr quint32 firstLoopback = 0x7f000000;
+
+bool isLoopback(Subnet subnet)
+{
+    return subnetOf(subnet.first, 8).first == firstLoopback;
+}
+
+QList<InterfaceNetwork> chosenNetworks(const QString &interface,
+                                       const QList<InterfaceNetwork> &networks)
+{
+    QList<InterfaceNetwork> chosen;
+    for (const InterfaceNetwork &network : networks) {
+        if (interface.isEmpty() ? !isLoopback(network.subnet) : network.interface == interface)
+            chosen.append(network);
+    }
+    return chosen;
+}
+
+QString noNetwork(const QString &interface, const QList<InterfaceNetwork> &networks)
+{
+    if (interface.isEmpty())
+        return QStringLiteral("no interface but loopback is up and has an IPv4 address; connect "
+                              "one or name a network with --subnet");
+    QStringList names;
+    for (const InterfaceNetwork &network : networks)
+        names.append(network.interface);
+    names.removeDuplicates();
+    return QStringLiteral("no interface \"%1\" is up and has an IPv4 address; there are: %2")
+        .arg(interface,
+             names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", ")));
+}
+
+QString tooLarge(Subnet subnet)
+{
+    return QStringLiteral("the network %1 has %2 addresses, more than the 1022 of a /22; name a "
+                          "part of it with --subnet, or add --force")
+        .arg(subnetText(subnet), QString::number(hostCount(subnet)));
+}
+
+} // namespace
+
+Endpoints::Endpoints(const QList<Subnet> &subnets, const QVector<quint16> &ports)
+    : m_subnets(subnets), m_ports(ports)
+{
+    for (const Subnet &subnet : subnets)
+        m_hosts += hostCount(subnet);
+}
+
+quint64 Endpoints::count() const
+{
+    return m_hosts * static_cast<quint64>(m_ports.size());
+}
+
+Endpoint Endpoints::at(quint64 number) const
+{
+    const quint16 port = m_ports.at(static_cast<int>(number / m_hosts));
+    quint64 host = number % m_hosts;
+    for (const Subnet &subnet : m_subnets) {
+        if (host < hostCount(subnet))
+            return {hostAt(subnet, static_cast<quint32>(host)), port};
+        host -= hostCount(subnet);
+    }
+    return {};
+}
+
+QList<InterfaceNetwork> machineNetworks()
+{
+    QList<InterfaceNetwork> networks;
+    const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
+    for (const QNetworkInterface &interface : interfaces) {
+        if (!interface.flags().testFlag(QNetworkInterface::IsUp))
+            continue;
+        const QList<QNetworkAddressEntry> entries = interface.addressEntries();
+        for (const QNetworkAddressEntry &entry : entries) {
+            if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol && entry.prefixLength() >= 0)
+                networks.append(
+                    {interface.name(), subnetOf(entry.ip().toIPv4Address(), entry.prefixLength())});
+        }
+    }
+    return networks;
+}
+
+std::optional<SearchArea> searchArea(const AreaChoice &choice,
+                                     const QList<InterfaceNetwork> &networks, QString *error)
+{
+    SearchArea area;
+    const bool broadcasts = choice.isInterfaceGiven || !choice.subnet;
+    const QList<InterfaceNetwork> chosen
+        = broadcasts ? chosenNetworks(choice.interface, networks) : QList<InterfaceNetwork>();
+    if (broadcasts && chosen.isEmpty()) {
+        *error = noNetwork(choice.interface, networks);
+        return {};
+    }
+    for (const InterfaceNetwork &network : chosen) {
+        area.interfaces.append(network.interface);
+        area.tcp.append(network.subnet);
+    }
+    area.interfaces.removeDuplicates();
+    area.tcp = withoutOverlap(area.tcp);
+    for (const Subnet &subnet : std::as_const(area.tcp)) {
+        const std::optional<QHostAddress> broadcast = broadcastAddress(subnet);
+        area.udp.append(broadcast ? Subnet{broadcast->toIPv4Address(), 32} : subnet);
+    }
+    if (choice.subnet) {
+        const std::optional<Subnet> subnet = parseSubnet(*choice.subnet, error);
+        if (!subnet)
+            return {};
+        area.tcp = {*subnet};
+        if (!broadcasts)
+            area.udp = area.tcp;
+    }
+    for (const Subnet &subnet : std::as_const(area.tcp)) {
+        if (subnet.prefix < shortestPrefix && !choice.isForced) {
+            *error = tooLarge(subnet);
+            return {};
+        }
+    }
+    return area;
+}

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "discover/search/findings.h"
+#include "discover/search/searcharea.h"
+
+#include <QObject>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <functional>
+
+/// Asks one endpoint by TCP.
+class TcpProbe : public QObject
+{
+    Q_OBJECT
+
+public:
+    TcpProbe(Endpoint endpoint, QObject *parent);
+
+    /// Connects; ended() comes within a second and a half, perhaps during this call.
+    void start();
+
+    /// What there is after ended(): whether a connection was made, and what came on it.
+    bool wasConnected() const { return m_wasConnected; }
+    Finding finding() const;
+
+    /// The machine had no socket for it, so nothing is known; says why.
+    const QString &resourceError() const { return m_resourceError; }
+
+Q_SIGNALS:
+    void ended();
+
+private:
+    void look();
+    void fail(QAbstractSocket::SocketError error);
+    void end();
+
+    Endpoint m_endpoint;
+    QTcpSocket m_socket;
+    QTimer m_patience;
+    QByteArray m_received;
+    bool m_wasConnected = false;
+    bool m_hasEnded = false;
+    QString m_resourceError;
+};
+
+/// Asks every endpoint by TCP, at most 128 of them at once.
+class TcpSearch : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Found = std::function<void(const Finding &)>;
+
+    TcpSearch(Endpoints endpoints, Found found);
+
+    /// Starts as many probes as there is room for.
+    void startSome();
+
+    quint64 count() const { return m_endpoints.count(); }
+    /// How many endpoints have been asked to the end.
+    quint64 asked() const { return m_asked; }
+    bool isDone() const { return m_next == count() && m_inFlight == 0; }
+
+    /// Why the machine had no socket for some of them; empty when it had.
+    const QString &error() const { return m_error; }
+
+private:
+    void take(TcpProbe *probe);
+
+    Endpoints m_endpoints;
+    Found m_found;
+    quint64 m_next = 0;
+    quint64 m_asked = 0;
+    int m_inFlight = 0;
+    QString m_error;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "discover/search/findings.h"
+#include "discover/search/searcharea.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QUdpSocket>
+
+#include <functional>
+
+/// Asks every endpoint by UDP and takes answers for as long as it lives.
+class UdpSearch : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Found = std::function<void(const Finding &)>;
+
+    /// `ports` are those of the endpoints; an answer from another one is not to this question.
+    UdpSearch(Endpoints endpoints, QVector<quint16> ports, Found found);
+
+    /// Sends the next questions, so many that the network is not flooded when it is called a
+    /// hundred times a second.
+    void sendSome();
+
+    /// Whether all were sent at least so many milliseconds ago.
+    bool isQuiet(int milliseconds) const;
+
+    /// How many questions were not sent, and why the last of them failed.
+    quint64 unsent() const { return m_endpoints.count() - m_next + m_failed; }
+    const QString &error() const { return m_error; }
+
+private:
+    void receive();
+
+    Endpoints m_endpoints;
+    QVector<quint16> m_ports;
+    Found m_found;
+    QUdpSocket m_socket;
+    QElapsedTimer m_sinceLast;
+    quint64 m_next = 0;
+    quint64 m_failed = 0;
+    QString m_error;
+};

@@ -1,0 +1,160 @@
+#include "explain/explaincommand.h"
+
+#include "explain/explain.h"
+
+#include <common/json/json.h>
+
+#include <QFile>
+#include <QJsonArray>
+
+#include <cstdio>
+#include <optional>
+
+namespace {
+
+constexpr int maximumInput = 1024 * 1024;
+// An unknown text is shown up to here.
+constexpr int shownCharacters = 200;
+constexpr int lineWidth = 79;
+
+/// The text in lines of at most `lineWidth`, where words allow it, each begun by `indent`.
+QString wrapped(const QString &text, const QString &indent)
+{
+    QString result;
+    QString line = indent;
+    const QStringList words = text.split(u' ');
+    for (const QString &word : words) {
+        if (line.size() > indent.size() && line.size() + 1 + word.size() > lineWidth) {
+            result += line + u'\n';
+            line = indent;
+        }
+        if (line.size() > indent.size())
+            line += u' ';
+        line += word;
+    }
+    return result + line + u'\n';
+}
+
+QString paragraph(const QString &name, const QString &text)
+{
+    const QString indent = QStringLiteral("          ");
+    return wrapped(text, indent).replace(0, indent.size(), name.leftJustified(indent.size()));
+}
+
+QString listing(const QString &name, const QStringList &texts)
+{
+    QString result;
+    for (const QString &text : texts) {
+        const QString indent = QStringLiteral("            ");
+        const QString head = result.isEmpty() ? name.leftJustified(10) : indent.left(10);
+        result += wrapped(text, indent).replace(0, indent.size(), head + u"- ");
+    }
+    return result;
+}
+
+QString explanationText(const KnownError &error)
+{
+    QString result = error.text.trimmed() + u": " + error.title + u"\n\n";
+    result += paragraph(QStringLiteral("Meaning"), error.meaning);
+    result += listing(QStringLiteral("Causes"), error.causes);
+    result += listing(QStringLiteral("Remedy"), error.remedies);
+    QStringList places;
+    for (const KnownError::Place &place : error.places)
+        places.append(place.name + u": " + place.text);
+    result += listing(QStringLiteral("Seen in"), places);
+    if (places.isEmpty())
+        result += paragraph(QStringLiteral("Seen in"), u"nothing. " + error.unreported);
+    return result;
+}
+
+QString explanationJson(const KnownError &error)
+{
+    QJsonArray places;
+    for (const KnownError::Place &place : error.places)
+        places.append(QJsonArray{place.name, place.text});
+    const auto list
+        = [](const QStringList &texts) { return jsonText(QJsonArray::fromStringList(texts)); };
+    return jsonObject({{QStringLiteral("type"), jsonText(QStringLiteral("explanation"))},
+                       {QStringLiteral("id"), jsonText(error.id)},
+                       {QStringLiteral("text"), jsonText(error.text)},
+                       {QStringLiteral("title"), jsonText(error.title)},
+                       {QStringLiteral("meaning"), jsonText(error.meaning)},
+                       {QStringLiteral("causes"), list(error.causes)},
+                       {QStringLiteral("remedies"), list(error.remedies)},
+                       {QStringLiteral("seen_in"), jsonText(places)}})
+           + u'\n';
+}
+
+void printTable(const QList<KnownError> &errors)
+{
+    QStringList parts;
+    if (errors.size() > 1)
+        parts.append(wrapped(QStringLiteral("The text has %1 meanings; the whole log entry tells "
+                                            "which one it has.")
+                                 .arg(errors.size()),
+                             {}));
+    for (const KnownError &error : errors)
+        parts.append(explanationText(error));
+    print(stdout, parts.join(u'\n'));
+}
+
+void printUnknown(const QString &text, const QStringList &nearest, OutputFormat format)
+{
+    const QString end = text.size() > shownCharacters ? u"…" + text.right(shownCharacters) : text;
+    if (format == OutputFormat::Json) {
+        print(stdout, jsonObject({{QStringLiteral("type"), jsonText(QStringLiteral("unknown"))},
+                                  {QStringLiteral("text"), jsonText(end)},
+                                  {QStringLiteral("nearest"),
+                                   jsonText(QJsonArray::fromStringList(nearest))}})
+                          + u'\n');
+    }
+    complain(QStringLiteral("no error text of the plug-in: \"%1\"").arg(end));
+    if (nearest.isEmpty())
+        complain(QStringLiteral("no known text resembles it; all of them stand in docs/errors.md"));
+    for (const QString &known : nearest)
+        complain(QStringLiteral("known is: %1").arg(known.trimmed()));
+}
+
+/// The text to explain, or nothing when there is none; the reason is then on standard error.
+std::optional<QString> requestedText(const QString &argument)
+{
+    QString text = argument;
+    if (argument == u"-") {
+        QFile input;
+        const QByteArray bytes
+            = input.open(stdin, QIODevice::ReadOnly) ? input.read(maximumInput + 1) : QByteArray();
+        if (bytes.size() > maximumInput) {
+            complain(QStringLiteral("standard input has more than 1 MiB; give one error text"));
+            return {};
+        }
+        text = QString::fromUtf8(bytes.constData(), bytes.size());
+    }
+    text = text.trimmed();
+    if (!text.isEmpty())
+        return text;
+    complain(QStringLiteral("there is no text to explain; give one error text, for example "
+                            "\"invalid address\""));
+    return {};
+}
+
+} // namespace
+
+ExitCode runExplain(const CommandLine &commandLine, const QByteArray &json)
+{
+    const std::optional<QString> text = requestedText(commandLine.text);
+    if (!text)
+        return WrongUsage;
+    const QList<KnownError> catalogue = errorCatalogue(json);
+    const QList<KnownError> errors = explanations(*text, catalogue);
+    if (errors.isEmpty()) {
+        printUnknown(*text, nearestTexts(*text, catalogue), commandLine.format);
+        return ErrorFound;
+    }
+    if (commandLine.format != OutputFormat::Json) {
+        printTable(errors);
+        return AllWell;
+    }
+    for (const KnownError &error : errors)
+        print(stdout, explanationJson(error));
+    return AllWell;
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "plant/plant.h"
+
+#include <vel/hostbackend.h>
+
+#include <QList>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+/// One entry of the plug-in in the host's logs.
+struct LogEntry
+{
+    enum class Level { Debug, Error };
+    Level level = Level::Debug;
+    QString text;
+};
+
+/// The plant's devices as records, their parameters resolved against the registered columns. Adds
+/// to `errors` what does not resolve, by its place in the plant file.
+QList<DeviceInstancePlugin>
+deviceRecords(const Plant &plant, const PluginRegistration &registration, QList<Problem> *errors);
+
+/// The host as the plug-in sees it: takes its registration, hands it the plant's devices and passes
+/// its log entries on as they come. It is installed behind libvel.so.1 as long as it lives.
+class Host : public HostBackend
+{
+public:
+    /// `log` is called for each entry, from the plug-in's own call.
+    Host(Plant plant, std::function<void(const LogEntry &)> log);
+
+    /// What the plug-in declared; nothing before it registered.
+    const std::optional<PluginRegistration> &registration() const { return m_registration; }
+
+    /// Log entries of level error so far.
+    int errorCount() const { return m_errorCount; }
+
+    /// The text of the latest of them.
+    const QString &lastError() const { return m_lastError; }
+
+    /// As the function of that name, for the host's own plant.
+    QList<DeviceInstancePlugin> deviceRecords(QList<Problem> *errors) const;
+
+    void registerPlugin(const PluginRegistration &registration) override;
+    /// As deviceRecords(); empty when a parameter does not resolve, because no connection must be
+    /// opened with parameters that nobody meant.
+    QList<DeviceInstancePlugin> devices() override;
+    QList<NetworkInterfaceInstance> networkInterfaces() override;
+    void logDebug(const QString &message) override;
+    void logError(const QString &message) override;
+
+private:
+    Plant m_plant;
+    std::function<void(const LogEntry &)> m_log;
+    std::optional<PluginRegistration> m_registration;
+    int m_errorCount = 0;
+    QString m_lastError;
+};

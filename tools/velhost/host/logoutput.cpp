@@ -1,0 +1,68 @@
+#include "host/logoutput.h"
+
+#include <common/console.h>
+
+namespace {
+
+constexpr int maximumKept = 5;
+
+bool isSame(const LogEntry &left, const LogEntry &right)
+{
+    return left.level == right.level && left.text == right.text;
+}
+
+} // namespace
+
+QString countedText(const CountedEntry &counted)
+{
+    QString text = logText(OutputFormat::Table, counted.entry);
+    if (counted.count == 1)
+        return text;
+    text.chop(1);
+    return text + QStringLiteral(" (x %1)\n").arg(counted.count);
+}
+
+void LogOutput::add(const LogEntry &entry)
+{
+    if (m_format == OutputFormat::Json) {
+        print(stdout, logText(m_format, entry));
+        return;
+    }
+    if (!m_latest.isEmpty() && isSame(m_latest.last().entry, entry)) {
+        ++m_latest.last().count;
+        return;
+    }
+    if (!m_isHeld)
+        printOpenCount();
+    m_latest.append({entry, 1});
+    if (m_latest.size() > maximumKept)
+        m_latest.removeFirst();
+    m_told = m_isHeld ? 0 : 1;
+    if (!m_isHeld)
+        print(stderr, countedText(m_latest.last()));
+}
+
+void LogOutput::printOpenCount()
+{
+    if (m_latest.isEmpty() || m_latest.last().count == m_told)
+        return;
+    print(stderr, countedText(m_latest.last()));
+    m_told = m_latest.last().count;
+}
+
+void LogOutput::hold()
+{
+    printOpenCount();
+    m_latest.clear();
+    m_isHeld = true;
+}
+
+void LogOutput::release()
+{
+    if (!m_isHeld)
+        return;
+    m_isHeld = false;
+    for (const CountedEntry &counted : std::as_const(m_latest))
+        print(stderr, countedText(counted));
+    m_told = m_latest.isEmpty() ? 0 : m_latest.last().count;
+}

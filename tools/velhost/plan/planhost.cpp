@@ -1,0 +1,50 @@
+#include "plan/planhost.h"
+
+#include <QRegularExpression>
+
+namespace {
+
+const QString portKey = QStringLiteral("port");
+const QString timeoutKey = QStringLiteral("timeout");
+
+bool isDottedAddress(const QString &address)
+{
+    static const QRegularExpression dotted(
+        QStringLiteral("\\A(25[0-5]|2[0-4][0-9]|[01]?[0-9]?[0-9])(\\.(25[0-5]|2[0-4][0-9]|[01]?[0-"
+                       "9]?[0-9])){3}\\z"));
+    return dotted.match(address).hasMatch();
+}
+
+} // namespace
+
+QList<DeviceInstancePlugin> PlanHost::devices()
+{
+    QList<DeviceInstancePlugin> records = Host::devices();
+    for (DeviceInstancePlugin &record : records)
+        record = redirected(record, m_port);
+    return records;
+}
+
+DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port)
+{
+    device.ipAddress = QStringLiteral("127.0.0.1");
+    device.parameters.insert(portKey, QString::number(port));
+    // A time-out of a few milliseconds must not make an error that has nothing to do with the plan.
+    if (device.parameters.contains(timeoutKey))
+        device.parameters.insert(timeoutKey, QStringLiteral("10000"));
+    return device;
+}
+
+DeviceInstancePlugin judgeable(const DeviceInstancePlugin &device, quint16 port)
+{
+    static const QRegularExpression digit(QStringLiteral("[0-9]"));
+    DeviceInstancePlugin result = redirected(device, port);
+    if (!isDottedAddress(device.ipAddress))
+        result.ipAddress = device.ipAddress;
+    const auto original = device.parameters.constFind(portKey);
+    if (original == device.parameters.constEnd())
+        result.parameters.remove(portKey);
+    else if (!digit.match(*original).hasMatch())
+        result.parameters.insert(portKey, *original);
+    return result;
+}

@@ -1,0 +1,88 @@
+#include "plan/recorder.h"
+
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <utility>
+
+namespace {
+
+// A plug-in that sends an endless line is cut off.
+constexpr qint64 maximumLine = 65'536;
+// More than any controller gives in one answer.
+constexpr int maximumWords = 65536;
+
+QByteArray answerTo(const QByteArray &line)
+{
+    if (!line.startsWith("RD"))
+        return "OK\r\n";
+    QByteArray words = "00000";
+    for (int i = 1; i < wordCount(line); ++i)
+        words += " 00000";
+    return words + "\r\n";
+}
+
+} // namespace
+
+Recorder::Recorder()
+{
+    start();
+    m_started.acquire();
+}
+
+Recorder::~Recorder()
+{
+    quit();
+    wait();
+}
+
+QList<QByteArray> Recorder::takeLines()
+{
+    const QMutexLocker locker(&m_mutex);
+    return std::exchange(m_lines, {});
+}
+
+void Recorder::run()
+{
+    QTcpServer server;
+    connect(&server, &QTcpServer::newConnection, &server, [this, &server] {
+        while (QTcpSocket *const socket = server.nextPendingConnection()) {
+            connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { answer(socket); });
+            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        }
+    });
+    if (server.listen(QHostAddress(QHostAddress::LocalHost)))
+        m_port = server.serverPort();
+    m_started.release();
+    exec();
+}
+
+void Recorder::answer(QTcpSocket *socket)
+{
+    for (;;) {
+        const QByteArray waiting = socket->peek(maximumLine);
+        const int end = waiting.indexOf('\r');
+        if (end < 0) {
+            if (waiting.size() == maximumLine)
+                socket->abort();
+            return;
+        }
+        const QByteArray line = socket->read(end + 1);
+        {
+            const QMutexLocker locker(&m_mutex);
+            m_lines.append(line);
+        }
+        socket->write(answerTo(line));
+    }
+}
+
+int wordCount(const QByteArray &line)
+{
+    const QList<QByteArray> fields = line.simplified().split(' ');
+    const QByteArray &command = fields.first();
+    if (command == "RD" || command == "WR")
+        return 1;
+    if (command != "RDS" && command != "WRS")
+        return 0;
+    return qBound(0, fields.value(2).toInt(), maximumWords);
+}

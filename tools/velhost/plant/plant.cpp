@@ -1,0 +1,172 @@
+#include "plant/plant.h"
+
+#include <common/json/json.h>
+#include <common/json/jsonfile.h>
+#include <common/json/jsonplace.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <limits>
+
+// Every function that takes a `place` adds its faults to `errors` under that place and goes on with
+// an empty value: one run finds all faults of a file. The caller throws the plant away when there
+// is one.
+
+namespace {
+
+const QString kindOfFile = QStringLiteral("plant file");
+
+int readId(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+{
+    const qint64 most = std::numeric_limits<int>::max();
+    return static_cast<int>(readWhole(value, 0, most, place, errors).value_or(-1));
+}
+
+ParameterTexts readParameters(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+{
+    if (value.isUndefined())
+        return {};
+    ParameterTexts result;
+    const QJsonObject object = readObject(value, place, errors);
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        const QJsonValue parameter = entry.value();
+        if (parameter.isString())
+            result.insert(entry.key(), parameter.toString());
+        else if (parameter.isNull())
+            result.insert(entry.key(), std::nullopt);
+        else if (parameter.isDouble())
+            addError(member(place, entry.key()),
+                     QStringLiteral("expected a text or null, found a number; write \"%1\"")
+                         .arg(jsonText(parameter)),
+                     errors);
+        else
+            addWrongKind(parameter, QStringLiteral("a text or null"), member(place, entry.key()),
+                         errors);
+    }
+    return result;
+}
+
+PlantItem readItem(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+{
+    const QJsonObject object = readObject(value, place, errors);
+    if (!value.isObject())
+        return {};
+    const QString name = QStringLiteral("name");
+    const QString parameters = QStringLiteral("parameters");
+    const QString expect = QStringLiteral("expect");
+    checkKeys(object, {name, parameters, expect}, place, errors);
+    PlantItem item{readName(object.value(name), member(place, name), errors),
+                   readParameters(object.value(parameters), member(place, parameters), errors)};
+    if (object.contains(expect))
+        item.expect = readText(object.value(expect), member(place, expect), errors);
+    return item;
+}
+
+QList<PlantItem> readItems(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+{
+    const QJsonArray array = readList(value, place, errors);
+    QList<PlantItem> items;
+    QStringList names;
+    for (int i = 0; i < array.size(); ++i) {
+        items.append(readItem(array.at(i), element(place, i), errors));
+        names.append(items.last().name);
+    }
+    checkUnique(names, QStringLiteral("name"), place, errors);
+    return items;
+}
+
+PlantDevice readDevice(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+{
+    const QJsonObject object = readObject(value, place, errors);
+    if (!value.isObject())
+        return {};
+    const QString id = QStringLiteral("id");
+    const QString name = QStringLiteral("name");
+    const QString ip = QStringLiteral("ip");
+    const QString parameters = QStringLiteral("parameters");
+    const QString items = QStringLiteral("items");
+    checkKeys(object, {id, name, ip, parameters, items}, place, errors);
+    return {readId(object.value(id), member(place, id), errors),
+            readName(object.value(name), member(place, name), errors),
+            readText(object.value(ip), member(place, ip), errors),
+            readParameters(object.value(parameters), member(place, parameters), errors),
+            readItems(object.value(items), member(place, items), errors)};
+}
+
+QList<PlantDevice> readDevices(const QJsonValue &value, const QString &place,
+                               QList<Problem> *errors)
+{
+    const QJsonArray array = readList(value, place, errors);
+    QList<PlantDevice> devices;
+    QStringList ids;
+    QStringList names;
+    for (int i = 0; i < array.size(); ++i) {
+        devices.append(readDevice(array.at(i), element(place, i), errors));
+        const int id = devices.last().id;
+        ids.append(id >= 0 ? QString::number(id) : QString());
+        names.append(devices.last().name);
+    }
+    checkUnique(ids, QStringLiteral("id"), place, errors);
+    checkUnique(names, QStringLiteral("name"), place, errors);
+    return devices;
+}
+
+QStringList readNetworkInterfaces(const QJsonValue &value, const QString &place,
+                                  QList<Problem> *errors)
+{
+    if (value.isUndefined())
+        return {};
+    const QJsonArray array = readList(value, place, errors);
+    QStringList names;
+    for (int i = 0; i < array.size(); ++i)
+        names.append(readName(array.at(i), element(place, i), errors));
+    return names;
+}
+
+Plant readPlant(const QJsonValue &root, QList<Problem> *errors)
+{
+    const QJsonObject object = readObject(root, {}, errors);
+    if (!root.isObject())
+        return {};
+    const QString networkInterfaces = QStringLiteral("networkInterfaces");
+    const QString devices = QStringLiteral("devices");
+    const QString schema = QStringLiteral("$schema");
+    checkKeys(object, {schema, networkInterfaces, devices}, {}, errors);
+    if (object.contains(schema))
+        readText(object.value(schema), schema, errors);
+    return {readNetworkInterfaces(object.value(networkInterfaces), networkInterfaces, errors),
+            readDevices(object.value(devices), devices, errors)};
+}
+
+/// The plant as far as it can be understood; nothing when the text is no JSON.
+std::optional<Plant> parseDraft(const QByteArray &json, QList<Problem> *problems)
+{
+    const std::optional<QJsonValue> root = parseJson(json, problems);
+    return root ? std::make_optional(readPlant(*root, problems)) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
+                                QStringList *errors)
+{
+    QList<Problem> problems;
+    std::optional<Plant> plant = parseDraft(json, &problems);
+    errors->append(problemLines(fileName, problems));
+    return problems.isEmpty() ? std::move(plant) : std::nullopt;
+}
+
+std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems)
+{
+    const std::optional<QByteArray> json = readJsonBytes(fileName, kindOfFile, problems);
+    return json ? parseDraft(*json, problems) : std::nullopt;
+}
+
+std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors)
+{
+    QList<Problem> problems;
+    std::optional<Plant> plant = readPlantDraft(fileName, &problems);
+    errors->append(problemLines(fileName, problems));
+    return problems.isEmpty() ? std::move(plant) : std::nullopt;
+}

@@ -1,0 +1,118 @@
+#include "plant/samevalue.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using Column = DatabaseColumnStructure;
+
+/// What a display text must begin with.
+const QString hexadecimalText = QStringLiteral("Hexadecimal");
+const QString asciiText = QStringLiteral("ASCII");
+
+constexpr int leastDigits = 5;
+/// A value in the middle between two read-backs may have moved by this share when it was stored: as
+/// a 32-bit float, which reads back with few digits, or as a 64-bit one.
+constexpr double floatError = 6e-8;
+constexpr double doubleError = 1e-15;
+
+/// A number taken apart by its text.
+struct Number
+{
+    bool isValid = false;
+    bool isWhole = false;
+    /// Sign and digits without leading zeros; for a whole number only.
+    QString canonical;
+    int significantDigits = 0;
+    double value = 0;
+};
+
+QString withoutLeadingZeros(const QString &digits)
+{
+    int zeros = 0;
+    while (zeros < digits.size() - 1 && digits.at(zeros) == u'0')
+        ++zeros;
+    return digits.mid(zeros);
+}
+
+Number parseNumber(const QString &text)
+{
+    // An exponent has its sign here, as programs print it: 1E5 may be hexadecimal.
+    static const QRegularExpression form(
+        QStringLiteral("\\A(-?)([0-9]+)(?:\\.([0-9]+))?([eE][+-][0-9]{1,3})?\\z"));
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        return {};
+    const QString fraction = match.captured(3);
+    const QString digits = withoutLeadingZeros(match.captured(2));
+    Number number;
+    number.isValid = true;
+    number.isWhole = fraction.isEmpty() && match.captured(4).isEmpty();
+    number.canonical = digits == u"0" ? digits : QString(match.captured(1) + digits);
+    number.significantDigits = withoutLeadingZeros(match.captured(2) + fraction).size();
+    number.value = text.toDouble();
+    return number;
+}
+
+bool sameNumber(const Number &written, const Number &readBack)
+{
+    if (!written.isValid || !readBack.isValid)
+        return false;
+    if (written.isWhole && readBack.isWhole)
+        return written.canonical == readBack.canonical;
+    const double smaller = std::min(std::abs(written.value), std::abs(readBack.value));
+    if (smaller == 0.0 || !std::isfinite(written.value) || !std::isfinite(readBack.value))
+        return written.value == readBack.value;
+    const int digits = std::max(leastDigits, readBack.significantDigits);
+    const double unit = std::pow(10.0, std::floor(std::log10(smaller)) - digits + 1);
+    const double storageError = smaller * (digits > leastDigits ? doubleError : floatError);
+    return std::abs(written.value - readBack.value) <= unit / 2 + storageError;
+}
+
+bool sameHexadecimal(const QString &written, const QString &readBack)
+{
+    static const QRegularExpression form(QStringLiteral("\\A[0-9A-Fa-f]+\\z"));
+    return form.match(written).hasMatch() && form.match(readBack).hasMatch()
+           && withoutLeadingZeros(written).compare(withoutLeadingZeros(readBack),
+                                                   Qt::CaseInsensitive)
+                  == 0;
+}
+
+} // namespace
+
+ValueKind valueKind(const QMap<QString, QString> &parameters,
+                    const QList<DatabaseColumnStructure> &columns)
+{
+    for (const Column &column : columns) {
+        const auto parameter = parameters.find(column.name);
+        if (parameter == parameters.end())
+            continue;
+        for (const Column::SelectionValue &entry : column.selectionValues) {
+            if (entry.value != parameter.value())
+                continue;
+            if (entry.text.startsWith(hexadecimalText))
+                return ValueKind::Hexadecimal;
+            if (entry.text.startsWith(asciiText))
+                return ValueKind::Text;
+        }
+    }
+    return ValueKind::Number;
+}
+
+bool sameValue(const QString &written, const QString &readBack, ValueKind kind)
+{
+    if (written == readBack)
+        return true;
+    switch (kind) {
+    case ValueKind::Number:
+        return sameNumber(parseNumber(written), parseNumber(readBack));
+    case ValueKind::Hexadecimal:
+        return sameHexadecimal(written, readBack);
+    case ValueKind::Text:
+        break;
+    }
+    return false;
+}

@@ -1,0 +1,69 @@
+#include "watch/watchedplant.h"
+
+#include "cycle/changelines.h"
+
+namespace {
+
+void takeItem(const ItemReport &report, bool isRead, qint64 cycle, qint64 nowMs, WatchedItem *item)
+{
+    ++item->reads;
+    if (itemProblem(report) != itemProblem(item->last))
+        item->problemCycle = cycle;
+    item->last = report;
+    if (!isRead) {
+        ++item->errors;
+        return;
+    }
+    if (report.expected)
+        ++item->wrong;
+    if (item->value != report.value) {
+        item->changes += item->value ? 1 : 0;
+        item->valueCycle = cycle;
+    }
+    item->value = report.value;
+    item->valueMs = nowMs;
+}
+
+} // namespace
+
+std::vector<WatchedDevice> watchedDevices(const Plant &plant,
+                                          const QList<DeviceInstancePlugin> &records,
+                                          const QList<DatabaseColumnStructure> &itemColumns)
+{
+    std::vector<WatchedDevice> devices;
+    for (int i = 0; i < records.size(); ++i) {
+        const DeviceInstancePlugin &record = records.at(i);
+        WatchedDevice device;
+        device.name = record.name;
+        for (int j = 0; j < record.items.size(); ++j) {
+            WatchedItem item;
+            item.expect = plant.devices.at(i).items.at(j).expect;
+            item.kind = valueKind(record.items.at(j).parameters, itemColumns);
+            item.last.item = record.items.at(j).name;
+            device.items.push_back(item);
+        }
+        devices.push_back(device);
+    }
+    return devices;
+}
+
+void takeReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device)
+{
+    if (report->error != device->error)
+        device->errorCycle = report->cycle;
+    device->error = report->error;
+    device->time = report->time;
+    device->latencies.add(report->microseconds);
+    if (report->error.isEmpty())
+        device->goodMs = nowMs;
+    else
+        ++device->failedCycles;
+    for (std::size_t i = 0; i < device->items.size(); ++i) {
+        WatchedItem &item = device->items.at(i);
+        ItemReport &itemReport = report->values[static_cast<int>(i)];
+        const bool isRead = report->error.isEmpty() && itemReport.error.isEmpty();
+        if (isRead && item.expect && !sameValue(*item.expect, itemReport.value, item.kind))
+            itemReport.expected = item.expect;
+        takeItem(itemReport, isRead, report->cycle, nowMs, &item);
+    }
+}

@@ -1,0 +1,77 @@
+#include "watch/watchsummary.h"
+
+#include <common/table.h>
+
+#include <common/json/json.h>
+#include <common/visibletext.h>
+
+namespace {
+
+struct Counts
+{
+    qint64 reads = 0;
+    qint64 errors = 0;
+    qint64 wrong = 0;
+};
+
+Counts countsOf(const WatchedDevice &device)
+{
+    Counts counts;
+    for (const WatchedItem &item : device.items) {
+        counts.reads += item.reads;
+        counts.errors += item.errors;
+        counts.wrong += item.wrong;
+    }
+    return counts;
+}
+
+double inMilliseconds(qint64 microseconds)
+{
+    return static_cast<double>(microseconds) / 1000;
+}
+
+QString summaryJson(const WatchedDevice &device)
+{
+    const Counts counts = countsOf(device);
+    const Latencies &latencies = device.latencies;
+    return jsonObject(
+        {{QStringLiteral("type"), jsonText(QStringLiteral("summary"))},
+         {QStringLiteral("device"), jsonText(device.name)},
+         {QStringLiteral("cycles"), jsonText(latencies.count())},
+         {QStringLiteral("failed"), jsonText(device.failedCycles)},
+         {QStringLiteral("reads"), jsonText(counts.reads)},
+         {QStringLiteral("errors"), jsonText(counts.errors)},
+         {QStringLiteral("wrong"), jsonText(counts.wrong)},
+         {QStringLiteral("p50_ms"), jsonText(inMilliseconds(latencies.percentile(50)))},
+         {QStringLiteral("p99_ms"), jsonText(inMilliseconds(latencies.percentile(99)))},
+         {QStringLiteral("max_ms"), jsonText(inMilliseconds(latencies.longest()))}});
+}
+
+QStringList summaryRow(const WatchedDevice &device)
+{
+    const Counts counts = countsOf(device);
+    QStringList row{visible(device.name), QString::number(device.latencies.count()),
+                    QString::number(device.failedCycles)};
+    for (const qint64 count : {counts.reads, counts.errors, counts.wrong})
+        row.append(QString::number(count));
+    for (const qint64 time : {device.latencies.percentile(50), device.latencies.percentile(99),
+                              device.latencies.longest()})
+        row.append(QString::number(inMilliseconds(time), 'f', 2));
+    return row;
+}
+
+} // namespace
+
+QString summaryText(OutputFormat format, const std::vector<WatchedDevice> &devices)
+{
+    QString lines;
+    QList<QStringList> rows{
+        {QStringLiteral("Device"), QStringLiteral("Cycles"), QStringLiteral("Failed"),
+         QStringLiteral("Reads"), QStringLiteral("Errors"), QStringLiteral("Wrong"),
+         QStringLiteral("p50 ms"), QStringLiteral("p99 ms"), QStringLiteral("Max ms")}};
+    for (const WatchedDevice &device : devices) {
+        lines += summaryJson(device) + u'\n';
+        rows.append(summaryRow(device));
+    }
+    return format == OutputFormat::Json ? lines : tableText(rows);
+}
