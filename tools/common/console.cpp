@@ -11,13 +11,13 @@ void print(FILE *stream, const QString &text)
     std::fflush(stream);
 }
 
-void complain(const QString &text)
+void printError(const QString &text)
 {
     print(stderr, QCoreApplication::applicationName() + u": " + visible(text) + u'\n');
 }
 
-void complain(const QStringList &texts)
+void printError(const QStringList &texts)
 {
     for (const QString &text : texts)
-        complain(text);
+        printError(text);
 }

@@ -20,7 +20,7 @@ enum ExitCode {
 void print(FILE *stream, const QString &text);
 
 /// Writes a message of the program itself to standard error, what cannot be seen written out.
-void complain(const QString &text);
+void printError(const QString &text);
 
-/// As complain() for each of the texts.
-void complain(const QStringList &texts);
+/// As printError() for each of the texts.
+void printError(const QStringList &texts);

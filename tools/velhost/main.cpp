@@ -30,17 +30,18 @@ ExitCode runCommand(const Job &job, const LoadedPlugin &loaded, const Host &host
 {
     const std::optional<PluginRegistration> &registration = host.registration();
     if (!registration) {
-        complain(
+        printError(
             QStringLiteral("the plug-in %1 did not register during init()").arg(loaded.fileName));
         return NotLoaded;
     }
     QList<Problem> problems;
     const QList<DeviceInstancePlugin> devices = host.deviceRecords(&problems);
-    complain(problemLines(job.commandLine.plantFile, problems));
+    printError(problemLines(job.commandLine.plantFile, problems));
     if (!problems.isEmpty())
         return WrongUsage;
     if (!initDone) {
-        complain(QStringLiteral("the plug-in %1 returned false from init()").arg(loaded.fileName));
+        printError(
+            QStringLiteral("the plug-in %1 returned false from init()").arg(loaded.fileName));
         return NotLoaded;
     }
     switch (job.commandLine.command) {
@@ -84,14 +85,14 @@ ExitCode runJob(const Job &job)
         = pluginFile.isEmpty() ? loadDefaultPlugin(QCoreApplication::applicationDirPath(), &errors)
                                : loadPlugin(pluginFile, &errors);
     if (!loaded) {
-        complain(errors);
+        printError(errors);
         return NotLoaded;
     }
     std::unique_ptr<Recorder> recorder;
     if (job.commandLine.command == Command::Plan) {
         recorder = std::make_unique<Recorder>();
         if (recorder->port() == 0) {
-            complain(QStringLiteral("plan cannot listen on 127.0.0.1"));
+            printError(QStringLiteral("plan cannot listen on 127.0.0.1"));
             return ErrorFound;
         }
     }
@@ -102,8 +103,8 @@ ExitCode runJob(const Job &job)
     const bool isStopped = loaded->plugin->stopPlugin();
     log.printOpenCount();
     if (!isStopped) {
-        complain(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
-                     .arg(loaded->fileName));
+        printError(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
+                       .arg(loaded->fileName));
         result = result == AllWell ? ErrorFound : result;
     }
     return result;
@@ -122,7 +123,7 @@ ExitCode run(const QStringList &arguments)
     QString error;
     const std::optional<CommandLine> commandLine = parseCommandLine(arguments, &error);
     if (!commandLine) {
-        complain({error, QStringLiteral("try velhost --help")});
+        printError({error, QStringLiteral("try velhost --help")});
         return WrongUsage;
     }
     if (commandLine->command == Command::Help) {
@@ -165,12 +166,12 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("velhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELHOST_VERSION));
     if (!arguments) {
-        complain(QStringLiteral("an argument is not valid UTF-8"));
+        printError(QStringLiteral("an argument is not valid UTF-8"));
         return WrongUsage;
     }
     ExitCode result = run(*arguments);
     if (std::ferror(stdout) != 0) {
-        complain(QStringLiteral("standard output could not be written"));
+        printError(QStringLiteral("standard output could not be written"));
         result = result == AllWell ? ErrorFound : result;
     }
     return result;

@@ -128,7 +128,7 @@ void printProblems(const CommandLine &commandLine, const QList<Problem> &problem
     if (commandLine.format == OutputFormat::Json)
         print(stdout, problemsJson(commandLine.plantFile, problems));
     else
-        complain(problemLines(commandLine.plantFile, problems));
+        printError(problemLines(commandLine.plantFile, problems));
 }
 
 ExitCode runCheck(const Job &job, const PluginRegistration &registration)

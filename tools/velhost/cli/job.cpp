@@ -71,7 +71,7 @@ std::optional<Job> prepareJob(const CommandLine &commandLine)
     if (!commandLine.plantFile.isEmpty()) {
         const std::optional<Plant> plant = readPlantFile(commandLine.plantFile, &errors);
         if (!plant) {
-            complain(errors);
+            printError(errors);
             return {};
         }
         job.plant = *plant;
@@ -88,6 +88,6 @@ std::optional<Job> prepareJob(const CommandLine &commandLine)
         if (!reason.isEmpty())
             errors.append(reason);
     }
-    complain(errors);
+    printError(errors);
     return errors.isEmpty() ? std::optional(job) : std::nullopt;
 }

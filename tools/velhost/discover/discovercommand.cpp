@@ -56,13 +56,13 @@ bool writePlant(const CommandLine &commandLine, const SearchArea &area, const Fi
             error = commandLine.plantFile + u": cannot be written: " + file.errorString();
     }
     if (!error.isEmpty()) {
-        complain(error);
+        printError(error);
         return false;
     }
     for (const Finding &finding : findings.all()) {
         if (finding.isController() && !finding.byTcp)
-            complain(QStringLiteral("%1 answered by UDP alone; the plug-in reads over TCP")
-                         .arg(finding.place()));
+            printError(QStringLiteral("%1 answered by UDP alone; the plug-in reads over TCP")
+                           .arg(finding.place()));
     }
     return true;
 }
@@ -70,17 +70,17 @@ bool writePlant(const CommandLine &commandLine, const SearchArea &area, const Fi
 /// Tells what there is beside the controllers. Whether the search found one and ran to its end.
 bool tellRest(const SearchResult &result)
 {
-    complain(strangerTexts(result.findings));
+    printError(strangerTexts(result.findings));
     if (result.wasStopped) {
-        complain(QStringLiteral("the search was ended early; there may be more controllers"));
+        printError(QStringLiteral("the search was ended early; there may be more controllers"));
         return false;
     }
-    complain(result.gaps);
+    printError(result.gaps);
     if (result.findings.controllerCount() > 0)
         return result.gaps.isEmpty();
-    complain(QStringLiteral("no controller found; check that it has power and an address in this "
-                            "network, that its Host Link port is among those asked, and that no "
-                            "firewall is between"));
+    printError(QStringLiteral("no controller found; check that it has power and an address in this "
+                              "network, that its Host Link port is among those asked, and that no "
+                              "firewall is between"));
     return false;
 }
 
@@ -96,11 +96,11 @@ ExitCode runDiscover(const Job &job, const PluginRegistration &registration)
     const QString fileError = plantFileError(commandLine);
     if (!fileError.isEmpty())
         errors.append(fileError);
-    complain(errors);
+    printError(errors);
     if (!errors.isEmpty())
         return WrongUsage;
-    complain(notes);
-    complain(searchText(*plan));
+    printError(notes);
+    printError(searchText(*plan));
 
     int signal = 0;
     const SearchResult result = searchAndShow(*plan, &signal);

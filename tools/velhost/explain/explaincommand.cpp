@@ -108,11 +108,12 @@ void printUnknown(const QString &text, const QStringList &nearest, OutputFormat 
                                    jsonText(QJsonArray::fromStringList(nearest))}})
                           + u'\n');
     }
-    complain(QStringLiteral("no error text of the plug-in: \"%1\"").arg(end));
+    printError(QStringLiteral("no error text of the plug-in: \"%1\"").arg(end));
     if (nearest.isEmpty())
-        complain(QStringLiteral("no known text resembles it; all of them stand in docs/errors.md"));
+        printError(
+            QStringLiteral("no known text resembles it; all of them stand in docs/errors.md"));
     for (const QString &known : nearest)
-        complain(QStringLiteral("known is: %1").arg(known.trimmed()));
+        printError(QStringLiteral("known is: %1").arg(known.trimmed()));
 }
 
 /// The text to explain, or nothing when there is none; the reason is then on standard error.
@@ -124,7 +125,7 @@ std::optional<QString> requestedText(const QString &argument)
         const QByteArray bytes
             = input.open(stdin, QIODevice::ReadOnly) ? input.read(maximumInput + 1) : QByteArray();
         if (bytes.size() > maximumInput) {
-            complain(QStringLiteral("standard input has more than 1 MiB; give one error text"));
+            printError(QStringLiteral("standard input has more than 1 MiB; give one error text"));
             return {};
         }
         text = QString::fromUtf8(bytes.constData(), bytes.size());
@@ -132,8 +133,8 @@ std::optional<QString> requestedText(const QString &argument)
     text = text.trimmed();
     if (!text.isEmpty())
         return text;
-    complain(QStringLiteral("there is no text to explain; give one error text, for example "
-                            "\"invalid address\""));
+    printError(QStringLiteral("there is no text to explain; give one error text, for example "
+                              "\"invalid address\""));
     return {};
 }
 
