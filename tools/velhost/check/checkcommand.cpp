@@ -2,6 +2,7 @@
 
 #include "host/host.h"
 
+#include <common/ipv4address.h>
 #include <common/wholenumber.h>
 
 #include <QRegularExpression>
@@ -20,15 +21,6 @@ bool isPort(const QString &text)
 bool isTimeout(const QString &text)
 {
     return wholeNumber(text, 1, std::numeric_limits<int>::max()).has_value();
-}
-
-bool isIpAddress(const QString &text)
-{
-    // No leading zeros: the system reads such a number as octal.
-    static const QRegularExpression dotted(
-        QStringLiteral("\\A(25[0-5]|2[0-4][0-9]|1[0-9]{2}|[1-9]?[0-9])"
-                       "(\\.(25[0-5]|2[0-4][0-9]|1[0-9]{2}|[1-9]?[0-9])){3}\\z"));
-    return dotted.match(text).hasMatch();
 }
 
 bool isMemoryAddress(const QString &text)
@@ -106,7 +98,7 @@ void checkParameters(const QMap<QString, QString> &parameters, const QList<Rule>
 void checkDevice(const DeviceInstancePlugin &device, const PluginRegistration &registration,
                  const QString &place, Review *review)
 {
-    if (!isIpAddress(device.ipAddress))
+    if (!ipv4Address(device.ipAddress))
         addFinding(place + u".ip",
                    QStringLiteral("\"%1\" is no IPv4 address; write four numbers from 0 to "
                                   "255 without leading zeros, for example 192.168.0.10")

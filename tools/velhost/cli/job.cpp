@@ -3,18 +3,9 @@
 #include "check/checkcommand.h"
 #include "discover/search/searcharea.h"
 #include <common/console.h>
-
-#include <QRegularExpression>
+#include <common/ipv4address.h>
 
 namespace {
-
-/// Whether the address is of this machine's loopback network. Judged by the text alone, and
-/// narrowly: what is not surely loopback counts as a controller on site.
-bool isLoopback(const QString &address)
-{
-    static const QRegularExpression loopback(QStringLiteral("\\A127(\\.[0-9]{1,3}){3}\\z"));
-    return loopback.match(address).hasMatch();
-}
 
 /// Why the assignments must be confirmed first; empty when all of them stay on this machine.
 QString unconfirmedTargets(const Plant &plant, const QList<Assignment> &assignments)

@@ -1,19 +1,13 @@
 #include "plan/planhost.h"
 
+#include <common/ipv4address.h>
+
 #include <QRegularExpression>
 
 namespace {
 
 const QString portKey = QStringLiteral("port");
 const QString timeoutKey = QStringLiteral("timeout");
-
-bool isDottedAddress(const QString &address)
-{
-    static const QRegularExpression dotted(
-        QStringLiteral("\\A(25[0-5]|2[0-4][0-9]|[01]?[0-9]?[0-9])(\\.(25[0-5]|2[0-4][0-9]|[01]?[0-"
-                       "9]?[0-9])){3}\\z"));
-    return dotted.match(address).hasMatch();
-}
 
 } // namespace
 
@@ -39,7 +33,7 @@ DeviceInstancePlugin judgeable(const DeviceInstancePlugin &device, quint16 port)
 {
     static const QRegularExpression digit(QStringLiteral("[0-9]"));
     DeviceInstancePlugin result = redirected(device, port);
-    if (!isDottedAddress(device.ipAddress))
+    if (!isDottedQuad(device.ipAddress))
         result.ipAddress = device.ipAddress;
     const auto original = device.parameters.constFind(portKey);
     if (original == device.parameters.constEnd())

@@ -1,23 +1,20 @@
 #include "discover/search/searcharea.h"
 
+#include <common/ipv4address.h>
+
 #include <QNetworkInterface>
 
 namespace {
 
 constexpr int shortestPrefix = 22;
-constexpr quint32 firstLoopback = 0x7f000000;
-
-bool isLoopback(Subnet subnet)
-{
-    return subnetOf(subnet.first, 8).first == firstLoopback;
-}
 
 QList<InterfaceNetwork> chosenNetworks(const QString &interface,
                                        const QList<InterfaceNetwork> &networks)
 {
     QList<InterfaceNetwork> chosen;
     for (const InterfaceNetwork &network : networks) {
-        if (interface.isEmpty() ? !isLoopback(network.subnet) : network.interface == interface)
+        if (interface.isEmpty() ? !isLoopback(network.subnet.first)
+                                : network.interface == interface)
             chosen.append(network);
     }
     return chosen;

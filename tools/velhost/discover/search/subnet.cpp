@@ -1,5 +1,7 @@
 #include "discover/search/subnet.h"
 
+#include <common/ipv4address.h>
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -23,10 +25,6 @@ bool isPartOf(Subnet part, Subnet whole)
     return part.prefix >= whole.prefix && subnetOf(part.first, whole.prefix).first == whole.first;
 }
 
-/// No leading zeros: the system reads such a number as octal.
-const QString numberForm = QStringLiteral("(25[0-5]|2[0-4][0-9]|1[0-9]{2}|[1-9]?[0-9])");
-const QString prefixForm = QStringLiteral("(?:/(3[0-2]|[12]?[0-9]))?");
-
 } // namespace
 
 Subnet subnetOf(quint32 address, int prefix)
@@ -38,19 +36,17 @@ Subnet subnetOf(quint32 address, int prefix)
 std::optional<Subnet> parseSubnet(const QString &text, QString *error)
 {
     static const QRegularExpression form(
-        QStringLiteral("\\A%1\\.%1\\.%1\\.%1%2\\z").arg(numberForm, prefixForm));
+        QStringLiteral("\\A([0-9.]+)(?:/(3[0-2]|[12]?[0-9]))?\\z"));
     const QRegularExpressionMatch match = form.match(text);
-    if (!match.hasMatch()) {
+    const std::optional<quint32> address = ipv4Address(match.captured(1));
+    if (!address) {
         *error = QStringLiteral("\"%1\" is no IPv4 network; write four numbers from 0 to 255 "
                                 "without leading zeros and the number of shared bits, for example "
                                 "192.168.0.0/24")
                      .arg(text);
         return {};
     }
-    quint32 address = 0;
-    for (int i = 1; i <= 4; ++i)
-        address = address << 8 | match.captured(i).toUInt();
-    return subnetOf(address, match.captured(5).isEmpty() ? 32 : match.captured(5).toInt());
+    return subnetOf(*address, match.captured(2).isEmpty() ? 32 : match.captured(2).toInt());
 }
 
 QString subnetText(Subnet subnet)
