@@ -11,23 +11,20 @@ namespace {
 struct Tool
 {
     QString program;
-    QString helpFile;
     QString manPage;
     QString completion;
 };
 
 Tool toolNamed(const QString &name)
 {
-    const QString folder = text(TOOLS_FOLDER "/") + name;
     const QString program = name == text("kvsim") ? text(KVSIM_PROGRAM) : text(VELHOST_FILE);
-    return {program, folder + text(name == text("kvsim") ? "/program/help.txt" : "/cli/help.txt"),
-            text(MAN_FOLDER "/") + name + text(".1"), text(TOOLS_FOLDER "/completion/") + name};
+    return {program, text(MAN_FOLDER "/") + name + text(".1"),
+            text(TOOLS_FOLDER "/completion/") + name};
 }
 
-QString contents(const QString &fileName)
+QString helpOf(const QString &name)
 {
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return runProgram(toolNamed(name).program, {text("--help")}, {}).output;
 }
 
 /// The page as `man` shows it, without bold and underlining.
@@ -47,6 +44,8 @@ class tst_Help : public QObject
 private Q_SLOTS:
     void printsTheHelp_data();
     void printsTheHelp();
+    void printsTheHelpOfACommand_data();
+    void printsTheHelpOfACommand();
     void helpNamesNothingElse_data();
     void helpNamesNothingElse();
     void manPage_data();
@@ -62,8 +61,7 @@ void tst_Help::printsTheHelp_data()
 
     QTest::newRow("velhost") << text("velhost") << QStringList{text("--help")};
     QTest::newRow("velhost, short") << text("velhost") << QStringList{text("-h")};
-    QTest::newRow("velhost, behind a command")
-        << text("velhost") << QStringList{text("read"), text("--help")};
+    QTest::newRow("velhost, as a command") << text("velhost") << QStringList{text("help")};
     QTest::newRow("kvsim") << text("kvsim") << QStringList{text("--help")};
     QTest::newRow("kvsim, short") << text("kvsim") << QStringList{text("-h")};
     QTest::newRow("kvsim ctl") << text("kvsim") << QStringList{text("ctl"), text("--help")};
@@ -78,8 +76,45 @@ void tst_Help::printsTheHelp()
     const ProgramRun run = runProgram(tool.program, arguments, {});
     QCOMPARE(run.errors, QString());
     QVERIFY(run.output.startsWith(text("Usage: ") + name));
-    QCOMPARE(run.output, contents(tool.helpFile));
+    QCOMPARE(run.output, helpOf(name));
     QCOMPARE(run.exitCode, 0);
+    const QStringList lines = run.output.split(QLatin1Char('\n'));
+    for (const QString &line : lines)
+        QVERIFY2(line.size() < 80, qPrintable(line));
+}
+
+void tst_Help::printsTheHelpOfACommand_data()
+{
+    QTest::addColumn<QString>("command");
+
+    const QStringList lines = helpOf(text("velhost")).split(u'\n');
+    const int begin = lines.indexOf(text("Commands:"));
+    for (int i = begin + 1; i > 0 && !lines.at(i).isEmpty(); ++i) {
+        const QString command = lines.at(i).mid(2).section(u' ', 0, 0);
+        if (!command.isEmpty() && command != text("help"))
+            QTest::newRow(qPrintable(command)) << command;
+    }
+}
+
+/// `velhost COMMAND --help` and `velhost help COMMAND` name exactly the options that the command
+/// takes: the general ones and its own section of the whole help.
+void tst_Help::printsTheHelpOfACommand()
+{
+    QFETCH(QString, command);
+
+    const QString program = toolNamed(text("velhost")).program;
+    const ProgramRun run = runProgram(program, {command, text("--help")}, {});
+    QCOMPARE(run.errors, QString());
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY(run.output.startsWith(text("Usage: velhost ") + command));
+    QCOMPARE(runProgram(program, {text("help"), command}, {}).output, run.output);
+    const QString whole = helpOf(text("velhost"));
+    const QStringList sections
+        = whole.split(text("\n\n"))
+              .filter(QRegularExpression(text("^Options of %1:").arg(command)));
+    const QStringList entries = sections.value(0).split(u'\n').mid(1);
+    for (const QString &entry : entries)
+        QVERIFY2(run.output.contains(entry + u'\n'), qPrintable(entry));
     const QStringList lines = run.output.split(QLatin1Char('\n'));
     for (const QString &line : lines)
         QVERIFY2(line.size() < 80, qPrintable(line));
@@ -91,7 +126,7 @@ void tst_Help::helpNamesNothingElse_data()
     QTest::addColumn<QString>("option");
 
     for (const QString &name : {text("velhost"), text("kvsim")}) {
-        const QString help = contents(toolNamed(name).helpFile);
+        const QString help = helpOf(name);
         const QRegularExpression pattern(text("^  (?:-[a-z], )?(--[a-z-]+)"),
                                          QRegularExpression::MultilineOption);
         QRegularExpressionMatchIterator matches = pattern.globalMatch(help);
@@ -135,7 +170,7 @@ void tst_Help::manPage()
          {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXIT STATUS", "EXAMPLES"})
         QVERIFY2(lines.contains(text(section)), section);
     const QRegularExpression option(text("--[a-z-]+"));
-    QRegularExpressionMatchIterator matches = option.globalMatch(contents(tool.helpFile));
+    QRegularExpressionMatchIterator matches = option.globalMatch(helpOf(name));
     QVERIFY(matches.hasNext());
     while (matches.hasNext()) {
         const QString word = matches.next().captured();
@@ -154,6 +189,10 @@ void tst_Help::completes_data()
     QTest::newRow("one command of several options")
         << text("velhost --format json pl") << text("plan");
     QTest::newRow("options") << text("velhost read --on") << text("--only-changes");
+    QTest::newRow("options of every command")
+        << text("velhost --int") << text("--interface --interval");
+    QTest::newRow("no option of another command") << text("velhost read --su") << QString();
+    QTest::newRow("commands behind help") << text("velhost help ex") << text("explain");
     QTest::newRow("options of discover") << text("velhost discover --su") << text("--subnet");
     QTest::newRow("formats") << text("velhost read --format ") << text("csv json table");
     QTest::newRow("files behind a command") << text("velhost check pl") << text("plant.json");

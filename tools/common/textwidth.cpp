@@ -1,5 +1,6 @@
 #include <common/textwidth.h>
 
+#include <QStringList>
 #include <QVector>
 
 #include <algorithm>
@@ -8,6 +9,8 @@
 #include <cwchar>
 
 namespace {
+
+constexpr int lineWidth = 79;
 
 /// The C library's own table of widths, which it only opens to a UTF-8 locale: output is UTF-8
 /// whatever the user's locale.
@@ -54,4 +57,21 @@ QString cutToWidth(const QString &text, int width)
 QString paddedToWidth(const QString &text, int width)
 {
     return text + QString(std::max(width - textWidth(text), 0), u' ');
+}
+
+QString wrappedText(const QString &text, const QString &indent)
+{
+    QString result;
+    QString line = indent;
+    const QStringList words = text.split(u' ');
+    for (const QString &word : words) {
+        if (line.size() > indent.size() && line.size() + 1 + word.size() > lineWidth) {
+            result += line + u'\n';
+            line = indent;
+        }
+        if (line.size() > indent.size())
+            line += u' ';
+        line += word;
+    }
+    return result + line + u'\n';
 }

@@ -12,3 +12,7 @@ QString cutToWidth(const QString &text, int width);
 
 /// The text with spaces behind it up to `width` columns.
 QString paddedToWidth(const QString &text, int width);
+
+/// The text in lines of at most 79 characters, where its words allow it, each begun by `indent` and
+/// ended by a line feed.
+QString wrappedText(const QString &text, const QString &indent);

@@ -1,14 +1,27 @@
 #include <cli/commandline.h>
+#include <cli/options.h>
+#include <program/commands.h>
 
 #include <QTest>
 
-Q_DECLARE_METATYPE(Command)
+Q_DECLARE_METATYPE(Request::Action)
 
 namespace {
 
 QStringList words(const char *text)
 {
     return QString::fromUtf8(text).split(u'|');
+}
+
+const QList<Command> &commandList()
+{
+    static const QList<Command> list = allCommands();
+    return list;
+}
+
+std::optional<Request> parse(const QStringList &arguments, QString *error)
+{
+    return parseCommandLine(arguments, commandList(), error);
 }
 
 } // namespace
@@ -26,6 +39,9 @@ private Q_SLOTS:
     void plantFile();
     void explainText_data();
     void explainText();
+    void requests_data();
+    void requests();
+    void optionsOfOneNameAreAlike();
     void commands_data();
     void commands();
     void cycleLimits_data();
@@ -43,57 +59,55 @@ private Q_SLOTS:
 void tst_CommandLine::defaults()
 {
     QString error;
-    const auto line = parseCommandLine(words("velhost|columns"), &error);
+    const auto line = parse(words("velhost|columns"), &error);
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
-    QCOMPARE(line->command, Command::Columns);
-    QCOMPARE(line->pluginFile, QString());
-    QCOMPARE(line->plantFile, QString());
-    QCOMPARE(line->format, OutputFormat::Table);
-    QCOMPARE(line->cycles, 1);
-    QCOMPARE(line->intervalMs, 1000);
-    QCOMPARE(line->assignments, QStringList());
-    QCOMPARE(line->onlyChanges, false);
-    QCOMPARE(line->isConfirmed, false);
-    QCOMPARE(line->verifies, true);
+    QCOMPARE(line->command->name, QStringLiteral("columns"));
+    QCOMPARE(line->arguments.pluginFile, QString());
+    QCOMPARE(line->arguments.plantFile, QString());
+    QCOMPARE(line->arguments.format, OutputFormat::Table);
+    QCOMPARE(line->arguments.number(QStringLiteral("cycles"), 1), 1);
+    QCOMPARE(intervalMs(line->arguments), 1000);
+    QCOMPARE(line->arguments.operands, QStringList());
+    QCOMPARE(printsOnlyChanges(line->arguments), false);
+    QCOMPARE(line->arguments.has(QStringLiteral("yes")), false);
+    QCOMPARE(line->arguments.has(QStringLiteral("no-verify")), false);
 }
 
 void tst_CommandLine::everyOption()
 {
     QString error;
-    const auto line = parseCommandLine(
+    const auto line = parse(
         words("velhost|--plugin|a.so|--plant=p.json|read|--format|json|--cycles|3|--interval=50"),
         &error);
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
-    QCOMPARE(line->command, Command::Read);
-    QCOMPARE(line->pluginFile, QStringLiteral("a.so"));
-    QCOMPARE(line->plantFile, QStringLiteral("p.json"));
-    QCOMPARE(line->format, OutputFormat::Json);
-    QCOMPARE(line->cycles, 3);
-    QCOMPARE(line->intervalMs, 50);
+    QCOMPARE(line->command->name, QStringLiteral("read"));
+    QCOMPARE(line->arguments.pluginFile, QStringLiteral("a.so"));
+    QCOMPARE(line->arguments.plantFile, QStringLiteral("p.json"));
+    QCOMPARE(line->arguments.format, OutputFormat::Json);
+    QCOMPARE(line->arguments.number(QStringLiteral("cycles"), 1), 3);
+    QCOMPARE(intervalMs(line->arguments), 50);
 }
 
 void tst_CommandLine::readOptions()
 {
     QString error;
-    const auto line
-        = parseCommandLine(words("velhost|read|--plant|p|--only-changes|--format|csv"), &error);
+    const auto line = parse(words("velhost|read|--plant|p|--only-changes|--format|csv"), &error);
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
-    QCOMPARE(line->onlyChanges, true);
-    QCOMPARE(line->format, OutputFormat::Csv);
+    QCOMPARE(printsOnlyChanges(line->arguments), true);
+    QCOMPARE(line->arguments.format, OutputFormat::Csv);
 }
 
 void tst_CommandLine::writeOptions()
 {
     QString error;
-    const auto line
-        = parseCommandLine(words("velhost|write|A/b=1|--plant|p|--yes|--no-verify"), &error);
+    const auto line = parse(words("velhost|write|A/b=1|--plant|p|--yes|--no-verify"), &error);
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
-    QCOMPARE(line->isConfirmed, true);
-    QCOMPARE(line->verifies, false);
+    QCOMPARE(line->arguments.has(QStringLiteral("yes")), true);
+    QCOMPARE(line->arguments.has(QStringLiteral("no-verify")), true);
 }
 
 void tst_CommandLine::plantFile_data()
@@ -110,18 +124,18 @@ void tst_CommandLine::plantFile()
     QFETCH(QStringList, arguments);
 
     QString error;
-    const auto line = parseCommandLine(arguments, &error);
+    const auto line = parse(arguments, &error);
     QCOMPARE(error, QString());
-    QCOMPARE(line->plantFile, QStringLiteral("p.json"));
+    QCOMPARE(line->arguments.plantFile, QStringLiteral("p.json"));
 }
 
 void tst_CommandLine::explainText_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("text");
 
     const auto row = [](const char *arguments, const char *text) {
-        QTest::newRow(arguments) << words(arguments) << QString::fromUtf8(text);
+        QTest::newRow(arguments) << words(arguments) << QStringList(QString::fromUtf8(text));
     };
     row("velhost|explain|invalid port", "invalid port");
     row("velhost|--format|json|explain|E0", "E0");
@@ -135,53 +149,108 @@ void tst_CommandLine::explainText()
     QFETCH(QStringList, arguments);
 
     QString error;
-    const auto line = parseCommandLine(arguments, &error);
+    const auto line = parse(arguments, &error);
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
-    QCOMPARE(line->command, Command::Explain);
-    QTEST(line->text, "text");
+    QCOMPARE(line->command->name, QStringLiteral("explain"));
+    QTEST(line->arguments.operands, "text");
+}
+
+void tst_CommandLine::requests_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<Request::Action>("action");
+    QTest::addColumn<QString>("command");
+
+    const auto row = [](const char *text, Request::Action action, const char *command) {
+        QTest::newRow(text) << words(text) << action << QString::fromLatin1(command);
+    };
+    row("velhost|--help", Request::Action::Help, "");
+    row("velhost|-h", Request::Action::Help, "");
+    row("velhost|help", Request::Action::Help, "");
+    row("velhost|help|--help", Request::Action::Help, "");
+    row("velhost|read|--help", Request::Action::Help, "read");
+    row("velhost|write|-h", Request::Action::Help, "write");
+    row("velhost|help|plan", Request::Action::Help, "plan");
+    row("velhost|--plant|p|read|--cycles|x|--help", Request::Action::Help, "read");
+    row("velhost|--version", Request::Action::Version, "");
+    row("velhost|-v", Request::Action::Version, "");
+    row("velhost|read|p", Request::Action::Run, "read");
+}
+
+void tst_CommandLine::requests()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(Request::Action, action);
+    QFETCH(QString, command);
+
+    QString error;
+    const auto request = parse(arguments, &error);
+    QCOMPARE(error, QString());
+    QVERIFY(request.has_value());
+    QCOMPARE(request->action, action);
+    QCOMPARE(request->command == nullptr ? QString() : request->command->name, command);
 }
 
 void tst_CommandLine::commands_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<Command>("command");
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("plant");
     QTest::addColumn<QStringList>("assignments");
 
-    const auto row = [](const char *text, Command command, const QStringList &assignments) {
-        QTest::newRow(text) << words(text) << command << assignments;
+    const auto row = [](const char *text, const char *command, const char *plant,
+                        const QStringList &assignments) {
+        QTest::newRow(text) << words(text) << QString::fromLatin1(command)
+                            << QString::fromLatin1(plant) << assignments;
     };
-    row("velhost|--help", Command::Help, {});
-    row("velhost|-h", Command::Help, {});
-    row("velhost|read|--help", Command::Help, {});
-    row("velhost|--version", Command::Version, {});
-    row("velhost|-v", Command::Version, {});
-    row("velhost|columns|--plant|p", Command::Columns, {});
-    row("velhost|--plant|p|--format|table|read", Command::Read, {});
-    row("velhost|write|A/b=1|--plant|p|A/c=-2", Command::Write, words("A/b=1|A/c=-2"));
-    row("velhost|check|--plant|p", Command::Check, {});
-    row("velhost|check|p", Command::Check, {});
-    row("velhost|watch|p", Command::Watch, {});
-    row("velhost|watch|--plant|p|--only-changes|--format|csv", Command::Watch, {});
-    row("velhost|read|p|--cycles|2", Command::Read, {});
-    row("velhost|--rtt|1|plan|p|--write|A/b=1", Command::Plan, words("A/b=1"));
-    row("velhost|plan|--plant|p", Command::Plan, {});
-    row("velhost|plan|--plant|p|--write|A/b=1|--write|A/b=1", Command::Plan, words("A/b=1|A/b=1"));
-    row("velhost|--plant|p|--|write|-A/b=1|--help", Command::Write, words("-A/b=1|--help"));
+    row("velhost|columns|--plant|p", "columns", "p", {});
+    row("velhost|--plant|p|--format|table|read", "read", "p", {});
+    row("velhost|write|A/b=1|--plant|p|A/c=-2", "write", "p", words("A/b=1|A/c=-2"));
+    row("velhost|write|p|A/b=1", "write", "p", words("A/b=1"));
+    row("velhost|write|p|A/b=1|A/c=-2", "write", "p", words("A/b=1|A/c=-2"));
+    row("velhost|check|--plant|p", "check", "p", {});
+    row("velhost|check|p", "check", "p", {});
+    row("velhost|watch|p", "watch", "p", {});
+    row("velhost|watch|--plant|p|--only-changes|--format|csv", "watch", "p", {});
+    row("velhost|read|p|--cycles|2", "read", "p", {});
+    row("velhost|--rtt|1|plan|p|--write|A/b=1", "plan", "p", words("A/b=1"));
+    row("velhost|plan|--plant|p", "plan", "p", {});
+    row("velhost|plan|--plant|p|--write|A/b=1|--write|A/b=1", "plan", "p", words("A/b=1|A/b=1"));
+    row("velhost|--plant|p|--|write|-A/b=1|--help", "write", "p", words("-A/b=1|--help"));
 }
 
 void tst_CommandLine::commands()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(Command, command);
+    QFETCH(QString, command);
+    QFETCH(QString, plant);
     QFETCH(QStringList, assignments);
 
     QString error;
-    const auto line = parseCommandLine(arguments, &error);
+    const auto line = parse(arguments, &error);
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
-    QCOMPARE(line->command, command);
-    QCOMPARE(line->assignments, assignments);
+    QCOMPARE(line->action, Request::Action::Run);
+    QCOMPARE(line->command->name, command);
+    QCOMPARE(line->arguments.plantFile, plant);
+    QCOMPARE(line->arguments.operands + line->arguments.options.value(QStringLiteral("write")),
+             assignments);
+}
+
+/// The parser that finds the command out knows all options at once, so one of them must take a
+/// value with every command or with none.
+void tst_CommandLine::optionsOfOneNameAreAlike()
+{
+    QMap<QString, QString> values;
+    for (const Command &command : commandList()) {
+        const QList<Option> options = optionsOf(command);
+        for (const Option &option : options) {
+            QCOMPARE(values.value(option.name, option.value), option.value);
+            values.insert(option.name, option.value);
+        }
+    }
+    QVERIFY(values.contains(QStringLiteral("interval")));
 }
 
 void tst_CommandLine::cycleLimits_data()
@@ -212,8 +281,8 @@ void tst_CommandLine::cycleLimits()
 
     QString error;
     const QString option = u"--cycles=" + text;
-    const auto line = parseCommandLine(words("velhost|read|--plant|p") << option, &error);
-    QCOMPARE(line ? line->cycles : -1, cycles);
+    const auto line = parse(words("velhost|read|--plant|p") << option, &error);
+    QCOMPARE(line ? line->arguments.number(QStringLiteral("cycles"), 0) : -1, cycles);
     const QString refused
         = u"--cycles needs a whole number from 1 to 1000000000, not \"" + text + u'"';
     QCOMPARE(error, cycles > 0 ? QString() : refused);
@@ -239,8 +308,8 @@ void tst_CommandLine::intervalLimits()
 
     QString error;
     const QString option = u"--interval=" + text;
-    const auto line = parseCommandLine(words("velhost|read|--plant|p") << option, &error);
-    QCOMPARE(line ? line->intervalMs : -1, interval);
+    const auto line = parse(words("velhost|read|--plant|p") << option, &error);
+    QCOMPARE(line ? intervalMs(line->arguments) : -1, interval);
     const QString refused
         = u"--interval needs a whole number from 0 to 86400000, not \"" + text + u'"';
     QCOMPARE(error, interval >= 0 ? QString() : refused);
@@ -278,10 +347,10 @@ void tst_CommandLine::forLimits()
     QFETCH(QString, error);
 
     QString found;
-    const auto line = parseCommandLine(words("velhost|watch|p|--for") + QStringList(text), &found);
+    const auto line = parse(words("velhost|watch|p|--for") + QStringList(text), &found);
     QCOMPARE(found, error);
     QCOMPARE(line.has_value(), error.isEmpty());
-    QCOMPARE(line.value_or(CommandLine()).forSeconds, seconds);
+    QCOMPARE(line.value_or(Request()).arguments.number(QStringLiteral("for"), 0), seconds);
 }
 
 void tst_CommandLine::rttLimits_data()
@@ -304,8 +373,8 @@ void tst_CommandLine::rttLimits()
 
     QString error;
     const QString option = u"--rtt=" + text;
-    const auto line = parseCommandLine(words("velhost|plan|--plant|p") << option, &error);
-    QCOMPARE(line ? line->rttMs : -1, rtt);
+    const auto line = parse(words("velhost|plan|--plant|p") << option, &error);
+    QCOMPARE(line ? line->arguments.number(QStringLiteral("rtt"), 0) : -1, rtt);
     const QString refused = u"--rtt needs a whole number from 0 to 60000, not \"" + text + u'"';
     QCOMPARE(error, rtt >= 0 ? QString() : refused);
 }
@@ -329,7 +398,12 @@ void tst_CommandLine::errors_data()
     row("velhost|read|p|Press", "read takes no argument \"Press\"");
     row("velhost|read", "read needs a plant file: read PLANT");
     row("velhost|read|", "read needs a plant file: read PLANT");
-    row("velhost|write|A/b=1", "write needs a plant file: --plant FILE");
+    row("velhost|write", "write needs a plant file and at least one DEVICE/ITEM=VALUE");
+    row("velhost|write|A/b=1", "write needs a plant file and at least one DEVICE/ITEM=VALUE");
+    row("velhost|help|raed", "unknown command \"raed\"; use columns, read, watch, write, plan, "
+                             "check, discover or explain");
+    row("velhost|raed|--help", "unknown command \"raed\"; use columns, read, watch, write, plan, "
+                               "check, discover or explain");
     row("velhost|write|--plant|p", "write needs at least one DEVICE/ITEM=VALUE");
     row("velhost|watch", "watch needs a plant file: watch PLANT");
     row("velhost|watch|p|--cycles|1", "watch has no use for --cycles");
@@ -377,7 +451,7 @@ void tst_CommandLine::errors()
     QFETCH(QString, error);
 
     QString found;
-    QCOMPARE(parseCommandLine(arguments, &found).has_value(), false);
+    QCOMPARE(parse(arguments, &found).has_value(), false);
     QCOMPARE(found, error);
 }
 

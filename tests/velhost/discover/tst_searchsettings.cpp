@@ -1,7 +1,9 @@
 #include "text.h"
 
 #include <cli/commandline.h>
+#include <discover/searchoptions.h>
 #include <discover/searchsettings.h>
+#include <program/commands.h>
 
 #include <QMap>
 #include <QTest>
@@ -43,6 +45,12 @@ QStringList words(const char *line)
     return text(line).split(u'|');
 }
 
+std::optional<Request> parse(const QStringList &arguments, QString *error)
+{
+    static const QList<Command> commands = allCommands();
+    return parseCommandLine(arguments, commands, error);
+}
+
 } // namespace
 
 class tst_SearchSettings : public QObject
@@ -70,33 +78,34 @@ private Q_SLOTS:
 void tst_SearchSettings::commandLine()
 {
     QString error;
-    const auto line = parseCommandLine(
+    const auto line = parse(
         words("velhost|discover|--interface=|--subnet|10.0.0.0/24|--udp-ports|1|--tcp-ports|2,3|"
               "--timeout|x|--force|--plant|p.json|--format|json"),
         &error);
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
-    QCOMPARE(line->search.parameters,
-             (QMap<QString, QString>{{text("network_interface"), QString()},
-                                     {text("udp_ports"), text("1")},
-                                     {text("tcp_ports"), text("2,3")},
-                                     {text("timeout_ms"), text("x")}}));
-    QCOMPARE(line->search.subnet.value_or(QString()), text("10.0.0.0/24"));
-    QCOMPARE(line->search.isForced, true);
-    QCOMPARE(line->plantFile, text("p.json"));
-    QCOMPARE(line->format, OutputFormat::Json);
+    const SearchOptions search = searchOptions(line->arguments);
+    QCOMPARE(search.parameters, (QMap<QString, QString>{{text("network_interface"), QString()},
+                                                        {text("udp_ports"), text("1")},
+                                                        {text("tcp_ports"), text("2,3")},
+                                                        {text("timeout_ms"), text("x")}}));
+    QCOMPARE(search.subnet.value_or(QString()), text("10.0.0.0/24"));
+    QCOMPARE(search.isForced, true);
+    QCOMPARE(line->arguments.plantFile, text("p.json"));
+    QCOMPARE(line->arguments.format, OutputFormat::Json);
 }
 
 void tst_SearchSettings::commandLineWithoutOptions()
 {
     QString error;
-    const auto line = parseCommandLine(words("velhost|discover"), &error);
+    const auto line = parse(words("velhost|discover"), &error);
     QVERIFY(line.has_value());
-    QCOMPARE(line->command, Command::Discover);
-    QCOMPARE(line->search.parameters, (QMap<QString, QString>()));
-    QCOMPARE(line->search.subnet.has_value(), false);
-    QCOMPARE(line->search.isForced, false);
-    QCOMPARE(line->plantFile, QString());
+    QCOMPARE(line->command->name, text("discover"));
+    const SearchOptions search = searchOptions(line->arguments);
+    QCOMPARE(search.parameters, (QMap<QString, QString>()));
+    QCOMPARE(search.subnet.has_value(), false);
+    QCOMPARE(search.isForced, false);
+    QCOMPARE(line->arguments.plantFile, QString());
 }
 
 void tst_SearchSettings::commandLineErrors_data()
@@ -123,7 +132,7 @@ void tst_SearchSettings::commandLineErrors()
     QFETCH(QString, error);
 
     QString found;
-    QCOMPARE(parseCommandLine(arguments, &found).has_value(), false);
+    QCOMPARE(parse(arguments, &found).has_value(), false);
     QCOMPARE(found, error);
 }
 

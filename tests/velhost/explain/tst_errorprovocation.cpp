@@ -8,6 +8,7 @@
 #include <network/simulatorthread.h>
 #include <plant/assignment.h>
 #include <plant/plant.h>
+#include <plant/records.h>
 #include <vel/velinterface.h>
 
 #include <QFile>
@@ -245,15 +246,16 @@ void tst_ErrorProvocation::provoke()
     }
 
     QStringList log;
-    const Host host(plantOf(provocation, port),
-                    [&log](const LogEntry &entry) { log.append(entry.text); });
+    const Plant plant = plantOf(provocation, port);
+    const Host host(plant, [&log](const LogEntry &entry) { log.append(entry.text); });
     const Plugin plugin;
     QVERIFY2(plugin.instance, qPrintable(plugin.loader.errorString()));
     QVERIFY(plugin.instance->init());
     QCOMPARE(log, QStringList());
 
     QList<Problem> problems;
-    const QList<DeviceInstancePlugin> devices = host.deviceRecords(&problems);
+    const QList<DeviceInstancePlugin> devices
+        = deviceRecords(plant, *host.registration(), &problems);
     QVERIFY(problems.isEmpty());
     LogList list = readLists(devices).constFirst();
     if (provocation.contains(text("write")))

@@ -1,143 +1,48 @@
 #include "check/checkcommand.h"
 
-#include "host/host.h"
-
-#include <common/ipv4address.h>
-#include <common/wholenumber.h>
-
-#include <QRegularExpression>
-#include <QSet>
-
-#include <algorithm>
-#include <limits>
+#include "cli/plantarguments.h"
+#include "plant/plantcheck.h"
 
 namespace {
 
-bool isPort(const QString &text)
+ExitCode report(const Arguments &arguments, const QList<Problem> &problems)
 {
-    return wholeNumber(text, 1, 65535).has_value();
+    const bool isJson = arguments.format == OutputFormat::Json;
+    if (isJson)
+        print(stdout, problemsJson(arguments.plantFile, problems));
+    else
+        printError(problemLines(arguments.plantFile, problems));
+    if (!problems.isEmpty())
+        return WrongUsage;
+    if (!isJson)
+        print(stdout, arguments.plantFile + u": no problems\n");
+    return AllWell;
 }
 
-bool isTimeout(const QString &text)
-{
-    return wholeNumber(text, 1, std::numeric_limits<int>::max()).has_value();
-}
-
-bool isMemoryAddress(const QString &text)
-{
-    static const QRegularExpression form(
-        QStringLiteral("\\A[A-Za-z]+([0-9A-Fa-f]+|[0-9]+[.-][0-9]+)\\z"));
-    return form.match(text).hasMatch();
-}
-
-/// What a parameter's text must be, where the plug-in declares that parameter.
-struct Rule
-{
-    QString name;
-    bool (*isRight)(const QString &text);
-    /// What a wrong text is not, and what to write instead.
-    QString meaning;
-};
-
-const QList<Rule> &deviceRules()
-{
-    static const QList<Rule> rules{
-        {QStringLiteral("port"), isPort,
-         QStringLiteral("no TCP port; write a number from 1 to 65535")},
-        {QStringLiteral("timeout"), isTimeout,
-         QStringLiteral("no time-out; write milliseconds as a whole number, for example 2000")}};
-    return rules;
-}
-
-const QList<Rule> &itemRules()
-{
-    static const QList<Rule> rules{
-        {QStringLiteral("memory_address"), isMemoryAddress,
-         QStringLiteral("no address in a controller; write a device and its number, for example "
-                        "D201, DM100.3, D200-10 or D200-209")}};
-    return rules;
-}
-
-/// The problems, those that were found before among them. A place with one of these is not looked
-/// at again.
-struct Review
+ExitCode runCheck(const Arguments &arguments)
 {
     QList<Problem> problems;
-    QSet<QString> faultyPlaces;
-};
-
-Review reviewFrom(const QList<Problem> &problems)
-{
-    Review review{problems, {}};
-    for (const Problem &problem : problems)
-        review.faultyPlaces.insert(problem.place);
-    return review;
-}
-
-void addFinding(const QString &place, const QString &text, Review *review)
-{
-    if (!review->faultyPlaces.contains(place))
-        review->problems.append({{}, place, text});
-}
-
-void checkParameters(const QMap<QString, QString> &parameters, const QList<Rule> &rules,
-                     const QList<DatabaseColumnStructure> &columns, const QString &place,
-                     Review *review)
-{
-    for (const Rule &rule : rules) {
-        const bool isDeclared
-            = std::any_of(columns.begin(), columns.end(),
-                          [&](const auto &column) { return column.name == rule.name; });
-        const QString text = parameters.value(rule.name);
-        if (isDeclared && !rule.isRight(text))
-            addFinding(place + u".parameters." + rule.name,
-                       QStringLiteral("\"%1\" is %2").arg(text, rule.meaning), review);
-    }
-}
-
-void checkDevice(const DeviceInstancePlugin &device, const PluginRegistration &registration,
-                 const QString &place, Review *review)
-{
-    if (!ipv4Address(device.ipAddress))
-        addFinding(place + u".ip",
-                   QStringLiteral("\"%1\" is no IPv4 address; write four numbers from 0 to "
-                                  "255 without leading zeros, for example 192.168.0.10")
-                       .arg(device.ipAddress),
-                   review);
-    checkParameters(device.parameters, deviceRules(), registration.deviceColumns, place, review);
-    for (int i = 0; i < device.items.size(); ++i) {
-        const QString itemPlace = QStringLiteral("%1.items[%2]").arg(place).arg(i);
-        if (!review->faultyPlaces.contains(itemPlace))
-            checkParameters(device.items.at(i).parameters, itemRules(), registration.itemColumns,
-                            itemPlace, review);
-    }
+    const std::optional<Plant> draft = readPlantDraft(arguments.plantFile, &problems);
+    if (!draft)
+        return report(arguments, problems);
+    // The plug-in gets the interfaces, from which it makes a selection, but no device to connect
+    // to.
+    Plant empty;
+    empty.networkInterfaces = draft->networkInterfaces;
+    return runSession(sessionSetup(arguments, empty), [&](const Session &session) {
+        return report(arguments, plantProblems(*draft, session.registration, problems));
+    });
 }
 
 } // namespace
 
-void printProblems(const CommandLine &commandLine, const QList<Problem> &problems)
+Command checkCommand()
 {
-    if (commandLine.format == OutputFormat::Json)
-        print(stdout, problemsJson(commandLine.plantFile, problems));
-    else
-        printError(problemLines(commandLine.plantFile, problems));
-}
-
-ExitCode runCheck(const Job &job, const PluginRegistration &registration)
-{
-    QList<Problem> problems = job.problems;
-    const QList<DeviceInstancePlugin> devices = deviceRecords(job.draft, registration, &problems);
-    Review review = reviewFrom(problems);
-    for (int i = 0; i < devices.size(); ++i) {
-        const QString place = QStringLiteral("devices[%1]").arg(i);
-        // What is no object has nothing to be looked at.
-        if (!review.faultyPlaces.contains(place))
-            checkDevice(devices.at(i), registration, place, &review);
-    }
-    printProblems(job.commandLine, review.problems);
-    if (!review.problems.isEmpty())
-        return WrongUsage;
-    if (job.commandLine.format != OutputFormat::Json)
-        print(stdout, job.commandLine.plantFile + u": no problems\n");
-    return AllWell;
+    return {QStringLiteral("check"),
+            Operands::Plant,
+            QStringLiteral("show everything that is wrong with the plant file"),
+            {QStringLiteral("table"), QStringLiteral("json")},
+            {},
+            {},
+            runCheck};
 }

@@ -1,91 +1,36 @@
 #include "cli/commandline.h"
 
+#include "cli/options.h"
+
 #include <common/wholenumber.h>
 
 #include <QCommandLineParser>
-#include <QMap>
-#include <QVector>
 
 namespace {
 
-constexpr int maximumCycles = 1'000'000'000;
-constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
-constexpr int maximumForSeconds = 1'000'000'000;
-constexpr int maximumRttMs = 60 * 1000;
+const QString helpWord = QStringLiteral("help");
 
-/// What a command takes besides options.
-enum class Arguments { None, Plant, Assignments, Text };
-
-struct CommandDescription
+/// Adds those that the parser does not know yet.
+void addOptions(const QList<Option> &options, QStringList *known, QCommandLineParser *parser)
 {
-    QString name;
-    Command command;
-    Arguments arguments;
-    /// Those options that are not for every command.
-    QStringList options;
-    /// What --format may ask for.
-    QStringList formats;
-};
-
-const QVector<CommandDescription> &commands()
-{
-    static const QString table = QStringLiteral("table");
-    static const QString json = QStringLiteral("json");
-    static const QString csv = QStringLiteral("csv");
-    static const QVector<CommandDescription> list{
-        {QStringLiteral("columns"), Command::Columns, Arguments::None, {}, {table, json}},
-        {QStringLiteral("read"),
-         Command::Read,
-         Arguments::Plant,
-         {QStringLiteral("cycles"), QStringLiteral("interval"), QStringLiteral("only-changes")},
-         {table, json, csv}},
-        {QStringLiteral("watch"),
-         Command::Watch,
-         Arguments::Plant,
-         {QStringLiteral("for"), QStringLiteral("interval"), QStringLiteral("only-changes")},
-         {table, json, csv}},
-        {QStringLiteral("write"),
-         Command::Write,
-         Arguments::Assignments,
-         {QStringLiteral("yes"), QStringLiteral("no-verify")},
-         {table, json}},
-        {QStringLiteral("plan"),
-         Command::Plan,
-         Arguments::Plant,
-         {QStringLiteral("write"), QStringLiteral("rtt")},
-         {table, json}},
-        {QStringLiteral("check"), Command::Check, Arguments::Plant, {}, {table, json}},
-        {QStringLiteral("discover"),
-         Command::Discover,
-         Arguments::None,
-         {QStringLiteral("interface"), QStringLiteral("subnet"), QStringLiteral("udp-ports"),
-          QStringLiteral("tcp-ports"), QStringLiteral("timeout"), QStringLiteral("force")},
-         {table, json}},
-        {QStringLiteral("explain"), Command::Explain, Arguments::Text, {}, {table, json}},
-    };
-    return list;
+    for (const Option &option : options) {
+        if (known->contains(option.name))
+            continue;
+        known->append(option.name);
+        parser->addOption({option.name, option.help, option.value});
+    }
 }
 
-/// Whether the command takes the option. What `--format` may ask for is judged for itself.
-bool takesOption(const CommandDescription &command, const QString &option)
+/// Prepares the parser for these commands: for all of them, to find out which one is meant, then
+/// for that one.
+void prepare(const QList<Command> &commands, QCommandLineParser *parser)
 {
-    if (option == u"plugin" || option == u"plant")
-        return command.arguments != Arguments::Text;
-    return option == u"format" || command.options.contains(option);
-}
-
-/// What there is to parse. What it means to people stands in help.txt.
-void addOptions(QCommandLineParser *parser)
-{
-    parser->addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}));
+    parser->addOption(QCommandLineOption(QStringList{QStringLiteral("h"), helpWord}));
     parser->addOption(
         QCommandLineOption(QStringList{QStringLiteral("v"), QStringLiteral("version")}));
-    for (const char *const flag : {"only-changes", "yes", "no-verify", "force"})
-        parser->addOption(QCommandLineOption(QString::fromLatin1(flag)));
-    for (const char *const option :
-         {"plugin", "plant", "format", "cycles", "interval", "for", "write", "rtt", "interface",
-          "subnet", "udp-ports", "tcp-ports", "timeout"})
-        parser->addOption({QString::fromLatin1(option), QString(), QStringLiteral("value")});
+    QStringList known;
+    for (const Command &command : commands)
+        addOptions(optionsOf(command), &known, parser);
 }
 
 /// "a, b or c"
@@ -96,29 +41,91 @@ QString choice(const QStringList &words)
     return words.mid(0, words.size() - 1).join(QStringLiteral(", ")) + u" or " + words.last();
 }
 
-QString commandNames()
+QStringList namesOf(const QList<Command> &commands)
 {
     QStringList names;
-    for (const CommandDescription &command : commands())
+    for (const Command &command : commands)
         names.append(command.name);
-    return choice(names);
+    return names;
 }
 
-/// Takes a number in plain decimal digits; `*number` keeps its value when the option is not given.
-bool takeNumber(const QCommandLineParser &parser, const QString &option, int minimum, int maximum,
-                int *number, QString *error)
+/// The command of that name, or a null pointer and what is wrong.
+const Command *commandNamed(const QString &name, const QList<Command> &commands, QString *error)
 {
-    if (!parser.isSet(option))
-        return true;
-    const QString text = parser.value(option);
-    const std::optional<int> parsed = wholeNumber(text, minimum, maximum);
-    if (!parsed) {
-        *error = QStringLiteral("--%1 needs a whole number from %2 to %3, not \"%4\"")
-                     .arg(option, QString::number(minimum), QString::number(maximum), text);
-        return false;
+    for (const Command &command : commands) {
+        if (command.name == name)
+            return &command;
     }
-    *number = *parsed;
-    return true;
+    *error = u"unknown command \"" + name + u"\"; use " + choice(namesOf(commands));
+    return nullptr;
+}
+
+/// Says what is wrong with an option as such, without a look at the command.
+QString occurrenceError(const Option &option, const QCommandLineParser &parser)
+{
+    if (!option.mayRepeat && parser.optionNames().count(option.name) > 1)
+        return QStringLiteral("--%1 is given more than once").arg(option.name);
+    const bool namesFile = option.value == u"FILE";
+    if (namesFile && parser.isSet(option.name) && parser.value(option.name).isEmpty())
+        return QStringLiteral("--%1 needs a file name").arg(option.name);
+    return {};
+}
+
+/// Says what is wrong with a number; empty for an option that is not given or takes other texts.
+QString numberError(const Option &option, const QCommandLineParser &parser)
+{
+    if (!option.range || !parser.isSet(option.name))
+        return {};
+    const auto [minimum, maximum] = *option.range;
+    const QString text = parser.value(option.name);
+    if (wholeNumber(text, minimum, maximum))
+        return {};
+    return QStringLiteral("--%1 needs a whole number from %2 to %3, not \"%4\"")
+        .arg(option.name, QString::number(minimum), QString::number(maximum), text);
+}
+
+/// Says what is wrong with the options, given what the command takes.
+QString optionError(const Command &command, const QCommandLineParser &parser)
+{
+    const QList<Option> options = optionsOf(command);
+    for (const Option &option : options) {
+        const QString error = occurrenceError(option, parser);
+        if (!error.isEmpty())
+            return error;
+    }
+    const QString format = QStringLiteral("format");
+    if (parser.isSet(format) && !command.formats.contains(parser.value(format)))
+        return QStringLiteral("--format of %1 is %2, not \"%3\"")
+            .arg(command.name, choice(command.formats), parser.value(format));
+    for (const Option &option : options) {
+        const QString error = numberError(option, parser);
+        if (!error.isEmpty())
+            return error;
+    }
+    return {};
+}
+
+/// Takes the plant's file, then what else is no option. Returns what is wrong with them.
+QString takeOperands(const Command &command, QStringList operands, Arguments *arguments)
+{
+    if (command.operands == Operands::Text) {
+        arguments->operands = operands;
+        return operands.size() == 1 ? QString() : command.name + u" needs one text, in quotes";
+    }
+    const bool hasPlant = !arguments->plantFile.isEmpty();
+    if (command.operands != Operands::None && !hasPlant && !operands.isEmpty())
+        arguments->plantFile = operands.takeFirst();
+    if (command.operands == Operands::PlantAndAssignments) {
+        arguments->operands = operands;
+        if (!operands.isEmpty())
+            return {};
+        return QStringLiteral("%1 needs %2at least one DEVICE/ITEM=VALUE")
+            .arg(command.name, hasPlant ? QString() : QStringLiteral("a plant file and "));
+    }
+    if (command.operands == Operands::Plant && arguments->plantFile.isEmpty())
+        return QStringLiteral("%1 needs a plant file: %1 PLANT").arg(command.name);
+    return operands.isEmpty() ? QString()
+                              : command.name + u" takes no argument \"" + operands.first() + u'"';
 }
 
 OutputFormat formatNamed(const QString &name)
@@ -128,142 +135,66 @@ OutputFormat formatNamed(const QString &name)
     return name == QLatin1String("csv") ? OutputFormat::Csv : OutputFormat::Table;
 }
 
-/// The options of a search. What their texts mean only the plug-in's columns tell.
-SearchOptions takeSearch(const QCommandLineParser &parser)
+/// Also for an option that the command does not know.
+QString valueGiven(const QCommandLineParser &parser, const QString &option)
 {
-    static const QMap<QString, QString> columns{
-        {QStringLiteral("interface"), QStringLiteral("network_interface")},
-        {QStringLiteral("udp-ports"), QStringLiteral("udp_ports")},
-        {QStringLiteral("tcp-ports"), QStringLiteral("tcp_ports")},
-        {QStringLiteral("timeout"), QStringLiteral("timeout_ms")}};
-    SearchOptions search;
-    for (auto column = columns.begin(); column != columns.end(); ++column) {
-        if (parser.isSet(column.key()))
-            search.parameters.insert(column.value(), parser.value(column.key()));
-    }
-    const QString subnet = QStringLiteral("subnet");
-    if (parser.isSet(subnet))
-        search.subnet = parser.value(subnet);
-    search.isForced = parser.isSet(QStringLiteral("force"));
-    return search;
+    return parser.optionNames().contains(option) ? parser.value(option) : QString();
 }
 
-/// Says what is wrong with the options as such, without a look at the command.
-QString optionError(const QCommandLineParser &parser)
+/// Reads the arguments of the command, which are surely some that one of the commands takes.
+std::optional<Arguments> parseArguments(const Command &command, const QStringList &words,
+                                        QString *error)
 {
-    const QStringList given = parser.optionNames();
-    for (const QString &option : given) {
-        if (option != u"write" && given.count(option) > 1)
-            return QStringLiteral("--%1 is given more than once").arg(option);
+    QCommandLineParser parser;
+    prepare({command}, &parser);
+    if (!parser.parse(words)) {
+        *error = QStringLiteral("%1 has no use for --%2")
+                     .arg(command.name, parser.unknownOptionNames().value(0));
+        return {};
     }
-    for (const QString &option : {QStringLiteral("plugin"), QStringLiteral("plant")}) {
-        if (parser.isSet(option) && parser.value(option).isEmpty())
-            return QStringLiteral("--%1 needs a file name").arg(option);
+    Arguments arguments;
+    *error = optionError(command, parser);
+    if (!error->isEmpty())
+        return {};
+    arguments.pluginFile = valueGiven(parser, QStringLiteral("plugin"));
+    arguments.plantFile = valueGiven(parser, QStringLiteral("plant"));
+    arguments.format = formatNamed(parser.value(QStringLiteral("format")));
+    for (const Option &option : command.options) {
+        if (parser.isSet(option.name))
+            arguments.options.insert(option.name, parser.values(option.name));
     }
-    return {};
-}
-
-/// Says what is wrong with what is no option.
-QString argumentError(const CommandDescription &command, const QCommandLineParser &parser)
-{
-    const QStringList rest = parser.positionalArguments().mid(1);
-    const bool hasPlant = parser.isSet(QStringLiteral("plant"));
-    if (command.arguments == Arguments::Assignments) {
-        if (!hasPlant)
-            return command.name + u" needs a plant file: --plant FILE";
-        return rest.isEmpty() ? command.name + u" needs at least one DEVICE/ITEM=VALUE" : QString();
-    }
-    if (command.arguments == Arguments::Text)
-        return rest.size() == 1 ? QString() : command.name + u" needs one text, in quotes";
-    const bool needsPlant = command.arguments == Arguments::Plant && !hasPlant;
-    if (needsPlant && rest.value(0).isEmpty())
-        return command.name + u" needs a plant file: " + command.name + u" PLANT";
-    const int allowed = needsPlant ? 1 : 0;
-    if (rest.size() > allowed)
-        return QStringLiteral("%1 takes no argument \"%2\"").arg(command.name, rest.at(allowed));
-    return {};
-}
-
-/// Says what the command misses or has no use for.
-QString commandError(const CommandDescription &command, const QCommandLineParser &parser)
-{
-    const QStringList given = parser.optionNames();
-    for (const QString &option : given) {
-        if (!takesOption(command, option))
-            return QStringLiteral("%1 has no use for --%2").arg(command.name, option);
-    }
-    const QString format = parser.value(QStringLiteral("format"));
-    if (parser.isSet(QStringLiteral("format")) && !command.formats.contains(format))
-        return QStringLiteral("--format of %1 is %2, not \"%3\"")
-            .arg(command.name, choice(command.formats), format);
-    return argumentError(command, parser);
-}
-
-/// The command that the arguments name, or a null pointer and what is wrong.
-const CommandDescription *requestedCommand(const QStringList &positional, QString *error)
-{
-    if (positional.isEmpty()) {
-        *error = u"no command given; use " + commandNames();
-        return nullptr;
-    }
-    const QString &name = positional.first();
-    for (const CommandDescription &command : commands()) {
-        if (command.name == name)
-            return &command;
-    }
-    *error = u"unknown command \"" + name + u"\"; use " + commandNames();
-    return nullptr;
+    *error = takeOperands(command, parser.positionalArguments().mid(1), &arguments);
+    return error->isEmpty() ? std::optional(arguments) : std::nullopt;
 }
 
 } // namespace
 
-std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QString *error)
+std::optional<Request> parseCommandLine(const QStringList &arguments,
+                                        const QList<Command> &commands, QString *error)
 {
     QCommandLineParser parser;
-    addOptions(&parser);
+    prepare(commands, &parser);
     if (!parser.parse(arguments)) {
         *error = parser.errorText();
         return {};
     }
-    CommandLine result;
-    if (parser.isSet(QStringLiteral("help")))
-        return result;
-    if (parser.isSet(QStringLiteral("version"))) {
-        result.command = Command::Version;
-        return result;
+    if (parser.isSet(QStringLiteral("version")))
+        return Request{Request::Action::Version, nullptr, {}};
+    QStringList words = parser.positionalArguments();
+    const bool asksForHelp = parser.isSet(helpWord) || words.value(0) == helpWord;
+    if (words.value(0) == helpWord)
+        words.removeFirst();
+    if (words.isEmpty() && asksForHelp)
+        return Request{Request::Action::Help, nullptr, {}};
+    if (words.isEmpty()) {
+        *error = u"no command given; use " + choice(namesOf(commands));
+        return {};
     }
-
-    const QStringList positional = parser.positionalArguments();
-    const CommandDescription *const command = requestedCommand(positional, error);
+    const Command *const command = commandNamed(words.first(), commands, error);
     if (command == nullptr)
         return {};
-    *error = optionError(parser);
-    if (error->isEmpty())
-        *error = commandError(*command, parser);
-    if (!error->isEmpty())
-        return {};
-
-    result.command = command->command;
-    result.pluginFile = parser.value(QStringLiteral("plugin"));
-    result.plantFile = parser.value(QStringLiteral("plant"));
-    if (command->arguments == Arguments::Plant && result.plantFile.isEmpty())
-        result.plantFile = positional.at(1);
-    result.assignments = command->arguments == Arguments::Assignments
-                             ? positional.mid(1)
-                             : parser.values(QStringLiteral("write"));
-    if (command->arguments == Arguments::Text)
-        result.text = positional.at(1);
-    result.format = formatNamed(parser.value(QStringLiteral("format")));
-    result.onlyChanges = parser.isSet(QStringLiteral("only-changes"));
-    result.isConfirmed = parser.isSet(QStringLiteral("yes"));
-    result.verifies = !parser.isSet(QStringLiteral("no-verify"));
-    result.search = takeSearch(parser);
-    const bool taken
-        = takeNumber(parser, QStringLiteral("cycles"), 1, maximumCycles, &result.cycles, error)
-          && takeNumber(parser, QStringLiteral("interval"), 0, maximumIntervalMs,
-                        &result.intervalMs, error)
-          && takeNumber(parser, QStringLiteral("for"), 1, maximumForSeconds, &result.forSeconds,
-                        error)
-          && takeNumber(parser, QStringLiteral("rtt"), 0, maximumRttMs, &result.rttMs, error);
-    return taken ? std::optional(result) : std::nullopt;
+    if (asksForHelp)
+        return Request{Request::Action::Help, command, {}};
+    const std::optional<Arguments> taken = parseArguments(*command, arguments, error);
+    return taken ? std::optional(Request{Request::Action::Run, command, *taken}) : std::nullopt;
 }

@@ -1,46 +1,25 @@
 #pragma once
 
-#include "cycle/output.h"
-#include "discover/searchoptions.h"
+#include "cli/command.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
 
-/// What the program is to do.
-enum class Command { Help, Version, Columns, Read, Watch, Write, Plan, Check, Discover, Explain };
-
-/// The program's arguments, checked.
-struct CommandLine
+/// What the program is asked for.
+struct Request
 {
-    Command command = Command::Help;
-    /// Empty: the default plug-in.
-    QString pluginFile;
-    /// May be empty for `columns` and `explain`; for `discover` the file to write, empty for none.
-    QString plantFile;
-    OutputFormat format = OutputFormat::Table;
-    /// Read cycles, 1 or more.
-    int cycles = 1;
-    /// Milliseconds from the start of one cycle to the start of the next, 0 or more.
-    int intervalMs = 1000;
-    /// Seconds after which `watch` ends; 0: it goes on.
-    int forSeconds = 0;
-    /// `read` and `watch` print an item only when it differs from what was printed last.
-    bool onlyChanges = false;
-    /// What `plan` takes an exchange to last at best, in milliseconds, 0 or more.
-    int rttMs = 1;
-    /// The arguments of `write` or the options `--write` of `plan`, each DEVICE/ITEM=VALUE.
-    QStringList assignments;
-    /// What `explain` is to explain; "-" is standard input.
-    QString text;
-    /// `write` may change devices that are not on this machine.
-    bool isConfirmed = false;
-    /// `write` reads before and after.
-    bool verifies = true;
-    SearchOptions search;
+    enum class Action { Help, Version, Run };
+    Action action = Action::Run;
+    /// The one to run, or to show the help of; a null pointer asks for the help of all.
+    const Command *command = nullptr;
+    Arguments arguments;
 };
 
 /// Reads the arguments, the program's name first. Options may stand before and after the command.
-/// Returns nothing when they are wrong; `error` then says what to change.
-std::optional<CommandLine> parseCommandLine(const QStringList &arguments, QString *error);
+/// Returns nothing when they are wrong; `error` then says what to change. The request points into
+/// `commands`.
+std::optional<Request> parseCommandLine(const QStringList &arguments,
+                                        const QList<Command> &commands, QString *error);

@@ -55,10 +55,3 @@ QString changeLines(const QList<DeviceReport> &devices, const QVector<int> &widt
     }
     return lines;
 }
-
-QString itemProblem(const ItemReport &item)
-{
-    if (item.expected)
-        return QStringLiteral("expected \"%1\"").arg(*item.expected);
-    return item.error;
-}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cycle/output.h"
+#include "cycle/report.h"
 
 #include <vel/records.h>
 
@@ -17,7 +17,3 @@ QString changeLineHeader(const QVector<int> &widths);
 
 /// A line for each device that has something to tell of itself and for each item.
 QString changeLines(const QList<DeviceReport> &devices, const QVector<int> &widths);
-
-/// What is wrong with an item that was read, for people: its error, or what was expected instead of
-/// its value. Empty when nothing is.
-QString itemProblem(const ItemReport &item);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cycle/output.h"
+#include "cycle/report.h"
 #include "host/host.h"
 #include "plant/assignment.h"
 

@@ -1,14 +1,14 @@
 #include "cycle/cycleprinter.h"
 
 #include "cycle/changelines.h"
-#include "cycle/csv.h"
+#include "cycle/cycletext.h"
+
 #include <common/console.h>
 
-CyclePrinter::CyclePrinter(const CommandLine &commandLine,
+CyclePrinter::CyclePrinter(OutputFormat format, Content content,
                            const QList<DeviceInstancePlugin> &devices)
-    : m_format(commandLine.format),
-      m_hasLines(commandLine.command == Command::Watch && m_format == OutputFormat::Table),
-      m_onlyChanges(m_hasLines || commandLine.onlyChanges), m_lineWidths(changeLineWidths(devices))
+    : m_format(format), m_hasLines(content == Content::ChangeLines),
+      m_onlyChanges(content != Content::Everything), m_lineWidths(changeLineWidths(devices))
 {
     if (m_format == OutputFormat::Csv)
         print(stdout, cycleCsvHeader());
@@ -18,16 +18,12 @@ CyclePrinter::CyclePrinter(const CommandLine &commandLine,
 
 void CyclePrinter::printCycle(const QList<DeviceReport> &devices)
 {
-    QString text = textOf(m_onlyChanges ? m_changes.take(devices) : devices);
+    const QList<DeviceReport> shown = m_onlyChanges ? m_changes.take(devices) : devices;
+    QString text = m_hasLines ? changeLines(shown, m_lineWidths) : cycleText(m_format, shown);
     if (text.isEmpty())
         return;
     if (m_format == OutputFormat::Table && !m_hasLines && !m_isFirst)
         text.prepend(u'\n');
     m_isFirst = false;
     print(stdout, text);
-}
-
-QString CyclePrinter::textOf(const QList<DeviceReport> &devices) const
-{
-    return m_hasLines ? changeLines(devices, m_lineWidths) : cycleText(m_format, devices);
 }

@@ -1,26 +1,29 @@
 #pragma once
 
-#include "cli/commandline.h"
 #include "cycle/changes.h"
+#include "host/outputformat.h"
 
 #include <vel/records.h>
 
 #include <QList>
 #include <QVector>
 
-/// Prints cycles to standard output one after the other, as the command line wants them: for `read`
-/// a table each, for `watch` a line for each change, for both of them records in JSON and CSV.
+/// Prints cycles to standard output one after the other: in JSON and CSV as records.
 class CyclePrinter
 {
 public:
+    enum class Content {
+        Everything, ///< for people a table a cycle
+        Changes,    ///< the same of what has changed
+        ChangeLines ///< for people a line for each change, below one header
+    };
+
     /// Prints what stands above all cycles.
-    CyclePrinter(const CommandLine &commandLine, const QList<DeviceInstancePlugin> &devices);
+    CyclePrinter(OutputFormat format, Content content, const QList<DeviceInstancePlugin> &devices);
 
     void printCycle(const QList<DeviceReport> &devices);
 
 private:
-    QString textOf(const QList<DeviceReport> &devices) const;
-
     OutputFormat m_format;
     bool m_hasLines;
     bool m_onlyChanges;

@@ -1,6 +1,8 @@
 #include "discover/discovercommand.h"
 
+#include "cli/plantarguments.h"
 #include "discover/discoveroutput.h"
+#include "discover/searchoptions.h"
 #include "discover/searchsettings.h"
 #include "host/stopsignals.h"
 
@@ -18,12 +20,12 @@ const QString lineStart = QStringLiteral("\r");
 const QString clearLine = QStringLiteral("\x1b[K");
 
 /// Why the plant file must not be written; empty when it may be.
-QString plantFileError(const CommandLine &commandLine)
+QString plantFileError(const Arguments &arguments)
 {
-    const QFileInfo file(commandLine.plantFile);
-    if (commandLine.plantFile.isEmpty() || commandLine.search.isForced || !file.exists())
+    const QFileInfo file(arguments.plantFile);
+    if (arguments.plantFile.isEmpty() || searchOptions(arguments).isForced || !file.exists())
         return {};
-    return commandLine.plantFile + u": is already there; add --force to replace it";
+    return arguments.plantFile + u": is already there; add --force to replace it";
 }
 
 /// Runs the search until its end or a signal, whose number is then in `signal`. The state is shown
@@ -46,14 +48,14 @@ SearchResult searchAndShow(const SearchPlan &plan, int *signal)
     return result;
 }
 
-bool writePlant(const CommandLine &commandLine, const SearchArea &area, const Findings &findings)
+bool writePlant(const Arguments &arguments, const SearchArea &area, const Findings &findings)
 {
-    QString error = plantFileError(commandLine);
+    QString error = plantFileError(arguments);
     if (error.isEmpty()) {
         const QByteArray json = plantJson(area, findings);
-        QSaveFile file(commandLine.plantFile);
+        QSaveFile file(arguments.plantFile);
         if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size() || !file.commit())
-            error = commandLine.plantFile + u": cannot be written: " + file.errorString();
+            error = arguments.plantFile + u": cannot be written: " + file.errorString();
     }
     if (!error.isEmpty()) {
         printError(error);
@@ -68,7 +70,7 @@ bool writePlant(const CommandLine &commandLine, const SearchArea &area, const Fi
 }
 
 /// Tells what there is beside the controllers. Whether the search found one and ran to its end.
-bool tellRest(const SearchResult &result)
+bool reportOthers(const SearchResult &result)
 {
     printError(strangerTexts(result.findings));
     if (result.wasStopped) {
@@ -84,16 +86,14 @@ bool tellRest(const SearchResult &result)
     return false;
 }
 
-} // namespace
-
-ExitCode runDiscover(const Job &job, const PluginRegistration &registration)
+ExitCode discover(const Session &session, const Arguments &arguments)
 {
-    const CommandLine &commandLine = job.commandLine;
     QStringList errors;
     QStringList notes;
-    const std::optional<SearchPlan> plan = searchPlan(
-        commandLine.search, registration.deviceColumns, machineNetworks(), &errors, &notes);
-    const QString fileError = plantFileError(commandLine);
+    const std::optional<SearchPlan> plan
+        = searchPlan(searchOptions(arguments), session.registration.deviceColumns,
+                     machineNetworks(), &errors, &notes);
+    const QString fileError = plantFileError(arguments);
     if (!fileError.isEmpty())
         errors.append(fileError);
     printError(errors);
@@ -104,11 +104,38 @@ ExitCode runDiscover(const Job &job, const PluginRegistration &registration)
 
     int signal = 0;
     const SearchResult result = searchAndShow(*plan, &signal);
-    print(stdout, controllersText(commandLine.format, result.findings));
-    bool isWell = tellRest(result);
-    if (!commandLine.plantFile.isEmpty() && result.findings.controllerCount() > 0)
-        isWell = writePlant(commandLine, plan->area, result.findings) && isWell;
+    print(stdout, controllersText(arguments.format, result.findings));
+    bool isWell = reportOthers(result);
+    if (!arguments.plantFile.isEmpty() && result.findings.controllerCount() > 0)
+        isWell = writePlant(arguments, plan->area, result.findings) && isWell;
     if (signal != 0)
-        return signal == SIGINT ? Interrupted : Terminated;
+        return exitCodeOf(signal);
     return isWell ? AllWell : ErrorFound;
+}
+
+/// The plug-in gets the machine's interfaces and no device.
+ExitCode runDiscover(const Arguments &arguments)
+{
+    Plant plant;
+    const QList<InterfaceNetwork> networks = machineNetworks();
+    for (const InterfaceNetwork &network : networks)
+        plant.networkInterfaces.append(network.interface);
+    plant.networkInterfaces.removeDuplicates();
+    return runSession(sessionSetup(arguments, plant), [&arguments](const Session &session) {
+        return discover(session, arguments);
+    });
+}
+
+} // namespace
+
+Command discoverCommand()
+{
+    return {QStringLiteral("discover"),
+            Operands::None,
+            QStringLiteral("show which controllers there are in the network"),
+            {QStringLiteral("table"), QStringLiteral("json")},
+            discoverOptions(),
+            {{QStringLiteral("See which controllers there are in a network"),
+              QStringLiteral("velhost discover --subnet 192.168.0.0/24")}},
+            runDiscover};
 }

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "cli/job.h"
-#include <common/console.h>
+#include "cli/command.h"
 
-#include <vel/hostbackend.h>
-
-/// Carries out the device search that the plug-in declares parameters for, prints the controllers
-/// and, where the job asks for it, writes them to a plant file.
-ExitCode runDiscover(const Job &job, const PluginRegistration &registration);
+/// `discover` carries out the device search that the plug-in declares parameters for, prints the
+/// controllers and writes them to a plant file where one is named. ErrorFound when there is none or
+/// the search has gaps; a signal ends it as it ends `read`.
+Command discoverCommand();

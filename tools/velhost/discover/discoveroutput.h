@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cycle/output.h"
 #include "discover/search/discovery.h"
+#include "host/outputformat.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "cli/command.h"
+
+#include <QList>
 #include <QMap>
 #include <QString>
 
@@ -12,6 +15,12 @@ struct SearchOptions
     QMap<QString, QString> parameters;
     /// The network to ask; nothing for those of the interface.
     std::optional<QString> subnet;
-    /// A large network may be asked, and a file that is already there replaced.
+    /// A large network may be asked.
     bool isForced = false;
 };
+
+/// The options of `discover`.
+QList<Option> discoverOptions();
+
+/// What they say. What the texts of the parameters mean only the plug-in's columns tell.
+SearchOptions searchOptions(const Arguments &arguments);

@@ -3,6 +3,7 @@
 #include "explain/explain.h"
 
 #include <common/json/json.h>
+#include <common/textwidth.h>
 
 #include <QFile>
 #include <QJsonArray>
@@ -15,30 +16,11 @@ namespace {
 constexpr int maximumInput = 1024 * 1024;
 // An unknown text is shown up to here.
 constexpr int shownCharacters = 200;
-constexpr int lineWidth = 79;
-
-/// The text in lines of at most `lineWidth`, where words allow it, each begun by `indent`.
-QString wrapped(const QString &text, const QString &indent)
-{
-    QString result;
-    QString line = indent;
-    const QStringList words = text.split(u' ');
-    for (const QString &word : words) {
-        if (line.size() > indent.size() && line.size() + 1 + word.size() > lineWidth) {
-            result += line + u'\n';
-            line = indent;
-        }
-        if (line.size() > indent.size())
-            line += u' ';
-        line += word;
-    }
-    return result + line + u'\n';
-}
 
 QString paragraph(const QString &name, const QString &text)
 {
     const QString indent = QStringLiteral("          ");
-    return wrapped(text, indent).replace(0, indent.size(), name.leftJustified(indent.size()));
+    return wrappedText(text, indent).replace(0, indent.size(), name.leftJustified(indent.size()));
 }
 
 QString listing(const QString &name, const QStringList &texts)
@@ -47,7 +29,7 @@ QString listing(const QString &name, const QStringList &texts)
     for (const QString &text : texts) {
         const QString indent = QStringLiteral("            ");
         const QString head = result.isEmpty() ? name.leftJustified(10) : indent.left(10);
-        result += wrapped(text, indent).replace(0, indent.size(), head + u"- ");
+        result += wrappedText(text, indent).replace(0, indent.size(), head + u"- ");
     }
     return result;
 }
@@ -89,10 +71,11 @@ void printTable(const QList<KnownError> &errors)
 {
     QStringList parts;
     if (errors.size() > 1)
-        parts.append(wrapped(QStringLiteral("The text has %1 meanings; the whole log entry tells "
-                                            "which one it has.")
-                                 .arg(errors.size()),
-                             {}));
+        parts.append(
+            wrappedText(QStringLiteral("The text has %1 meanings; the whole log entry tells "
+                                       "which one it has.")
+                            .arg(errors.size()),
+                        {}));
     for (const KnownError &error : errors)
         parts.append(explanationText(error));
     print(stdout, parts.join(u'\n'));
@@ -138,24 +121,43 @@ std::optional<QString> requestedText(const QString &argument)
     return {};
 }
 
-} // namespace
-
-ExitCode runExplain(const CommandLine &commandLine, const QByteArray &json)
+QByteArray catalogueJson()
 {
-    const std::optional<QString> text = requestedText(commandLine.text);
+    QFile file(QStringLiteral(":/errors.json"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+ExitCode runExplain(const Arguments &arguments)
+{
+    const std::optional<QString> text = requestedText(arguments.operands.first());
     if (!text)
         return WrongUsage;
-    const QList<KnownError> catalogue = errorCatalogue(json);
+    const QList<KnownError> catalogue = errorCatalogue(catalogueJson());
     const QList<KnownError> errors = explanations(*text, catalogue);
     if (errors.isEmpty()) {
-        printUnknown(*text, nearestTexts(*text, catalogue), commandLine.format);
+        printUnknown(*text, nearestTexts(*text, catalogue), arguments.format);
         return ErrorFound;
     }
-    if (commandLine.format != OutputFormat::Json) {
+    if (arguments.format != OutputFormat::Json) {
         printTable(errors);
         return AllWell;
     }
     for (const KnownError &error : errors)
         print(stdout, explanationJson(error));
     return AllWell;
+}
+
+} // namespace
+
+Command explainCommand()
+{
+    return {QStringLiteral("explain"),
+            Operands::Text,
+            QStringLiteral("show what an error text of the plug-in means and what to do; - reads "
+                           "the text from standard input"),
+            {QStringLiteral("table"), QStringLiteral("json")},
+            {},
+            {{QStringLiteral("Find out what an entry of the error log means"),
+              QStringLiteral("velhost explain \"[RD D70000] <Counter> :invalid address\"")}},
+            runExplain};
 }

@@ -1,57 +1,11 @@
 #include "host/host.h"
 
-#include "plant/parameters.h"
+#include "plant/records.h"
 
-namespace {
-
-QList<ItemInstancePlugin> itemRecords(const QList<PlantItem> &items,
-                                      const QList<DatabaseColumnStructure> &columns,
-                                      const QString &place, QList<Problem> *errors)
-{
-    QList<ItemInstancePlugin> records;
-    for (int i = 0; i < items.size(); ++i) {
-        const QString parameters = QStringLiteral("%1[%2].parameters").arg(place).arg(i);
-        ItemInstancePlugin record;
-        record.name = items.at(i).name;
-        record.parameters = resolveParameters(items.at(i).parameters, columns,
-                                              QStringLiteral("item"), parameters, errors);
-        records.append(record);
-    }
-    return records;
-}
-
-} // namespace
-
-QList<DeviceInstancePlugin>
-deviceRecords(const Plant &plant, const PluginRegistration &registration, QList<Problem> *errors)
-{
-    QList<DeviceInstancePlugin> records;
-    for (int i = 0; i < plant.devices.size(); ++i) {
-        const PlantDevice &device = plant.devices.at(i);
-        const QString place = QStringLiteral("devices[%1]").arg(i);
-        DeviceInstancePlugin record;
-        record.id = device.id;
-        record.name = device.name;
-        record.ipAddress = device.ip;
-        record.parameters
-            = resolveParameters(device.parameters, registration.deviceColumns,
-                                QStringLiteral("device"), place + u".parameters", errors);
-        record.items
-            = itemRecords(device.items, registration.itemColumns, place + u".items", errors);
-        records.append(record);
-    }
-    return records;
-}
-
-Host::Host(Plant plant, std::function<void(const LogEntry &)> log)
-    : m_plant(std::move(plant)), m_log(std::move(log))
+Host::Host(Plant plant, std::function<void(const LogEntry &)> log, Redirection redirection)
+    : m_plant(std::move(plant)), m_log(std::move(log)), m_redirection(std::move(redirection))
 {
     install(this);
-}
-
-QList<DeviceInstancePlugin> Host::deviceRecords(QList<Problem> *errors) const
-{
-    return ::deviceRecords(m_plant, m_registration.value_or(PluginRegistration()), errors);
 }
 
 void Host::registerPlugin(const PluginRegistration &registration)
@@ -62,8 +16,15 @@ void Host::registerPlugin(const PluginRegistration &registration)
 QList<DeviceInstancePlugin> Host::devices()
 {
     QList<Problem> errors;
-    const QList<DeviceInstancePlugin> records = deviceRecords(&errors);
-    return errors.isEmpty() ? records : QList<DeviceInstancePlugin>();
+    QList<DeviceInstancePlugin> records
+        = deviceRecords(m_plant, m_registration.value_or(PluginRegistration()), &errors);
+    if (!errors.isEmpty())
+        return {};
+    if (m_redirection) {
+        for (DeviceInstancePlugin &record : records)
+            record = m_redirection(record);
+    }
+    return records;
 }
 
 QList<NetworkInterfaceInstance> Host::networkInterfaces()

@@ -18,18 +18,17 @@ struct LogEntry
     QString text;
 };
 
-/// The plant's devices as records, their parameters resolved against the registered columns. Adds
-/// to `errors` what does not resolve, by its place in the plant file.
-QList<DeviceInstancePlugin>
-deviceRecords(const Plant &plant, const PluginRegistration &registration, QList<Problem> *errors);
+/// What makes another record of a device before the plug-in gets it.
+using Redirection = std::function<DeviceInstancePlugin(const DeviceInstancePlugin &)>;
 
 /// The host as the plug-in sees it: takes its registration, hands it the plant's devices and passes
 /// its log entries on as they come. It is installed behind libvel.so.1 as long as it lives.
 class Host : public HostBackend
 {
 public:
-    /// `log` is called for each entry, from the plug-in's own call.
-    Host(Plant plant, std::function<void(const LogEntry &)> log);
+    /// `log` is called for each entry, from the plug-in's own call. With a redirection the plug-in
+    /// gets what that makes of the plant's devices.
+    Host(Plant plant, std::function<void(const LogEntry &)> log, Redirection redirection = {});
 
     /// What the plug-in declared; nothing before it registered.
     const std::optional<PluginRegistration> &registration() const { return m_registration; }
@@ -40,11 +39,8 @@ public:
     /// The text of the latest of them.
     const QString &lastError() const { return m_lastError; }
 
-    /// As the function of that name, for the host's own plant.
-    QList<DeviceInstancePlugin> deviceRecords(QList<Problem> *errors) const;
-
     void registerPlugin(const PluginRegistration &registration) override;
-    /// As deviceRecords(); empty when a parameter does not resolve, because no connection must be
+    /// The plant's devices; empty when a parameter does not resolve, because no connection must be
     /// opened with parameters that nobody meant.
     QList<DeviceInstancePlugin> devices() override;
     QList<NetworkInterfaceInstance> networkInterfaces() override;
@@ -54,6 +50,7 @@ public:
 private:
     Plant m_plant;
     std::function<void(const LogEntry &)> m_log;
+    Redirection m_redirection;
     std::optional<PluginRegistration> m_registration;
     int m_errorCount = 0;
     QString m_lastError;

@@ -1,6 +1,8 @@
 #include "host/logoutput.h"
 
 #include <common/console.h>
+#include <common/json/json.h>
+#include <common/visibletext.h>
 
 namespace {
 
@@ -12,6 +14,18 @@ bool isSame(const LogEntry &left, const LogEntry &right)
 }
 
 } // namespace
+
+QString logText(OutputFormat format, const LogEntry &entry)
+{
+    const QString level
+        = entry.level == LogEntry::Level::Error ? QStringLiteral("error") : QStringLiteral("debug");
+    if (format != OutputFormat::Json)
+        return u"log " + level + u": " + visible(entry.text) + u'\n';
+    return jsonObject({{QStringLiteral("type"), jsonText(QStringLiteral("log"))},
+                       {QStringLiteral("level"), jsonText(level)},
+                       {QStringLiteral("text"), jsonText(entry.text)}})
+           + u'\n';
+}
 
 QString countedText(const CountedEntry &counted)
 {

@@ -1,8 +1,12 @@
 #pragma once
 
-#include "cycle/output.h"
+#include "host/host.h"
+#include "host/outputformat.h"
 
 #include <QList>
+
+/// One log entry, in CSV as for a table.
+QString logText(OutputFormat format, const LogEntry &entry);
 
 /// An entry and how often it came in succession.
 struct CountedEntry

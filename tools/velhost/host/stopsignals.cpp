@@ -12,6 +12,11 @@ bool isIgnored(int signal)
     return action.sa_handler == SIG_IGN;
 }
 
+ExitCode exitCodeOf(int signal)
+{
+    return signal == SIGINT ? Interrupted : Terminated;
+}
+
 StopSignals::StopSignals()
 {
     sigemptyset(&m_signals);

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <common/console.h>
+
 #include <QtGlobal>
 
 #include <csignal>
 
 /// Whether the program was started to ignore the signal, or does so by now.
 bool isIgnored(int signal);
+
+/// How the program ends when one of StopSignals' signals has ended its work.
+ExitCode exitCodeOf(int signal);
 
 /// Keeps SIGINT and SIGTERM back from this thread and from those that it starts: the system holds
 /// one that arrives until the program asks for it. So no handler interrupts the plug-in's own

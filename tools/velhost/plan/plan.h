@@ -1,7 +1,6 @@
 #pragma once
 
-#include "cycle/output.h"
-#include "host/host.h"
+#include "host/outputformat.h"
 
 #include <QByteArray>
 #include <QList>

@@ -1,19 +1,26 @@
 #include "plan/plancommand.h"
 
+#include "cli/plantarguments.h"
 #include "cycle/cycle.h"
-#include "cycle/verifiedwrite.h"
+#include "cycle/oneitem.h"
 #include "plan/plan.h"
-#include "plan/planhost.h"
+#include "plan/recorder.h"
+#include "plan/redirection.h"
 
 #include <algorithm>
 
 namespace {
 
+constexpr int maximumRttMs = 60 * 1000;
+constexpr int defaultRttMs = 1;
+const QString rttOption = QStringLiteral("rtt");
+const QString writeOption = QStringLiteral("write");
+
 /// Why the device can never be served; empty when it can. The plug-in judges first, by a list
 /// without items.
 QString refusal(VELInterface *plugin, const DeviceInstancePlugin &device, quint16 recorderPort)
 {
-    LogList list{judgeable(device, recorderPort), {}};
+    LogList list{redirectedWhereValid(device, recorderPort), {}};
     const DeviceReport report = readDevice(plugin, &list, 1);
     if (!report.error.isEmpty())
         return report.error;
@@ -34,11 +41,11 @@ DeviceBudget budgetOf(const DeviceInstancePlugin &device, const QString &error)
     return {device.name, 0, isKnown ? std::optional(timeout) : std::nullopt, error};
 }
 
-Plan makePlan(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, const Job &job,
-              const Host &host, Recorder *recorder)
+Plan makePlan(const Session &session, const QList<Assignment> &assignments, Recorder *recorder)
 {
+    VELInterface *const plugin = session.loaded.plugin;
     Plan plan;
-    for (const DeviceInstancePlugin &device : devices) {
+    for (const DeviceInstancePlugin &device : session.devices) {
         DeviceBudget budget = budgetOf(device, refusal(plugin, device, recorder->port()));
         const DeviceInstancePlugin target = redirected(device, recorder->port());
         for (int i = 0; i < device.items.size(); ++i) {
@@ -52,15 +59,15 @@ Plan makePlan(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, 
         }
         plan.budgets.append(budget);
     }
-    for (const Assignment &assignment : job.assignments) {
-        const DeviceInstancePlugin &device = devices.at(assignment.device);
+    for (const Assignment &assignment : assignments) {
+        const DeviceInstancePlugin &device = session.devices.at(assignment.device);
         PlannedItem item{device.name,
                          device.items.at(assignment.item).name,
                          true,
                          {},
                          plan.budgets.at(assignment.device).error};
         if (item.error.isEmpty()) {
-            item.error = writeError(plugin, redirected(device, recorder->port()), assignment, host);
+            item.error = writeError(session, redirected(device, recorder->port()), assignment);
             item.lines = recorder->takeLines();
         }
         plan.items.append(item);
@@ -68,18 +75,59 @@ Plan makePlan(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, 
     return plan;
 }
 
-} // namespace
-
-ExitCode runPlan(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, const Job &job,
-                 const Host &host, Recorder *recorder)
+bool hasError(const Plan &plan)
 {
-    const Plan plan = makePlan(plugin, devices, job, host, recorder);
-    print(stdout, planText(job.commandLine.format, plan, job.commandLine.rttMs));
     const bool itemFailed
         = std::any_of(plan.items.begin(), plan.items.end(),
                       [](const PlannedItem &item) { return !item.error.isEmpty(); });
     const bool deviceFailed
         = std::any_of(plan.budgets.begin(), plan.budgets.end(),
                       [](const DeviceBudget &budget) { return !budget.error.isEmpty(); });
-    return itemFailed || deviceFailed ? ErrorFound : AllWell;
+    return itemFailed || deviceFailed;
+}
+
+ExitCode runPlan(const Arguments &arguments)
+{
+    const std::optional<Plant> plant = readPlant(arguments);
+    if (!plant)
+        return WrongUsage;
+    const auto assignments = readAssignments(arguments.options.value(writeOption), *plant);
+    if (!assignments)
+        return WrongUsage;
+    Recorder recorder;
+    if (recorder.port() == 0) {
+        printError(QStringLiteral("plan cannot listen on 127.0.0.1"));
+        return ErrorFound;
+    }
+    SessionSetup setup = sessionSetup(arguments, *plant);
+    setup.redirection = [port = recorder.port()](const DeviceInstancePlugin &device) {
+        return redirected(device, port);
+    };
+    return runSession(setup, [&](const Session &session) {
+        const Plan plan = makePlan(session, *assignments, &recorder);
+        print(stdout, planText(arguments.format, plan, arguments.number(rttOption, defaultRttMs)));
+        return hasError(plan) ? ErrorFound : AllWell;
+    });
+}
+
+} // namespace
+
+Command planCommand()
+{
+    return {QStringLiteral("plan"),
+            Operands::Plant,
+            QStringLiteral("show what each item would send and what a cycle costs, without the "
+                           "plant's network"),
+            {QStringLiteral("table"), QStringLiteral("json")},
+            {{writeOption,
+              QStringLiteral("DEVICE/ITEM=VALUE"),
+              QStringLiteral("show what a write of this would send, too; may be repeated"),
+              {},
+              true},
+             {rttOption, QStringLiteral("MS"),
+              QStringLiteral("milliseconds that an exchange takes at best (default %1)")
+                  .arg(defaultRttMs),
+              Option::Range{0, maximumRttMs}}},
+            {},
+            runPlan};
 }

@@ -1,5 +1,7 @@
 #include "read/readcommand.h"
 
+#include "cli/options.h"
+#include "cli/plantarguments.h"
 #include "cycle/cycle.h"
 #include "cycle/cycleprinter.h"
 #include "host/stopsignals.h"
@@ -10,35 +12,65 @@
 
 namespace {
 
+constexpr int maximumCycles = 1'000'000'000;
+
 bool hasError(const QList<DeviceReport> &devices)
 {
     return std::any_of(devices.begin(), devices.end(),
                        [](const DeviceReport &device) { return device.hasError(); });
 }
 
-} // namespace
-
-ExitCode runRead(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices,
-                 const CommandLine &commandLine)
+ExitCode readCycles(const Session &session, const Arguments &arguments)
 {
+    const int cycles = arguments.number(QStringLiteral("cycles"), 1);
     StopSignals stopSignals;
-    CyclePrinter printer(commandLine, devices);
-    QList<LogList> lists = readLists(devices);
+    CyclePrinter printer(arguments.format,
+                         printsOnlyChanges(arguments) ? CyclePrinter::Content::Changes
+                                                      : CyclePrinter::Content::Everything,
+                         session.devices);
+    QList<LogList> lists = readLists(session.devices);
     ExitCode result = AllWell;
-    for (int cycle = 1; cycle <= commandLine.cycles; ++cycle) {
+    for (int cycle = 1; cycle <= cycles; ++cycle) {
         QElapsedTimer sinceStart;
         sinceStart.start();
         QList<DeviceReport> reports;
         for (LogList &list : lists)
-            reports.append(readDevice(plugin, &list, cycle));
+            reports.append(readDevice(session.loaded.plugin, &list, cycle));
         printer.printCycle(reports);
         if (hasError(reports))
             result = ErrorFound;
-        const bool isLast = cycle == commandLine.cycles;
+        const bool isLast = cycle == cycles;
         const int signal
-            = stopSignals.wait(isLast ? 0 : commandLine.intervalMs - sinceStart.elapsed());
+            = stopSignals.wait(isLast ? 0 : intervalMs(arguments) - sinceStart.elapsed());
         if (signal != 0)
-            return signal == SIGINT ? Interrupted : Terminated;
+            return exitCodeOf(signal);
     }
     return result;
+}
+
+ExitCode runRead(const Arguments &arguments)
+{
+    const std::optional<Plant> plant = readPlant(arguments);
+    if (!plant)
+        return WrongUsage;
+    return runSession(sessionSetup(arguments, *plant), [&arguments](const Session &session) {
+        return readCycles(session, arguments);
+    });
+}
+
+} // namespace
+
+Command readCommand()
+{
+    return {QStringLiteral("read"),
+            Operands::Plant,
+            QStringLiteral("read every item of every device"),
+            {QStringLiteral("table"), QStringLiteral("json"), QStringLiteral("csv")},
+            {{QStringLiteral("cycles"), QStringLiteral("N"),
+              QStringLiteral("number of cycles (default 1)"), Option::Range{1, maximumCycles}},
+             intervalOption(),
+             onlyChangesOption()},
+            {{QStringLiteral("Watch a minute of changes"),
+              QStringLiteral("velhost read plant.json --cycles 60 --only-changes")}},
+            runRead};
 }

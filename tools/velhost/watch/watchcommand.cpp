@@ -1,5 +1,7 @@
 #include "watch/watchcommand.h"
 
+#include "cli/options.h"
+#include "cli/plantarguments.h"
 #include "cycle/cycle.h"
 #include "cycle/cycleprinter.h"
 #include "host/stopsignals.h"
@@ -15,6 +17,18 @@
 
 namespace {
 
+constexpr int maximumForSeconds = 1'000'000'000;
+const QString forOption = QStringLiteral("for");
+
+/// What is printed where there is no view. Only people get lines of changes.
+CyclePrinter::Content printedContent(const Arguments &arguments)
+{
+    if (arguments.format == OutputFormat::Table)
+        return CyclePrinter::Content::ChangeLines;
+    return printsOnlyChanges(arguments) ? CyclePrinter::Content::Changes
+                                        : CyclePrinter::Content::Everything;
+}
+
 bool isAsItShouldBe(const DeviceReport &device)
 {
     return !device.hasError()
@@ -26,28 +40,29 @@ bool isAsItShouldBe(const DeviceReport &device)
 class Watch
 {
 public:
-    Watch(const QList<DeviceInstancePlugin> &devices, const Job &job,
-          const PluginRegistration &registration, LogOutput *log)
-        : m_commandLine(job.commandLine), m_log(log), m_lists(readLists(devices)),
-          m_devices(watchedDevices(job.plant, devices, registration.itemColumns))
+    Watch(const Session &session, const Plant &plant, const Arguments &arguments)
+        : m_arguments(arguments), m_session(session), m_lists(readLists(session.devices)),
+          m_devices(watchedDevices(plant, session.devices, session.registration.itemColumns))
     {
         m_clock.start();
-        if (m_commandLine.format == OutputFormat::Table && !m_commandLine.onlyChanges
-            && TerminalScreen::isUsable())
-            m_view = std::make_unique<WatchView>(&m_devices, log, &m_clock);
+        const bool hasView = arguments.format == OutputFormat::Table
+                             && !printsOnlyChanges(arguments) && TerminalScreen::isUsable();
+        if (hasView)
+            m_view = std::make_unique<WatchView>(&m_devices, session.log, &m_clock);
         else
-            m_printer = std::make_unique<CyclePrinter>(m_commandLine, devices);
+            m_printer = std::make_unique<CyclePrinter>(arguments.format, printedContent(arguments),
+                                                       session.devices);
     }
 
     /// Until a signal comes, whose number it returns, or the time is over, then 0. Standard output
     /// that cannot be written ends it, too: nobody would see what comes.
-    int run(VELInterface *plugin, StopSignals *stopSignals)
+    int run(StopSignals *stopSignals)
     {
-        const qint64 endMs = qint64(1000) * m_commandLine.forSeconds;
+        const qint64 endMs = qint64(1000) * m_arguments.number(forOption, 0);
         for (qint64 cycle = 1;; ++cycle) {
             const qint64 startMs = m_clock.elapsed();
-            readCycle(plugin, cycle);
-            const qint64 nextMs = startMs + m_commandLine.intervalMs;
+            readCycle(cycle);
+            const qint64 nextMs = startMs + intervalMs(m_arguments);
             const int signal = waitUntil(endMs > 0 ? std::min(nextMs, endMs) : nextMs, stopSignals);
             const bool isOver = endMs > 0 && m_clock.elapsed() >= endMs;
             if (signal != 0 || isOver || std::ferror(stdout) != 0)
@@ -59,19 +74,19 @@ public:
     void finish()
     {
         m_view.reset();
-        m_log->printOpenCount();
-        const OutputFormat format = m_commandLine.format;
+        m_session.log->printOpenCount();
+        const OutputFormat format = m_arguments.format;
         print(format == OutputFormat::Json ? stdout : stderr, summaryText(format, m_devices));
     }
 
     bool isAllWell() const { return m_isAllWell; }
 
 private:
-    void readCycle(VELInterface *plugin, qint64 cycle)
+    void readCycle(qint64 cycle)
     {
         QList<DeviceReport> reports;
         for (int i = 0; i < m_lists.size(); ++i) {
-            DeviceReport report = readDevice(plugin, &m_lists[i], cycle);
+            DeviceReport report = readDevice(m_session.loaded.plugin, &m_lists[i], cycle);
             takeReport(&report, m_clock.elapsed(), &m_devices.at(static_cast<std::size_t>(i)));
             m_isAllWell = m_isAllWell && isAsItShouldBe(report);
             reports.append(report);
@@ -94,8 +109,8 @@ private:
         }
     }
 
-    CommandLine m_commandLine;
-    LogOutput *m_log;
+    const Arguments &m_arguments;
+    const Session &m_session;
     QList<LogList> m_lists;
     std::vector<WatchedDevice> m_devices;
     QElapsedTimer m_clock;
@@ -104,16 +119,41 @@ private:
     bool m_isAllWell = true;
 };
 
-} // namespace
-
-ExitCode runWatch(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, const Job &job,
-                  const PluginRegistration &registration, LogOutput *log)
+ExitCode watch(const Session &session, const Plant &plant, const Arguments &arguments)
 {
     StopSignals stopSignals;
-    Watch watch(devices, job, registration, log);
-    const int signal = watch.run(plugin, &stopSignals);
+    Watch watch(session, plant, arguments);
+    const int signal = watch.run(&stopSignals);
     watch.finish();
     if (signal != 0)
-        return signal == SIGINT ? Interrupted : Terminated;
+        return exitCodeOf(signal);
     return watch.isAllWell() ? AllWell : ErrorFound;
+}
+
+ExitCode runWatch(const Arguments &arguments)
+{
+    const std::optional<Plant> plant = readPlant(arguments);
+    if (!plant)
+        return WrongUsage;
+    return runSession(sessionSetup(arguments, *plant),
+                      [&](const Session &session) { return watch(session, *plant, arguments); });
+}
+
+} // namespace
+
+Command watchCommand()
+{
+    return {QStringLiteral("watch"),
+            Operands::Plant,
+            QStringLiteral("read again and again, keep a table on the terminal up to date and "
+                           "count what arrives"),
+            {QStringLiteral("table"), QStringLiteral("json"), QStringLiteral("csv")},
+            {{forOption, QStringLiteral("SECONDS"),
+              QStringLiteral("end after that time (default: at Ctrl+C)"),
+              Option::Range{1, maximumForSeconds}},
+             intervalOption(),
+             onlyChangesOption()},
+            {{QStringLiteral("See what arrives, until Ctrl+C"),
+              QStringLiteral("velhost watch plant.json")}},
+            runWatch};
 }

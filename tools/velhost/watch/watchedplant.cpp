@@ -1,7 +1,5 @@
 #include "watch/watchedplant.h"
 
-#include "cycle/changelines.h"
-
 namespace {
 
 void takeItem(const ItemReport &report, bool isRead, qint64 cycle, qint64 nowMs, WatchedItem *item)

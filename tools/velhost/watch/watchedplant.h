@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cycle/output.h"
+#include "cycle/report.h"
 #include "plant/plant.h"
 #include "plant/samevalue.h"
 #include "watch/latencies.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cycle/output.h"
+#include "host/outputformat.h"
 #include "watch/watchedplant.h"
 
 #include <QString>

@@ -1,38 +1,95 @@
 #include "write/writecommand.h"
 
+#include "cli/plantarguments.h"
 #include "cycle/cycle.h"
+#include "cycle/cycletext.h"
+#include "write/verifiedwrite.h"
 #include "write/writeoutput.h"
+
+#include <common/ipv4address.h>
 
 #include <algorithm>
 
 namespace {
 
-ExitCode writeOnly(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, const Job &job,
-                   const Host &host)
+const QString confirmation = QStringLiteral("yes");
+const QString noVerify = QStringLiteral("no-verify");
+
+/// Why the assignments must be confirmed first; empty when all of them stay on this machine. What
+/// is not surely loopback counts as a controller on site.
+QString unconfirmedTargets(const Plant &plant, const QList<Assignment> &assignments)
 {
-    QList<LogList> lists = writeLists(devices, job.assignments);
+    QStringList targets;
+    for (const Assignment &assignment : assignments) {
+        const PlantDevice &device = plant.devices.at(assignment.device);
+        if (!isLoopback(device.ip))
+            targets.append(QStringLiteral("\"%1\" (%2)").arg(device.name, device.ip));
+    }
+    targets.removeDuplicates();
+    if (targets.isEmpty())
+        return {};
+    return QStringLiteral("write would change devices that are not on this machine: %1; add --yes "
+                          "to write to them")
+        .arg(targets.join(QStringLiteral(", ")));
+}
+
+ExitCode writeOnly(const Session &session, const QList<Assignment> &assignments,
+                   OutputFormat format)
+{
+    QList<LogList> lists = writeLists(session.devices, assignments);
     QList<DeviceReport> reports;
     for (LogList &list : lists)
-        reports.append(writeDevice(plugin, &list, 1, host));
-    print(stdout, cycleText(job.commandLine.format, reports));
+        reports.append(writeDevice(session.loaded.plugin, &list, 1, session.host));
+    print(stdout, cycleText(format, reports));
     const bool failed = std::any_of(reports.begin(), reports.end(),
                                     [](const DeviceReport &device) { return device.hasError(); });
     return failed ? ErrorFound : AllWell;
 }
 
-} // namespace
-
-ExitCode runWrite(VELInterface *plugin, const QList<DeviceInstancePlugin> &devices, const Job &job,
-                  const Host &host)
+ExitCode writeAndVerify(const Session &session, const QList<Assignment> &assignments,
+                        OutputFormat format)
 {
-    if (!job.commandLine.verifies)
-        return writeOnly(plugin, devices, job, host);
     QList<WriteReport> reports;
-    for (const Assignment &assignment : job.assignments)
-        reports.append(writeVerified(plugin, devices.at(assignment.device), assignment, host));
-    print(stdout, writesText(job.commandLine.format, reports));
+    for (const Assignment &assignment : assignments)
+        reports.append(writeVerified(session, assignment));
+    print(stdout, writesText(format, reports));
     const bool failed = std::any_of(reports.begin(), reports.end(), [](const WriteReport &report) {
         return !report.error.isEmpty();
     });
     return failed ? ErrorFound : AllWell;
+}
+
+ExitCode runWrite(const Arguments &arguments)
+{
+    const std::optional<Plant> plant = readPlant(arguments);
+    if (!plant)
+        return WrongUsage;
+    const auto assignments = readAssignments(arguments.operands, *plant);
+    if (!assignments)
+        return WrongUsage;
+    const QString refusal
+        = arguments.has(confirmation) ? QString() : unconfirmedTargets(*plant, *assignments);
+    if (!refusal.isEmpty()) {
+        printError(refusal);
+        return WrongUsage;
+    }
+    const auto write = arguments.has(noVerify) ? writeOnly : writeAndVerify;
+    return runSession(sessionSetup(arguments, *plant), [&](const Session &session) {
+        return write(session, *assignments, arguments.format);
+    });
+}
+
+} // namespace
+
+Command writeCommand()
+{
+    return {QStringLiteral("write"),
+            Operands::PlantAndAssignments,
+            QStringLiteral("read, write and read back the named items, in the order given"),
+            {QStringLiteral("table"), QStringLiteral("json")},
+            {{confirmation, {}, QStringLiteral("change devices that are not on this machine, too")},
+             {noVerify, {}, QStringLiteral("only write, read nothing before or after")}},
+            {{QStringLiteral("Write a value and read it back"),
+              QStringLiteral("velhost write plant.json 'Press/Set point=250'")}},
+            runWrite};
 }

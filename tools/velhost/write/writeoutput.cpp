@@ -1,6 +1,8 @@
 #include "write/writeoutput.h"
 
+#include "cycle/report.h"
 #include <common/json/json.h>
+
 #include <common/table.h>
 #include <common/visibletext.h>
 

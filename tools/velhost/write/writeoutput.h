@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cycle/output.h"
-#include "cycle/verifiedwrite.h"
+#include "host/outputformat.h"
+#include "write/verifiedwrite.h"
 
 #include <QList>
 #include <QString>

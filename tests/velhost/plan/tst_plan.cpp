@@ -2,8 +2,8 @@
 #include "scriptedpeer.h"
 #include "text.h"
 
-#include <plan/planhost.h>
 #include <plan/recorder.h>
+#include <plan/redirection.h>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -71,8 +71,8 @@ private Q_SLOTS:
     void wordCounts();
     void recorderAnswers();
     void recorderEndsEndlessLine();
-    void judgeableDevice_data();
-    void judgeableDevice();
+    void redirectsWhereValid_data();
+    void redirectsWhereValid();
 };
 
 void tst_Plan::table()
@@ -286,7 +286,7 @@ void tst_Plan::recorderEndsEndlessLine()
     QCOMPARE(recorder.takeLines(), QList<QByteArray>());
 }
 
-void tst_Plan::judgeableDevice_data()
+void tst_Plan::redirectsWhereValid_data()
 {
     QTest::addColumn<QString>("ip");
     QTest::addColumn<QString>("port");
@@ -309,7 +309,7 @@ void tst_Plan::judgeableDevice_data()
     row("plc", "x", "plc:x");
 }
 
-void tst_Plan::judgeableDevice()
+void tst_Plan::redirectsWhereValid()
 {
     QFETCH(QString, ip);
     QFETCH(QString, port);
@@ -319,7 +319,7 @@ void tst_Plan::judgeableDevice()
     DeviceInstancePlugin device;
     device.ipAddress = ip;
     device.parameters.insert(key, port);
-    const DeviceInstancePlugin result = judgeable(device, 9);
+    const DeviceInstancePlugin result = redirectedWhereValid(device, 9);
     const QString shown = result.ipAddress + u':' + result.parameters.value(key);
     QCOMPARE(shown, judged);
 }

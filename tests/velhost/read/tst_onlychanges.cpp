@@ -2,7 +2,7 @@
 #include "text.h"
 
 #include <cycle/changes.h>
-#include <cycle/csv.h>
+#include <cycle/cycletext.h>
 
 #include <QDateTime>
 #include <QTest>
@@ -60,13 +60,11 @@ QString shown(const QList<DeviceReport> &devices)
 
 } // namespace
 
-class tst_Changes : public QObject
+class tst_OnlyChanges : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void records_data();
-    void records();
     void onlyChanges_data();
     void onlyChanges();
     void csv();
@@ -76,32 +74,7 @@ private Q_SLOTS:
     void devicesApart();
 };
 
-void tst_Changes::records_data()
-{
-    QTest::addColumn<QStringList>("fields");
-    QTest::addColumn<QString>("record");
-
-    const auto row = [](const char *title, const QStringList &fields, const char *record) {
-        QTest::newRow(title) << fields << text(record);
-    };
-    row("plain", {text("a"), text("b c"), text("-1")}, "a,b c,-1\r\n");
-    row("empty fields", {text(""), text("")}, ",\r\n");
-    row("comma", {text("a,b"), text("c")}, "\"a,b\",c\r\n");
-    row("quote", {text("\"")}, "\"\"\"\"\r\n");
-    row("carriage return", {text("a\rb")}, "\"a\rb\"\r\n");
-    row("line feed", {text("a\n")}, "\"a\n\"\r\n");
-    row("spaces", {text(" a ")}, " a \r\n");
-    row("backslash", {text("\\r")}, "\\r\r\n");
-}
-
-void tst_Changes::records()
-{
-    QFETCH(QStringList, fields);
-    QFETCH(QString, record);
-    QCOMPARE(csvRecord(fields), record);
-}
-
-void tst_Changes::onlyChanges_data()
+void tst_OnlyChanges::onlyChanges_data()
 {
     QTest::addColumn<QByteArray>("format");
     QTest::addColumn<QString>("output");
@@ -135,7 +108,7 @@ Cycle  Time                           Device  Item  Value  Error
                                  "5,2024-02-29T12:34:56.789+00:00,Press,A,1,,\r\n");
 }
 
-void tst_Changes::onlyChanges()
+void tst_OnlyChanges::onlyChanges()
 {
     QFETCH(QByteArray, format);
     QFETCH(QString, output);
@@ -148,7 +121,7 @@ void tst_Changes::onlyChanges()
 }
 
 // Log entries stay out of the values, and what does not change is printed without --only-changes.
-void tst_Changes::csv()
+void tst_OnlyChanges::csv()
 {
     const ProgramRun run = runWithPlant(
         text(VELHOST_FILE),
@@ -164,7 +137,7 @@ void tst_Changes::csv()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Changes::csvOfDeviceError()
+void tst_OnlyChanges::csvOfDeviceError()
 {
     const ProgramRun run
         = runWithPlant(text(VELHOST_FILE), arguments("csv", true), plantWith("1", "read-error"));
@@ -176,7 +149,7 @@ void tst_Changes::csvOfDeviceError()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_Changes::deviceErrors()
+void tst_OnlyChanges::deviceErrors()
 {
     Changes changes;
     QCOMPARE(shown(changes.take(cycleOf(1, "", "1"))), text("A=1"));
@@ -190,7 +163,7 @@ void tst_Changes::deviceErrors()
 }
 
 // How the end of a device's error is printed.
-void tst_Changes::deviceErrorEnds()
+void tst_OnlyChanges::deviceErrorEnds()
 {
     DeviceReport device;
     device.cycle = 4;
@@ -210,7 +183,7 @@ void tst_Changes::deviceErrorEnds()
              text("4,2024-02-29T12:34:56.789+00:00,Press,,,,\r\n"));
 }
 
-void tst_Changes::devicesApart()
+void tst_OnlyChanges::devicesApart()
 {
     DeviceReport press = cycleOf(1, "", "1").at(0);
     DeviceReport oven = press;
@@ -222,5 +195,5 @@ void tst_Changes::devicesApart()
     QCOMPARE(shown(changes.take({press, oven})), QString());
 }
 
-QTEST_GUILESS_MAIN(tst_Changes)
-#include "tst_changes.moc"
+QTEST_GUILESS_MAIN(tst_OnlyChanges)
+#include "tst_onlychanges.moc"

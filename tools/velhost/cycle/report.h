@@ -1,22 +1,10 @@
 #pragma once
 
-#include "host/host.h"
-#include "host/pluginfile.h"
-
-#include <vel/hostbackend.h>
-
 #include <QDateTime>
 #include <QList>
 #include <QString>
 
 #include <optional>
-
-/// How the program prints.
-enum class OutputFormat {
-    Table, ///< aligned columns for people
-    Json,  ///< one JSON object a line
-    Csv    ///< comma-separated values; cycles only
-};
 
 /// One item after a cycle.
 struct ItemReport
@@ -54,23 +42,15 @@ struct DeviceReport
     bool hasError() const;
 };
 
-/// What the plug-in declares, as table or JSON: itself, then its columns (plug-in, item, device,
-/// file). Each text ends with a line feed.
-QString columnsText(OutputFormat format, const LoadedPlugin &plugin,
-                    const PluginRegistration &registration);
-
-/// The devices of one cycle with their items, without a header in CSV; a device's own error stands
-/// before its items. Empty when there is nothing to tell.
-QString cycleText(OutputFormat format, const QList<DeviceReport> &devices);
-
 /// The value for people, what cannot be seen written out, marked where it is of an earlier cycle.
 QString valueText(const ItemReport &item);
 
 /// What there is to tell of the device itself: its error, or that one has ended.
 QString deviceNews(const DeviceReport &device);
 
-/// One log entry, in CSV as for a table.
-QString logText(OutputFormat format, const LogEntry &entry);
+/// What is wrong with an item that was read, for people: its error, or what was expected instead of
+/// its value. Empty when nothing is.
+QString itemProblem(const ItemReport &item);
 
 /// ISO 8601 with milliseconds and the offset from UTC, in the time's own zone.
 QString timeText(const QDateTime &time);

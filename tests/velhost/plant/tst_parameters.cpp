@@ -1,5 +1,6 @@
 #include <host/host.h>
 #include <plant/parameters.h>
+#include <plant/records.h>
 
 #include <QMap>
 #include <QTest>
@@ -232,12 +233,12 @@ void tst_Parameters::devicesOfHost()
 
 void tst_Parameters::devicesWithErrors()
 {
-    Host host(plantWith({{QStringLiteral("choice"), QStringLiteral("x")}}),
-              [](const LogEntry &) {});
+    const Plant plant = plantWith({{QStringLiteral("choice"), QStringLiteral("x")}});
+    Host host(plant, [](const LogEntry &) {});
     host.registerPlugin(registrationWithColumns());
     QCOMPARE(host.devices().size(), 0);
     QList<Problem> errors;
-    QCOMPARE(host.deviceRecords(&errors).size(), 1);
+    QCOMPARE(deviceRecords(plant, registrationWithColumns(), &errors).size(), 1);
     QCOMPARE(linesOf(errors), QStringList(QStringLiteral(
                                   "devices[0].items[0].parameters.choice: \"x\" is not offered; "
                                   "use one of: \"Bit device\" (0), \"Word device\" (1)")));

@@ -1,6 +1,5 @@
-#include "cycle/output.h"
+#include "columns/columnstext.h"
 
-#include "cycle/csv.h"
 #include <common/json/json.h>
 #include <common/table.h>
 #include <common/visibletext.h>
@@ -8,7 +7,6 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-#include <algorithm>
 #include <utility>
 
 namespace {
@@ -121,59 +119,7 @@ QString columnsTable(const PluginRegistration &registration)
     return tableText(rows);
 }
 
-QString deviceJsonLines(const DeviceReport &device)
-{
-    QString lines;
-    if (device.hasOwnLine()) {
-        lines += jsonObject({{key("type"), jsonText(key("device"))},
-                             {key("cycle"), jsonText(device.cycle)},
-                             {key("time"), jsonText(timeText(device.time))},
-                             {key("device"), jsonText(device.device)},
-                             {key("error"), jsonText(device.error)}})
-                 + u'\n';
-    }
-    for (const ItemReport &item : device.values) {
-        QList<JsonMember> members{
-            {key("type"), jsonText(key("value"))},        {key("cycle"), jsonText(device.cycle)},
-            {key("time"), jsonText(timeText(item.time))}, {key("device"), jsonText(device.device)},
-            {key("item"), jsonText(item.item)},           {key("value"), jsonText(item.value)},
-            {key("error"), jsonText(item.error)}};
-        if (item.expected)
-            members.append({key("expected"), jsonText(*item.expected)});
-        lines += jsonObject(members) + u'\n';
-    }
-    return lines;
-}
-
-void appendDeviceRows(const DeviceReport &device, QList<QStringList> *rows)
-{
-    const QString cycle = QString::number(device.cycle);
-    const QString name = visible(device.device);
-    if (device.hasOwnLine())
-        rows->append({cycle, timeText(device.time), name, {}, {}, visible(deviceNews(device))});
-    for (const ItemReport &item : device.values)
-        rows->append({cycle, timeText(item.time), name, visible(item.item), valueText(item),
-                      visible(item.error)});
-}
-
-QString cycleTable(const QList<DeviceReport> &devices)
-{
-    QList<QStringList> rows{{QStringLiteral("Cycle"), QStringLiteral("Time"),
-                             QStringLiteral("Device"), QStringLiteral("Item"),
-                             QStringLiteral("Value"), QStringLiteral("Error")}};
-    for (const DeviceReport &device : devices)
-        appendDeviceRows(device, &rows);
-    return rows.size() > 1 ? tableText(rows) : QString();
-}
-
 } // namespace
-
-bool DeviceReport::hasError() const
-{
-    return !error.isEmpty()
-           || std::any_of(values.begin(), values.end(),
-                          [](const ItemReport &item) { return !item.error.isEmpty(); });
-}
 
 QString columnsText(OutputFormat format, const LoadedPlugin &plugin,
                     const PluginRegistration &registration)
@@ -185,51 +131,4 @@ QString columnsText(OutputFormat format, const LoadedPlugin &plugin,
     for (const ScopedColumn &column : all)
         lines += columnJson(column) + u'\n';
     return lines;
-}
-
-QString cycleText(OutputFormat format, const QList<DeviceReport> &devices)
-{
-    if (format == OutputFormat::Table)
-        return cycleTable(devices);
-    if (format == OutputFormat::Csv)
-        return cycleCsv(devices);
-    QString lines;
-    for (const DeviceReport &device : devices)
-        lines += deviceJsonLines(device);
-    return lines;
-}
-
-QString valueText(const ItemReport &item)
-{
-    QString text = visible(item.value);
-    if (item.isOld)
-        text += u" (old)";
-    return text;
-}
-
-QString deviceNews(const DeviceReport &device)
-{
-    return device.errorEnded ? QStringLiteral("no error any more") : device.error;
-}
-
-QString logText(OutputFormat format, const LogEntry &entry)
-{
-    const QString level
-        = entry.level == LogEntry::Level::Error ? QStringLiteral("error") : QStringLiteral("debug");
-    if (format != OutputFormat::Json)
-        return u"log " + level + u": " + visible(entry.text) + u'\n';
-    return jsonObject({{key("type"), jsonText(key("log"))},
-                       {key("level"), jsonText(level)},
-                       {key("text"), jsonText(entry.text)}})
-           + u'\n';
-}
-
-QString timeText(const QDateTime &time)
-{
-    QString text = time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODateWithMs);
-    if (text.endsWith(u'Z')) {
-        text.chop(1);
-        text += u"+00:00";
-    }
-    return text;
 }

@@ -1,4 +1,4 @@
-#include "plan/planhost.h"
+#include "plan/redirection.h"
 
 #include <common/ipv4address.h>
 
@@ -11,14 +11,6 @@ const QString timeoutKey = QStringLiteral("timeout");
 
 } // namespace
 
-QList<DeviceInstancePlugin> PlanHost::devices()
-{
-    QList<DeviceInstancePlugin> records = Host::devices();
-    for (DeviceInstancePlugin &record : records)
-        record = redirected(record, m_port);
-    return records;
-}
-
 DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port)
 {
     device.ipAddress = QStringLiteral("127.0.0.1");
@@ -29,7 +21,7 @@ DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port)
     return device;
 }
 
-DeviceInstancePlugin judgeable(const DeviceInstancePlugin &device, quint16 port)
+DeviceInstancePlugin redirectedWhereValid(const DeviceInstancePlugin &device, quint16 port)
 {
     static const QRegularExpression digit(QStringLiteral("[0-9]"));
     DeviceInstancePlugin result = redirected(device, port);

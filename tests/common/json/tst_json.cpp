@@ -1,0 +1,53 @@
+#include <common/json/json.h>
+
+#include <QJsonArray>
+#include <QTest>
+
+class tst_Json : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void json_data();
+    void json();
+    void jsonOrder();
+};
+
+void tst_Json::json_data()
+{
+    QTest::addColumn<QJsonValue>("value");
+    QTest::addColumn<QString>("expected");
+
+    const auto row = [](const char *title, const QJsonValue &value, const char *expected) {
+        QTest::newRow(title) << value << QString::fromUtf8(expected);
+    };
+    row("empty text", QString(), R"("")");
+    row("quote and backslash", QStringLiteral("\"\\"), R"("\"\\")");
+    row("control characters", QString(QStringLiteral("\r\n\t") + QChar(0) + QChar(0x1f)),
+        R"("\r\n\t\u0000\u001f")");
+    row("brackets", QStringLiteral("[{]}"), R"("[{]}")");
+    row("beyond ASCII", QStringLiteral(u"ä値"), "\"ä値\"");
+    row("number", 1000000, "1000000");
+    row("largest version", static_cast<qint64>(4294967295), "4294967295");
+    row("flag", true, "true");
+    row("list", QJsonArray{QJsonArray{QStringLiteral("Short"), QStringLiteral("1")}},
+        R"([["Short","1"]])");
+}
+
+void tst_Json::json()
+{
+    QFETCH(QJsonValue, value);
+    QFETCH(QString, expected);
+    QCOMPARE(jsonText(value), expected);
+}
+
+void tst_Json::jsonOrder()
+{
+    const QString ordered = jsonObject({{QStringLiteral("z"), QStringLiteral("1")},
+                                        {QStringLiteral("a\""), QStringLiteral("{}")}});
+    QCOMPARE(jsonObject({}), QStringLiteral("{}"));
+    QCOMPARE(ordered, QStringLiteral("{\"z\":1,\"a\\\"\":{}}"));
+}
+
+QTEST_GUILESS_MAIN(tst_Json)
+#include "tst_json.moc"

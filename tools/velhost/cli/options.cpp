@@ -1,0 +1,70 @@
+#include "cli/options.h"
+
+namespace {
+
+constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
+constexpr int defaultIntervalMs = 1000;
+const QString onlyChangesName = QStringLiteral("only-changes");
+const QString intervalName = QStringLiteral("interval");
+
+/// What `--format` may ask for; all of it for a command that does not tell.
+QString formatHelp(const QStringList &formats)
+{
+    static const QList<QPair<QString, QString>> meanings{
+        {QStringLiteral("table"), QStringLiteral("table (default) for people")},
+        {QStringLiteral("json"), QStringLiteral("json for one JSON object a line")},
+        {QStringLiteral("csv"), QStringLiteral("csv for comma-separated values")}};
+    QStringList texts;
+    for (const auto &[format, meaning] : meanings) {
+        if (formats.isEmpty() || formats.contains(format))
+            texts.append(meaning);
+    }
+    return texts.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+QList<Option> optionsOf(const Command &command)
+{
+    QList<Option> options = command.options;
+    if (command.operands != Operands::Text) {
+        options.append(
+            {QStringLiteral("plugin"), QStringLiteral("FILE"),
+             QStringLiteral("the plug-in; without it libkeyence.so next to this program, then in "
+                            "../lib from there, then where it is installed, then in Qt's plug-in "
+                            "folders")});
+        options.append({QStringLiteral("plant"), QStringLiteral("FILE"),
+                        QStringLiteral("the plant, instead of PLANT; with discover the file to "
+                                       "write the controllers to")});
+    }
+    options.append(
+        {QStringLiteral("format"), QStringLiteral("FORMAT"), formatHelp(command.formats)});
+    return options;
+}
+
+Option intervalOption()
+{
+    return {intervalName, QStringLiteral("MS"),
+            QStringLiteral("milliseconds from the start of one cycle to the start of the next "
+                           "(default %1)")
+                .arg(defaultIntervalMs),
+            Option::Range{0, maximumIntervalMs}};
+}
+
+Option onlyChangesOption()
+{
+    return {onlyChangesName,
+            {},
+            QStringLiteral("print an item only when its value or its error has changed; watch then "
+                           "prints lines instead of a table")};
+}
+
+bool printsOnlyChanges(const Arguments &arguments)
+{
+    return arguments.has(onlyChangesName);
+}
+
+int intervalMs(const Arguments &arguments)
+{
+    return arguments.number(intervalName, defaultIntervalMs);
+}

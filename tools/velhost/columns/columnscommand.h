@@ -1,0 +1,6 @@
+#pragma once
+
+#include "cli/command.h"
+
+/// `columns` shows what the plug-in declares.
+Command columnsCommand();

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "host/host.h"
+#include "host/outputformat.h"
+#include "host/pluginfile.h"
+
+#include <QString>
+
+/// What the plug-in declares, as table or JSON: itself, then its columns (plug-in, item, device,
+/// file). Each text ends with a line feed.
+QString columnsText(OutputFormat format, const LoadedPlugin &plugin,
+                    const PluginRegistration &registration);

@@ -1,0 +1,96 @@
+#include "cycle/cycletext.h"
+
+#include <common/csv.h>
+#include <common/json/json.h>
+#include <common/table.h>
+#include <common/visibletext.h>
+
+namespace {
+
+QString key(const char *name)
+{
+    return QString::fromLatin1(name);
+}
+
+QString deviceJsonLines(const DeviceReport &device)
+{
+    QString lines;
+    if (device.hasOwnLine()) {
+        lines += jsonObject({{key("type"), jsonText(key("device"))},
+                             {key("cycle"), jsonText(device.cycle)},
+                             {key("time"), jsonText(timeText(device.time))},
+                             {key("device"), jsonText(device.device)},
+                             {key("error"), jsonText(device.error)}})
+                 + u'\n';
+    }
+    for (const ItemReport &item : device.values) {
+        QList<JsonMember> members{
+            {key("type"), jsonText(key("value"))},        {key("cycle"), jsonText(device.cycle)},
+            {key("time"), jsonText(timeText(item.time))}, {key("device"), jsonText(device.device)},
+            {key("item"), jsonText(item.item)},           {key("value"), jsonText(item.value)},
+            {key("error"), jsonText(item.error)}};
+        if (item.expected)
+            members.append({key("expected"), jsonText(*item.expected)});
+        lines += jsonObject(members) + u'\n';
+    }
+    return lines;
+}
+
+void appendDeviceRows(const DeviceReport &device, QList<QStringList> *rows)
+{
+    const QString cycle = QString::number(device.cycle);
+    const QString name = visible(device.device);
+    if (device.hasOwnLine())
+        rows->append({cycle, timeText(device.time), name, {}, {}, visible(deviceNews(device))});
+    for (const ItemReport &item : device.values)
+        rows->append({cycle, timeText(item.time), name, visible(item.item), valueText(item),
+                      visible(item.error)});
+}
+
+QString cycleTable(const QList<DeviceReport> &devices)
+{
+    QList<QStringList> rows{{QStringLiteral("Cycle"), QStringLiteral("Time"),
+                             QStringLiteral("Device"), QStringLiteral("Item"),
+                             QStringLiteral("Value"), QStringLiteral("Error")}};
+    for (const DeviceReport &device : devices)
+        appendDeviceRows(device, &rows);
+    return rows.size() > 1 ? tableText(rows) : QString();
+}
+
+QString cycleCsv(const QList<DeviceReport> &devices)
+{
+    QString records;
+    for (const DeviceReport &device : devices) {
+        const QString cycle = QString::number(device.cycle);
+        if (device.hasOwnLine())
+            records += csvRecord(
+                {cycle, timeText(device.time), device.device, {}, {}, {}, device.error});
+        for (const ItemReport &item : device.values) {
+            const QString isOld = item.isOld ? QStringLiteral("old") : QString();
+            records += csvRecord({cycle, timeText(item.time), device.device, item.item, item.value,
+                                  isOld, item.error});
+        }
+    }
+    return records;
+}
+
+} // namespace
+
+QString cycleCsvHeader()
+{
+    return csvRecord({QStringLiteral("cycle"), QStringLiteral("time"), QStringLiteral("device"),
+                      QStringLiteral("item"), QStringLiteral("value"), QStringLiteral("old"),
+                      QStringLiteral("error")});
+}
+
+QString cycleText(OutputFormat format, const QList<DeviceReport> &devices)
+{
+    if (format == OutputFormat::Table)
+        return cycleTable(devices);
+    if (format == OutputFormat::Csv)
+        return cycleCsv(devices);
+    QString lines;
+    for (const DeviceReport &device : devices)
+        lines += deviceJsonLines(device);
+    return lines;
+}

@@ -1,0 +1,42 @@
+#include "cycle/report.h"
+
+#include <common/visibletext.h>
+
+#include <algorithm>
+
+bool DeviceReport::hasError() const
+{
+    return !error.isEmpty()
+           || std::any_of(values.begin(), values.end(),
+                          [](const ItemReport &item) { return !item.error.isEmpty(); });
+}
+
+QString valueText(const ItemReport &item)
+{
+    QString text = visible(item.value);
+    if (item.isOld)
+        text += u" (old)";
+    return text;
+}
+
+QString deviceNews(const DeviceReport &device)
+{
+    return device.errorEnded ? QStringLiteral("no error any more") : device.error;
+}
+
+QString timeText(const QDateTime &time)
+{
+    QString text = time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODateWithMs);
+    if (text.endsWith(u'Z')) {
+        text.chop(1);
+        text += u"+00:00";
+    }
+    return text;
+}
+
+QString itemProblem(const ItemReport &item)
+{
+    if (item.expected)
+        return QStringLiteral("expected \"%1\"").arg(*item.expected);
+    return item.error;
+}

@@ -1,0 +1,62 @@
+#include "host/session.h"
+
+#include "plant/records.h"
+
+#include <QCoreApplication>
+
+#include <optional>
+
+namespace {
+
+/// What comes between init() and stopPlugin().
+ExitCode workInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, const Host &host,
+                         bool initDone, LogOutput *log,
+                         const std::function<ExitCode(const Session &)> &work)
+{
+    const std::optional<PluginRegistration> &registration = host.registration();
+    if (!registration) {
+        printError(
+            QStringLiteral("the plug-in %1 did not register during init()").arg(loaded.fileName));
+        return NotLoaded;
+    }
+    QList<Problem> problems;
+    const QList<DeviceInstancePlugin> devices
+        = deviceRecords(setup.plant, *registration, &problems);
+    printError(problemLines(setup.plantFile, problems));
+    if (!problems.isEmpty())
+        return WrongUsage;
+    if (!initDone) {
+        printError(
+            QStringLiteral("the plug-in %1 returned false from init()").arg(loaded.fileName));
+        return NotLoaded;
+    }
+    return work({loaded, host, *registration, devices, log});
+}
+
+} // namespace
+
+ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(const Session &)> &work)
+{
+    QStringList errors;
+    const std::optional<LoadedPlugin> loaded
+        = setup.pluginFile.isEmpty()
+              ? loadDefaultPlugin(QCoreApplication::applicationDirPath(), &errors)
+              : loadPlugin(setup.pluginFile, &errors);
+    if (!loaded) {
+        printError(errors);
+        return NotLoaded;
+    }
+    LogOutput log(setup.format);
+    const Host host(
+        setup.plant, [&log](const LogEntry &entry) { log.add(entry); }, setup.redirection);
+    const bool initDone = loaded->plugin->init();
+    ExitCode result = workInitialised(setup, *loaded, host, initDone, &log, work);
+    const bool isStopped = loaded->plugin->stopPlugin();
+    log.printOpenCount();
+    if (!isStopped) {
+        printError(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
+                       .arg(loaded->fileName));
+        result = result == AllWell ? ErrorFound : result;
+    }
+    return result;
+}
