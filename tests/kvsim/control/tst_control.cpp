@@ -10,9 +10,6 @@
 #include <QTcpServer>
 #include <QTest>
 
-using kvsim::Controller;
-using kvsim::ControlServer;
-
 // The control protocol, alone and with the built program.
 class tst_Control : public QObject
 {
@@ -51,7 +48,7 @@ public:
 
 QByteArray answer(const QByteArray &line, Controller *controller)
 {
-    return kvsim::answerControl(line, {{{"1", {}, controller}}, {}}).text;
+    return answerControl(line, {{{"1", {}, controller}}, {}}).text;
 }
 
 ProgramRun runCtl(const QStringList &arguments)
@@ -103,7 +100,7 @@ void tst_Control::lines()
     QFETCH(QByteArray, answer);
 
     Controller controller;
-    const kvsim::ControlAnswer result = kvsim::answerControl(line, {{{"1", {}, &controller}}, {}});
+    const ControlAnswer result = answerControl(line, {{{"1", {}, &controller}}, {}});
     QCOMPARE(result.text, answer);
     QCOMPARE(result.quit, line == "quit");
 }

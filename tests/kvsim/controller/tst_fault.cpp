@@ -4,8 +4,6 @@
 
 #include <QTest>
 
-using kvsim::FaultEngine;
-
 // How a fault is written.
 class tst_Fault : public QObject
 {

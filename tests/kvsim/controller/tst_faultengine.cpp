@@ -7,14 +7,6 @@
 #include <QSet>
 #include <QTest>
 
-using kvsim::Action;
-using kvsim::CommandInterpreter;
-using kvsim::Controller;
-using kvsim::FaultCount;
-using kvsim::FaultEngine;
-using kvsim::Reply;
-using kvsim::Welcome;
-
 // What the faults decide, without a socket and without a clock.
 class tst_FaultEngine : public QObject
 {
@@ -188,7 +180,7 @@ void tst_FaultEngine::memoryAfterWrite()
     Engine engine({fault});
     engine.reply("WR DM100 5");
     QCOMPARE(engine.count().applied, quint64(1));
-    QCOMPARE(kvsim::valueAt(engine.controller(), "DM100").value_or(-1), word);
+    QCOMPARE(valueAt(engine.controller(), "DM100").value_or(-1), word);
 }
 
 void tst_FaultEngine::selection_data()

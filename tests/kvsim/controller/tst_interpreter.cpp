@@ -2,8 +2,6 @@
 
 #include <QTest>
 
-using kvsim::Memory;
-
 // What the simulated controller answers, command by command and without a network.
 class tst_Interpreter : public QObject
 {
@@ -309,7 +307,7 @@ void tst_Interpreter::countOfWrites()
 void tst_Interpreter::readOnlyDevicesAreStoredTo()
 {
     Memory memory;
-    const auto address = kvsim::parseAddress("CM5");
+    const auto address = parseAddress("CM5");
     QVERIFY(address);
     memory.setValue(*address, 1234);
     QCOMPARE(ask(&memory, "RDS CM4 3"), QByteArray("00004 01234 00006\r\n"));

@@ -2,8 +2,6 @@
 
 #include <QTest>
 
-using kvsim::Memory;
-
 // What the simulated controller refuses, and that a refusal leaves the memory as it was.
 class tst_InterpreterRefusals : public QObject
 {

@@ -9,10 +9,7 @@
 
 #include <algorithm>
 
-using kvsim::Generator;
-using kvsim::Memory;
-
-Q_DECLARE_METATYPE(kvsim::Generator)
+Q_DECLARE_METATYPE(Generator)
 
 // What generators say at a given time, and what memory makes of it.
 class tst_Generator : public QObject
@@ -36,9 +33,9 @@ constexpr int hour = 3600000;
 
 using Samples = QVector<QPair<qint64, qint64>>;
 
-kvsim::Address address(const char *text)
+Address address(const char *text)
 {
-    return *kvsim::parseAddress(text);
+    return *parseAddress(text);
 }
 
 } // namespace
@@ -58,23 +55,23 @@ void tst_Generator::values_data()
         }
         QTest::newRow(name) << generator << times << values;
     };
-    row("ramp up", kvsim::ramp(0, 9, 1000),
+    row("ramp up", ramp(0, 9, 1000),
         {{0, 0}, {99, 0}, {100, 1}, {899, 8}, {900, 9}, {999, 9}, {1000, 0}, {hour + 550, 5}});
-    row("ramp down", kvsim::ramp(5, -4, 1000), {{0, 5}, {100, 4}, {500, 0}, {999, -4}, {1000, 5}});
-    row("ramp of one value", kvsim::ramp(7, 7, 1), {{0, 7}, {1, 7}, {hour, 7}});
-    row("ramp faster than time", kvsim::ramp(0, 65535, 2), {{0, 0}, {1, 32768}, {2, 0}});
-    row("sine", kvsim::sine(100, 50, 1200),
+    row("ramp down", ramp(5, -4, 1000), {{0, 5}, {100, 4}, {500, 0}, {999, -4}, {1000, 5}});
+    row("ramp of one value", ramp(7, 7, 1), {{0, 7}, {1, 7}, {hour, 7}});
+    row("ramp faster than time", ramp(0, 65535, 2), {{0, 0}, {1, 32768}, {2, 0}});
+    row("sine", sine(100, 50, 1200),
         {{0, 100}, {100, 125}, {300, 150}, {600, 100}, {900, 50}, {1200, 100}, {hour + 300, 150}});
-    row("sine of a flat line", kvsim::sine(100, 0, 7), {{0, 100}, {3, 100}});
-    row("square", kvsim::square(2, 8, 1000), {{0, 8}, {499, 8}, {500, 2}, {999, 2}, {1000, 8}});
-    row("square of an odd period", kvsim::square(0, 1, 3), {{0, 1}, {1, 1}, {2, 0}, {3, 1}});
-    row("steps", kvsim::replay(kvsim::evenly({5, 9, 7}, 100, false)),
+    row("sine of a flat line", sine(100, 0, 7), {{0, 100}, {3, 100}});
+    row("square", square(2, 8, 1000), {{0, 8}, {499, 8}, {500, 2}, {999, 2}, {1000, 8}});
+    row("square of an odd period", square(0, 1, 3), {{0, 1}, {1, 1}, {2, 0}, {3, 1}});
+    row("steps", replay(evenly({5, 9, 7}, 100, false)),
         {{0, 5}, {99, 5}, {100, 9}, {200, 7}, {299, 7}, {300, 5}, {hour + 100, 9}});
-    row("steps once", kvsim::replay(kvsim::evenly({5, 9, 7}, 100, true)),
+    row("steps once", replay(evenly({5, 9, 7}, 100, true)),
         {{0, 5}, {199, 9}, {200, 7}, {300, 7}, {hour, 7}});
-    row("times", kvsim::replay({{100, 250, 400}, {1, 2, 3}, 0}),
+    row("times", replay({{100, 250, 400}, {1, 2, 3}, 0}),
         {{0, 1}, {100, 1}, {249, 1}, {250, 2}, {400, 3}, {hour, 3}});
-    row("times again", kvsim::replay({{100, 250, 400}, {1, 2, 3}, 550}),
+    row("times again", replay({{100, 250, 400}, {1, 2, 3}, 550}),
         {{0, 1}, {549, 3}, {550, 1}, {799, 1}, {800, 2}});
 }
 
@@ -92,9 +89,9 @@ void tst_Generator::values()
 
 void tst_Generator::randomNumbersAreSpread()
 {
-    const Generator seed1 = kvsim::randomNumbers(-3, 6, 100, 1);
-    const Generator again = kvsim::randomNumbers(-3, 6, 100, 1);
-    const Generator seed2 = kvsim::randomNumbers(-3, 6, 100, 2);
+    const Generator seed1 = randomNumbers(-3, 6, 100, 1);
+    const Generator again = randomNumbers(-3, 6, 100, 1);
+    const Generator seed2 = randomNumbers(-3, 6, 100, 2);
     QVector<int> counts(10);
     int same = 0;
     for (qint64 time = 0; time < 1000000; time += 100) {
@@ -140,7 +137,7 @@ void tst_Generator::limits()
     QFETCH(QByteArray, answer);
 
     Memory memory;
-    memory.generate(*kvsim::parseAddress(where), [number](qint64) { return number; });
+    memory.generate(*parseAddress(where), [number](qint64) { return number; });
     QCOMPARE(ask(&memory, "RD " + where), answer);
 }
 
@@ -158,15 +155,15 @@ void tst_Generator::oneMomentForARange()
 
 void tst_Generator::writesAreLost()
 {
-    kvsim::Controller controller;
+    Controller controller;
     controller.memory.generate(address("DM7"), [](qint64) { return 70; });
     QCOMPARE(ask(&controller.memory, "WRS DM6 3 1 2 3"), QByteArray("OK\r\n"));
     QCOMPARE(ask(&controller.memory, "RDS DM6 3"), QByteArray("00001 00070 00003\r\n"));
     QCOMPARE(controller.memory.stored().size(), 2);
-    QCOMPARE(kvsim::storeText(&controller, "D7", "5"),
+    QCOMPARE(storeText(&controller, "D7", "5"),
              text("a generator makes the value of 'D7'; choose another address"));
-    QCOMPARE(kvsim::store(&controller, "DM7", 5), false);
-    QCOMPARE(kvsim::valueAt(controller, "DM7"), std::make_optional(70));
+    QCOMPARE(store(&controller, "DM7", 5), false);
+    QCOMPARE(valueAt(controller, "DM7"), std::make_optional(70));
 }
 
 // The clock of memory itself begins with it.

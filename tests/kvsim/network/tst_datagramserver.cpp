@@ -12,9 +12,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-using kvsim::DatagramServer;
-using kvsim::SimulatorThread;
-
 // The simulated controller over UDP, beside TCP on the same port.
 class tst_DatagramServer : public QObject
 {
@@ -112,8 +109,8 @@ void tst_DatagramServer::tcpBesideUdp()
 // Datagrams that wait in the system are answered one after the other.
 void tst_DatagramServer::manyDatagrams()
 {
-    kvsim::Controller controller;
-    kvsim::Server server(&controller);
+    Controller controller;
+    Server server(&controller);
     QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
     UdpClient client(server.port());
     for (int i = 0; i < 50; ++i)
@@ -315,8 +312,8 @@ void tst_DatagramServer::portTakenForUdpAlone()
 void tst_DatagramServer::answersFromItsOwnAddress()
 {
     const QHostAddress address(text("127.0.0.78"));
-    kvsim::Controller controller;
-    kvsim::Server server(&controller);
+    Controller controller;
+    Server server(&controller);
     QVERIFY2(server.listen(address, 0), qPrintable(server.errorString()));
     QUdpSocket client;
     QVERIFY(client.bind(QHostAddress(QHostAddress::LocalHost)));

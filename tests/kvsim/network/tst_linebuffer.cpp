@@ -2,9 +2,6 @@
 
 #include <QTest>
 
-using kvsim::Line;
-using kvsim::LineBuffer;
-
 // How the simulated controller cuts what it receives into lines.
 class tst_LineBuffer : public QObject
 {

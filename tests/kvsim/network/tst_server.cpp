@@ -13,12 +13,6 @@
 
 #include <sys/socket.h>
 
-using kvsim::Connection;
-using kvsim::Controller;
-using kvsim::LineBuffer;
-using kvsim::Server;
-using kvsim::SimulatorThread;
-
 // The simulated controller over TCP, and in a thread of its own.
 class tst_Server : public QObject
 {

@@ -12,9 +12,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-using kvsim::FaultCount;
-using kvsim::SimulatorThread;
-
 // Every fault as a client meets it, over a real connection.
 class tst_ServerFaults : public QObject
 {

@@ -36,7 +36,7 @@ void tst_Trace::escapes()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, text);
-    QCOMPARE(kvsim::escaped(bytes), text);
+    QCOMPARE(escaped(bytes), text);
 }
 
 void tst_Trace::endpoints_data()
@@ -54,7 +54,7 @@ void tst_Trace::endpoints()
     QFETCH(QString, address);
     QFETCH(int, port);
     QFETCH(QByteArray, text);
-    QCOMPARE(kvsim::endpointText(QHostAddress(address), static_cast<quint16>(port)), text);
+    QCOMPARE(endpointText(QHostAddress(address), static_cast<quint16>(port)), text);
 }
 
 void tst_Trace::trace()
@@ -63,7 +63,7 @@ void tst_Trace::trace()
     const QByteArray expected(R"(2024-05-01T08:02:03.045 127.0.0.1:40000 > RD DM1\r
 2024-05-01T08:02:03.045 127.0.0.1:40000 < 00001\r\n
 )");
-    QCOMPARE(kvsim::traceText(time, "127.0.0.1:40000", "RD DM1\r", "00001\r\n", {}), expected);
+    QCOMPARE(traceText(time, "127.0.0.1:40000", "RD DM1\r", "00001\r\n", {}), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_Trace)

@@ -3,14 +3,14 @@
 #include <controller/interpreter.h>
 
 /// What the simulated controller answers with this memory, without a network.
-inline QByteArray ask(kvsim::Memory *memory, const QByteArray &command)
+inline QByteArray ask(Memory *memory, const QByteArray &command)
 {
-    return kvsim::CommandInterpreter(memory).answer(command);
+    return CommandInterpreter(memory).answer(command);
 }
 
 /// The same with fresh memory.
 inline QByteArray askFresh(const QByteArray &command)
 {
-    kvsim::Memory memory;
+    Memory memory;
     return ask(&memory, command);
 }

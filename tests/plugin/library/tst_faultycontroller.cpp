@@ -9,8 +9,6 @@
 #include <QPluginLoader>
 #include <QTest>
 
-using kvsim::SimulatorThread;
-
 // What the built plug-in makes of every fault.
 class tst_FaultyController : public QObject
 {
@@ -153,8 +151,8 @@ void tst_FaultyController::turnedAway()
     QFETCH(QByteArray, fault);
     QFETCH(QString, error);
 
-    kvsim::Controller controller;
-    kvsim::Server server(&controller);
+    Controller controller;
+    Server server(&controller);
     QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
     QCOMPARE(controller.faults.add(fault), QString());
     Plant plant(server.port());

@@ -76,7 +76,7 @@ void tst_Discover::tcpAnswers()
 
 void tst_Discover::answerInPieces()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.isListening());
     QCOMPARE(controller.addFault("dribble=20"), QString());
     const ProgramRun run = discover(m_nobody.udp(), QString::number(controller.port()));
@@ -101,10 +101,10 @@ void tst_Discover::tcpAndUdp()
 // Sorted by number, not by text.
 void tst_Discover::severalControllers()
 {
-    const kvsim::SimulatorThread tenth(QHostAddress(text("127.0.0.10")));
-    const kvsim::SimulatorThread second(QHostAddress(text("127.0.0.2")), tenth.port());
-    const kvsim::SimulatorThread third(QHostAddress(text("127.0.0.3")));
-    const kvsim::SimulatorThread beyond(QHostAddress(text("127.0.0.15")), tenth.port());
+    const SimulatorThread tenth(QHostAddress(text("127.0.0.10")));
+    const SimulatorThread second(QHostAddress(text("127.0.0.2")), tenth.port());
+    const SimulatorThread third(QHostAddress(text("127.0.0.3")));
+    const SimulatorThread beyond(QHostAddress(text("127.0.0.15")), tenth.port());
     QVERIFY(tenth.isListening() && second.isListening() && third.isListening()
             && beyond.isListening());
     const ProgramRun run

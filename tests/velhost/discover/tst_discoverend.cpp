@@ -106,7 +106,7 @@ void tst_DiscoverEnd::time()
 // Connected, but no answer: the probe ends after its own time, not with the search.
 void tst_DiscoverEnd::silentController()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.isListening());
     QCOMPARE(controller.addFault("silent"), QString());
     const ProgramRun run

@@ -96,8 +96,8 @@ ProgramRun tst_DiscoverPlant::onPlant(const QStringList &arguments)
 
 void tst_DiscoverPlant::writesAndReads()
 {
-    kvsim::SimulatorThread first;
-    kvsim::SimulatorThread second(QHostAddress(text("127.0.0.2")));
+    SimulatorThread first;
+    SimulatorThread second(QHostAddress(text("127.0.0.2")));
     QVERIFY(first.isListening() && second.isListening());
     QVERIFY(first.setWord("DM201", 11));
     QVERIFY(second.setWord("DM201", 22));
@@ -155,7 +155,7 @@ void tst_DiscoverPlant::nothingFound()
 
 void tst_DiscoverPlant::isThereAlready()
 {
-    const kvsim::SimulatorThread controller;
+    const SimulatorThread controller;
     QVERIFY(controller.isListening());
     QVERIFY(store(plant(), "mine"));
     const ProgramRun run = discover(QString::number(controller.port()), {});
@@ -169,7 +169,7 @@ void tst_DiscoverPlant::isThereAlready()
 
 void tst_DiscoverPlant::replaces()
 {
-    const kvsim::SimulatorThread controller;
+    const SimulatorThread controller;
     QVERIFY(controller.isListening());
     QVERIFY(store(plant(), "mine"));
     const ProgramRun run = discover(QString::number(controller.port()), {text("--force")});
@@ -181,7 +181,7 @@ void tst_DiscoverPlant::replaces()
 // What was found is printed all the same.
 void tst_DiscoverPlant::cannotBeWritten()
 {
-    const kvsim::SimulatorThread controller;
+    const SimulatorThread controller;
     QVERIFY(controller.isListening());
     const QString file = m_folder->filePath(text("none/plant.json"));
     const QString port = QString::number(controller.port());

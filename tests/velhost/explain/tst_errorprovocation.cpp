@@ -26,8 +26,6 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-using kvsim::SimulatorThread;
-
 Q_DECLARE_METATYPE(QJsonObject)
 
 namespace {
@@ -270,9 +268,9 @@ void tst_ErrorProvocation::provoke()
     // A command that the plug-in did not wait for may still be on its way.
     const auto commands = static_cast<quint64>(provocation.value(text("commands")).toInt());
     QVERIFY(QTest::qWaitFor([&] { return simulator.counters().commands == commands; }));
-    const QVector<kvsim::FaultCount> counts = simulator.faultCounts();
+    const QVector<FaultCount> counts = simulator.faultCounts();
     QCOMPARE(counts.size(), faults.size());
-    for (const kvsim::FaultCount &count : counts)
+    for (const FaultCount &count : counts)
         QCOMPARE(count.applied, quint64(1));
 
     QCOMPARE(explainedAs(log.constLast()), QStringList{id});

@@ -73,7 +73,7 @@ void tst_RealPlugin::declaresItself()
 
 void tst_RealPlugin::reads()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
     QVERIFY(controller.setWord("R015", 1));
     QVERIFY(controller.setWord("DM201", 11));
@@ -101,7 +101,7 @@ void tst_RealPlugin::reads()
 
 void tst_RealPlugin::writes()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
     QVERIFY(controller.setWord("DM400", 0xbee7));
     const ProgramRun result = run({text("write"), text("--no-verify"), text("Press/Counter=1234"),
@@ -130,7 +130,7 @@ void tst_RealPlugin::writes()
 
 void tst_RealPlugin::failedWrite()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
     QVERIFY(controller.setWord("D201", 7));
     const ProgramRun result = run(
@@ -154,7 +154,7 @@ void tst_RealPlugin::notConnected()
 {
     int port = 0;
     {
-        const kvsim::SimulatorThread controller;
+        const SimulatorThread controller;
         QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
         port = controller.port();
     }

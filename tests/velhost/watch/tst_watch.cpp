@@ -83,7 +83,7 @@ private Q_SLOTS:
 // Long before the second cycle, but not before the time is over.
 void tst_Watch::endsByItself()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
     QElapsedTimer sinceStart;
     sinceStart.start();
@@ -102,7 +102,7 @@ void tst_Watch::endsByItself()
 // A line for each change and none between; the value changes as soon as the line before is there.
 void tst_Watch::printsChanges()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 0));
     QTemporaryDir folder;
     QFile file(folder.filePath(text("plant.json")));
@@ -137,7 +137,7 @@ void tst_Watch::printsChanges()
 
 void tst_Watch::countsErrors()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QCOMPARE(controller.addFault("refuse=E1@DM1@every=2"), QString());
     const ProgramRun result
         = run("watch plant.json --for 1 --interval 20",
@@ -183,7 +183,7 @@ void tst_Watch::expected()
     QFETCH(int, wrong);
     QFETCH(int, exitCode);
 
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
     QList<QByteArray> items;
     for (const QByteArray &rest : rests)
@@ -199,7 +199,7 @@ void tst_Watch::expected()
 // What cannot be read is no wrong value.
 void tst_Watch::json()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
     const ProgramRun result
         = run("watch plant.json --for 1 --interval 1000 --format json",
@@ -230,7 +230,7 @@ void tst_Watch::json()
 
 void tst_Watch::csv()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
     const ProgramRun result
         = run("watch plant.json --for 1 --interval 300 --format csv --only-changes",
@@ -243,7 +243,7 @@ void tst_Watch::csv()
 
 void tst_Watch::readsAreCollapsed()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     const ProgramRun twoEntries
         = run("read plant.json --cycles 2 --interval 0",
               plantAt(controller.port(), {item("A", "DM70000"), item("B", "DM70001")}));
@@ -259,7 +259,7 @@ void tst_Watch::readsAreCollapsed()
 
 void tst_Watch::jsonKeepsAllEntries()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     const ProgramRun result = run("read plant.json --cycles 3 --interval 0 --format json",
                                   plantAt(controller.port(), {item("A", "DM70000")}));
     QCOMPARE(result.output.count(text("\"type\":\"log\"")), 3);
@@ -271,7 +271,7 @@ void tst_Watch::lostConnection()
 {
     int port = 0;
     {
-        const kvsim::SimulatorThread controller;
+        const SimulatorThread controller;
         port = controller.port();
     }
     const ProgramRun result

@@ -49,7 +49,7 @@ class tst_WatchTerminal : public QObject
     Q_OBJECT
 
     /// The arguments that watch these items, each NAME=ADDRESS, of the controller.
-    QStringList arguments(const kvsim::SimulatorThread &controller, const QStringList &items,
+    QStringList arguments(const SimulatorThread &controller, const QStringList &items,
                           const char *interval = "20");
 
     QTemporaryDir m_folder;
@@ -71,7 +71,7 @@ private Q_SLOTS:
     void lines();
 };
 
-QStringList tst_WatchTerminal::arguments(const kvsim::SimulatorThread &controller,
+QStringList tst_WatchTerminal::arguments(const SimulatorThread &controller,
                                          const QStringList &items, const char *interval)
 {
     QStringList texts;
@@ -93,7 +93,7 @@ QStringList tst_WatchTerminal::arguments(const kvsim::SimulatorThread &controlle
 
 void tst_WatchTerminal::redraws()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 5));
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}), 24, 100,
                       terminalEnvironment());
@@ -139,7 +139,7 @@ void tst_WatchTerminal::colour()
     QFETCH(QByteArray, changed);
     QFETCH(bool, isColoured);
 
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 5));
     QProcessEnvironment environment = terminalEnvironment();
     environment.insert(text("NO_COLOR"), QString::fromLatin1(noColor));
@@ -156,7 +156,7 @@ void tst_WatchTerminal::colour()
 
 void tst_WatchTerminal::wrongValue()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 7));
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}), 24, 100,
                       terminalEnvironment());
@@ -166,7 +166,7 @@ void tst_WatchTerminal::wrongValue()
 
 void tst_WatchTerminal::smallWindow()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 12345));
     QProcessEnvironment environment = terminalEnvironment();
     environment.insert(text("NO_COLOR"), text("1"));
@@ -187,7 +187,7 @@ void tst_WatchTerminal::smallWindow()
 
 void tst_WatchTerminal::windowChanges()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("A=DM1"), text("B=DM2")}), 5,
                       100, terminalEnvironment());
     QVERIFY(watch.waitFor("Press   B "));
@@ -200,7 +200,7 @@ void tst_WatchTerminal::windowChanges()
 // Long before the next cycle.
 void tst_WatchTerminal::ages()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 5));
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}, "86400000"),
                       24, 100, terminalEnvironment());
@@ -212,7 +212,7 @@ void tst_WatchTerminal::ages()
 // end it is printed once.
 void tst_WatchTerminal::logBelow()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("A=DM70000")}), 24, 100,
                       terminalEnvironment());
     const QByteArray entry = "log error: [RD DM70000\\r] <A> :invalid address";
@@ -266,7 +266,7 @@ void tst_WatchTerminal::ends()
     QFETCH(int, exitCode);
     QFETCH(bool, hasSummary);
 
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 5));
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}), 24, 100,
                       terminalEnvironment());
@@ -288,7 +288,7 @@ void tst_WatchTerminal::ends()
 // A stop gives it back, too; who goes on takes it again.
 void tst_WatchTerminal::stoppedAndContinued()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     const QStringList words = arguments(controller, {text("Counter=DM1")});
     // A shell with job control, without which nothing could be stopped.
     TerminalRun shell(text("/bin/bash"),
@@ -326,7 +326,7 @@ void tst_WatchTerminal::lines()
     QFETCH(QByteArray, term);
     QFETCH(QByteArray, option);
 
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QProcessEnvironment environment = terminalEnvironment();
     environment.insert(text("TERM"), QString::fromLatin1(term));
     TerminalRun watch(text(VELHOST_FILE),

@@ -200,7 +200,7 @@ void tst_Write::table()
 
 void tst_Write::realController()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
     QVERIFY(controller.setWord("D230", 0x4241));
     QVERIFY(controller.setWord("D231", 0x0043));
@@ -229,7 +229,7 @@ void tst_Write::realController()
 // Each failure is its own item's, and the items after it are written.
 void tst_Write::realFailures()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
     const ProgramRun run = runWithPlant(
         program,
@@ -255,7 +255,7 @@ void tst_Write::realFailures()
 
 void tst_Write::twiceTheSameItem()
 {
-    kvsim::SimulatorThread controller;
+    SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
     const ProgramRun run = runWithPlant(
         program,

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <array>
 
-namespace kvsim {
-
 namespace {
 
 using Fields = QList<QByteArray>;
@@ -151,5 +149,3 @@ ControlAnswer answerControl(const QByteArray &line, const ControlTarget &target)
         return {okOr(unknownController(name, target.controllers))};
     return answerFields(fields, {one, target.dump});
 }
-
-} // namespace kvsim

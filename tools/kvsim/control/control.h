@@ -4,8 +4,6 @@
 
 #include <functional>
 
-namespace kvsim {
-
 /// What a control command comes to.
 struct ControlAnswer
 {
@@ -31,5 +29,3 @@ struct ControlTarget
 /// controllers, or with "@NAME " before it for that one. A line that is wrong changes nothing and
 /// is answered "error" and what is wrong.
 ControlAnswer answerControl(const QByteArray &line, const ControlTarget &target);
-
-} // namespace kvsim

@@ -3,8 +3,6 @@
 #include <QHostAddress>
 #include <QTcpSocket>
 
-namespace kvsim {
-
 namespace {
 
 // While more waits for the client to read it, its further commands are left unread.
@@ -53,5 +51,3 @@ void ControlServer::serve(QTcpSocket *socket)
     // At once: QTcpSocket throws away what still waits when the client closes its sending side.
     socket->flush();
 }
-
-} // namespace kvsim

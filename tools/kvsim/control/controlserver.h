@@ -4,8 +4,6 @@
 
 #include <QTcpServer>
 
-namespace kvsim {
-
 /// Lets programs on the same machine look into controllers and change them, see answerControl().
 class ControlServer : public QObject
 {
@@ -37,5 +35,3 @@ private:
     ControlTarget m_target;
     QTcpServer m_listener;
 };
-
-} // namespace kvsim

@@ -8,8 +8,6 @@
 #include <QHostAddress>
 #include <QTcpSocket>
 
-namespace kvsim {
-
 namespace {
 
 constexpr int timeout = 5000; // milliseconds
@@ -89,5 +87,3 @@ int runCtl(const QStringList &arguments)
         return failUsage(QStringLiteral("No command."));
     return askSimulator(static_cast<quint16>(*port), command);
 }
-
-} // namespace kvsim

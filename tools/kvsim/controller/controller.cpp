@@ -2,8 +2,6 @@
 
 #include "memory/number.h"
 
-namespace kvsim {
-
 namespace {
 
 bool isRefusal(const QByteArray &bytes)
@@ -97,5 +95,3 @@ QString storeText(Controller *controller, const QByteArray &address, const QByte
         store(controller, address, value.toInt());
     return error;
 }
-
-} // namespace kvsim

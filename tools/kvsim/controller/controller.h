@@ -6,8 +6,6 @@
 
 #include <atomic>
 
-namespace kvsim {
-
 /// What all clients together have done so far. Safe to use from several threads.
 struct Counters
 {
@@ -71,5 +69,3 @@ QString storeRefusal(const Controller &controller, const QByteArray &address,
 /// Stores what two texts say, for example "DM100" and "5". Returns an empty text, or what is wrong:
 /// then nothing is stored.
 QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value);
-
-} // namespace kvsim

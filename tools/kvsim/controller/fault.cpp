@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <array>
 
-namespace kvsim {
-
 namespace {
 
 constexpr quint32 longestTime = 600000; // ten minutes
@@ -242,5 +240,3 @@ ParsedFault parseFault(const QByteArray &text)
         return {std::nullopt, error};
     return {fault, {}};
 }
-
-} // namespace kvsim

@@ -7,8 +7,6 @@
 
 #include <optional>
 
-namespace kvsim {
-
 /// What goes wrong.
 enum class FaultKind {
     Delay,
@@ -83,5 +81,3 @@ struct ParsedFault
 
 /// Reads KIND[=ARGUMENTS][@SELECTOR...], for example "split=3,20@DM100@nth=2".
 ParsedFault parseFault(const QByteArray &text);
-
-} // namespace kvsim

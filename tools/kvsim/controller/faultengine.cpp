@@ -6,8 +6,6 @@
 
 #include <QMutexLocker>
 
-namespace kvsim {
-
 namespace {
 
 // The words or bits that a command names, whether they all exist or not.
@@ -134,5 +132,3 @@ Welcome FaultEngine::welcome(int connected)
     }
     return welcome;
 }
-
-} // namespace kvsim

@@ -6,8 +6,6 @@
 #include <QRandomGenerator>
 #include <QVector>
 
-namespace kvsim {
-
 class CommandInterpreter;
 struct Line;
 
@@ -67,5 +65,3 @@ private:
     mutable QMutex m_mutex;
     QVector<Entry> m_entries;
 };
-
-} // namespace kvsim

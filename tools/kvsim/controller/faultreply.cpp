@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <array>
 
-namespace kvsim {
-
 namespace {
 
 const QByteArray lineEnd = QByteArrayLiteral("\r\n");
@@ -213,5 +211,3 @@ Reply faultyReply(const Fault &fault, const QByteArray &answer, const QByteArray
     reply.fault = fault.text;
     return reply;
 }
-
-} // namespace kvsim

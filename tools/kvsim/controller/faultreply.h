@@ -6,8 +6,6 @@
 
 class QRandomGenerator;
 
-namespace kvsim {
-
 /// One step of what a client gets to see.
 struct Action
 {
@@ -44,5 +42,3 @@ bool executesCommand(const Fault &fault);
 /// same client's command before it. All chance comes from `random`.
 Reply faultyReply(const Fault &fault, const QByteArray &answer, const QByteArray &previous,
                   QRandomGenerator *random);
-
-} // namespace kvsim

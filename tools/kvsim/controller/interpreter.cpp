@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <array>
 
-namespace kvsim {
-
 namespace {
 
 constexpr const char *noSuchDevice = "E0";
@@ -186,5 +184,3 @@ QByteArray CommandInterpreter::write(const QByteArray &start, const QList<QByteA
         m_memory->setValue({device, index++}, value);
     return "OK";
 }
-
-} // namespace kvsim

@@ -6,8 +6,6 @@
 #include <QByteArray>
 #include <QList>
 
-namespace kvsim {
-
 /// The most words or bits that one RDS or WRS moves.
 constexpr quint32 maximumCount = 1000;
 
@@ -37,5 +35,3 @@ private:
     Memory *m_memory;
     Profile m_profile;
 };
-
-} // namespace kvsim

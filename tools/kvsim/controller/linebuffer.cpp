@@ -1,7 +1,5 @@
 #include "controller/linebuffer.h"
 
-namespace kvsim {
-
 void LineBuffer::append(const QByteArray &bytes)
 {
     m_bytes += QByteArray(bytes).replace("\n", "");
@@ -32,5 +30,3 @@ void LineBuffer::dropRestOfLine()
     m_dropping = end < 0;
     m_bytes.remove(0, m_dropping ? m_bytes.size() : end + 1);
 }
-
-} // namespace kvsim

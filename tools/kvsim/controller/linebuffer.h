@@ -4,8 +4,6 @@
 
 #include <optional>
 
-namespace kvsim {
-
 /// One command line as it came in.
 struct Line
 {
@@ -38,5 +36,3 @@ private:
     QByteArray m_bytes;
     bool m_dropping = false;
 };
-
-} // namespace kvsim

@@ -4,8 +4,6 @@
 
 #include <QVector>
 
-namespace kvsim {
-
 /// What makes a controller differ from the one of the device table.
 struct Profile
 {
@@ -16,5 +14,3 @@ struct Profile
     /// As if they did not exist.
     QVector<Range> missing;
 };
-
-} // namespace kvsim

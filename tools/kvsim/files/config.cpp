@@ -9,8 +9,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-namespace kvsim {
-
 namespace {
 
 const QString configurationFile = QStringLiteral("configuration");
@@ -228,5 +226,3 @@ QList<Setup> readConfig(const QString &fileName, const Place &place, QStringList
     errors->append(problemLines(fileName, problems));
     return problems.isEmpty() ? setups : QList<Setup>();
 }
-
-} // namespace kvsim

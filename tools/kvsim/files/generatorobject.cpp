@@ -8,8 +8,6 @@
 #include <array>
 #include <limits>
 
-namespace kvsim {
-
 namespace {
 
 constexpr qint64 longestPeriod = 86400000; // a day
@@ -191,5 +189,3 @@ std::optional<Generator> readGenerator(const QJsonValue &value, DeviceKind kind,
     const Generator generator = known->read(GeneratorFields(object, kind, folder, place, errors));
     return errors->size() > before ? std::nullopt : std::make_optional(generator);
 }
-
-} // namespace kvsim

@@ -6,8 +6,6 @@
 
 #include <QSaveFile>
 
-namespace kvsim {
-
 namespace {
 
 const QString fileOfMemory = QStringLiteral("file of memory");
@@ -15,8 +13,8 @@ const QString controllersKey = QStringLiteral("controllers");
 const QString nameKey = QStringLiteral("name");
 const QString memoryKey = QStringLiteral("memory");
 
-QVector<Cell> readController(const QJsonValue &value, const NamedController &controller,
-                             const QString &place, QList<Problem> *errors)
+QVector<StoredValue> readController(const QJsonValue &value, const NamedController &controller,
+                                    const QString &place, QList<Problem> *errors)
 {
     const QJsonObject object = readObject(value, place, errors);
     if (!value.isObject())
@@ -33,8 +31,8 @@ QVector<Cell> readController(const QJsonValue &value, const NamedController &con
                       controller.controller->memory, errors);
 }
 
-QList<QVector<Cell>> readControllers(const QJsonValue &root, const NamedControllers &controllers,
-                                     QList<Problem> *errors)
+QList<QVector<StoredValue>>
+readControllers(const QJsonValue &root, const NamedControllers &controllers, QList<Problem> *errors)
 {
     const QJsonObject object = readObject(root, {}, errors);
     if (!root.isObject())
@@ -49,7 +47,7 @@ QList<QVector<Cell>> readControllers(const QJsonValue &root, const NamedControll
                  errors);
         return {};
     }
-    QList<QVector<Cell>> memories;
+    QList<QVector<StoredValue>> memories;
     for (int i = 0; i < list.size(); ++i)
         memories.append(
             readController(list.at(i), controllers.at(i), element(controllersKey, i), errors));
@@ -70,13 +68,13 @@ QStringList loadMemory(const QString &fileName, const NamedControllers &controll
     QList<Problem> problems;
     const std::optional<QByteArray> json = readJsonBytes(fileName, fileOfMemory, &problems);
     const std::optional<QJsonValue> root = json ? parseJson(*json, &problems) : std::nullopt;
-    QList<QVector<Cell>> memories;
+    QList<QVector<StoredValue>> memories;
     if (root)
         memories = readControllers(*root, controllers, &problems);
     if (!problems.isEmpty())
         return problemLines(fileName, problems);
     for (int i = 0; i < memories.size(); ++i) {
-        for (const Cell &cell : memories.at(i))
+        for (const StoredValue &cell : memories.at(i))
             controllers.at(i).controller->memory.setValue(cell.address, cell.value);
     }
     return {};
@@ -94,5 +92,3 @@ QString saveMemory(const QString &fileName, const NamedControllers &controllers)
     return written ? QString()
                    : fileName + QLatin1String(": cannot be written: ") + file.errorString();
 }
-
-} // namespace kvsim

@@ -2,8 +2,6 @@
 
 #include "controller/controller.h"
 
-namespace kvsim {
-
 /// Stores in the controllers what a file of saveMemory() holds. Returns what is wrong with it, a
 /// line for each fault that begins with the file's name and the place in it: then nothing is
 /// stored.
@@ -12,5 +10,3 @@ QStringList loadMemory(const QString &fileName, const NamedControllers &controll
 /// Writes what was stored in the controllers to a file, all or nothing: {"controllers": [{"name":
 /// "1", "memory": {"DM100": 5}}]}. Returns an empty text, or why it could not.
 QString saveMemory(const QString &fileName, const NamedControllers &controllers);
-
-} // namespace kvsim

@@ -2,8 +2,6 @@
 
 #include <QSet>
 
-namespace kvsim {
-
 namespace {
 
 // So many values in a line of text.
@@ -51,7 +49,7 @@ public:
                  element(place, i));
     }
 
-    QVector<Cell> cells;
+    QVector<StoredValue> cells;
 
 private:
     const Memory &m_taken;
@@ -59,7 +57,7 @@ private:
     QSet<QPair<const Device *, quint32>> m_seen;
 };
 
-QByteArray runText(const QVector<Cell> &cells, int first, int count)
+QByteArray runText(const QVector<StoredValue> &cells, int first, int count)
 {
     QList<QByteArray> values;
     for (int i = first; i < first + count; ++i)
@@ -70,7 +68,7 @@ QByteArray runText(const QVector<Cell> &cells, int first, int count)
 }
 
 // How many cells from there on follow each other without a gap.
-int runLength(const QVector<Cell> &cells, int first)
+int runLength(const QVector<StoredValue> &cells, int first)
 {
     const Address start = cells.at(first).address;
     int count = 1;
@@ -95,8 +93,8 @@ std::optional<Address> readAddress(const QString &text, const QString &place,
     return address;
 }
 
-QVector<Cell> readMemory(const QJsonValue &value, const QString &place, const Memory &taken,
-                         QList<Problem> *errors)
+QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place, const Memory &taken,
+                                QList<Problem> *errors)
 {
     if (value.isUndefined())
         return {};
@@ -115,7 +113,7 @@ QVector<Cell> readMemory(const QJsonValue &value, const QString &place, const Me
     return reader.cells;
 }
 
-QByteArray memoryText(const QVector<Cell> &cells, const QByteArray &indent)
+QByteArray memoryText(const QVector<StoredValue> &cells, const QByteArray &indent)
 {
     QList<QByteArray> lines;
     for (int i = 0; i < cells.size();) {
@@ -125,5 +123,3 @@ QByteArray memoryText(const QVector<Cell> &cells, const QByteArray &indent)
     }
     return lines.join(",\n");
 }
-
-} // namespace kvsim

@@ -4,18 +4,14 @@
 
 #include <common/json/jsonplace.h>
 
-namespace kvsim {
-
 /// The address that a text of a file names; nothing when there is none.
 std::optional<Address> readAddress(const QString &text, const QString &place,
                                    QList<Problem> *errors);
 
 /// Reads {"DM100": 5, "DM200": [1, 2, 3]}: values, or runs of values, with the address of the
 /// first. What `taken` has is not to be stored to; neither is an address twice.
-QVector<Cell> readMemory(const QJsonValue &value, const QString &place, const Memory &taken,
-                         QList<Problem> *errors);
+QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place, const Memory &taken,
+                                QList<Problem> *errors);
 
 /// As readMemory() reads it, without the braces: an entry a line, each indented by `indent`.
-QByteArray memoryText(const QVector<Cell> &cells, const QByteArray &indent);
-
-} // namespace kvsim
+QByteArray memoryText(const QVector<StoredValue> &cells, const QByteArray &indent);

@@ -4,8 +4,6 @@
 
 #include <optional>
 
-namespace kvsim {
-
 namespace {
 
 constexpr qint64 maximumFileSize = 16LL * 1024 * 1024;
@@ -100,5 +98,3 @@ ValuesFile readValuesFile(const QString &fileName, qint64 minimum, qint64 maximu
         result.timeline.length = lengthOf(result.timeline.times, once);
     return result;
 }
-
-} // namespace kvsim

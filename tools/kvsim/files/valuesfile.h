@@ -5,8 +5,6 @@
 #include <QString>
 #include <QStringList>
 
-namespace kvsim {
-
 /// What a file of values holds, or what is wrong with it.
 struct ValuesFile
 {
@@ -23,5 +21,3 @@ Timeline evenly(const QVector<qint64> &values, qint64 period, bool once);
 /// the one before it. Empty lines and lines that begin with '#' say nothing.
 ValuesFile readValuesFile(const QString &fileName, qint64 minimum, qint64 maximum, qint64 period,
                           bool once);
-
-} // namespace kvsim

@@ -6,8 +6,6 @@
 
 #include <array>
 
-namespace kvsim {
-
 namespace {
 
 constexpr quint32 bitsPerChannel = 16;
@@ -106,5 +104,3 @@ quint32 countToEnd(Address address)
 {
     return indexOf(*address.device, address.device->last) - address.index + 1;
 }
-
-} // namespace kvsim

@@ -4,8 +4,6 @@
 
 #include <optional>
 
-namespace kvsim {
-
 enum class DeviceKind { Word, Bit };
 
 /// The largest value that one element of a device holds: 65535 for a word, 1 for a bit.
@@ -65,6 +63,4 @@ QByteArray addressText(Address address);
 /// How many words or bits there are from `address` to the end of its device, itself included.
 quint32 countToEnd(Address address);
 
-} // namespace kvsim
-
-Q_DECLARE_TYPEINFO(kvsim::Range, Q_PRIMITIVE_TYPE);
+Q_DECLARE_TYPEINFO(Range, Q_PRIMITIVE_TYPE);

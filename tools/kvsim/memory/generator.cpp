@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-namespace kvsim {
-
 namespace {
 
 // Spreads neighbouring numbers over all 64 bits (the finaliser of SplitMix64).
@@ -59,5 +57,3 @@ Generator replay(Timeline timeline)
         return timeline.values.at(static_cast<int>(index));
     };
 }
-
-} // namespace kvsim

@@ -4,8 +4,6 @@
 
 #include <functional>
 
-namespace kvsim {
-
 /// A value that changes by itself: what it is so many milliseconds after the start. The same time
 /// gives the same value.
 using Generator = std::function<qint64(qint64 elapsed)>;
@@ -35,5 +33,3 @@ struct Timeline
 };
 
 Generator replay(Timeline timeline);
-
-} // namespace kvsim

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <functional>
 
-namespace kvsim {
-
 namespace {
 
 quint16 freshValue(Address address)
@@ -84,18 +82,16 @@ void Memory::setClock(const Clock &clock)
     m_clock = clock;
 }
 
-QVector<Cell> Memory::stored() const
+QVector<StoredValue> Memory::stored() const
 {
     const QMutexLocker locker(&m_mutex);
-    QVector<Cell> cells;
+    QVector<StoredValue> cells;
     for (auto entry = m_written.constBegin(); entry != m_written.constEnd(); ++entry)
         cells.append({{entry.key().first, entry.key().second}, entry.value()});
-    std::sort(cells.begin(), cells.end(), [](const Cell &one, const Cell &other) {
+    std::sort(cells.begin(), cells.end(), [](const StoredValue &one, const StoredValue &other) {
         if (one.address.device != other.address.device)
             return std::less<>()(one.address.device, other.address.device);
         return one.address.index < other.address.index;
     });
     return cells;
 }
-
-} // namespace kvsim

@@ -8,10 +8,8 @@
 #include <QMutex>
 #include <QPair>
 
-namespace kvsim {
-
-/// A word or bit with what it holds.
-struct Cell
+/// A word or bit and the value that it holds.
+struct StoredValue
 {
     Address address;
     quint16 value;
@@ -51,7 +49,7 @@ public:
     void setClock(const Clock &clock);
 
     /// Everything that was stored, device by device, in the order of the addresses.
-    QVector<Cell> stored() const;
+    QVector<StoredValue> stored() const;
 
 private:
     using Key = QPair<const Device *, quint32>;
@@ -64,6 +62,4 @@ private:
     Clock m_clock;
 };
 
-} // namespace kvsim
-
-Q_DECLARE_TYPEINFO(kvsim::Cell, Q_PRIMITIVE_TYPE);
+Q_DECLARE_TYPEINFO(StoredValue, Q_PRIMITIVE_TYPE);

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-namespace kvsim {
-
 std::optional<quint32> parseNumber(const QByteArray &text, int base)
 {
     // QByteArray alone would take blanks, signs, "0x" and lower case too.
@@ -16,5 +14,3 @@ std::optional<quint32> parseNumber(const QByteArray &text, int base)
     const quint32 number = text.toUInt(&ok, base);
     return ok ? std::make_optional(number) : std::nullopt;
 }
-
-} // namespace kvsim

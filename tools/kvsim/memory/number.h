@@ -4,10 +4,6 @@
 
 #include <optional>
 
-namespace kvsim {
-
 /// The value of `text`, digits of `base` (10 or 16, upper case) and nothing else: no sign, no
 /// blank, no prefix. Leading zeros are fine. Nothing when it is no such text or over 32 bits.
 std::optional<quint32> parseNumber(const QByteArray &text, int base);
-
-} // namespace kvsim

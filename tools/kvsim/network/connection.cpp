@@ -9,8 +9,6 @@
 
 #include <sys/socket.h>
 
-namespace kvsim {
-
 namespace {
 
 constexpr int receiveLimit = 64 * 1024;
@@ -161,5 +159,3 @@ void resetConnection(QTcpSocket *socket)
                  sizeof atOnce);
     socket->abort();
 }
-
-} // namespace kvsim

@@ -8,8 +8,6 @@
 
 class QTcpSocket;
 
-namespace kvsim {
-
 class CommandInterpreter;
 struct Controller;
 
@@ -73,5 +71,3 @@ private:
 /// Ends a connection with a reset instead of an orderly close; what the system has not sent yet is
 /// lost.
 void resetConnection(QTcpSocket *socket);
-
-} // namespace kvsim

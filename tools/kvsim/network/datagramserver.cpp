@@ -9,8 +9,6 @@
 
 #include <utility>
 
-namespace kvsim {
-
 namespace {
 
 // What an answer that waits takes beside its bytes, so that many short ones are limited too.
@@ -146,5 +144,3 @@ void DatagramServer::depart(const Departure &departure)
                                 static_cast<quint16>(question.senderPort()));
     }
 }
-
-} // namespace kvsim

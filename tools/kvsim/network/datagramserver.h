@@ -10,8 +10,6 @@
 
 class QUdpSocket;
 
-namespace kvsim {
-
 class CommandInterpreter;
 struct Controller;
 
@@ -89,5 +87,3 @@ private:
     /// Memory taken by answers that wait for their time.
     int m_waitingBytes = 0;
 };
-
-} // namespace kvsim

@@ -6,8 +6,6 @@
 
 #include <QTcpSocket>
 
-namespace kvsim {
-
 Server::Server(Controller *controller, QObject *parent)
     : QObject(parent), m_controller(controller),
       m_interpreter(&controller->memory, controller->profile), m_listener(new QTcpServer(this)),
@@ -113,5 +111,3 @@ void Server::listenAgain()
     if (!listen(m_downAddress, m_downPort))
         Q_EMIT stayedDown();
 }
-
-} // namespace kvsim

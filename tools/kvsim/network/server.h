@@ -6,8 +6,6 @@
 #include <QTcpServer>
 #include <QTimer>
 
-namespace kvsim {
-
 class Connection;
 class DatagramServer;
 struct Controller;
@@ -61,5 +59,3 @@ private:
     QHostAddress m_downAddress;
     quint16 m_downPort = 0;
 };
-
-} // namespace kvsim

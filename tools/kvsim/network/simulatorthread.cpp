@@ -2,8 +2,6 @@
 
 #include "network/server.h"
 
-namespace kvsim {
-
 SimulatorThread::SimulatorThread(const QHostAddress &address, quint16 port, QObject *parent)
     : QThread(parent), m_address(address), m_port(port)
 {
@@ -51,5 +49,3 @@ void SimulatorThread::run()
     m_started.release();
     exec();
 }
-
-} // namespace kvsim

@@ -7,8 +7,6 @@
 #include <QString>
 #include <QThread>
 
-namespace kvsim {
-
 /// A simulated controller that runs in a thread of its own, for tests whose own thread blocks. It
 /// listens when the constructor returns; it is gone, with its connections, when the destructor
 /// returns. The caller needs no event loop.
@@ -65,5 +63,3 @@ private:
     quint16 m_port;
     QString m_errorString;
 };
-
-} // namespace kvsim

@@ -3,8 +3,6 @@
 #include <QDateTime>
 #include <QHostAddress>
 
-namespace kvsim {
-
 namespace {
 
 QByteArray escapedByte(char byte)
@@ -55,5 +53,3 @@ QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByt
         text += prefix + " < " + escaped(answer) + '\n';
     return text;
 }
-
-} // namespace kvsim

@@ -5,8 +5,6 @@
 class QDateTime;
 class QHostAddress;
 
-namespace kvsim {
-
 /// `bytes` as printable ASCII: "\r", "\n", "\\" and, for anything else outside 0x20 to 0x7E, "\x"
 /// with two hexadecimal digits.
 QByteArray escaped(const QByteArray &bytes);
@@ -19,5 +17,3 @@ QByteArray endpointText(const QHostAddress &address, quint16 port);
 /// client.
 QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByteArray &command,
                      const QByteArray &answer, const QByteArray &fault);
-
-} // namespace kvsim

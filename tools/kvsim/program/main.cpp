@@ -5,11 +5,6 @@
 
 #include <QCoreApplication>
 
-using kvsim::fail;
-using kvsim::Options;
-using kvsim::print;
-using kvsim::WrongUsage;
-
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
@@ -18,12 +13,12 @@ int main(int argc, char *argv[])
 
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == QLatin1String("ctl"))
-        return kvsim::runCtl(arguments.mid(2));
+        return runCtl(arguments.mid(2));
 
-    const Options options = kvsim::parseOptions(arguments);
+    const Options options = parseOptions(arguments);
     switch (options.action) {
     case Options::Action::ShowHelp:
-        return kvsim::printHelp();
+        return printHelp();
     case Options::Action::ShowVersion:
         return print(QStringLiteral("kvsim %1\n").arg(QCoreApplication::applicationVersion()));
     case Options::Action::RefuseUsage:
@@ -31,5 +26,5 @@ int main(int argc, char *argv[])
     case Options::Action::Serve:
         break;
     }
-    return kvsim::serve(options);
+    return serve(options);
 }

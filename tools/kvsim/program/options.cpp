@@ -6,8 +6,6 @@
 
 #include <QCommandLineParser>
 
-namespace kvsim {
-
 namespace {
 
 constexpr int mostControllers = 254;
@@ -153,5 +151,3 @@ Options parseOptions(const QStringList &arguments)
     options.values = parser.values(QStringLiteral("set"));
     return options;
 }
-
-} // namespace kvsim

@@ -7,8 +7,6 @@
 
 #include <optional>
 
-namespace kvsim {
-
 /// What the command line asks for.
 struct Options
 {
@@ -35,5 +33,3 @@ struct Options
 
 /// Reads the command line; `arguments` begins with the program's name.
 Options parseOptions(const QStringList &arguments);
-
-} // namespace kvsim

@@ -1,7 +1,5 @@
 #include "program/places.h"
 
-namespace kvsim {
-
 namespace {
 
 constexpr quint32 lastHost = 254;
@@ -63,5 +61,3 @@ Places consecutivePlaces(const QHostAddress &address, quint16 port, int count,
     }
     return {places, {}};
 }
-
-} // namespace kvsim

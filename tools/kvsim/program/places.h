@@ -2,8 +2,6 @@
 
 #include "program/simulation.h"
 
-namespace kvsim {
-
 /// What several controllers differ in.
 enum class Consecutive { Addresses, Ports };
 
@@ -19,5 +17,3 @@ struct Places
 /// and `port`, the others follow it. With port 0 the first one takes a free port.
 Places consecutivePlaces(const QHostAddress &address, quint16 port, int count,
                          Consecutive consecutive);
-
-} // namespace kvsim

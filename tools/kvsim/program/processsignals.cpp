@@ -7,8 +7,6 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-namespace kvsim {
-
 bool handleSignals(QCoreApplication *application, const std::function<void()> &report)
 {
     sigset_t signals;
@@ -34,5 +32,3 @@ bool handleSignals(QCoreApplication *application, const std::function<void()> &r
     });
     return true;
 }
-
-} // namespace kvsim

@@ -15,8 +15,6 @@
 #include <cerrno>
 #include <cstdio>
 
-namespace kvsim {
-
 namespace {
 
 void traceExchange(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
@@ -149,5 +147,3 @@ int serve(const Options &options)
     const int filled = fill(options, simulation.controllers());
     return filled == Success ? run(options, &simulation, report) : filled;
 }
-
-} // namespace kvsim

@@ -2,15 +2,13 @@
 
 #include "network/trace.h"
 
-namespace kvsim {
-
 struct Simulation::Station
 {
     explicit Station(const Setup &setup) : place(setup.place), controller(setup.profile)
     {
         for (const Generated &generated : setup.generators)
             controller.memory.generate(generated.address, generated.generator);
-        for (const Cell &cell : setup.memory)
+        for (const StoredValue &cell : setup.memory)
             controller.memory.setValue(cell.address, cell.value);
         for (const QByteArray &fault : setup.faults)
             controller.faults.add(fault);
@@ -86,5 +84,3 @@ NamedControllers Simulation::controllers() const
         controllers.append({station->place.name, station->endpoint, &station->controller});
     return controllers;
 }
-
-} // namespace kvsim

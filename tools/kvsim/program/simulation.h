@@ -6,8 +6,6 @@
 #include <memory>
 #include <vector>
 
-namespace kvsim {
-
 /// Where one of the controllers is to be found.
 struct Place
 {
@@ -32,7 +30,7 @@ struct Setup
     Place place;
     Profile profile;
     QVector<Generated> generators;
-    QVector<Cell> memory;
+    QVector<StoredValue> memory;
     QList<QByteArray> faults;
 };
 
@@ -75,5 +73,3 @@ private:
     std::vector<std::unique_ptr<Station>> m_stations;
     QString m_errorString;
 };
-
-} // namespace kvsim

@@ -7,8 +7,6 @@
 #include <cerrno>
 #include <cstdio>
 
-namespace kvsim {
-
 int fail(ExitCode code, const QString &text)
 {
     const QString line = QLatin1String("kvsim: ") + visible(text) + QLatin1Char('\n');
@@ -32,5 +30,3 @@ int printHelp()
     return file.open(QIODevice::ReadOnly) ? print(QString::fromUtf8(file.readAll()))
                                           : fail(Failure, file.errorString());
 }
-
-} // namespace kvsim

@@ -2,8 +2,6 @@
 
 #include <QString>
 
-namespace kvsim {
-
 /// What the program tells its caller.
 enum ExitCode { Success = 0, Failure = 1, WrongUsage = 2 };
 
@@ -16,5 +14,3 @@ int print(const QString &text);
 
 /// Prints what --help shows, which the manual page is made of, too; as print().
 int printHelp();
-
-} // namespace kvsim
