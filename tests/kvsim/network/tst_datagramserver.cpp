@@ -1,4 +1,5 @@
 #include "programrun.h"
+#include "simulatorthread.h"
 #include "text.h"
 #include "textclient.h"
 #include "udpclient.h"
@@ -6,7 +7,6 @@
 #include <controller/controller.h>
 #include <network/datagramserver.h>
 #include <network/server.h>
-#include <network/simulatorthread.h>
 
 #include <QElapsedTimer>
 #include <QSignalSpy>

@@ -1,8 +1,9 @@
+#include "simulatorthread.h"
+
 #include <controller/controller.h>
 #include <controller/linebuffer.h>
 #include <network/connection.h>
 #include <network/server.h>
-#include <network/simulatorthread.h>
 
 #include <QSignalSpy>
 #include <QTcpSocket>

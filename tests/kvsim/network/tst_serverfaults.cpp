@@ -1,7 +1,6 @@
 #include "loopback.h"
+#include "simulatorthread.h"
 #include "textclient.h"
-
-#include <network/simulatorthread.h>
 
 #include <QElapsedTimer>
 #include <QTest>

@@ -1,9 +1,9 @@
 #include "hostrecords.h"
 #include "recordingbackend.h"
+#include "simulatorthread.h"
 #include "text.h"
 
 #include <network/server.h>
-#include <network/simulatorthread.h>
 #include <vel/velinterface.h>
 
 #include <QPluginLoader>

@@ -1,8 +1,7 @@
 #include "discoverrun.h"
 #include "scriptedpeer.h"
+#include "simulatorthread.h"
 #include "udppeer.h"
-
-#include <network/simulatorthread.h>
 
 #include <QHostAddress>
 #include <QTest>

@@ -1,9 +1,8 @@
 #include "fullqueue.h"
 #include "scriptedpeer.h"
 #include "searchrun.h"
+#include "simulatorthread.h"
 #include "terminalrun.h"
-
-#include <network/simulatorthread.h>
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -1,7 +1,6 @@
 #include "searchrun.h"
+#include "simulatorthread.h"
 #include "udppeer.h"
-
-#include <network/simulatorthread.h>
 
 #include <QDir>
 #include <QFile>

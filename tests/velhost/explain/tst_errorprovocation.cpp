@@ -1,11 +1,11 @@
 #include "fullqueue.h"
 #include "loopback.h"
 #include "programrun.h"
+#include "simulatorthread.h"
 #include "text.h"
 
 #include <cycle/cycle.h>
 #include <host/host.h>
-#include <network/simulatorthread.h>
 #include <plant/assignment.h>
 #include <plant/plant.h>
 #include <plant/records.h>

@@ -1,7 +1,6 @@
 #include "programrun.h"
+#include "simulatorthread.h"
 #include "text.h"
-
-#include <network/simulatorthread.h>
 
 #include <QFile>
 #include <QTemporaryDir>

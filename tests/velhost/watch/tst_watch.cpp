@@ -1,7 +1,6 @@
 #include "plantrun.h"
+#include "simulatorthread.h"
 #include "text.h"
-
-#include <network/simulatorthread.h>
 
 #include <QElapsedTimer>
 #include <QFile>

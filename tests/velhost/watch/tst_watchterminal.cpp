@@ -1,8 +1,7 @@
 #include "programrun.h"
+#include "simulatorthread.h"
 #include "terminalrun.h"
 #include "text.h"
-
-#include <network/simulatorthread.h>
 
 #include <QFile>
 #include <QProcessEnvironment>

@@ -1,8 +1,7 @@
 #include "plantrun.h"
 #include "scriptedpeer.h"
+#include "simulatorthread.h"
 #include "text.h"
-
-#include <network/simulatorthread.h>
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
-#include "network/simulatorthread.h"
+#include "simulatorthread.h"
 
-#include "network/server.h"
+#include <network/server.h>
 
 SimulatorThread::SimulatorThread(const QHostAddress &address, quint16 port, QObject *parent)
     : QThread(parent), m_address(address), m_port(port)

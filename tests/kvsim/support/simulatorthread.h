@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controller/controller.h"
+#include <controller/controller.h>
 
 #include <QHostAddress>
 #include <QSemaphore>
