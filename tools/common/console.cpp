@@ -3,12 +3,30 @@
 #include <common/visibletext.h>
 
 #include <QCoreApplication>
+#include <QFile>
 
-void print(FILE *stream, const QString &text)
+#include <cerrno>
+
+bool print(FILE *stream, const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
+}
+
+ExitCode printOutput(const QString &text)
+{
+    if (print(stdout, text))
+        return AllWell;
+    printError(u"cannot write to standard output: " + qt_error_string(errno));
+    return ErrorFound;
+}
+
+ExitCode printHelp()
+{
+    QFile file(QStringLiteral(":/help.txt"));
+    return printOutput(file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
+                                                      : QString());
 }
 
 void printError(const QString &text)

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-/// How the program ends, as the help and docs/velhost.md promise it.
+/// How a program ends, as its help promises it. Each program uses those that it needs.
 enum ExitCode {
     AllWell = 0,
     ErrorFound = 1,
@@ -15,9 +15,17 @@ enum ExitCode {
     Terminated = 143
 };
 
-/// Writes the text at once, so that it is there when the program is stopped during a wait. A
-/// failure leaves its mark on the stream.
-void print(FILE *stream, const QString &text);
+/// Writes the text at once, so that it is there when the program is stopped during a wait. False
+/// after a failure, which leaves its mark on the stream; `errno` tells why.
+bool print(FILE *stream, const QString &text);
+
+/// Writes to standard output for a caller that waits for the text and must learn that it cannot
+/// come: AllWell or, after a message, ErrorFound.
+ExitCode printOutput(const QString &text);
+
+/// Writes what --help shows, the program's resource help.txt, of which the manual page is made,
+/// too.
+ExitCode printHelp();
 
 /// Writes a message of the program itself to standard error, what cannot be seen written out.
 void printError(const QString &text);

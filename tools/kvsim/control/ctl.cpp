@@ -1,7 +1,5 @@
 #include "control/ctl.h"
 
-#include "program/terminal.h"
-
 #include <common/wholenumber.h>
 
 #include <QCommandLineParser>
@@ -12,9 +10,10 @@ namespace {
 
 constexpr int timeout = 5000; // milliseconds
 
-int failUsage(const QString &text)
+ExitCode refuse(const QString &text)
 {
-    return fail(WrongUsage, text + QLatin1String(" See kvsim ctl --help."));
+    printError(text + u" See kvsim ctl --help.");
+    return WrongUsage;
 }
 
 // A line, "error ..." or lines up to an empty one; nothing when it did not come whole.
@@ -35,24 +34,27 @@ QByteArray readAnswer(QTcpSocket *socket, bool severalLines)
     }
 }
 
-int askSimulator(quint16 port, const QString &command)
+ExitCode askSimulator(quint16 port, const QString &command)
 {
     QTcpSocket socket;
     socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
     const bool connected = socket.waitForConnected(timeout);
     if (connected)
         socket.write(command.toUtf8() + '\n');
-    const QByteArray answer = connected
-                                  ? readAnswer(&socket, command.endsWith(QLatin1String("counters")))
-                                  : QByteArray();
-    if (answer.isEmpty())
-        return fail(Failure, QStringLiteral("no answer from 127.0.0.1:%1: %2. Start the simulator "
-                                            "with --control %1, or choose another --port.")
-                                 .arg(port)
-                                 .arg(socket.errorString()));
-    if (answer.startsWith("error "))
-        return fail(Failure, QString::fromUtf8(answer.mid(6).trimmed()));
-    return answer == "ok\n" ? Success : print(QString::fromUtf8(answer));
+    const QByteArray answer
+        = connected ? readAnswer(&socket, command.endsWith(u"counters")) : QByteArray();
+    if (answer.isEmpty()) {
+        printError(QStringLiteral("no answer from 127.0.0.1:%1: %2. Start the simulator with "
+                                  "--control %1, or choose another --port.")
+                       .arg(port)
+                       .arg(socket.errorString()));
+        return ErrorFound;
+    }
+    if (answer.startsWith("error ")) {
+        printError(QString::fromUtf8(answer.mid(6).trimmed()));
+        return ErrorFound;
+    }
+    return answer == "ok\n" ? AllWell : printOutput(QString::fromUtf8(answer));
 }
 
 const QString helpOption = QStringLiteral("help");
@@ -70,20 +72,20 @@ void addCtlOptions(QCommandLineParser *parser)
 
 } // namespace
 
-int runCtl(const QStringList &arguments)
+ExitCode runCtl(const QStringList &arguments)
 {
     QCommandLineParser parser;
     addCtlOptions(&parser);
     if (!parser.parse(QStringList{QStringLiteral("kvsim")} + arguments))
-        return failUsage(parser.errorText());
+        return refuse(parser.errorText());
     if (parser.isSet(helpOption))
         return printHelp();
     const std::optional<int> port = wholeNumber(parser.value(portOption), 1, 65535);
     if (!port)
-        return failUsage(QStringLiteral("'%1' is no port; --port takes a number from 1 to 65535.")
-                             .arg(parser.value(portOption)));
-    const QString command = parser.positionalArguments().join(QLatin1Char(' ')).simplified();
+        return refuse(QStringLiteral("'%1' is no port; --port takes a number from 1 to 65535.")
+                          .arg(parser.value(portOption)));
+    const QString command = parser.positionalArguments().join(u' ').simplified();
     if (command.isEmpty())
-        return failUsage(QStringLiteral("No command."));
+        return refuse(QStringLiteral("No command."));
     return askSimulator(static_cast<quint16>(*port), command);
 }

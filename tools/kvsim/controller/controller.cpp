@@ -75,16 +75,16 @@ QString storeRefusal(const Controller &controller, const QByteArray &address,
     const std::optional<Address> place = parseAddress(address);
     if (!place)
         return QStringLiteral("'%1' is no address that exists; write one such as DM100 or R015")
-            .arg(QString::fromLocal8Bit(address));
+            .arg(QString::fromUtf8(address));
     const int most = maximumValue(place->device->kind);
     const std::optional<quint32> number = parseNumber(value, 10);
     if (!number || *number > static_cast<quint32>(most))
         return QStringLiteral("'%1' is no value for %2; write a number from 0 to %3")
-            .arg(QString::fromLocal8Bit(value), QString::fromLocal8Bit(address))
+            .arg(QString::fromUtf8(value), QString::fromUtf8(address))
             .arg(most);
     if (controller.memory.isGenerated(*place))
         return QStringLiteral("a generator makes the value of '%1'; choose another address")
-            .arg(QString::fromLocal8Bit(address));
+            .arg(QString::fromUtf8(address));
     return {};
 }
 

@@ -125,7 +125,7 @@ constexpr std::array<Kind, 22> kinds{{
 
 QString shown(const QByteArray &text)
 {
-    return QString::fromLocal8Bit(text);
+    return QString::fromUtf8(text);
 }
 
 QString readKind(const QByteArray &text, Fault *fault)

@@ -1,7 +1,8 @@
 #include "control/ctl.h"
 #include "program/options.h"
 #include "program/serve.h"
-#include "program/terminal.h"
+
+#include <common/console.h>
 
 #include <QCoreApplication>
 
@@ -12,7 +13,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationVersion(QStringLiteral(KVSIM_VERSION));
 
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == QLatin1String("ctl"))
+    if (arguments.value(1) == u"ctl")
         return runCtl(arguments.mid(2));
 
     const Options options = parseOptions(arguments);
@@ -20,9 +21,10 @@ int main(int argc, char *argv[])
     case Options::Action::ShowHelp:
         return printHelp();
     case Options::Action::ShowVersion:
-        return print(QStringLiteral("kvsim %1\n").arg(QCoreApplication::applicationVersion()));
+        return printOutput(u"kvsim " + QCoreApplication::applicationVersion() + u'\n');
     case Options::Action::RefuseUsage:
-        return fail(WrongUsage, options.text + QLatin1String(" See kvsim --help."));
+        printError(options.text + u" See kvsim --help.");
+        return WrongUsage;
     case Options::Action::Serve:
         break;
     }

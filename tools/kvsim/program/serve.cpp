@@ -7,7 +7,6 @@
 #include "program/options.h"
 #include "program/processsignals.h"
 #include "program/simulation.h"
-#include "program/terminal.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -28,16 +27,16 @@ void traceExchange(const QByteArray &client, const QByteArray &command, const QB
 QString prepare(const Options &options, Controller *controller)
 {
     for (const QString &fault : options.faults) {
-        const QString error = controller->faults.add(fault.toLocal8Bit());
+        const QString error = controller->faults.add(fault.toUtf8());
         if (!error.isEmpty())
             return QStringLiteral("--fault: %1.").arg(error);
     }
     for (const QString &value : options.values) {
-        const int equals = value.indexOf(QLatin1Char('='));
+        const int equals = value.indexOf(u'=');
         if (equals < 0)
             return QStringLiteral("--set: '%1' has no '='; write for example DM100=5.").arg(value);
-        const QString error = storeText(controller, value.left(equals).toLocal8Bit(),
-                                        value.mid(equals + 1).toLocal8Bit());
+        const QString error
+            = storeText(controller, value.left(equals).toUtf8(), value.mid(equals + 1).toUtf8());
         if (!error.isEmpty())
             return QStringLiteral("--set: %1.").arg(error);
     }
@@ -45,7 +44,7 @@ QString prepare(const Options &options, Controller *controller)
 }
 
 // Every port, before the first line of output promises them.
-int listen(const Options &options, Simulation *simulation, ControlServer *control)
+ExitCode listen(const Options &options, Simulation *simulation, ControlServer *control)
 {
     QByteArray lines;
     const NamedControllers controllers = simulation->controllers();
@@ -53,21 +52,15 @@ int listen(const Options &options, Simulation *simulation, ControlServer *contro
         lines += "listening " + named.endpoint + '\n';
     if (options.control) {
         const QHostAddress loopback(QHostAddress::LocalHost);
-        if (!control->listen(*options.control))
-            return fail(Failure,
-                        QStringLiteral("cannot listen on %1: %2. Choose another --control.")
-                            .arg(QString::fromLatin1(endpointText(loopback, *options.control)),
-                                 control->errorString()));
+        if (!control->listen(*options.control)) {
+            printError(QStringLiteral("cannot listen on %1: %2. Choose another --control.")
+                           .arg(QString::fromLatin1(endpointText(loopback, *options.control)),
+                                control->errorString()));
+            return ErrorFound;
+        }
         lines += "control " + endpointText(loopback, control->port()) + '\n';
     }
-    return print(QString::fromLatin1(lines));
-}
-
-int failFile(const QStringList &errors)
-{
-    for (const QString &error : errors)
-        fail(WrongUsage, error);
-    return WrongUsage;
+    return printOutput(QString::fromLatin1(lines));
 }
 
 QList<Setup> setupsOf(const Options &options, QStringList *errors)
@@ -84,66 +77,75 @@ QList<Setup> setupsOf(const Options &options, QStringList *errors)
 }
 
 // What the files and the options put into the controllers.
-int fill(const Options &options, const NamedControllers &controllers)
+ExitCode fill(const Options &options, const NamedControllers &controllers)
 {
     const QStringList errors
         = options.load.isEmpty() ? QStringList() : loadMemory(options.load, controllers);
+    printError(errors);
     if (!errors.isEmpty())
-        return failFile(errors);
+        return WrongUsage;
     for (const NamedController &named : controllers) {
         const QString error = prepare(options, named.controller);
-        if (!error.isEmpty())
-            return fail(WrongUsage, error + QLatin1String(" See kvsim --help."));
+        if (!error.isEmpty()) {
+            printError(error + u" See kvsim --help.");
+            return WrongUsage;
+        }
     }
-    return Success;
+    return AllWell;
 }
 
 // Runs until it is told to end.
-int run(const Options &options, Simulation *simulation, const std::function<void()> &report)
+ExitCode run(const Options &options, Simulation *simulation, const std::function<void()> &report)
 {
     if (options.trace)
         QObject::connect(simulation, &Simulation::answered, simulation, traceExchange);
     QObject::connect(simulation, &Simulation::stayedDown, simulation, [](const QString &reason) {
-        QCoreApplication::exit(
-            fail(Failure, QStringLiteral("cannot listen again after a restart: %1. End what "
-                                         "listens on that port.")
-                              .arg(reason)));
+        printError(QStringLiteral("cannot listen again after a restart: %1. End what listens on "
+                                  "that port.")
+                       .arg(reason));
+        QCoreApplication::exit(ErrorFound);
     });
-    if (!simulation->listen())
-        return fail(Failure, QStringLiteral("cannot listen on %1. Choose another %2.")
-                                 .arg(simulation->errorString(),
-                                      options.config.isEmpty()
-                                          ? QStringLiteral("--bind or --port")
-                                          : QStringLiteral("address or port in the file")));
+    if (!simulation->listen()) {
+        printError(QStringLiteral("cannot listen on %1. Choose another %2.")
+                       .arg(simulation->errorString(),
+                            options.config.isEmpty()
+                                ? QStringLiteral("--bind or --port")
+                                : QStringLiteral("address or port in the file")));
+        return ErrorFound;
+    }
 
     const NamedControllers controllers = simulation->controllers();
     const DumpTarget dump = [&] { return saveMemory(options.dump, controllers); };
     ControlServer control({controllers, options.dump.isEmpty() ? DumpTarget() : dump});
     QObject::connect(&control, &ControlServer::quitWanted, QCoreApplication::instance(),
                      &QCoreApplication::quit);
-    const int listening = listen(options, simulation, &control);
-    if (listening != Success)
+    const ExitCode listening = listen(options, simulation, &control);
+    if (listening != AllWell)
         return listening;
-    const int code = QCoreApplication::exec();
+    const bool isWell = QCoreApplication::exec() == 0;
     report();
     const QString error = options.dump.isEmpty() ? QString() : dump();
-    return error.isEmpty() ? code : fail(Failure, error);
+    if (!error.isEmpty())
+        printError(error);
+    return isWell && error.isEmpty() ? AllWell : ErrorFound;
 }
 
 } // namespace
 
-int serve(const Options &options)
+ExitCode serve(const Options &options)
 {
     QStringList errors;
     const QList<Setup> setups = setupsOf(options, &errors);
+    printError(errors);
     if (!errors.isEmpty())
-        return failFile(errors);
+        return WrongUsage;
     Simulation simulation(setups);
     const auto report
         = [&simulation] { std::fputs(countersText(simulation.controllers()).constData(), stderr); };
-    if (!handleSignals(QCoreApplication::instance(), report))
-        return fail(Failure, QLatin1String("cannot catch signals: ") + qt_error_string(errno));
-
-    const int filled = fill(options, simulation.controllers());
-    return filled == Success ? run(options, &simulation, report) : filled;
+    if (!handleSignals(QCoreApplication::instance(), report)) {
+        printError(u"cannot catch signals: " + qt_error_string(errno));
+        return ErrorFound;
+    }
+    const ExitCode filled = fill(options, simulation.controllers());
+    return filled == AllWell ? run(options, &simulation, report) : filled;
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <common/console.h>
+
 struct Options;
 
-/// Runs the simulator until it is told to end. Returns the program's exit code; what is wrong is
-/// printed.
-int serve(const Options &options);
+/// Runs the simulator until it is told to end; what is wrong is printed.
+ExitCode serve(const Options &options);
