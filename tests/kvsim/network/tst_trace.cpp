@@ -1,7 +1,6 @@
 #include <network/trace.h>
 
 #include <QDateTime>
-#include <QHostAddress>
 #include <QTest>
 
 // How the simulated controller shows what it receives and sends.
@@ -12,8 +11,6 @@ class tst_Trace : public QObject
 private Q_SLOTS:
     void escapes_data();
     void escapes();
-    void endpoints_data();
-    void endpoints();
     void trace();
 };
 
@@ -37,24 +34,6 @@ void tst_Trace::escapes()
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, text);
     QCOMPARE(escaped(bytes), text);
-}
-
-void tst_Trace::endpoints_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<int>("port");
-    QTest::addColumn<QByteArray>("text");
-
-    QTest::newRow("IPv4") << QStringLiteral("127.0.0.1") << 8501 << QByteArray("127.0.0.1:8501");
-    QTest::newRow("IPv6") << QStringLiteral("::1") << 65535 << QByteArray("[::1]:65535");
-}
-
-void tst_Trace::endpoints()
-{
-    QFETCH(QString, address);
-    QFETCH(int, port);
-    QFETCH(QByteArray, text);
-    QCOMPARE(endpointText(QHostAddress(address), static_cast<quint16>(port)), text);
 }
 
 void tst_Trace::trace()

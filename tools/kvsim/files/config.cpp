@@ -1,8 +1,9 @@
 #include "files/config.h"
 
+#include "controller/endpoint.h"
+#include "controller/faultengine.h"
 #include "files/generatorobject.h"
 #include "files/memoryobject.h"
-#include "network/trace.h"
 
 #include <common/json/jsonfile.h>
 
@@ -12,7 +13,6 @@
 namespace {
 
 const QString configurationFile = QStringLiteral("configuration");
-constexpr int mostControllers = 254;
 
 QByteArray readControllerName(const QJsonObject &object, int index, const QString &place,
                               QList<Problem> *errors)
@@ -204,8 +204,9 @@ QList<Setup> readControllers(const QJsonValue &root, const QString &folder, cons
     const QString key = QStringLiteral("controllers");
     checkKeys(object, {key}, {}, errors);
     const QJsonArray list = readList(object.value(key), key, errors);
-    if (object.value(key).isArray() && (list.isEmpty() || list.size() > mostControllers))
-        addError(key, QStringLiteral("expected 1 to %1 controllers").arg(mostControllers), errors);
+    if (object.value(key).isArray() && (list.isEmpty() || list.size() > maximumControllers))
+        addError(key, QStringLiteral("expected 1 to %1 controllers").arg(maximumControllers),
+                 errors);
     QList<Setup> setups;
     for (int i = 0; i < list.size(); ++i)
         setups.append(readController(list.at(i), i, folder, byDefault, errors));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "program/simulation.h"
+#include "controller/setup.h"
 
 /// Reads the controllers from a file; those without address or port get those of `place`. When
 /// anything is wrong with it, returns nothing and adds one line to `errors` for each fault,

@@ -1,8 +1,8 @@
 #include "network/connection.h"
 
 #include "controller/controller.h"
+#include "controller/endpoint.h"
 #include "controller/interpreter.h"
-#include "network/trace.h"
 
 #include <QHostAddress>
 #include <QTcpSocket>

@@ -1,7 +1,6 @@
 #include "network/trace.h"
 
 #include <QDateTime>
-#include <QHostAddress>
 
 namespace {
 
@@ -31,15 +30,6 @@ QByteArray escaped(const QByteArray &bytes)
     for (const char byte : bytes)
         text += escapedByte(byte);
     return text;
-}
-
-QByteArray endpointText(const QHostAddress &address, quint16 port)
-{
-    const QByteArray host = address.toString().toLatin1();
-    const QByteArray number = QByteArray::number(port);
-    if (address.protocol() == QAbstractSocket::IPv6Protocol)
-        return '[' + host + "]:" + number;
-    return host + ':' + number;
 }
 
 QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByteArray &command,

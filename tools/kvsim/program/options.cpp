@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int mostControllers = 254;
-
 const QString controllersOption = QStringLiteral("controllers");
 const QString configOption = QStringLiteral("config");
 const QString consecutiveOption = QStringLiteral("consecutive");
@@ -52,12 +50,12 @@ std::optional<Consecutive> parseConsecutive(const QString &text)
 Options placesFrom(const QHostAddress &address, quint16 port, const QCommandLineParser &parser)
 {
     const QString controllers = parser.value(controllersOption);
-    const std::optional<int> count = wholeNumber(controllers, 1, mostControllers);
+    const std::optional<int> count = wholeNumber(controllers, 1, maximumControllers);
     if (!count)
         return refused(QStringLiteral("'%1' is no number of controllers; --controllers takes a "
                                       "number from 1 to %2.")
                            .arg(controllers)
-                           .arg(mostControllers));
+                           .arg(maximumControllers));
     const QString consecutive = parser.value(consecutiveOption);
     const std::optional<Consecutive> differ = parseConsecutive(consecutive);
     if (!differ)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "program/simulation.h"
+#include "controller/setup.h"
 
 #include <QString>
 #include <QStringList>

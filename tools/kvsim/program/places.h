@@ -1,6 +1,6 @@
 #pragma once
 
-#include "program/simulation.h"
+#include "controller/setup.h"
 
 /// What several controllers differ in.
 enum class Consecutive { Addresses, Ports };

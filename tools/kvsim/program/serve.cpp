@@ -1,6 +1,7 @@
 #include "program/serve.h"
 
 #include "control/controlserver.h"
+#include "controller/endpoint.h"
 #include "files/config.h"
 #include "files/memoryfile.h"
 #include "network/trace.h"

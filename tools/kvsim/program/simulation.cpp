@@ -1,6 +1,6 @@
 #include "program/simulation.h"
 
-#include "network/trace.h"
+#include "controller/endpoint.h"
 
 struct Simulation::Station
 {

@@ -1,38 +1,11 @@
 #pragma once
 
 #include "controller/controller.h"
+#include "controller/setup.h"
 #include "network/server.h"
 
 #include <memory>
 #include <vector>
-
-/// Where one of the controllers is to be found.
-struct Place
-{
-    QByteArray name;
-    QHostAddress address;
-    /// 0: a free one.
-    quint16 port = 0;
-    /// With port 0: so many behind the port of the first controller; nothing: any.
-    std::optional<quint16> behindFirst;
-};
-
-/// A word or bit that changes by itself.
-struct Generated
-{
-    Address address;
-    Generator generator;
-};
-
-/// What one of the controllers is at the start.
-struct Setup
-{
-    Place place;
-    Profile profile;
-    QVector<Generated> generators;
-    QVector<StoredValue> memory;
-    QList<QByteArray> faults;
-};
 
 /// The controllers of one program, each with a server of its own.
 class Simulation : public QObject

@@ -1,0 +1,35 @@
+#include <controller/endpoint.h>
+
+#include <QHostAddress>
+#include <QTest>
+
+// Where a controller or a client is, as text.
+class tst_Endpoint : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void endpoints_data();
+    void endpoints();
+};
+
+void tst_Endpoint::endpoints_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<int>("port");
+    QTest::addColumn<QByteArray>("text");
+
+    QTest::newRow("IPv4") << QStringLiteral("127.0.0.1") << 8501 << QByteArray("127.0.0.1:8501");
+    QTest::newRow("IPv6") << QStringLiteral("::1") << 65535 << QByteArray("[::1]:65535");
+}
+
+void tst_Endpoint::endpoints()
+{
+    QFETCH(QString, address);
+    QFETCH(int, port);
+    QFETCH(QByteArray, text);
+    QCOMPARE(endpointText(QHostAddress(address), static_cast<quint16>(port)), text);
+}
+
+QTEST_GUILESS_MAIN(tst_Endpoint)
+#include "tst_endpoint.moc"
