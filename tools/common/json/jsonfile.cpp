@@ -1,15 +1,13 @@
 #include <common/json/jsonfile.h>
 
+#include <common/inputfile.h>
 #include <common/json/duplicatekey.h>
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 namespace {
-
-constexpr qint64 maximumFileSize = 16LL * 1024 * 1024;
 
 /// The line and the column of an offset in bytes, both from 1, as LINE:COLUMN; columns count
 /// characters.
@@ -26,17 +24,11 @@ QString lineAndColumn(const QByteArray &json, int offset)
 std::optional<QByteArray> readJsonBytes(const QString &fileName, const QString &kind,
                                         QList<Problem> *problems)
 {
-    QFile file(fileName);
-    const bool isOpen = file.open(QIODevice::ReadOnly);
-    const QByteArray json = isOpen ? file.read(maximumFileSize + 1) : QByteArray();
-    if (file.error() != QFileDevice::NoError) {
-        problems->append({{}, {}, u"cannot be read: " + file.errorString()});
-        return {};
-    }
-    if (json.size() > maximumFileSize) {
-        problems->append({{}, {}, u"larger than 16 MiB, so it is no " + kind});
-        return {};
-    }
+    QString error;
+    std::optional<QByteArray> json
+        = readInputFile(fileName, u"larger than 16 MiB, so it is no " + kind, &error);
+    if (!json)
+        problems->append({{}, {}, error});
     return json;
 }
 

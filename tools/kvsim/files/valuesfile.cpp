@@ -1,12 +1,9 @@
 #include "files/valuesfile.h"
 
-#include <QFile>
-
-#include <optional>
+#include <common/inputfile.h>
 
 namespace {
 
-constexpr qint64 maximumFileSize = 16LL * 1024 * 1024;
 constexpr qint64 latestTime = 1000000000000; // some thirty years
 // Enough to see what is wrong with the file.
 constexpr int mostErrors = 10;
@@ -72,15 +69,14 @@ Timeline evenly(const QVector<qint64> &values, qint64 period, bool once)
 ValuesFile readValuesFile(const QString &fileName, qint64 minimum, qint64 maximum, qint64 period,
                           bool once)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return {{}, {fileName + QLatin1String(" cannot be read: ") + file.errorString()}};
-    const QByteArray bytes = file.read(maximumFileSize + 1);
-    if (bytes.size() > maximumFileSize)
-        return {{}, {fileName + QLatin1String(" is larger than 16 MiB; write a shorter one")}};
+    QString readError;
+    const std::optional<QByteArray> bytes = readInputFile(
+        fileName, QStringLiteral("is larger than 16 MiB; write a shorter one"), &readError);
+    if (!bytes)
+        return {{}, {fileName + u' ' + readError}};
 
     ValuesFile result;
-    const QList<QByteArray> lines = bytes.split('\n');
+    const QList<QByteArray> lines = bytes->split('\n');
     for (int i = 0; i < lines.size() && result.errors.size() < mostErrors; ++i) {
         const QByteArray line = lines.at(i).trimmed();
         if (line.isEmpty() || line.startsWith('#'))
@@ -91,7 +87,7 @@ ValuesFile readValuesFile(const QString &fileName, qint64 minimum, qint64 maximu
                 QStringLiteral("%1, line %2: %3").arg(fileName).arg(i + 1).arg(error));
     }
     if (result.timeline.values.isEmpty() && result.errors.isEmpty())
-        result.errors.append(fileName + QLatin1String(" has no value; write one at least"));
+        result.errors.append(fileName + u" has no value; write one at least");
     if (period > 0)
         result.timeline = evenly(result.timeline.values, period, once);
     else
