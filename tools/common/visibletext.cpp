@@ -25,8 +25,8 @@ QString visibleCharacter(uint character)
     if (QChar::isPrint(character) && !breaksLine)
         return QString::fromUcs4(&character, 1);
     if (character <= 0xff)
-        return QStringLiteral("\\x%1").arg(character, 2, 16, QLatin1Char('0'));
-    return QStringLiteral("\\u%1").arg(character, 4, 16, QLatin1Char('0'));
+        return QStringLiteral("\\x%1").arg(character, 2, 16, QChar(u'0'));
+    return QStringLiteral("\\u%1").arg(character, 4, 16, QChar(u'0'));
 }
 
 } // namespace

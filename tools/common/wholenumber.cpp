@@ -5,7 +5,7 @@
 std::optional<int> wholeNumber(const QString &text, int minimum, int maximum)
 {
     const bool onlyDigits = std::all_of(text.begin(), text.end(), [](QChar character) {
-        return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+        return character >= u'0' && character <= u'9';
     });
     bool isInt = false;
     const int number = text.toInt(&isInt);

@@ -184,7 +184,7 @@ void tst_Control::ctl()
     const QString port = QString::number(simulator.control());
     const auto compare = [&port](const char *command, const char *output) {
         const ProgramRun result
-            = runCtl(QStringList{text("--port"), port} + text(command).split(QLatin1Char(' ')));
+            = runCtl(QStringList{text("--port"), port} + text(command).split(u' '));
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.output, text(output));
         QCOMPARE(result.exitCode, 0);
@@ -233,11 +233,11 @@ void tst_Control::ctlFailures()
     QFETCH(int, exitCode);
 
     Simulator simulator;
-    QStringList list = arguments.split(QLatin1Char(' '));
+    QStringList list = arguments.split(u' ');
     if (exitCode == 1)
         list = QStringList{text("--port"), QString::number(simulator.control())} + list;
     const ProgramRun result = runCtl(list);
-    QCOMPARE(result.errors, QString(text("kvsim: ") + error + QLatin1Char('\n')));
+    QCOMPARE(result.errors, QString(text("kvsim: ") + error + u'\n'));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, exitCode);
     QVERIFY(simulator.terminate());

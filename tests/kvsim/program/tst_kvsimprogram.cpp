@@ -35,11 +35,11 @@ private Q_SLOTS:
 namespace {
 
 constexpr int timeout = TextClient::timeout;
-const char *const program = KVSIM_PROGRAM;
+const QString program = QStringLiteral(KVSIM_PROGRAM);
 
 ProgramRun run(const QStringList &arguments)
 {
-    return runProgram(QLatin1String(program), arguments, {});
+    return runProgram(program, arguments, {});
 }
 
 // The port in the first line, or 0. Waits for the line.
@@ -55,7 +55,7 @@ quint16 listeningPort(QProcess *process)
 
 quint16 startServing(QProcess *process, const QStringList &moreArguments = {})
 {
-    process->start(QLatin1String(program),
+    process->start(program,
                    QStringList{QStringLiteral("--port"), QStringLiteral("0")} + moreArguments);
     return listeningPort(process);
 }
@@ -198,9 +198,9 @@ void tst_KvsimProgram::moreClientsThanDescriptors()
     QSKIP("The sanitizer's own checks need a file descriptor and fail when there is none.");
 #endif
     QProcess process;
-    process.start(QStringLiteral("/bin/sh"),
-                  {QStringLiteral("-c"), QStringLiteral("ulimit -n 16; exec \"$0\" --port 0"),
-                   QLatin1String(program)});
+    process.start(
+        QStringLiteral("/bin/sh"),
+        {QStringLiteral("-c"), QStringLiteral("ulimit -n 16; exec \"$0\" --port 0"), program});
     const quint16 port = listeningPort(&process);
     QVERIFY(port != 0);
 
@@ -221,7 +221,7 @@ void tst_KvsimProgram::usageErrors_data()
     QTest::addColumn<QByteArray>("error");
 
     const auto row = [](const char *name, const char *arguments, const char *error) {
-        QTest::newRow(name) << QString::fromLatin1(arguments).split(QLatin1Char('|'))
+        QTest::newRow(name) << QString::fromLatin1(arguments).split(u'|')
                             << "kvsim: " + QByteArray(error) + " See kvsim --help.\n";
     };
     row("unknown option", "--prot|0", "Unknown option 'prot'.");
@@ -313,7 +313,7 @@ void tst_KvsimProgram::outputThatCannotBeWritten()
 {
     QProcess process;
     process.setStandardOutputFile(QStringLiteral("/dev/full"));
-    process.start(QLatin1String(program), {QStringLiteral("--port"), QStringLiteral("0")});
+    process.start(program, {QStringLiteral("--port"), QStringLiteral("0")});
     QVERIFY(process.waitForFinished(timeout));
     QCOMPARE(process.readAllStandardError(),
              QByteArray("kvsim: cannot write to standard output: No space left on device\n"));

@@ -226,10 +226,9 @@ void tst_SeveralControllers::ctl()
     KvsimProcess simulator(controlled("2"), 3);
     const QString port = QString::number(simulator.port(2));
     const auto compare = [&port](const char *command, const QByteArray &output) {
-        const ProgramRun result = runProgram(text(KVSIM_PROGRAM),
-                                             QStringList{text("ctl"), text("--port"), port}
-                                                 + text(command).split(QLatin1Char(' ')),
-                                             {});
+        const ProgramRun result = runProgram(
+            text(KVSIM_PROGRAM),
+            QStringList{text("ctl"), text("--port"), port} + text(command).split(u' '), {});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.output.toUtf8(), output);
         QCOMPARE(result.exitCode, 0);
@@ -318,8 +317,7 @@ void tst_SeveralControllers::usageErrors()
     QFETCH(QString, arguments);
     QFETCH(QString, error);
 
-    const ProgramRun result
-        = runProgram(text(KVSIM_PROGRAM), arguments.split(QLatin1Char(' ')), {});
+    const ProgramRun result = runProgram(text(KVSIM_PROGRAM), arguments.split(u' '), {});
     QCOMPARE(result.errors, QString(text("kvsim: ") + error + text(" See kvsim --help.\n")));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 2);

@@ -200,14 +200,13 @@ void tst_ItemConversion::getPlcValue_data()
     row("float: one", 7, text("1"), "0 16256");
     row("float: zero", 7, text("0"), "0");
     row("float: pi", 7, text("3.14159265"), "4059 16457");
-    row("float: too great is infinite", 7, QString(60, QLatin1Char('9')), "0 32640");
-    row("float: far too great is infinite", 7, QString(400, QLatin1Char('9')), "0 32640");
-    row("float: too small is minus infinite", 7,
-        QString(QLatin1Char('-') + QString(400, QLatin1Char('9'))), "0 65408");
+    row("float: too great is infinite", 7, QString(60, u'9'), "0 32640");
+    row("float: far too great is infinite", 7, QString(400, u'9'), "0 32640");
+    row("float: too small is minus infinite", 7, QString(u'-' + QString(400, u'9')), "0 65408");
     row("float: no number", 7, text("abc"), "0");
     row("double: one", 8, text("1"), "0 0 0 16368");
     row("double: pi", 8, text("3.141592653589793"), "11544 21572 8699 16393");
-    row("double: too great is infinite", 8, QString(400, QLatin1Char('9')), "0 0 0 32752");
+    row("double: too great is infinite", 8, QString(400, u'9'), "0 0 0 32752");
     row("ascii: one character", 9, text("A"), " 65");
     row("ascii: two", 9, text("AB"), " 16961");
     row("ascii: three", 9, text("ABC"), " 16961 67");

@@ -99,8 +99,7 @@ void tst_ItemService::readsItem()
     Keyence plugin;
     Socket socket(loopback, peer.port(), 2000);
     // What a cycle before left as value must not matter: it is far too long for the item.
-    DataItem item
-        = dataItem(text("Counter"), address, memoryType, dataType, QString(100, QLatin1Char('x')));
+    DataItem item = dataItem(text("Counter"), address, memoryType, dataType, QString(100, u'x'));
     QCOMPARE(plugin.manageDataItem(item, text("read"), socket), QString());
     QTEST(valueOf(item), "value");
     // A null text would not be an empty value to a host that keeps it.

@@ -26,8 +26,7 @@ QStringList linesOf(const QString &program, const QStringList &arguments)
     process.start(program, arguments);
     if (!process.waitForFinished() || process.exitCode() != 0)
         qFatal("%s failed", qPrintable(program));
-    return QString::fromLocal8Bit(process.readAllStandardOutput())
-        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return QString::fromLocal8Bit(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
 }
 
 // The dynamic symbols of a library.
@@ -127,7 +126,7 @@ void tst_Plugin::neededLibraries()
     QFETCH(QString, library);
     const QStringList needed
         = linesOf(text("readelf"), {text("-d"), pluginFile}).filter(text("(NEEDED)"));
-    QCOMPARE(needed.filter(QLatin1Char('[') + library + QLatin1Char(']')).size(), 1);
+    QCOMPARE(needed.filter(u'[' + library + u']').size(), 1);
 }
 
 void tst_Plugin::staysMapped()

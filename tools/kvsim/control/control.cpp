@@ -101,7 +101,7 @@ QString unknownCommand(const QByteArray &name)
     for (const ControlCommand &command : commands)
         names.append(QLatin1String(command.name));
     return QStringLiteral("unknown command '%1'; use one of: %2")
-        .arg(QString::fromUtf8(name), names.join(QLatin1String(", ")));
+        .arg(QString::fromUtf8(name), names.join(QStringLiteral(", ")));
 }
 
 NamedControllers named(const QByteArray &name, const NamedControllers &controllers)
@@ -120,7 +120,7 @@ QString unknownController(const QByteArray &name, const NamedControllers &contro
     for (const NamedController &controller : controllers)
         names.append(u'@' + QString::fromUtf8(controller.name));
     return QStringLiteral("unknown controller '@%1'; use one of: %2")
-        .arg(QString::fromUtf8(name), names.join(QLatin1String(", ")));
+        .arg(QString::fromUtf8(name), names.join(QStringLiteral(", ")));
 }
 
 ControlAnswer answerFields(const Fields &fields, const ControlTarget &target)

@@ -139,7 +139,7 @@ QString readKind(const QByteArray &text, Fault *fault)
         for (const Kind &known : kinds)
             names.append(QLatin1String(known.name));
         return QStringLiteral("unknown fault '%1'; use one of: %2")
-            .arg(shown(name), names.join(QLatin1String(", ")));
+            .arg(shown(name), names.join(QStringLiteral(", ")));
     }
     fault->kind = kind->kind;
     // An '=' with nothing behind it is not the same as no '='.

@@ -85,10 +85,9 @@ std::optional<Range> readRange(const QString &text, const QString &place, QList<
     return {};
 }
 
-QVector<Range> readRanges(const QJsonObject &object, const char *name, const QString &place,
+QVector<Range> readRanges(const QJsonObject &object, const QString &key, const QString &place,
                           QList<Problem> *errors)
 {
-    const QString key = QLatin1String(name);
     if (!object.contains(key))
         return {};
     const QString listPlace = member(place, key);
@@ -168,8 +167,8 @@ Setup readController(const QJsonValue &value, int index, const QString &folder,
     setup.place.address = readHostAddress(object, byDefault.address, place, errors);
     setup.place.port = readPort(object, byDefault.port, place, errors);
     setup.profile.model = readModel(object, place, errors);
-    setup.profile.readOnly = readRanges(object, "readOnly", place, errors);
-    setup.profile.missing = readRanges(object, "missing", place, errors);
+    setup.profile.readOnly = readRanges(object, QStringLiteral("readOnly"), place, errors);
+    setup.profile.missing = readRanges(object, QStringLiteral("missing"), place, errors);
     Memory taken;
     setup.generators = readGenerators(object, folder, place, &taken, errors);
     const QString memory = QStringLiteral("memory");

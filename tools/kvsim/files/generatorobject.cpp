@@ -23,36 +23,35 @@ public:
     {
     }
 
-    qint64 number(const char *key, qint64 minimum, qint64 maximum) const
+    qint64 number(const QString &key, qint64 minimum, qint64 maximum) const
     {
-        const QString name = QLatin1String(key);
-        return readWhole(m_object.value(name), minimum, maximum, member(m_place, name), m_errors)
+        return readWhole(m_object.value(key), minimum, maximum, member(m_place, key), m_errors)
             .value_or(1);
     }
 
-    qint64 time(const char *key) const { return number(key, 1, longestPeriod); }
+    qint64 time(const QString &key) const { return number(key, 1, longestPeriod); }
 
     // What the word or bit may hold.
-    qint64 level(const char *key) const { return number(key, lowest(), highest()); }
+    qint64 level(const QString &key) const { return number(key, lowest(), highest()); }
 
     qint64 lowest() const { return m_kind == DeviceKind::Bit ? 0 : -32768; }
     qint64 highest() const { return maximumValue(m_kind); }
 
-    bool has(const char *key) const { return m_object.contains(QLatin1String(key)); }
+    bool has(const QString &key) const { return m_object.contains(key); }
 
     bool isOnce() const
     {
         const QString name = QStringLiteral("once");
         const QJsonValue value = m_object.value(name);
-        if (has("once") && !value.isBool())
+        if (has(name) && !value.isBool())
             addWrongKind(value, QStringLiteral("true or false"), member(m_place, name), m_errors);
         return value.toBool();
     }
 
-    QVector<qint64> levels(const char *key) const
+    QVector<qint64> levels(const QString &key) const
     {
-        const QString place = member(m_place, QLatin1String(key));
-        const QJsonArray list = readList(m_object.value(QLatin1String(key)), place, m_errors);
+        const QString place = member(m_place, key);
+        const QJsonArray list = readList(m_object.value(key), place, m_errors);
         QVector<qint64> values;
         for (int i = 0; i < list.size(); ++i)
             values.append(readWhole(list.at(i), lowest(), highest(), element(place, i), m_errors)
@@ -62,15 +61,14 @@ public:
         return values;
     }
 
-    QString text(const char *key) const
+    QString text(const QString &key) const
     {
-        const QString name = QLatin1String(key);
-        return readName(m_object.value(name), member(m_place, name), m_errors);
+        return readName(m_object.value(key), member(m_place, key), m_errors);
     }
 
-    void fault(const char *key, const QString &text) const
+    void fault(const QString &key, const QString &text) const
     {
-        addError(member(m_place, QLatin1String(key)), text, m_errors);
+        addError(member(m_place, key), text, m_errors);
     }
 
     QString path(const QString &fileName) const { return QDir(m_folder).filePath(fileName); }
@@ -85,56 +83,59 @@ private:
 
 Generator readRamp(const GeneratorFields &fields)
 {
-    const qint64 from = fields.level("from");
-    const qint64 to = fields.level("to");
-    return ramp(from, to, fields.time("period"));
+    const qint64 from = fields.level(QStringLiteral("from"));
+    const qint64 to = fields.level(QStringLiteral("to"));
+    return ramp(from, to, fields.time(QStringLiteral("period")));
 }
 
 Generator readSine(const GeneratorFields &fields)
 {
     constexpr qint64 widest = 65535;
-    const qint64 mean = fields.level("mean");
-    const qint64 amplitude = fields.number("amplitude", 0, widest);
-    return sine(mean, amplitude, fields.time("period"));
+    const qint64 mean = fields.level(QStringLiteral("mean"));
+    const qint64 amplitude = fields.number(QStringLiteral("amplitude"), 0, widest);
+    return sine(mean, amplitude, fields.time(QStringLiteral("period")));
 }
 
 Generator readSquare(const GeneratorFields &fields)
 {
-    const qint64 low = fields.level("low");
-    const qint64 high = fields.level("high");
-    return square(low, high, fields.time("period"));
+    const qint64 low = fields.level(QStringLiteral("low"));
+    const qint64 high = fields.level(QStringLiteral("high"));
+    return square(low, high, fields.time(QStringLiteral("period")));
 }
 
 Generator readRandom(const GeneratorFields &fields)
 {
     constexpr qint64 largestSeed = std::numeric_limits<quint32>::max();
-    const qint64 minimum = fields.level("min");
-    const qint64 maximum = fields.level("max");
+    const qint64 minimum = fields.level(QStringLiteral("min"));
+    const qint64 maximum = fields.level(QStringLiteral("max"));
     if (maximum < minimum)
-        fields.fault("max", QStringLiteral("is less than min; write min first"));
-    const qint64 seed = fields.has("seed") ? fields.number("seed", 0, largestSeed) : 1;
-    return randomNumbers(minimum, std::max(minimum, maximum), fields.time("period"),
+        fields.fault(QStringLiteral("max"), QStringLiteral("is less than min; write min first"));
+    const qint64 seed = fields.has(QStringLiteral("seed"))
+                            ? fields.number(QStringLiteral("seed"), 0, largestSeed)
+                            : 1;
+    return randomNumbers(minimum, std::max(minimum, maximum), fields.time(QStringLiteral("period")),
                          static_cast<quint32>(seed));
 }
 
 Generator readSteps(const GeneratorFields &fields)
 {
-    const QVector<qint64> values = fields.levels("values");
-    const qint64 hold = fields.time("hold");
+    const QVector<qint64> values = fields.levels(QStringLiteral("values"));
+    const qint64 hold = fields.time(QStringLiteral("hold"));
     return replay(evenly(values, hold, fields.isOnce()));
 }
 
 Generator readCsv(const GeneratorFields &fields)
 {
-    const QString fileName = fields.text("file");
+    const QString fileName = fields.text(QStringLiteral("file"));
     const bool once = fields.isOnce();
-    const qint64 period = fields.has("period") ? fields.time("period") : 0;
+    const qint64 period
+        = fields.has(QStringLiteral("period")) ? fields.time(QStringLiteral("period")) : 0;
     if (fileName.isEmpty())
         return {};
     const ValuesFile file
         = readValuesFile(fields.path(fileName), fields.lowest(), fields.highest(), period, once);
     for (const QString &error : file.errors)
-        fields.fault("file", error);
+        fields.fault(QStringLiteral("file"), error);
     return file.errors.isEmpty() ? replay(file.timeline) : Generator();
 }
 
@@ -161,7 +162,7 @@ QString unknownKind(const QString &name)
     for (const GeneratorKind &kind : generatorKinds)
         names.append(QLatin1String(kind.name));
     return QStringLiteral("unknown kind '%1'; use one of: %2")
-        .arg(name, names.join(QLatin1String(", ")));
+        .arg(name, names.join(QStringLiteral(", ")));
 }
 
 } // namespace

@@ -89,6 +89,5 @@ QString saveMemory(const QString &fileName, const NamedControllers &controllers)
     const bool written = file.open(QIODevice::WriteOnly)
                          && file.write("{\"controllers\": [\n" + texts.join(",\n") + "\n]}\n") >= 0
                          && file.commit();
-    return written ? QString()
-                   : fileName + QLatin1String(": cannot be written: ") + file.errorString();
+    return written ? QString() : fileName + u": cannot be written: " + file.errorString();
 }

@@ -32,7 +32,7 @@ bool Server::listen(const QHostAddress &address, quint16 port)
         }
         if (m_datagrams->listen(m_listener->serverAddress(), m_listener->serverPort()))
             return true;
-        m_errorString = m_datagrams->errorString() + QLatin1String(" (UDP)");
+        m_errorString = m_datagrams->errorString() + u" (UDP)";
         m_listener->close();
     }
     return false;

@@ -40,9 +40,9 @@ std::optional<quint16> parsePort(const QString &text)
 
 std::optional<Consecutive> parseConsecutive(const QString &text)
 {
-    if (text == QLatin1String("addresses"))
+    if (text == u"addresses")
         return Consecutive::Addresses;
-    if (text == QLatin1String("ports"))
+    if (text == u"ports")
         return Consecutive::Ports;
     return std::nullopt;
 }

@@ -63,7 +63,7 @@ bool Simulation::listenOnce()
         if (port > 65535 || !server.listen(place.address, static_cast<quint16>(port))) {
             m_errorString
                 = QString::fromLatin1(endpointText(place.address, static_cast<quint16>(port)))
-                  + QLatin1String(": ") + server.errorString();
+                  + u": " + server.errorString();
             return false;
         }
         station->endpoint = endpointText(server.address(), server.port());
