@@ -7,14 +7,14 @@ packages_for() {
     case $1 in
     programs) echo g++ cmake ninja-build qtbase5-dev ;;
     build) packages_for programs && echo help2man ;;
-    test) packages_for build && echo bash-completion groff-base python3-jsonschema ;;
+    test) packages_for build && echo bash-completion groff-base python3-jsonschema python3-pyelftools ;;
     documents) packages_for test && echo iproute2 iputils-ping python3 ;;
     coverage) packages_for test && echo gcovr ;;
     lint) packages_for test && echo clang-format clang-tidy clazy git ;;
     cross-compiler) echo g++-arm-linux-gnueabihf ;;
     emulator) echo qemu-user ;;
     package) packages_for build && echo dpkg-dev file git ;;
-    package-test) packages_for programs && echo binutils dpkg-dev lintian ;;
+    package-test) packages_for programs && echo binutils dpkg-dev lintian python3-pyelftools ;;
     bare-system) echo git mmdebstrap ;;
     *)
         echo "install-packages: unknown purpose $1; the purposes stand in $0" >&2

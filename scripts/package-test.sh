@@ -85,13 +85,13 @@ try_gateway() {
         cp --archive "$root/deb/." "$gateway"
         stand_in=/usr/lib/libkeyence-tools/vel
     fi
-    scripts/gateway-check.sh "$root/deb/$plugin" "$gateway" "$stand_in" || fail "the plug-in should load"
+    scripts/gateway-check.py "$root/deb/$plugin" "$gateway" "$stand_in" || fail "the plug-in should load"
     [ "$architecture" = armhf ] || return 0
 
     arm-linux-gnueabihf-g++ -x c -mfloat-abi=soft -shared -nostdlib -o "$root/soft.so" /dev/null
     for other in "$root/soft.so" "$(g++ -print-file-name=libc.so.6)"; do
         status=0
-        scripts/gateway-check.sh "$other" "$gateway" "$stand_in" || status=$?
+        scripts/gateway-check.py "$other" "$gateway" "$stand_in" || status=$?
         [ "$status" -eq 1 ] || fail "$other cannot load there, but the check ends with $status"
     done
 }

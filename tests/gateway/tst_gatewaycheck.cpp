@@ -234,8 +234,22 @@ void tst_GatewayCheck::points_data()
         << plugin << gatewayWithout(host)
         << QStringList{kind, libraries, glibc, qt, symbols, identifierUnknown, good} << 0;
     QTest::newRow("an earlier build is no witness")
-        << plugin << gatewayMoved(host, text("opt/vel/plugins/libkeyence.so"))
+        << plugin << gatewayMoved(host, text("opt/vel/libkeyence.so"))
         << QStringList{kind, libraries, glibc, qt, symbols, identifierUnknown, good} << 0;
+    QTest::newRow("velhost is no witness")
+        << plugin << gatewayMoved(host, text("usr/bin/velhost"))
+        << QStringList{kind, libraries, glibc, qt, symbols, identifierUnknown, good} << 0;
+    QTest::newRow("host in a folder of its own")
+        << plugin << gatewayMoved(host, text("opt/vel/bin/host"))
+        << QStringList{kind,
+                       libraries,
+                       glibc,
+                       qt,
+                       symbols,
+                       text("ok: the interface identifier is org.example.VELInterface/1.0.7, as in "
+                            "/opt/vel/bin/host."),
+                       good}
+        << 0;
     QTest::newRow("no plug-in")
         << text("no plugin") << completeGateway()
         << QStringList{kind,

@@ -111,7 +111,7 @@ void tst_GatewayFolders::wrongUsage_data()
     QTest::addColumn<QString>("message");
 
     QTest::newRow("nothing") << QStringList{}
-                             << text("usage: gateway-check.sh LIBKEYENCE [ROOT [FOLDER...]]");
+                             << text("usage: gateway-check.py LIBKEYENCE [ROOT [FOLDER...]]");
     QTest::newRow("no library") << QStringList{text("none.so")} << text("there is no file none.so");
     QTest::newRow("no ELF file") << QStringList{text("plugin.c")}
                                  << text("plugin.c is no ELF library");
