@@ -6,8 +6,6 @@ cd "$(dirname "$0")/.."
 scripts/install-packages.sh lint
 
 sources=$(git ls-files --cached --others --exclude-standard '*.cpp')
-tests=$(git ls-files --cached --others --exclude-standard 'tests/*.cpp')
-others=$(git ls-files --cached --others --exclude-standard '*.cpp' ':!tests')
 headers=$(git ls-files --cached --others --exclude-standard '*.h')
 
 # on_each FILES COMMAND...: runs the command with a few of the files at a time, on every processor.
@@ -22,24 +20,12 @@ echo "clang-format"
 # shellcheck disable=SC2086
 clang-format --dry-run -Werror $sources $headers
 
-# Both need the commands of a build, and what it generates.
+# What follows needs the commands of a build, and what it generates.
 cmake --preset dev >/dev/null
 cmake --build --preset dev >/dev/null
 
-# Nearly all of clang-tidy's time goes into the headers of Qt. So the plug-in and the tools, whose sources share
-# them, are read as a build that joins many sources into one; for that, no two of a library may use a name for
-# different things. The checks that only look at a source for itself follow.
-cmake -S . -B build/lint -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKEYENCE_BUILD_TESTS=OFF \
-    -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=16 -DCMAKE_GLOBAL_AUTOGEN_TARGET=ON >/dev/null
-cmake --build build/lint --target autogen >/dev/null
-joined=$(find build/lint -name 'unity_*.cxx')
-
 echo "clang-tidy"
-on_each "$joined" clang-tidy --quiet -p build/lint --checks=-bugprone-suspicious-include \
-    --header-filter='/(vel|src|tools)/.*\.(h|cpp)$'
-on_each "$tests" clang-tidy --quiet -p build/dev
-on_each "$others" clang-tidy --quiet -p build/dev \
-    --checks='-*,clang-analyzer-*,misc-unused-using-decls,bugprone-suspicious-include'
+on_each "$sources" clang-tidy --quiet -p build/dev
 
 echo "clazy"
 # Left out, because here they do not apply:
