@@ -3,7 +3,6 @@
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
-set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
 
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
 get_filename_component(CMAKE_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/sysroot-armhf ABSOLUTE)

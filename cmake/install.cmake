@@ -6,7 +6,6 @@ set(tools_documents share/doc/libkeyence-tools)
 set(plugin_pages deployment errors host-interface troubleshooting user-guide)
 set(tools_pages simulator velhost)
 # The stand-in stays out of the loader's folders, so that no host ever takes it for its own library.
-# One folder deeper than usual, or cpack makes a package that has the loader look for libraries anew.
 set(tools_libraries lib/libkeyence-tools/vel)
 
 # install_pages(<component> <name>...): the pages, with links into the folder of the other package where that has what
