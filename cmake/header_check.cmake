@@ -1,19 +1,9 @@
-# check_headers(<target>): compiles every header of <target>'s folder on its own, with the target's own
-# libraries and include folders, as part of the ordinary build. A header that only compiles after another
-# one breaks here and not in its next user's file.
+# check_headers(<target> [<base>]): has every header of this folder compiled alone, with what <target> gives to those
+# who link it, where CMAKE_VERIFY_INTERFACE_HEADER_SETS is on. A header that only compiles after another one breaks
+# there and not in its next user's file. Below <base>, default this folder, is what is named when one is included.
 function(check_headers target)
-    if(NOT KEYENCE_CHECK_HEADERS)
-        return()
-    endif()
-    get_target_property(folder ${target} SOURCE_DIR)
-    file(GLOB_RECURSE headers RELATIVE ${folder} CONFIGURE_DEPENDS ${folder}/*.h)
-    set(sources)
-    foreach(header IN LISTS headers)
-        string(REPLACE "/" "_" name ${header})
-        set(source ${CMAKE_CURRENT_BINARY_DIR}/headers/${name}.cpp)
-        file(CONFIGURE OUTPUT ${source} CONTENT "#include \"${folder}/${header}\"\n" @ONLY)
-        list(APPEND sources ${source})
-    endforeach()
-    add_library(${target}-headers OBJECT ${sources})
-    target_link_libraries(${target}-headers PRIVATE ${target} keyence-options)
+    set(base ${CMAKE_CURRENT_SOURCE_DIR} ${ARGN})
+    list(GET base -1 base)
+    file(GLOB_RECURSE headers CONFIGURE_DEPENDS *.h)
+    target_sources(${target} INTERFACE FILE_SET HEADERS BASE_DIRS ${base} FILES ${headers})
 endfunction()

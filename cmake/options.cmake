@@ -27,10 +27,6 @@ cmake_dependent_option(KEYENCE_BUILD_TESTS
     "Build the tests. Needs the tools with their manual pages." ON
     "KEYENCE_BUILD_TOOLS" OFF)
 
-cmake_dependent_option(KEYENCE_CHECK_HEADERS
-    "Compile every header alone, too. Once is enough: the preset dev does it." ON
-    "KEYENCE_BUILD_TESTS" OFF)
-
 option(KEYENCE_WERROR "Treat compiler warnings in our own code as errors." OFF)
 
 option(KEYENCE_SANITIZE
