@@ -187,15 +187,14 @@ void tst_ErrorProvocation::provoke_data()
     QTest::addColumn<QString>("id");
     QTest::addColumn<QJsonObject>("provocation");
 
-    QFile file(text(ERRORS_FILE));
+    QFile file(text(PROVOCATIONS_FILE));
     QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
-    const QJsonArray errors = QJsonDocument::fromJson(file.readAll())[text("errors")].toArray();
-    for (const QJsonValue &error : errors) {
-        const QString id = error[text("id")].toString();
-        const QJsonArray provocations = error[text("provocations")].toArray();
+    const QJsonObject errors = QJsonDocument::fromJson(file.readAll()).object();
+    for (auto error = errors.begin(); error != errors.end(); ++error) {
+        const QJsonArray provocations = error.value().toArray();
         for (const QJsonValue &provocation : provocations) {
-            const QString name = id + u": " + provocation[text("what")].toString();
-            QTest::newRow(qPrintable(name)) << id << provocation.toObject();
+            const QString name = error.key() + u": " + provocation[text("what")].toString();
+            QTest::newRow(qPrintable(name)) << error.key() << provocation.toObject();
         }
     }
 }
