@@ -6,7 +6,6 @@ and nothing on the gateway. One line a point: "ok", "FAILS" or "unknown".
 Exit code: 0 no point fails, 1 a point fails, 2 wrong usage."""
 
 import contextlib
-import functools
 import glob
 import os
 import re
@@ -76,13 +75,10 @@ class Root:
                     yield from self.configured_folders(included, True)
 
 
-@functools.lru_cache(maxsize=None)
 def elf_of(file):
     """Nothing for another kind of file, or none."""
-    try:
-        return ELFFile(open(file, "rb"))
-    except (ELFError, OSError):
-        return None
+    with contextlib.suppress(ELFError, OSError):
+        return ELFFile(open(file, "rb")) if os.path.isfile(file) else None
 
 
 def parts(elf, section, method):
@@ -193,7 +189,7 @@ class Gateway:
         families = {}
         for library, versions in parts(self.plugin, ".gnu.version_r", "iter_versions"):
             for version in versions:
-                if self.found[library.name]:
+                if self.found.get(library.name):
                     families.setdefault(family_and_number(version.name)[0], []).append((library.name, version.name))
         for family, needs in families.items():
             stated = {name: [next(names).name for _, names in parts(self.found[name], ".gnu.version_d", "iter_versions")]
