@@ -3,6 +3,11 @@
 if(KEYENCE_BUILD_MAN_PAGES)
     need_program(HELP2MAN help2man help2man "which makes the manual pages"
         "leave them out with -DKEYENCE_BUILD_MAN_PAGES=OFF -DKEYENCE_BUILD_TESTS=OFF")
+    if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
+        message(SEND_ERROR "The manual pages are made of what the programs say: name an emulator that runs them with "
+            "-DCMAKE_CROSSCOMPILING_EMULATOR=COMMAND, or leave the pages out with -DKEYENCE_BUILD_MAN_PAGES=OFF "
+            "-DKEYENCE_BUILD_TESTS=OFF.")
+    endif()
 endif()
 
 set(KEYENCE_MAN_FOLDER ${PROJECT_BINARY_DIR}/man CACHE INTERNAL "")

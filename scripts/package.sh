@@ -22,7 +22,8 @@ scripts/install-packages.sh package
 
 for preset in ${presets:-package package-armhf}; do
     if [ "$preset" = package-armhf ]; then
-        scripts/install-packages.sh cross-compiler
+        # The programs are asked for their help, of which the manual pages are made.
+        scripts/install-packages.sh cross-compiler emulator
         scripts/armhf-sysroot.sh
     fi
     # shellcheck disable=SC2086 # one word an option
