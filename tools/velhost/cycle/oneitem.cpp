@@ -4,9 +4,12 @@
 
 namespace {
 
-LogList listOf(const DeviceInstancePlugin &device, int item, const QString &value)
+/// The device's record has that item alone, so that a cycle of one item does not cost more with each
+/// item that the device has besides.
+LogList listOf(DeviceInstancePlugin device, int item, const QString &value)
 {
-    return writeLists({device}, {{0, item, value}}).at(0);
+    device.items = {device.items.at(item)};
+    return writeLists({device}, {{0, 0, value}}).at(0);
 }
 
 } // namespace
