@@ -6,6 +6,7 @@
 #include "plan/plan.h"
 #include "plan/recorder.h"
 #include "plan/redirection.h"
+#include "plant/rules.h"
 
 #include <algorithm>
 
@@ -25,9 +26,7 @@ QString refusal(VELInterface *plugin, const DeviceInstancePlugin &device, quint1
     if (!report.error.isEmpty())
         return report.error;
     const QString port = device.parameters.value(QStringLiteral("port"));
-    bool isNumber = false;
-    const int number = port.toInt(&isNumber);
-    if (isNumber && number >= 1 && number <= 65535)
+    if (isUsablePort(port))
         return {};
     return QStringLiteral("the port \"%1\" is no number from 1 to 65535: no connection is possible")
         .arg(port);
