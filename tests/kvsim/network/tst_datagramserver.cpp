@@ -194,7 +194,7 @@ void tst_DatagramServer::delayHoldsNothingElseBack()
 void tst_DatagramServer::manyDelayedAnswers()
 {
     constexpr quint64 size = 1000 * 6 + 1 + 256;
-    constexpr quint64 kept = DatagramServer::waitingLimit / size + 1;
+    constexpr quint64 kept = DatagramServer::pendingLimit / size + 1;
     SimulatorThread simulator;
     QCOMPARE(simulator.addFault("delay=600000@DM0"), QString());
     UdpClient client(simulator.port());

@@ -14,14 +14,14 @@ struct ControlAnswer
 };
 
 /// Writes the memory of all controllers to their file; returns an empty text, or why it could not.
-using DumpTarget = std::function<QString()>;
+using DumpFunction = std::function<QString()>;
 
 /// What control commands reach.
 struct ControlTarget
 {
     NamedControllers controllers;
     /// Nothing: there is no such file.
-    DumpTarget dump;
+    DumpFunction dump;
 };
 
 /// Carries out one line of the control protocol, without its line end: "get DM100",

@@ -11,7 +11,7 @@ const QByteArray lineEnd = QByteArrayLiteral("\r\n");
 
 using Actions = QList<Action>;
 
-struct Incident
+struct FaultContext
 {
     const Fault &fault;
     const QByteArray &answer;
@@ -29,136 +29,135 @@ Actions send(const QByteArray &bytes, int milliseconds = 0)
     return actions;
 }
 
-Actions delayed(const Incident &incident)
+Actions delayed(const FaultContext &context)
 {
-    const int variation = incident.fault.variation;
-    const int jitter = incident.random->bounded(-variation, variation + 1);
-    return send(incident.answer, incident.fault.amount + jitter);
+    const int variation = context.fault.variation;
+    const int jitter = context.random->bounded(-variation, variation + 1);
+    return send(context.answer, context.fault.amount + jitter);
 }
 
-Actions silence(const Incident & /*incident*/)
+Actions silence(const FaultContext & /*context*/)
 {
     return {};
 }
 
-Actions refusal(const Incident &incident)
+Actions refusal(const FaultContext &context)
 {
-    return send(incident.fault.refusal + lineEnd);
+    return send(context.fault.refusal + lineEnd);
 }
 
 // An answer too short for the cut loses its last byte to the second part: two parts in any case.
-Actions split(const Incident &incident)
+Actions split(const FaultContext &context)
 {
-    const int cut = std::min(incident.fault.amount, incident.answer.size() - 1);
-    return send(incident.answer.left(cut))
-           + send(incident.answer.mid(cut), incident.fault.variation);
+    const int cut = std::min(context.fault.amount, context.answer.size() - 1);
+    return send(context.answer.left(cut)) + send(context.answer.mid(cut), context.fault.variation);
 }
 
-Actions dribble(const Incident &incident)
+Actions dribble(const FaultContext &context)
 {
     Actions actions;
-    for (const char byte : incident.answer)
-        actions += send(QByteArray(1, byte), actions.isEmpty() ? 0 : incident.fault.amount);
+    for (const char byte : context.answer)
+        actions += send(QByteArray(1, byte), actions.isEmpty() ? 0 : context.fault.amount);
     return actions;
 }
 
-Actions withoutTerminator(const Incident &incident)
+Actions withoutTerminator(const FaultContext &context)
 {
-    return send(incident.text());
+    return send(context.text());
 }
 
-Actions onlyLineEnd(const Incident & /*incident*/)
+Actions onlyLineEnd(const FaultContext & /*context*/)
 {
     return send(lineEnd);
 }
 
 // Everything but what would end the line.
-Actions garbage(const Incident &incident)
+Actions garbage(const FaultContext &context)
 {
-    QByteArray bytes(incident.fault.amount, '\0');
+    QByteArray bytes(context.fault.amount, '\0');
     for (char &byte : bytes) {
         do {
-            byte = static_cast<char>(incident.random->bounded(256));
+            byte = static_cast<char>(context.random->bounded(256));
         } while (lineEnd.contains(byte));
     }
     return send(bytes + lineEnd);
 }
 
-Actions zeroByte(const Incident &incident)
+Actions zeroByte(const FaultContext &context)
 {
-    QByteArray bytes = incident.answer;
-    bytes[incident.text().size() / 2] = '\0';
+    QByteArray bytes = context.answer;
+    bytes[context.text().size() / 2] = '\0';
     return send(bytes);
 }
 
-Actions longLine(const Incident &incident)
+Actions longLine(const FaultContext &context)
 {
-    const int length = incident.fault.amount - lineEnd.size();
-    const QByteArray part = incident.text() + ' ';
+    const int length = context.fault.amount - lineEnd.size();
+    const QByteArray part = context.text() + ' ';
     return send(part.repeated(length / part.size() + 1).left(length) + lineEnd);
 }
 
-Actions shortAnswer(const Incident &incident)
+Actions shortAnswer(const FaultContext &context)
 {
-    const QByteArray text = incident.text();
+    const QByteArray text = context.text();
     return send(text.left(std::max(text.lastIndexOf(' '), 0)) + lineEnd);
 }
 
-Actions extraWord(const Incident &incident)
+Actions extraWord(const FaultContext &context)
 {
-    return send(incident.text() + " 65535" + lineEnd);
+    return send(context.text() + " 65535" + lineEnd);
 }
 
-Actions notANumber(const Incident &incident)
+Actions notANumber(const FaultContext &context)
 {
-    QByteArray text = incident.text();
+    QByteArray text = context.text();
     std::replace_if(
         text.begin(), text.end(), [](char c) { return c != ' '; }, '*');
     return send(text + lineEnd);
 }
 
-Actions duplicate(const Incident &incident)
+Actions duplicate(const FaultContext &context)
 {
-    return send(incident.answer + incident.answer);
+    return send(context.answer + context.answer);
 }
 
-Actions previousAnswer(const Incident &incident)
+Actions previousAnswer(const FaultContext &context)
 {
-    return send(incident.previous);
+    return send(context.previous);
 }
 
-QByteArray sentBefore(const Incident &incident)
+QByteArray sentBefore(const FaultContext &context)
 {
-    switch (incident.fault.moment) {
+    switch (context.fault.moment) {
     case Moment::Before:
         return {};
     case Moment::In:
-        return incident.answer.left(incident.answer.size() / 2);
+        return context.answer.left(context.answer.size() / 2);
     case Moment::After:
         break;
     }
-    return incident.answer;
+    return context.answer;
 }
 
-Actions close(const Incident &incident)
+Actions close(const FaultContext &context)
 {
-    return send(sentBefore(incident)) + Actions{{Action::Kind::Close, 0, {}}};
+    return send(sentBefore(context)) + Actions{{Action::Kind::Close, 0, {}}};
 }
 
-Actions reset(const Incident &incident)
+Actions reset(const FaultContext &context)
 {
-    return send(sentBefore(incident)) + Actions{{Action::Kind::Reset, 0, {}}};
+    return send(sentBefore(context)) + Actions{{Action::Kind::Reset, 0, {}}};
 }
 
-Actions restart(const Incident &incident)
+Actions restart(const FaultContext &context)
 {
-    return {{Action::Kind::Restart, incident.fault.amount, {}}};
+    return {{Action::Kind::Restart, context.fault.amount, {}}};
 }
 
 struct Effect
 {
     FaultKind kind;
-    Actions (*actions)(const Incident &incident);
+    Actions (*actions)(const FaultContext &context);
 };
 
 constexpr std::array<Effect, 19> effects{{

@@ -140,7 +140,8 @@ QByteArray CommandInterpreter::writeMany(const QList<QByteArray> &fields)
 }
 
 // The address of the first of so many words or bits that all exist.
-std::optional<Address> CommandInterpreter::existing(const QByteArray &start, quint32 count) const
+std::optional<Address> CommandInterpreter::existingAddress(const QByteArray &start,
+                                                           quint32 count) const
 {
     const std::optional<Address> address = parseAddress(start);
     if (!address || countToEnd(*address) < count
@@ -151,7 +152,7 @@ std::optional<Address> CommandInterpreter::existing(const QByteArray &start, qui
 
 QByteArray CommandInterpreter::read(const QByteArray &start, quint32 count) const
 {
-    const std::optional<Address> address = existing(start, count);
+    const std::optional<Address> address = existingAddress(start, count);
     if (!address)
         return noSuchDevice;
 
@@ -168,7 +169,7 @@ QByteArray CommandInterpreter::read(const QByteArray &start, quint32 count) cons
 QByteArray CommandInterpreter::write(const QByteArray &start, const QList<QByteArray> &texts)
 {
     const auto count = static_cast<quint32>(texts.size());
-    const std::optional<Address> address = existing(start, count);
+    const std::optional<Address> address = existingAddress(start, count);
     if (!address)
         return noSuchDevice;
 

@@ -30,7 +30,7 @@ private:
     QByteArray read(const QByteArray &start, quint32 count) const;
     QByteArray write(const QByteArray &start, const QList<QByteArray> &texts);
 
-    std::optional<Address> existing(const QByteArray &start, quint32 count) const;
+    std::optional<Address> existingAddress(const QByteArray &start, quint32 count) const;
 
     Memory *m_memory;
     Profile m_profile;

@@ -18,11 +18,11 @@ struct Place
     /// 0: a free one.
     quint16 port = 0;
     /// With port 0: so many behind the port of the first controller; nothing: any.
-    std::optional<quint16> behindFirst;
+    std::optional<quint16> portOffset;
 };
 
 /// A word or bit that changes by itself.
-struct Generated
+struct GeneratedValue
 {
     Address address;
     Generator generator;
@@ -33,7 +33,7 @@ struct Setup
 {
     Place place;
     Profile profile;
-    QVector<Generated> generators;
+    QVector<GeneratedValue> generators;
     QVector<StoredValue> memory;
     QList<QByteArray> faults;
 };

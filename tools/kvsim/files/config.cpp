@@ -122,15 +122,15 @@ QList<QByteArray> readFaults(const QJsonObject &object, const QString &place,
     return faults;
 }
 
-QVector<Generated> readGenerators(const QJsonObject &object, const QString &folder,
-                                  const QString &place, Memory *memory, QList<Problem> *errors)
+QVector<GeneratedValue> readGenerators(const QJsonObject &object, const QString &folder,
+                                       const QString &place, Memory *memory, QList<Problem> *errors)
 {
     const QString key = QStringLiteral("generators");
     if (!object.contains(key))
         return {};
     const QString here = member(place, key);
     const QJsonObject entries = readObject(object.value(key), here, errors);
-    QVector<Generated> generators;
+    QVector<GeneratedValue> generators;
     for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
         const QString entryPlace = member(here, entry.key());
         const std::optional<Address> address = readAddress(entry.key(), entryPlace, errors);

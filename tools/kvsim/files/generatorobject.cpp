@@ -57,7 +57,7 @@ public:
             values.append(readWhole(list.at(i), lowest(), highest(), element(place, i), m_errors)
                               .value_or(1));
         if (values.isEmpty())
-            fault(key, QStringLiteral("must have one value at least"));
+            addProblem(key, QStringLiteral("must have one value at least"));
         return values;
     }
 
@@ -66,7 +66,7 @@ public:
         return readName(m_object.value(key), member(m_place, key), m_errors);
     }
 
-    void fault(const QString &key, const QString &text) const
+    void addProblem(const QString &key, const QString &text) const
     {
         addError(member(m_place, key), text, m_errors);
     }
@@ -109,7 +109,8 @@ Generator readRandom(const GeneratorFields &fields)
     const qint64 minimum = fields.level(QStringLiteral("min"));
     const qint64 maximum = fields.level(QStringLiteral("max"));
     if (maximum < minimum)
-        fields.fault(QStringLiteral("max"), QStringLiteral("is less than min; write min first"));
+        fields.addProblem(QStringLiteral("max"),
+                          QStringLiteral("is less than min; write min first"));
     const qint64 seed = fields.has(QStringLiteral("seed"))
                             ? fields.number(QStringLiteral("seed"), 0, largestSeed)
                             : 1;
@@ -121,7 +122,7 @@ Generator readSteps(const GeneratorFields &fields)
 {
     const QVector<qint64> values = fields.levels(QStringLiteral("values"));
     const qint64 hold = fields.time(QStringLiteral("hold"));
-    return replay(evenly(values, hold, fields.isOnce()));
+    return replay(evenTimeline(values, hold, fields.isOnce()));
 }
 
 Generator readCsv(const GeneratorFields &fields)
@@ -135,7 +136,7 @@ Generator readCsv(const GeneratorFields &fields)
     const ValuesFile file
         = readValuesFile(fields.path(fileName), fields.lowest(), fields.highest(), period, once);
     for (const QString &error : file.errors)
-        fields.fault(QStringLiteral("file"), error);
+        fields.addProblem(QStringLiteral("file"), error);
     return file.errors.isEmpty() ? replay(file.timeline) : Generator();
 }
 

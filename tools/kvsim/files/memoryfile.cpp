@@ -74,8 +74,8 @@ QStringList loadMemory(const QString &fileName, const NamedControllers &controll
     if (!problems.isEmpty())
         return problemLines(fileName, problems);
     for (int i = 0; i < memories.size(); ++i) {
-        for (const StoredValue &cell : memories.at(i))
-            controllers.at(i).controller->memory.setValue(cell.address, cell.value);
+        for (const StoredValue &stored : memories.at(i))
+            controllers.at(i).controller->memory.setValue(stored.address, stored.value);
     }
     return {};
 }

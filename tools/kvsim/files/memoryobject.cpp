@@ -27,7 +27,7 @@ public:
                      QStringLiteral("%1 has a value already; leave one of the two out").arg(text),
                      m_errors);
         else if (number)
-            cells.append({address, static_cast<quint16>(*number)});
+            stored.append({address, static_cast<quint16>(*number)});
         m_seen.insert({address.device, address.index});
     }
 
@@ -49,7 +49,7 @@ public:
                  element(place, i));
     }
 
-    QVector<StoredValue> cells;
+    QVector<StoredValue> stored;
 
 private:
     const Memory &m_taken;
@@ -57,24 +57,24 @@ private:
     QSet<QPair<const Device *, quint32>> m_seen;
 };
 
-QByteArray runText(const QVector<StoredValue> &cells, int first, int count)
+QByteArray runText(const QVector<StoredValue> &stored, int first, int count)
 {
     QList<QByteArray> values;
     for (int i = first; i < first + count; ++i)
-        values.append(QByteArray::number(cells.at(i).value));
+        values.append(QByteArray::number(stored.at(i).value));
     const QByteArray text = values.join(", ");
-    return '"' + addressText(cells.at(first).address)
+    return '"' + addressText(stored.at(first).address)
            + "\": " + (count > 1 ? QByteArray('[' + text + ']') : text);
 }
 
-// How many cells from there on follow each other without a gap.
-int runLength(const QVector<StoredValue> &cells, int first)
+// How many of them from there on follow each other without a gap.
+int runLength(const QVector<StoredValue> &stored, int first)
 {
-    const Address start = cells.at(first).address;
+    const Address start = stored.at(first).address;
     int count = 1;
-    while (count < longestRun && first + count < cells.size()
-           && cells.at(first + count).address.device == start.device
-           && cells.at(first + count).address.index == start.index + static_cast<quint32>(count))
+    while (count < longestRun && first + count < stored.size()
+           && stored.at(first + count).address.device == start.device
+           && stored.at(first + count).address.index == start.index + static_cast<quint32>(count))
         ++count;
     return count;
 }
@@ -110,15 +110,15 @@ QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place, c
         else
             reader.read(*address, entry.value(), entryPlace);
     }
-    return reader.cells;
+    return reader.stored;
 }
 
-QByteArray memoryText(const QVector<StoredValue> &cells, const QByteArray &indent)
+QByteArray memoryText(const QVector<StoredValue> &stored, const QByteArray &indent)
 {
     QList<QByteArray> lines;
-    for (int i = 0; i < cells.size();) {
-        const int count = runLength(cells, i);
-        lines.append(indent + runText(cells, i, count));
+    for (int i = 0; i < stored.size();) {
+        const int count = runLength(stored, i);
+        lines.append(indent + runText(stored, i, count));
         i += count;
     }
     return lines.join(",\n");

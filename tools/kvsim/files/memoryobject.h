@@ -14,4 +14,4 @@ QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place, c
                                 QList<Problem> *errors);
 
 /// As readMemory() reads it, without the braces: an entry a line, each indented by `indent`.
-QByteArray memoryText(const QVector<StoredValue> &cells, const QByteArray &indent);
+QByteArray memoryText(const QVector<StoredValue> &stored, const QByteArray &indent);

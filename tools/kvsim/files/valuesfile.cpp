@@ -58,7 +58,7 @@ qint64 lengthOf(const QVector<qint64> &times, bool once)
 
 } // namespace
 
-Timeline evenly(const QVector<qint64> &values, qint64 period, bool once)
+Timeline evenTimeline(const QVector<qint64> &values, qint64 period, bool once)
 {
     Timeline timeline{{}, values, once ? 0 : values.size() * period};
     for (int i = 0; i < values.size(); ++i)
@@ -89,7 +89,7 @@ ValuesFile readValuesFile(const QString &fileName, qint64 minimum, qint64 maximu
     if (result.timeline.values.isEmpty() && result.errors.isEmpty())
         result.errors.append(fileName + u" has no value; write one at least");
     if (period > 0)
-        result.timeline = evenly(result.timeline.values, period, once);
+        result.timeline = evenTimeline(result.timeline.values, period, once);
     else
         result.timeline.length = lengthOf(result.timeline.times, once);
     return result;

@@ -13,7 +13,7 @@ struct ValuesFile
 };
 
 /// The values, each for so many milliseconds; then again from the first, unless `once`.
-Timeline evenly(const QVector<qint64> &values, qint64 period, bool once);
+Timeline evenTimeline(const QVector<qint64> &values, qint64 period, bool once);
 
 /// Reads a file with a value from `minimum` to `maximum` in each line, each for `period`
 /// milliseconds; with period 0 a time in milliseconds and a value, a comma or a semicolon between.

@@ -85,13 +85,13 @@ void Memory::setClock(const Clock &clock)
 QVector<StoredValue> Memory::stored() const
 {
     const QMutexLocker locker(&m_mutex);
-    QVector<StoredValue> cells;
+    QVector<StoredValue> values;
     for (auto entry = m_written.constBegin(); entry != m_written.constEnd(); ++entry)
-        cells.append({{entry.key().first, entry.key().second}, entry.value()});
-    std::sort(cells.begin(), cells.end(), [](const StoredValue &one, const StoredValue &other) {
+        values.append({{entry.key().first, entry.key().second}, entry.value()});
+    std::sort(values.begin(), values.end(), [](const StoredValue &one, const StoredValue &other) {
         if (one.address.device != other.address.device)
             return std::less<>()(one.address.device, other.address.device);
         return one.address.index < other.address.index;
     });
-    return cells;
+    return values;
 }

@@ -21,15 +21,15 @@ constexpr int lateOverhead = 256;
 Connection::Connection(QTcpSocket *socket, Controller *controller, CommandInterpreter *interpreter,
                        QObject *parent)
     : QObject(parent), m_socket(socket), m_controller(controller), m_interpreter(interpreter),
-      m_client(endpointText(socket->peerAddress(), socket->peerPort())), m_due(this)
+      m_client(endpointText(socket->peerAddress(), socket->peerPort())), m_nextActionTimer(this)
 {
     socket->setParent(this);
     socket->setReadBufferSize(receiveLimit);
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    m_due.setSingleShot(true);
-    m_due.setTimerType(Qt::PreciseTimer);
-    connect(&m_due, &QTimer::timeout, this, [this] {
-        m_waiting.first().milliseconds = 0;
+    m_nextActionTimer.setSingleShot(true);
+    m_nextActionTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_nextActionTimer, &QTimer::timeout, this, [this] {
+        m_pendingActions.first().milliseconds = 0;
         serve();
     });
     connect(socket, &QTcpSocket::readyRead, this, &Connection::serve);
@@ -39,22 +39,22 @@ Connection::Connection(QTcpSocket *socket, Controller *controller, CommandInterp
     connect(socket, &QTcpSocket::disconnected, this, &Connection::deleteLater);
 }
 
-void Connection::ignore()
+void Connection::ignoreInput()
 {
     disconnect(m_socket, &QTcpSocket::readyRead, this, nullptr);
     connect(m_socket, &QTcpSocket::readyRead, m_socket, [this] { m_socket->skip(receiveLimit); });
 }
 
-void Connection::drop()
+void Connection::abort()
 {
-    m_waiting.clear();
-    m_due.stop();
+    m_pendingActions.clear();
+    m_nextActionTimer.stop();
     m_socket->abort();
 }
 
 void Connection::serve()
 {
-    carryOutWaiting();
+    performPending();
     answerCommands();
     // At once: QTcpSocket throws away what still waits when the client closes its sending side.
     m_socket->flush();
@@ -62,7 +62,7 @@ void Connection::serve()
 
 void Connection::answerCommands()
 {
-    while (mayReadOn()) {
+    while (canReadMore()) {
         const std::optional<Line> line = m_lines.next();
         if (line) {
             reply(*line);
@@ -80,45 +80,45 @@ bool Connection::isConnected() const
     return m_socket->state() == QAbstractSocket::ConnectedState;
 }
 
-bool Connection::mayReadOn() const
+bool Connection::canReadMore() const
 {
-    return isConnected() && m_waiting.isEmpty()
+    return isConnected() && m_pendingActions.isEmpty()
            && m_socket->bytesToWrite() + m_lateBytes <= unsentLimit;
 }
 
 void Connection::reply(const Line &line)
 {
-    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previous);
+    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previousAnswer);
     if (reply.detached) {
         for (const Action &action : reply.actions)
             scheduleAnswer(action);
     } else {
-        m_waiting = reply.actions;
-        carryOutWaiting();
+        m_pendingActions = reply.actions;
+        performPending();
     }
     Q_EMIT answered(m_client, line.tooLong ? line.text : QByteArray(line.text + '\r'),
                     reply.bytes(), reply.fault);
 }
 
-void Connection::carryOutWaiting()
+void Connection::performPending()
 {
-    while (isConnected() && !m_waiting.isEmpty() && !m_due.isActive()) {
-        const Action &first = m_waiting.constFirst();
+    while (isConnected() && !m_pendingActions.isEmpty() && !m_nextActionTimer.isActive()) {
+        const Action &first = m_pendingActions.constFirst();
         if (first.kind == Action::Kind::Send && first.milliseconds > 0) {
-            m_due.start(first.milliseconds);
+            m_nextActionTimer.start(first.milliseconds);
             return;
         }
-        carryOut(m_waiting.takeFirst());
+        perform(m_pendingActions.takeFirst());
     }
 }
 
-void Connection::carryOut(const Action &action)
+void Connection::perform(const Action &action)
 {
     switch (action.kind) {
     case Action::Kind::Send:
         m_socket->write(action.bytes);
         // The parts of an answer leave one by one.
-        if (!m_waiting.isEmpty())
+        if (!m_pendingActions.isEmpty())
             m_socket->flush();
         return;
     case Action::Kind::Close:
@@ -139,16 +139,16 @@ void Connection::scheduleAnswer(const Action &action)
     m_lateBytes += size;
     QTimer::singleShot(action.milliseconds, Qt::PreciseTimer, this, [this, action, size] {
         m_lateBytes -= size;
-        sendInTurn(action);
+        queueAnswer(action);
         serve();
     });
 }
 
 // Not into the middle of another answer.
-void Connection::sendInTurn(const Action &action)
+void Connection::queueAnswer(const Action &action)
 {
     if (isConnected())
-        m_waiting.append({Action::Kind::Send, 0, action.bytes});
+        m_pendingActions.append({Action::Kind::Send, 0, action.bytes});
 }
 
 void resetConnection(QTcpSocket *socket)

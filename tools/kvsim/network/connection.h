@@ -26,10 +26,10 @@ public:
                QObject *parent);
 
     /// From now on drops everything that the client sends.
-    void ignore();
+    void ignoreInput();
 
     /// Closes the connection at once, whatever still waits.
-    void drop();
+    void abort();
 
 Q_SIGNALS:
     /// A command was received and what follows from it is decided. `client` is its address and
@@ -46,12 +46,12 @@ private:
     void serve();
     void answerCommands();
     bool isConnected() const;
-    bool mayReadOn() const;
+    bool canReadMore() const;
     void reply(const Line &line);
-    void carryOutWaiting();
-    void carryOut(const Action &action);
+    void performPending();
+    void perform(const Action &action);
     void scheduleAnswer(const Action &action);
-    void sendInTurn(const Action &action);
+    void queueAnswer(const Action &action);
 
     QTcpSocket *m_socket;
     Controller *m_controller;
@@ -59,11 +59,11 @@ private:
     LineBuffer m_lines;
     QByteArray m_client;
     /// The proper answer to the last command.
-    QByteArray m_previous;
+    QByteArray m_previousAnswer;
     /// What is left to do for the last command; until then the next one waits.
-    QList<Action> m_waiting;
-    /// Runs until the first of `m_waiting` is due.
-    QTimer m_due;
+    QList<Action> m_pendingActions;
+    /// Runs until the first of `m_pendingActions` is due.
+    QTimer m_nextActionTimer;
     /// Memory taken by answers that come late.
     int m_lateBytes = 0;
 };

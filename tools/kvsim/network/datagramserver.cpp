@@ -12,11 +12,11 @@
 namespace {
 
 // What an answer that waits takes beside its bytes, so that many short ones are limited too.
-constexpr int waitingOverhead = 256;
+constexpr int pendingOverhead = 256;
 
-int sizeWaiting(const Action &datagram)
+int pendingSize(const Action &datagram)
 {
-    return datagram.bytes.size() + waitingOverhead;
+    return datagram.bytes.size() + pendingOverhead;
 }
 
 bool wantsRestart(const Reply &reply)
@@ -29,15 +29,15 @@ bool wantsRestart(const Reply &reply)
 DatagramLines linesOf(const QByteArray &datagram)
 {
     QList<QByteArray> texts = QByteArray(datagram).replace("\n", "").split('\r');
-    const bool lastIsOpen = !texts.constLast().isEmpty();
-    if (!lastIsOpen)
+    const bool isLastUnterminated = !texts.constLast().isEmpty();
+    if (!isLastUnterminated)
         texts.removeLast();
     if (texts.size() > DatagramServer::maximumCommands)
         return {{{datagram.left(LineBuffer::shownLength), true}}, true};
     QList<Line> lines;
     for (const QByteArray &text : qAsConst(texts))
         lines.append({text, false});
-    return {lines, lastIsOpen};
+    return {lines, isLastUnterminated};
 }
 
 void appendDatagrams(const QList<Action> &actions, QList<Action> *datagrams)
@@ -76,13 +76,13 @@ bool DatagramServer::listen(const QHostAddress &address, quint16 port)
 void DatagramServer::close()
 {
     delete std::exchange(m_socket, nullptr);
-    m_waitingBytes = 0;
+    m_pendingBytes = 0;
 }
 
 void DatagramServer::receive()
 {
     const QNetworkDatagram question = m_socket->receiveDatagram();
-    if (m_waitingBytes > waitingLimit)
+    if (m_pendingBytes > pendingLimit)
         return;
     const QByteArray client
         = endpointText(question.senderAddress(), static_cast<quint16>(question.senderPort()))
@@ -91,7 +91,8 @@ void DatagramServer::receive()
     QList<Action> datagrams;
     for (int i = 0; i < commands.lines.size(); ++i) {
         const bool last = i == commands.lines.size() - 1;
-        const Reply answer = reply(commands.lines.at(i), client, last && commands.lastIsOpen);
+        const Reply answer
+            = reply(commands.lines.at(i), client, last && commands.isLastUnterminated);
         if (wantsRestart(answer)) {
             Q_EMIT restartWanted(answer.actions.constFirst().milliseconds);
             break;
@@ -104,42 +105,42 @@ void DatagramServer::receive()
     schedule(question, datagrams);
 }
 
-Reply DatagramServer::reply(const Line &line, const QByteArray &client, bool open)
+Reply DatagramServer::reply(const Line &line, const QByteArray &client, bool isUnterminated)
 {
-    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previous);
-    Q_EMIT answered(client, open ? line.text : QByteArray(line.text + '\r'), reply.bytes(),
-                    reply.fault);
+    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previousAnswer);
+    Q_EMIT answered(client, isUnterminated ? line.text : QByteArray(line.text + '\r'),
+                    reply.bytes(), reply.fault);
     return reply;
 }
 
 void DatagramServer::schedule(const QNetworkDatagram &question, const QList<Action> &datagrams)
 {
     for (const Action &datagram : datagrams)
-        m_waitingBytes += sizeWaiting(datagram);
-    depart(std::make_shared<Answer>(Answer{question, datagrams}));
+        m_pendingBytes += pendingSize(datagram);
+    sendDue(std::make_shared<PendingAnswer>(PendingAnswer{question, datagrams}));
 }
 
-void DatagramServer::depart(const Departure &departure)
+void DatagramServer::sendDue(const std::shared_ptr<PendingAnswer> &pending)
 {
-    QList<Action> &datagrams = departure->datagrams;
+    QList<Action> &datagrams = pending->datagrams;
     while (!datagrams.isEmpty()) {
         const int wait = std::exchange(datagrams.first().milliseconds, 0);
         if (wait > 0) {
             auto *due = new QTimer(m_socket);
             due->setTimerType(Qt::PreciseTimer);
-            connect(due, &QTimer::timeout, this, [this, due, departure] {
+            connect(due, &QTimer::timeout, this, [this, due, pending] {
                 due->deleteLater();
-                depart(departure);
+                sendDue(pending);
             });
             due->setSingleShot(true);
             due->start(wait);
             return;
         }
         const Action datagram = datagrams.takeFirst();
-        m_waitingBytes -= sizeWaiting(datagram);
+        m_pendingBytes -= pendingSize(datagram);
         // Sent or not: nobody is told of a datagram that is lost. Not as the question's reply, for
         // which Qt names the interface, so that the system takes that one's first address.
-        const QNetworkDatagram &question = departure->question;
+        const QNetworkDatagram &question = pending->question;
         m_socket->writeDatagram(datagram.bytes.left(largestDatagram), question.senderAddress(),
                                 static_cast<quint16>(question.senderPort()));
     }

@@ -18,7 +18,7 @@ struct DatagramLines
 {
     QList<Line> lines;
     /// The last one has no carriage return of its own.
-    bool lastIsOpen = false;
+    bool isLastUnterminated = false;
 };
 
 /// Cuts a datagram into command lines, as LineBuffer does with a stream, but the end of the
@@ -41,7 +41,7 @@ public:
     /// What is longer is cut off.
     static constexpr int largestDatagram = 65507;
     /// While more bytes than this wait for their time, datagrams are dropped.
-    static constexpr int waitingLimit = 256 * 1024;
+    static constexpr int pendingLimit = 256 * 1024;
 
     /// `controller` and `interpreter` must outlive the server.
     DatagramServer(Controller *controller, CommandInterpreter *interpreter, QObject *parent);
@@ -65,17 +65,16 @@ Q_SIGNALS:
 
 private:
     /// The datagrams that are still to be sent for one that was received.
-    struct Answer
+    struct PendingAnswer
     {
         QNetworkDatagram question;
         QList<Action> datagrams;
     };
-    using Departure = std::shared_ptr<Answer>;
 
     void receive();
-    Reply reply(const Line &line, const QByteArray &client, bool open);
+    Reply reply(const Line &line, const QByteArray &client, bool isUnterminated);
     void schedule(const QNetworkDatagram &question, const QList<Action> &datagrams);
-    void depart(const Departure &departure);
+    void sendDue(const std::shared_ptr<PendingAnswer> &pending);
 
     Controller *m_controller;
     CommandInterpreter *m_interpreter;
@@ -83,7 +82,7 @@ private:
     QUdpSocket *m_socket = nullptr;
     QString m_errorString;
     /// The proper answer to the last command of any sender.
-    QByteArray m_previous;
+    QByteArray m_previousAnswer;
     /// Memory taken by answers that wait for their time.
-    int m_waitingBytes = 0;
+    int m_pendingBytes = 0;
 };

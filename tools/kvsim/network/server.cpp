@@ -9,11 +9,11 @@
 Server::Server(Controller *controller, QObject *parent)
     : QObject(parent), m_controller(controller),
       m_interpreter(&controller->memory, controller->profile), m_listener(new QTcpServer(this)),
-      m_datagrams(new DatagramServer(controller, &m_interpreter, this)), m_down(this)
+      m_datagrams(new DatagramServer(controller, &m_interpreter, this)), m_restartTimer(this)
 {
-    m_down.setSingleShot(true);
-    m_down.setTimerType(Qt::PreciseTimer);
-    connect(&m_down, &QTimer::timeout, this, &Server::listenAgain);
+    m_restartTimer.setSingleShot(true);
+    m_restartTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_restartTimer, &QTimer::timeout, this, &Server::listenAgain);
     connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
     connect(m_datagrams, &DatagramServer::answered, this, &Server::answered);
     // Queued: the datagram is still at work when it asks.
@@ -89,7 +89,7 @@ void Server::accept(QTcpSocket *socket)
             m_listener->resumeAccepting();
     });
     if (welcome == Welcome::Ignore)
-        connection->ignore();
+        connection->ignoreInput();
 }
 
 void Server::restart(int milliseconds)
@@ -97,17 +97,17 @@ void Server::restart(int milliseconds)
     // Two clients may have asked at the same time.
     if (!m_listener->isListening())
         return;
-    m_downAddress = address();
-    m_downPort = port();
+    m_restartAddress = address();
+    m_restartPort = port();
     close();
     const QList<Connection *> connections = m_connections;
     for (Connection *connection : connections)
-        connection->drop();
-    m_down.start(milliseconds);
+        connection->abort();
+    m_restartTimer.start(milliseconds);
 }
 
 void Server::listenAgain()
 {
-    if (!listen(m_downAddress, m_downPort))
-        Q_EMIT stayedDown();
+    if (!listen(m_restartAddress, m_restartPort))
+        Q_EMIT restartFailed();
 }

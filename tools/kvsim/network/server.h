@@ -39,7 +39,7 @@ Q_SIGNALS:
                   const QByteArray &fault);
 
     /// After a restart the server could not listen again, `errorString()` tells why.
-    void stayedDown();
+    void restartFailed();
 
 private:
     void acceptClients();
@@ -55,7 +55,7 @@ private:
     QList<Connection *> m_connections;
     /// Runs while a restart keeps the server from listening, there and on that port before and
     /// after.
-    QTimer m_down;
-    QHostAddress m_downAddress;
-    quint16 m_downPort = 0;
+    QTimer m_restartTimer;
+    QHostAddress m_restartAddress;
+    quint16 m_restartPort = 0;
 };

@@ -52,11 +52,11 @@ Places consecutivePlaces(const QHostAddress &address, quint16 port, int count,
         Place place{QByteArray::number(i + 1), address, port, {}};
         if (i > 0 && consecutive == Consecutive::Addresses)
             place.address = QHostAddress(address.toIPv4Address() + offset);
-        const quint16 behindFirst = consecutive == Consecutive::Ports ? offset : 0;
+        const quint16 portOffset = consecutive == Consecutive::Ports ? offset : 0;
         if (port == 0)
-            place.behindFirst = behindFirst;
+            place.portOffset = portOffset;
         else
-            place.port = static_cast<quint16>(port + behindFirst);
+            place.port = static_cast<quint16>(port + portOffset);
         places.append(place);
     }
     return {places, {}};

@@ -25,7 +25,7 @@ void traceExchange(const QByteArray &client, const QByteArray &command, const QB
 }
 
 // What is wrong with an option's value, or an empty text.
-QString prepare(const Options &options, Controller *controller)
+QString applyOptions(const Options &options, Controller *controller)
 {
     for (const QString &fault : options.faults) {
         const QString error = controller->faults.add(fault.toUtf8());
@@ -78,7 +78,7 @@ QList<Setup> setupsOf(const Options &options, QStringList *errors)
 }
 
 // What the files and the options put into the controllers.
-ExitCode fill(const Options &options, const NamedControllers &controllers)
+ExitCode fillControllers(const Options &options, const NamedControllers &controllers)
 {
     const QStringList errors
         = options.load.isEmpty() ? QStringList() : loadMemory(options.load, controllers);
@@ -86,7 +86,7 @@ ExitCode fill(const Options &options, const NamedControllers &controllers)
     if (!errors.isEmpty())
         return WrongUsage;
     for (const NamedController &named : controllers) {
-        const QString error = prepare(options, named.controller);
+        const QString error = applyOptions(options, named.controller);
         if (!error.isEmpty()) {
             printError(error + u" See kvsim --help.");
             return WrongUsage;
@@ -100,7 +100,7 @@ ExitCode run(const Options &options, Simulation *simulation, const std::function
 {
     if (options.trace)
         QObject::connect(simulation, &Simulation::answered, simulation, traceExchange);
-    QObject::connect(simulation, &Simulation::stayedDown, simulation, [](const QString &reason) {
+    QObject::connect(simulation, &Simulation::restartFailed, simulation, [](const QString &reason) {
         printError(QStringLiteral("cannot listen again after a restart: %1. End what listens on "
                                   "that port.")
                        .arg(reason));
@@ -116,8 +116,8 @@ ExitCode run(const Options &options, Simulation *simulation, const std::function
     }
 
     const NamedControllers controllers = simulation->controllers();
-    const DumpTarget dump = [&] { return saveMemory(options.dump, controllers); };
-    ControlServer control({controllers, options.dump.isEmpty() ? DumpTarget() : dump});
+    const DumpFunction dump = [&] { return saveMemory(options.dump, controllers); };
+    ControlServer control({controllers, options.dump.isEmpty() ? DumpFunction() : dump});
     QObject::connect(&control, &ControlServer::quitWanted, QCoreApplication::instance(),
                      &QCoreApplication::quit);
     const ExitCode listening = listen(options, simulation, &control);
@@ -147,6 +147,6 @@ ExitCode serve(const Options &options)
         printError(u"cannot catch signals: " + qt_error_string(errno));
         return ErrorFound;
     }
-    const ExitCode filled = fill(options, simulation.controllers());
+    const ExitCode filled = fillControllers(options, simulation.controllers());
     return filled == AllWell ? run(options, &simulation, report) : filled;
 }

@@ -2,11 +2,11 @@
 
 #include "controller/endpoint.h"
 
-struct Simulation::Station
+struct Simulation::ServedController
 {
-    explicit Station(const Setup &setup) : place(setup.place), controller(setup.profile)
+    explicit ServedController(const Setup &setup) : place(setup.place), controller(setup.profile)
     {
-        for (const Generated &generated : setup.generators)
+        for (const GeneratedValue &generated : setup.generators)
             controller.memory.generate(generated.address, generated.generator);
         for (const StoredValue &cell : setup.memory)
             controller.memory.setValue(cell.address, cell.value);
@@ -23,16 +23,16 @@ struct Simulation::Station
 Simulation::Simulation(const QList<Setup> &setups, QObject *parent) : QObject(parent)
 {
     for (const Setup &setup : setups) {
-        m_stations.push_back(std::make_unique<Station>(setup));
-        Server *server = &m_stations.back()->server;
+        m_controllers.push_back(std::make_unique<ServedController>(setup));
+        Server *server = &m_controllers.back()->server;
         const QByteArray prefix = setups.size() > 1 ? setup.place.name + ' ' : QByteArray();
         connect(server, &Server::answered, this,
                 [this, prefix](const QByteArray &client, const QByteArray &command,
                                const QByteArray &answer, const QByteArray &fault) {
                     Q_EMIT answered(prefix + client, command, answer, fault);
                 });
-        connect(server, &Server::stayedDown, this,
-                [this, server] { Q_EMIT stayedDown(server->errorString()); });
+        connect(server, &Server::restartFailed, this,
+                [this, server] { Q_EMIT restartFailed(server->errorString()); });
     }
 }
 
@@ -41,7 +41,7 @@ Simulation::~Simulation() = default;
 bool Simulation::listen()
 {
     // A port that is free for the first may be in use where another one follows it.
-    const bool choose = m_stations.size() > 1 && m_stations.back()->place.port == 0;
+    const bool choose = m_controllers.size() > 1 && m_controllers.back()->place.port == 0;
     const int attempts = choose ? 20 : 1;
     for (int i = 0; i < attempts; ++i) {
         if (listenOnce())
@@ -53,34 +53,34 @@ bool Simulation::listen()
 
 bool Simulation::listenOnce()
 {
-    const Server &first = m_stations.front()->server;
-    for (const auto &station : m_stations) {
-        const Place &place = station->place;
+    const Server &first = m_controllers.front()->server;
+    for (const auto &served : m_controllers) {
+        const Place &place = served->place;
         int port = place.port;
-        if (port == 0 && place.behindFirst && first.isListening())
-            port = first.port() + *place.behindFirst;
-        Server &server = station->server;
+        if (port == 0 && place.portOffset && first.isListening())
+            port = first.port() + *place.portOffset;
+        Server &server = served->server;
         if (port > 65535 || !server.listen(place.address, static_cast<quint16>(port))) {
             m_errorString
                 = QString::fromLatin1(endpointText(place.address, static_cast<quint16>(port)))
                   + u": " + server.errorString();
             return false;
         }
-        station->endpoint = endpointText(server.address(), server.port());
+        served->endpoint = endpointText(server.address(), server.port());
     }
     return true;
 }
 
 void Simulation::close()
 {
-    for (const auto &station : m_stations)
-        station->server.close();
+    for (const auto &served : m_controllers)
+        served->server.close();
 }
 
 NamedControllers Simulation::controllers() const
 {
     NamedControllers controllers;
-    for (const auto &station : m_stations)
-        controllers.append({station->place.name, station->endpoint, &station->controller});
+    for (const auto &served : m_controllers)
+        controllers.append({served->place.name, served->endpoint, &served->controller});
     return controllers;
 }

@@ -35,14 +35,14 @@ Q_SIGNALS:
                   const QByteArray &fault);
 
     /// A controller could not listen again after a restart, `reason` tells why.
-    void stayedDown(const QString &reason);
+    void restartFailed(const QString &reason);
 
 private:
-    struct Station;
+    struct ServedController;
 
     bool listenOnce();
     void close();
 
-    std::vector<std::unique_ptr<Station>> m_stations;
+    std::vector<std::unique_ptr<ServedController>> m_controllers;
     QString m_errorString;
 };
