@@ -4,7 +4,7 @@
 
 namespace {
 
-// One character written out, or as it is when it can be seen.
+/// One character written out, or as it is when it can be seen.
 QString visibleCharacter(uint character)
 {
     switch (character) {

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-/// What a control command comes to.
+/// The answer to a control command.
 struct ControlAnswer
 {
     /// One line, or several lines and an empty one; ended by a line feed.
@@ -16,11 +16,11 @@ struct ControlAnswer
 /// Writes the memory of all controllers to their file; returns an empty text, or why it could not.
 using DumpFunction = std::function<QString()>;
 
-/// What control commands reach.
+/// What control commands act on.
 struct ControlTarget
 {
     NamedControllers controllers;
-    /// Nothing: there is no such file.
+    /// Empty when there is no such file.
     DumpFunction dump;
 };
 

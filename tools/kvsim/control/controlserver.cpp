@@ -5,7 +5,7 @@
 
 namespace {
 
-// While more waits for the client to read it, its further commands are left unread.
+/// While more waits for the client to read it, its further commands are left unread.
 constexpr int unsentLimit = 64 * 1024;
 
 } // namespace
@@ -48,6 +48,6 @@ void ControlServer::serve(QTcpSocket *socket)
         socket->disconnectFromHost();
         return;
     }
-    // At once: QTcpSocket throws away what still waits when the client closes its sending side.
+    // Sent at once: QTcpSocket throws away unsent bytes when the client closes its sending side.
     socket->flush();
 }

@@ -16,7 +16,7 @@ ExitCode refuse(const QString &text)
     return WrongUsage;
 }
 
-// A line, "error ..." or lines up to an empty one; nothing when it did not come whole.
+/// A line, "error ..." or lines up to an empty one; nothing when it did not come whole.
 QByteArray readAnswer(QTcpSocket *socket, bool severalLines)
 {
     QByteArray answer;

@@ -10,7 +10,7 @@
 struct Counters
 {
     std::atomic<quint64> commands{0};
-    /// Commands that were answered with a byte at least, a refusal included.
+    /// Commands that got at least one byte as an answer. A refusal is an answer, too.
     std::atomic<quint64> answers{0};
     /// Answers that are an E and a digit.
     std::atomic<quint64> refusals{0};
@@ -40,8 +40,9 @@ struct NamedController
 
 using NamedControllers = QVector<NamedController>;
 
-/// What follows from one client's command: executed or not, counted, and its proper answer kept in
-/// `previous`, which holds that to the client's command before, or nothing.
+/// Executes one client's command unless a fault prevents it, counts it and says what to send.
+/// `previous` is the proper answer to the client's command before, or empty; it becomes the one to
+/// this command.
 Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *interpreter,
               QByteArray *previous);
 

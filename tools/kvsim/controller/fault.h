@@ -43,7 +43,8 @@ struct Fault
     FaultKind kind = FaultKind::Silent;
     /// Milliseconds, bytes or clients, as the kind has it.
     int amount = 0;
-    /// Delay: the most milliseconds to add or to take off. Split: milliseconds between the parts.
+    /// Delay: by how many milliseconds the time varies at most, up or down. Split: milliseconds
+    /// between the parts.
     int variation = 0;
     /// Refuse: the answer, for example "E1".
     QByteArray refusal;
@@ -52,16 +53,16 @@ struct Fault
 
     /// Only commands that touch this word or bit; nothing: all commands.
     std::optional<Address> address;
-    /// Only the n-th that is seen, counted from 1; 0: not limited so.
+    /// Strikes only the n-th command or client that it sees, counted from 1; 0: no such limit.
     quint32 nth = 0;
-    /// Only every n-th that is seen; 0: not limited so.
+    /// Strikes only every n-th that it sees; 0: no such limit.
     quint32 every = 0;
-    /// How many in a hundred, 1 to 100, drawn at random.
+    /// Strikes so many in a hundred, 1 to 100, chosen at random.
     quint32 percent = 100;
-    /// Where everything random about this fault begins.
+    /// The seed of the random numbers of this fault.
     quint32 seed = 1;
 
-    /// As it was written.
+    /// The fault as it was written.
     QByteArray text;
 };
 

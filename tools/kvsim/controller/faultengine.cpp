@@ -8,7 +8,7 @@
 
 namespace {
 
-// The words or bits that a command names, whether they all exist or not.
+/// The words or bits that a command names, whether they all exist or not.
 std::optional<Range> rangeOf(const QByteArray &line)
 {
     const QList<QByteArray> fields = line.simplified().split(' ');
@@ -76,7 +76,8 @@ QVector<FaultCount> FaultEngine::counts() const
     return counts;
 }
 
-// Draws whether the fault strikes or not, so that what one fault does hangs on no other.
+/// Counts, and draws a random number where the fault wants one. It is called for every fault that a
+/// command fits, so that what one fault does depends on no other.
 bool FaultEngine::strikesNow(Entry *entry)
 {
     const quint64 seen = ++entry->count.seen;
@@ -97,7 +98,7 @@ Reply FaultEngine::reply(const Line &line, const QByteArray &previous,
     for (Entry &entry : m_entries) {
         if (!fits(entry.fault, range) || !strikesNow(&entry) || struck)
             continue;
-        // A client's first command has no answer before it that could be sent.
+        // Before a client's first command there is no answer that could be sent again.
         if (entry.fault.kind != FaultKind::PreviousAnswer || !previous.isEmpty())
             struck = &entry;
     }

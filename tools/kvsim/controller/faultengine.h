@@ -9,7 +9,7 @@
 class CommandInterpreter;
 struct Line;
 
-/// How often a fault had a chance and how often it struck.
+/// How often a fault could have struck, and how often it did.
 struct FaultCount
 {
     /// The fault as it was written.
@@ -19,11 +19,11 @@ struct FaultCount
     quint64 applied = 0;
 };
 
-/// How a new client is met.
+/// What happens to a new client.
 enum class Welcome { Serve, Ignore, Reset };
 
-/// The faults that are in force: decides what becomes of each command and each new client. It
-/// knows neither a socket nor a clock. Safe to use from several threads.
+/// The faults that are in force. It decides what happens to each command and each new client,
+/// without a socket and without a clock. Safe to use from several threads.
 class FaultEngine
 {
 public:
@@ -37,18 +37,18 @@ public:
     /// what is wrong: then nothing has changed.
     QString add(const QByteArray &text);
 
-    /// Ends all faults. What they have begun is still carried out.
+    /// Ends all faults. Actions that they have begun are still carried out.
     void clear();
 
-    /// Of every fault in force, in the order in which they were added.
+    /// The counts of every fault in force, in the order in which they were added.
     QVector<FaultCount> counts() const;
 
-    /// What becomes of a command: `interpreter` executes it unless the fault prevents that.
+    /// What happens to a command: `interpreter` executes it unless the fault prevents that.
     /// `previous` is the proper answer to the same client's command before, empty when it is its
     /// first. Every fault that the command fits sees it; the first one that strikes is applied.
     Reply reply(const Line &line, const QByteArray &previous, CommandInterpreter *interpreter);
 
-    /// What becomes of a new client beside `connected` others.
+    /// What happens to a new client while `connected` others are there.
     Welcome welcome(int connected);
 
 private:

@@ -46,7 +46,7 @@ Actions refusal(const FaultContext &context)
     return send(context.fault.refusal + lineEnd);
 }
 
-// An answer too short for the cut loses its last byte to the second part: two parts in any case.
+/// There are always two parts: when the answer is too short, its last byte is the second part.
 Actions split(const FaultContext &context)
 {
     const int cut = std::min(context.fault.amount, context.answer.size() - 1);
@@ -71,7 +71,7 @@ Actions onlyLineEnd(const FaultContext & /*context*/)
     return send(lineEnd);
 }
 
-// Everything but what would end the line.
+/// Random bytes without those that would end the line.
 Actions garbage(const FaultContext &context)
 {
     QByteArray bytes(context.fault.amount, '\0');

@@ -6,7 +6,7 @@
 
 class QRandomGenerator;
 
-/// One step of what a client gets to see.
+/// One step of what the simulator does after a command.
 struct Action
 {
     enum class Kind { Send, Close, Reset, Restart };
@@ -21,11 +21,11 @@ struct Action
 /// All that follows from one command.
 struct Reply
 {
-    /// Done one after the other; none: the command stays without an answer.
+    /// To be done one after the other; none: the command gets no answer.
     QList<Action> actions;
     /// The answers to later commands do not wait for this one.
     bool detached = false;
-    /// The answer as the controller means it, whatever becomes of it on the way.
+    /// The proper answer, before a fault changed it.
     QByteArray answer;
     /// The fault that was applied, as it was written; empty when there was none.
     QByteArray fault;
@@ -34,11 +34,11 @@ struct Reply
     QByteArray bytes() const;
 };
 
-/// Whether a command that `fault` strikes is executed all the same.
+/// Whether a command that `fault` strikes is executed nevertheless.
 bool executesCommand(const Fault &fault);
 
 /// What `fault`, one that strikes commands, makes of a command. `answer` is the command's proper
 /// answer with its line end (empty when it was not executed), `previous` the proper answer to the
-/// same client's command before it. All chance comes from `random`.
+/// same client's command before it. Random numbers are taken from `random`.
 Reply faultyReply(const Fault &fault, const QByteArray &answer, const QByteArray &previous,
                   QRandomGenerator *random);

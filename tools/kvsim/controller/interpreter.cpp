@@ -43,7 +43,7 @@ std::optional<quint32> parseCount(const QByteArray &text)
     return valid ? count : std::nullopt;
 }
 
-// Decimal text from -32768 to 65535; a negative number is kept as its two's complement.
+/// Decimal text from -32768 to 65535; a negative number is kept as its two's complement.
 std::optional<quint16> parseWord(const QByteArray &text)
 {
     const bool negative = text.startsWith('-');
@@ -139,7 +139,7 @@ QByteArray CommandInterpreter::writeMany(const QList<QByteArray> &fields)
     return write(fields.at(1), texts);
 }
 
-// The address of the first of so many words or bits that all exist.
+/// The address that `start` names. Nothing when one of so many words or bits does not exist.
 std::optional<Address> CommandInterpreter::existingAddress(const QByteArray &start,
                                                            quint32 count) const
 {

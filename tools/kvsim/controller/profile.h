@@ -9,8 +9,8 @@ struct Profile
 {
     /// The answer to "?K"; 55 is a KV-7500.
     QByteArray model = "55";
-    /// Written to by the controller alone, beside the read-only devices.
+    /// Clients cannot write these, as they cannot write read-only devices.
     QVector<Range> readOnly;
-    /// As if they did not exist.
+    /// For clients these do not exist.
     QVector<Range> missing;
 };

@@ -10,25 +10,25 @@
 /// The most controllers that one program simulates.
 constexpr int maximumControllers = 254;
 
-/// Where one of the controllers is to be found.
+/// The name of a controller and where it listens.
 struct Place
 {
     QByteArray name;
     QHostAddress address;
-    /// 0: a free one.
+    /// 0: any free port.
     quint16 port = 0;
-    /// With port 0: so many behind the port of the first controller; nothing: any.
+    /// With port 0: how far the port is from that of the first controller; nothing: any free port.
     std::optional<quint16> portOffset;
 };
 
-/// A word or bit that changes by itself.
+/// A word or bit whose value a generator gives.
 struct GeneratedValue
 {
     Address address;
     Generator generator;
 };
 
-/// What one of the controllers is at the start.
+/// A controller as it is at the start.
 struct Setup
 {
     Place place;

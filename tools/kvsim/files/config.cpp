@@ -169,15 +169,15 @@ Setup readController(const QJsonValue &value, int index, const QString &folder,
     setup.profile.model = readModel(object, place, errors);
     setup.profile.readOnly = readRanges(object, QStringLiteral("readOnly"), place, errors);
     setup.profile.missing = readRanges(object, QStringLiteral("missing"), place, errors);
-    Memory taken;
-    setup.generators = readGenerators(object, folder, place, &taken, errors);
+    Memory generated;
+    setup.generators = readGenerators(object, folder, place, &generated, errors);
     const QString memory = QStringLiteral("memory");
-    setup.memory = readMemory(object.value(memory), member(place, memory), taken, errors);
+    setup.memory = readMemory(object.value(memory), member(place, memory), generated, errors);
     setup.faults = readFaults(object, place, errors);
     return setup;
 }
 
-// Two controllers cannot listen at the same place.
+/// Two controllers cannot listen at the same place.
 void checkPlaces(const QList<Setup> &setups, QList<Problem> *errors)
 {
     QStringList names;

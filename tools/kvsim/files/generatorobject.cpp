@@ -12,7 +12,8 @@ namespace {
 
 constexpr qint64 longestPeriod = 86400000; // a day
 
-// One generator of a file, with where its faults go. Reading goes on behind a fault, with 1.
+/// The members of one generator in a file. A wrong member adds a problem and counts as 1, so that
+/// the other members are checked, too.
 class GeneratorFields
 {
 public:
@@ -31,7 +32,7 @@ public:
 
     qint64 time(const QString &key) const { return number(key, 1, longestPeriod); }
 
-    // What the word or bit may hold.
+    /// A value that the word or bit can hold.
     qint64 level(const QString &key) const { return number(key, lowest(), highest()); }
 
     qint64 lowest() const { return m_kind == DeviceKind::Bit ? 0 : -32768; }

@@ -4,20 +4,23 @@
 
 namespace {
 
-// So many values in a line of text.
+/// The most values in a line of the file.
 constexpr int longestRun = 16;
 
 class Reader
 {
 public:
-    Reader(const Memory &taken, QList<Problem> *errors) : m_taken(taken), m_errors(errors) {}
+    Reader(const Memory &generated, QList<Problem> *errors)
+        : m_generated(generated), m_errors(errors)
+    {
+    }
 
     void read(Address address, const QJsonValue &value, const QString &place)
     {
         const QString text = QString::fromLatin1(addressText(address));
         const std::optional<qint64> number
             = readWhole(value, 0, maximumValue(address.device->kind), place, m_errors);
-        if (m_taken.isGenerated(address))
+        if (m_generated.isGenerated(address))
             addError(place,
                      QStringLiteral("a generator makes the value of %1; leave one of the two out")
                          .arg(text),
@@ -52,7 +55,7 @@ public:
     QVector<StoredValue> stored;
 
 private:
-    const Memory &m_taken;
+    const Memory &m_generated;
     QList<Problem> *m_errors;
     QSet<QPair<const Device *, quint32>> m_seen;
 };
@@ -67,7 +70,7 @@ QByteArray runText(const QVector<StoredValue> &stored, int first, int count)
            + "\": " + (count > 1 ? QByteArray('[' + text + ']') : text);
 }
 
-// How many of them from there on follow each other without a gap.
+/// How many of them from there on follow each other without a gap.
 int runLength(const QVector<StoredValue> &stored, int first)
 {
     const Address start = stored.at(first).address;
@@ -93,13 +96,13 @@ std::optional<Address> readAddress(const QString &text, const QString &place,
     return address;
 }
 
-QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place, const Memory &taken,
-                                QList<Problem> *errors)
+QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place,
+                                const Memory &generated, QList<Problem> *errors)
 {
     if (value.isUndefined())
         return {};
     const QJsonObject object = readObject(value, place, errors);
-    Reader reader(taken, errors);
+    Reader reader(generated, errors);
     for (auto entry = object.begin(); entry != object.end(); ++entry) {
         const QString entryPlace = member(place, entry.key());
         const std::optional<Address> address = readAddress(entry.key(), entryPlace, errors);

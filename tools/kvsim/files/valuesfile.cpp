@@ -5,7 +5,7 @@
 namespace {
 
 constexpr qint64 latestTime = 1000000000000; // some thirty years
-// Enough to see what is wrong with the file.
+/// These are enough to see what is wrong with the file.
 constexpr int mostErrors = 10;
 
 std::optional<qint64> whole(const QByteArray &text, qint64 minimum, qint64 maximum)
@@ -27,7 +27,7 @@ QString readTime(const QByteArray &text, Timeline *timeline)
     return {};
 }
 
-// What is wrong with a line, or an empty text.
+/// What is wrong with a line, or an empty text.
 QString readLine(QByteArray line, qint64 minimum, qint64 maximum, bool timed, Timeline *timeline)
 {
     if (timed) {

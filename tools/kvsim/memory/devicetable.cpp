@@ -10,7 +10,7 @@ namespace {
 
 constexpr quint32 bitsPerChannel = 16;
 
-// The areas of a large KV-7500; CM and CR are the controller's own state.
+/// The devices of a large KV-7500. CM and CR hold the controller's own state.
 constexpr std::array<Device, 14> devices{{
     {"DM", "D", DeviceKind::Word, Notation::Decimal, 65534, Access::ReadWrite},
     {"EM", "E", DeviceKind::Word, Notation::Decimal, 65534, Access::ReadWrite},
@@ -34,7 +34,7 @@ struct NamedDevice
     int nameLength = 0;
 };
 
-// The longest name wins: "ZF1" is ZF and not Z, "DM1" is DM and not D.
+/// The longest name wins: "ZF1" is ZF and not Z, "DM1" is DM and not D.
 NamedDevice longestMatch(const QByteArray &text)
 {
     NamedDevice best;

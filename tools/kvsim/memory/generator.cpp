@@ -6,7 +6,7 @@
 
 namespace {
 
-// Spreads neighbouring numbers over all 64 bits (the finaliser of SplitMix64).
+/// Spreads neighbouring numbers over all 64 bits (the finaliser of SplitMix64).
 quint64 mixed(quint64 number)
 {
     number = (number ^ (number >> 30U)) * 0xBF58476D1CE4E5B9U;

@@ -14,7 +14,7 @@ quint16 freshValue(Address address)
     return (channel >> bit) & 1U;
 }
 
-// As the controller would hold the number.
+/// The number as the controller holds it.
 quint16 limited(DeviceKind kind, qint64 number)
 {
     if (kind == DeviceKind::Bit)

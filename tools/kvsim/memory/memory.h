@@ -15,18 +15,18 @@ struct StoredValue
     quint16 value;
 };
 
-/// The content of the controller's devices. Fresh memory tells its own address, so that a value
-/// taken from a wrong place shows: word n holds n modulo 65536, and the sixteen bits of channel n
-/// of a bit device are the binary digits of n, bit 0 the lowest.
+/// The content of the controller's devices. Memory that was never written shows its own address, so
+/// that a value from a wrong place is noticed: word n holds n modulo 65536, and the sixteen bits of
+/// channel n of a bit device are the binary digits of n, bit 0 the lowest.
 ///
-/// Only what was written takes space. Safe to use from several threads, one word or bit at a time.
+/// Only written values take space. Several threads may use it at the same time.
 class Memory
 {
 public:
     /// Milliseconds since the start.
     using Clock = std::function<qint64()>;
 
-    /// Time begins now.
+    /// The time of the generators starts now.
     Memory();
 
     /// A word (0 to 65535) or a bit (0 or 1).
@@ -36,11 +36,11 @@ public:
     QVector<quint16> values(const Range &range) const;
 
     /// Stores a word, or a bit; `value` is at most maximumValue(). Read-only devices are stored to
-    /// as well, because the controller itself changes them. What is generated stays as it is.
+    /// as well, because the controller itself changes them. A generated value does not change.
     void setValue(Address address, quint16 value);
 
-    /// From now on the word or bit is what `generator` says: limited to -32768 to 65535, of which
-    /// the negative ones become their two's complement; for a bit, to 0 and 1.
+    /// From now on `generator` gives the value. For a word it is limited to -32768 to 65535, and a
+    /// negative number becomes its two's complement; for a bit it is limited to 0 and 1.
     void generate(Address address, const Generator &generator);
 
     bool isGenerated(Address address) const;
@@ -48,7 +48,7 @@ public:
     /// Another clock for the generators, for tests.
     void setClock(const Clock &clock);
 
-    /// Everything that was stored, device by device, in the order of the addresses.
+    /// All stored values, device by device, in the order of their addresses.
     QVector<StoredValue> stored() const;
 
 private:

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int receiveLimit = 64 * 1024;
 constexpr int chunkSize = 4096;
-// What an answer that comes late takes beside its bytes, so that many short ones are limited too.
+/// What an answer that comes late takes beside its bytes, so that many short ones are limited too.
 constexpr int lateOverhead = 256;
 
 } // namespace
@@ -33,8 +33,8 @@ Connection::Connection(QTcpSocket *socket, Controller *controller, CommandInterp
         serve();
     });
     connect(socket, &QTcpSocket::readyRead, this, &Connection::serve);
-    // A client that reads again makes room for more answers. Queued, because flush() emits it too
-    // and no second time for what is written from within the slot.
+    // A client that reads again makes room for more answers. Queued, because flush() emits the
+    // signal too, but not again for what the slot writes.
     connect(socket, &QTcpSocket::bytesWritten, this, &Connection::serve, Qt::QueuedConnection);
     connect(socket, &QTcpSocket::disconnected, this, &Connection::deleteLater);
 }
@@ -56,7 +56,7 @@ void Connection::serve()
 {
     performPending();
     answerCommands();
-    // At once: QTcpSocket throws away what still waits when the client closes its sending side.
+    // Sent at once: QTcpSocket throws away unsent bytes when the client closes its sending side.
     m_socket->flush();
 }
 
@@ -117,7 +117,7 @@ void Connection::perform(const Action &action)
     switch (action.kind) {
     case Action::Kind::Send:
         m_socket->write(action.bytes);
-        // The parts of an answer leave one by one.
+        // Each part of an answer leaves by itself.
         if (!m_pendingActions.isEmpty())
             m_socket->flush();
         return;
@@ -144,7 +144,7 @@ void Connection::scheduleAnswer(const Action &action)
     });
 }
 
-// Not into the middle of another answer.
+/// The answer is not sent into the middle of another one.
 void Connection::queueAnswer(const Action &action)
 {
     if (isConnected())

@@ -11,8 +11,8 @@ class QTcpSocket;
 class CommandInterpreter;
 struct Controller;
 
-/// One client: answers its commands in their order, or does to it what a fault asks for, and goes
-/// when the client goes.
+/// The connection of one client. It answers the commands in their order, carries out faults, and
+/// deletes itself when the client has disconnected.
 class Connection : public QObject
 {
     Q_OBJECT
@@ -25,21 +25,21 @@ public:
     Connection(QTcpSocket *socket, Controller *controller, CommandInterpreter *interpreter,
                QObject *parent);
 
-    /// From now on drops everything that the client sends.
+    /// Throws away everything that the client sends from now on.
     void ignoreInput();
 
-    /// Closes the connection at once, whatever still waits.
+    /// Closes the connection at once. Answers that wait are not sent.
     void abort();
 
 Q_SIGNALS:
-    /// A command was received and what follows from it is decided. `client` is its address and
-    /// port; `command` ends in its carriage return, save for one that was too long, of which only
-    /// the beginning is there. `answer` is every byte that is sent for it, now or later; `fault`
-    /// the fault that was applied, or empty.
+    /// A command was received, and its answer is decided. `client` is its address and port;
+    /// `command` ends in its carriage return, save for one that was too long, of which only the
+    /// beginning is there. `answer` is every byte that is sent for it, now or later; `fault` the
+    /// fault that was applied, or empty.
     void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
                   const QByteArray &fault);
 
-    /// A fault asks for the controller to be gone for so long.
+    /// A fault wants the controller to be away for so long.
     void restartWanted(int milliseconds);
 
 private:
@@ -60,7 +60,7 @@ private:
     QByteArray m_client;
     /// The proper answer to the last command.
     QByteArray m_previousAnswer;
-    /// What is left to do for the last command; until then the next one waits.
+    /// What is left to do for the last command. The next command waits for it.
     QList<Action> m_pendingActions;
     /// Runs until the first of `m_pendingActions` is due.
     QTimer m_nextActionTimer;

@@ -11,7 +11,7 @@
 
 namespace {
 
-// What an answer that waits takes beside its bytes, so that many short ones are limited too.
+/// What an answer that waits takes beside its bytes, so that many short ones are limited too.
 constexpr int pendingOverhead = 256;
 
 int pendingSize(const Action &datagram)
@@ -68,7 +68,8 @@ bool DatagramServer::listen(const QHostAddress &address, quint16 port)
         close();
         return false;
     }
-    // One datagram a signal: the socket reports the next one by itself, and others get their turn.
+    // Each signal takes one datagram, so that other sockets get their turn. The socket signals
+    // again for the next one.
     connect(m_socket, &QUdpSocket::readyRead, this, &DatagramServer::receive);
     return true;
 }
@@ -138,8 +139,9 @@ void DatagramServer::sendDue(const std::shared_ptr<PendingAnswer> &pending)
         }
         const Action datagram = datagrams.takeFirst();
         m_pendingBytes -= pendingSize(datagram);
-        // Sent or not: nobody is told of a datagram that is lost. Not as the question's reply, for
-        // which Qt names the interface, so that the system takes that one's first address.
+        // It does not matter whether it is sent: a datagram may be lost. It is not sent by
+        // makeReply(), with which Qt names the interface: the system would then send from the first
+        // address of that interface.
         const QNetworkDatagram &question = pending->question;
         m_socket->writeDatagram(datagram.bytes.left(largestDatagram), question.senderAddress(),
                                 static_cast<quint16>(question.senderPort()));

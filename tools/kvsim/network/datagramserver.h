@@ -26,8 +26,8 @@ struct DatagramLines
 /// one line that is too long.
 DatagramLines linesOf(const QByteArray &datagram);
 
-/// Adds what follows from a command to the datagrams that answer: `actions` of the kind Send, each
-/// one datagram. What follows at once goes into the datagram of the command before.
+/// Adds the `actions` of one command to the datagrams of the answer. Each action of the kind Send
+/// is a datagram; when the first one has no delay, it goes into the last datagram that is there.
 void appendDatagrams(const QList<Action> &actions, QList<Action> *datagrams);
 
 /// Serves one controller over UDP: the commands of a datagram are answered to its sender.
@@ -36,11 +36,12 @@ class DatagramServer : public QObject
     Q_OBJECT
 
 public:
-    /// So many that their proper answers fit into one datagram, whatever they read.
+    /// The most commands in a datagram. Their proper answers fit into one datagram, whatever they
+    /// read.
     static constexpr int maximumCommands = 10;
-    /// What is longer is cut off.
+    /// The most bytes in a datagram. A longer answer is cut off.
     static constexpr int largestDatagram = 65507;
-    /// While more bytes than this wait for their time, datagrams are dropped.
+    /// While more bytes than this wait to be sent, datagrams are dropped.
     static constexpr int pendingLimit = 256 * 1024;
 
     /// `controller` and `interpreter` must outlive the server.
@@ -49,18 +50,18 @@ public:
     /// Starts to answer. False when that is not possible: `errorString()` then tells why.
     bool listen(const QHostAddress &address, quint16 port);
 
-    /// Answers no longer; what still waits for its time is dropped.
+    /// Stops answering. Answers that wait to be sent are dropped.
     void close();
 
     QString errorString() const { return m_errorString; }
 
 Q_SIGNALS:
-    /// One command is decided, see Connection::answered(). The client's name ends in "/udp"; the
-    /// last command of a datagram may lack its carriage return.
+    /// As Connection::answered(). The client's name ends in "/udp"; the last command of a datagram
+    /// may lack its carriage return.
     void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
                   const QByteArray &fault);
 
-    /// A fault asks for the controller to be gone for so long.
+    /// A fault wants the controller to be away for so long.
     void restartWanted(int milliseconds);
 
 private:
@@ -78,11 +79,11 @@ private:
 
     Controller *m_controller;
     CommandInterpreter *m_interpreter;
-    /// Gone while the server does not listen; the answers that wait go with it.
+    /// Null while the server does not listen. It owns the timers of the answers that wait.
     QUdpSocket *m_socket = nullptr;
     QString m_errorString;
     /// The proper answer to the last command of any sender.
     QByteArray m_previousAnswer;
-    /// Memory taken by answers that wait for their time.
+    /// Memory taken by answers that wait to be sent.
     int m_pendingBytes = 0;
 };

@@ -16,7 +16,7 @@ Server::Server(Controller *controller, QObject *parent)
     connect(&m_restartTimer, &QTimer::timeout, this, &Server::listenAgain);
     connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
     connect(m_datagrams, &DatagramServer::answered, this, &Server::answered);
-    // Queued: the datagram is still at work when it asks.
+    // Queued: the server is still busy with the datagram.
     connect(m_datagrams, &DatagramServer::restartWanted, this, &Server::restart,
             Qt::QueuedConnection);
 }
@@ -78,12 +78,12 @@ void Server::accept(QTcpSocket *socket)
     auto *connection = new Connection(socket, m_controller, &m_interpreter, this);
     m_connections.append(connection);
     connect(connection, &Connection::answered, this, &Server::answered);
-    // Queued: the connection is still at work when it asks.
+    // Queued: the connection is still busy with the command.
     connect(connection, &Connection::restartWanted, this, &Server::restart, Qt::QueuedConnection);
     connect(socket, &QTcpSocket::disconnected, this,
             [this, connection] { m_connections.removeOne(connection); });
-    // Out of file descriptors, Qt may accept nobody any more until it is told to; a listener that
-    // is closed must not be told.
+    // When file descriptors run out, Qt may stop accepting until it is told to resume. A closed
+    // listener must not be told.
     connect(connection, &Connection::destroyed, m_listener, [this] {
         if (m_listener->isListening())
             m_listener->resumeAccepting();
@@ -94,7 +94,7 @@ void Server::accept(QTcpSocket *socket)
 
 void Server::restart(int milliseconds)
 {
-    // Two clients may have asked at the same time.
+    // Two clients may cause a restart at the same time.
     if (!m_listener->isListening())
         return;
     m_restartAddress = address();

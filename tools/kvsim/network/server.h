@@ -23,7 +23,7 @@ public:
     /// `errorString()` then tells why.
     bool listen(const QHostAddress &address, quint16 port);
 
-    /// Accepts nobody any more. Who is connected stays.
+    /// Stops accepting clients. Those that are connected stay.
     void close();
 
     bool isListening() const;
@@ -33,8 +33,7 @@ public:
     quint16 port() const;
 
 Q_SIGNALS:
-    /// One command of one client is decided, see Connection::answered() and
-    /// DatagramServer::answered().
+    /// As Connection::answered() and DatagramServer::answered().
     void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
                   const QByteArray &fault);
 
@@ -53,9 +52,9 @@ private:
     DatagramServer *m_datagrams;
     QString m_errorString;
     QList<Connection *> m_connections;
-    /// Runs while a restart keeps the server from listening, there and on that port before and
-    /// after.
+    /// Runs while a restart keeps the server from listening.
     QTimer m_restartTimer;
+    /// Where the server listened before the restart and listens after it.
     QHostAddress m_restartAddress;
     quint16 m_restartPort = 0;
 };

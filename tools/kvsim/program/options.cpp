@@ -76,7 +76,7 @@ Options placesFrom(const QHostAddress &address, quint16 port, const QCommandLine
     return options;
 }
 
-// The places to listen.
+/// Reads where to listen.
 Options servingOptions(const QCommandLineParser &parser)
 {
     const QString bind = parser.value(QStringLiteral("bind"));
@@ -98,7 +98,7 @@ Options servingOptions(const QCommandLineParser &parser)
     return options;
 }
 
-// What there is to parse. What it means to people stands in help.txt.
+/// The options with their defaults. help.txt explains them.
 void addOptions(QCommandLineParser *parser)
 {
     const QString value = QStringLiteral("value");

@@ -13,8 +13,8 @@ struct Options
     enum class Action { Serve, ShowHelp, ShowVersion, RefuseUsage };
 
     Action action = Action::Serve;
-    /// Where the controllers listen; with a configuration, the one place where those listen that it
-    /// gives none.
+    /// Where the controllers listen. With a configuration, this is one place, for those controllers
+    /// to which it gives none.
     QList<Place> places;
     /// Files; empty: none.
     QString config;
@@ -23,9 +23,9 @@ struct Options
     /// The port of the control protocol; nothing: there is none.
     std::optional<quint16> control;
     bool trace = false;
-    /// As they were given, in their order.
+    /// The faults at the start, as they were given and in their order.
     QStringList faults;
-    /// What memory holds at the start, each ADDRESS=VALUE as it was given, in their order.
+    /// The values at the start, each ADDRESS=VALUE as it was given, in their order.
     QStringList values;
     /// What is wrong, for `RefuseUsage`.
     QString text;

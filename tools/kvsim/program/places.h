@@ -2,7 +2,7 @@
 
 #include "controller/setup.h"
 
-/// What several controllers differ in.
+/// In what several controllers differ.
 enum class Consecutive { Addresses, Ports };
 
 /// The places of several controllers, or why there are none.

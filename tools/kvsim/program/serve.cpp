@@ -24,7 +24,7 @@ void traceExchange(const QByteArray &client, const QByteArray &command, const QB
     std::fputs(traceText(now, client, command, answer, fault).constData(), stderr);
 }
 
-// What is wrong with an option's value, or an empty text.
+/// Carries out --fault and --set. Returns what is wrong with them, or an empty text.
 QString applyOptions(const Options &options, Controller *controller)
 {
     for (const QString &fault : options.faults) {
@@ -44,7 +44,8 @@ QString applyOptions(const Options &options, Controller *controller)
     return {};
 }
 
-// Every port, before the first line of output promises them.
+/// Opens the control port, then prints all ports: the first line of output promises that all of
+/// them are open.
 ExitCode listen(const Options &options, Simulation *simulation, ControlServer *control)
 {
     QByteArray lines;
@@ -77,7 +78,7 @@ QList<Setup> setupsOf(const Options &options, QStringList *errors)
     return setups;
 }
 
-// What the files and the options put into the controllers.
+/// Puts into the controllers what the options and the file of memory say.
 ExitCode fillControllers(const Options &options, const NamedControllers &controllers)
 {
     const QStringList errors
@@ -95,7 +96,7 @@ ExitCode fillControllers(const Options &options, const NamedControllers &control
     return AllWell;
 }
 
-// Runs until it is told to end.
+/// Runs until it is told to end.
 ExitCode run(const Options &options, Simulation *simulation, const std::function<void()> &report)
 {
     if (options.trace)

@@ -40,7 +40,7 @@ Simulation::~Simulation() = default;
 
 bool Simulation::listen()
 {
-    // A port that is free for the first may be in use where another one follows it.
+    // While the first port is free, one of those that follow it may be in use.
     const bool choose = m_controllers.size() > 1 && m_controllers.back()->place.port == 0;
     const int attempts = choose ? 20 : 1;
     for (int i = 0; i < attempts; ++i) {

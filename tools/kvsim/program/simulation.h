@@ -29,7 +29,7 @@ public:
     NamedControllers controllers() const;
 
 Q_SIGNALS:
-    /// As Server::answered(); where there are several controllers, the name of the one that was
+    /// As Server::answered(). Where there are several controllers, the name of the one that was
     /// asked stands before the client.
     void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
                   const QByteArray &fault);
