@@ -2,40 +2,36 @@
 
 #include <QRegularExpression>
 
-#include <cstddef>
-
 namespace {
 
-// Indexed by the type's number.
-const std::array<QString, 10> typeTexts = {
-    QStringLiteral("BIT"),
-    QStringLiteral("Short"),
-    QStringLiteral("Long"),
-    QStringLiteral("Word"),
-    QStringLiteral("DWord"),
-    QStringLiteral("Hexadecimal 16Bit"),
-    QStringLiteral("Hexadecimal 32Bit"),
-    QStringLiteral("Float"),
-    QStringLiteral("Double"),
-    QStringLiteral("ASCII"),
+const QMap<int, QString> typeTexts = {
+    {DataTypes::Bit, QStringLiteral("BIT")},
+    {DataTypes::Short, QStringLiteral("Short")},
+    {DataTypes::Long, QStringLiteral("Long")},
+    {DataTypes::Word, QStringLiteral("Word")},
+    {DataTypes::DWord, QStringLiteral("DWord")},
+    {DataTypes::Hex16, QStringLiteral("Hexadecimal 16Bit")},
+    {DataTypes::Hex32, QStringLiteral("Hexadecimal 32Bit")},
+    {DataTypes::Float, QStringLiteral("Float")},
+    {DataTypes::Double, QStringLiteral("Double")},
+    {DataTypes::Ascii, QStringLiteral("ASCII")},
 };
 
-// Indexed by the code. The texts stand in logs and error fields on site, the misspelt one included:
-// they do not change.
-const std::array<QString, 13> errorTexts = {
-    QStringLiteral("OK"),
-    QStringLiteral("data type not boolean"),
-    QStringLiteral("data type not valid"),
-    QStringLiteral("value out of range"),
-    QStringLiteral("invalid format for data type"),
-    QStringLiteral("bit number invalid"),
-    QStringLiteral("invalid address"),
-    QStringLiteral("invalid port"),
-    QStringLiteral("data lenght invalid"),
-    QStringLiteral("invalid data provided"),
-    QStringLiteral("no data provided"),
-    QStringLiteral("protocol error"),
-    QStringLiteral("Data item parameters invalid"),
+// The texts stand in logs and error fields on site, the misspelt one included: they do not change.
+const QMap<Errors::Error, QString> errorTexts = {
+    {Errors::Ok, QStringLiteral("OK")},
+    {Errors::DataTypeNotBoolean, QStringLiteral("data type not boolean")},
+    {Errors::DataTypeNotValid, QStringLiteral("data type not valid")},
+    {Errors::ValueOutOfRange, QStringLiteral("value out of range")},
+    {Errors::InvalidFormatForDataType, QStringLiteral("invalid format for data type")},
+    {Errors::BitNumberInvalid, QStringLiteral("bit number invalid")},
+    {Errors::InvalidAddress, QStringLiteral("invalid address")},
+    {Errors::InvalidPort, QStringLiteral("invalid port")},
+    {Errors::DataLengthInvalid, QStringLiteral("data lenght invalid")},
+    {Errors::InvalidDataProvided, QStringLiteral("invalid data provided")},
+    {Errors::NoDataProvided, QStringLiteral("no data provided")},
+    {Errors::ProtocolError, QStringLiteral("protocol error")},
+    {Errors::DataItemParametersInvalid, QStringLiteral("Data item parameters invalid")},
 };
 
 const QRegularExpression
@@ -47,8 +43,7 @@ const QRegularExpression portExpression(QStringLiteral("\\d+"));
 
 QString DataTypes::typeToString(int type)
 {
-    const auto index = static_cast<std::size_t>(type);
-    return index < typeTexts.size() ? typeTexts.at(index) : QStringLiteral("Unknown Data Type");
+    return typeTexts.value(type, QStringLiteral("Unknown Data Type"));
 }
 
 int DataTypes::typeFromString(QString text)
@@ -58,9 +53,8 @@ int DataTypes::typeFromString(QString text)
 
 QString Errors::errorToString(Error code)
 {
-    return code < errorTexts.size()
-               ? errorTexts.at(code)
-               : QString(QStringLiteral("Unknown error: ") + QString::number(UnknownError));
+    return errorTexts.value(code,
+                            QStringLiteral("Unknown error: ") + QString::number(UnknownError));
 }
 
 const QMap<QString, QString> Frame::commandSet = Frame::commands();

@@ -41,19 +41,34 @@ int typeFromString(QString text);
 namespace Errors {
 
 enum Error : unsigned int {
+    /// Nothing is wrong.
     Ok = 0,
+    /// A bit is to become neither "0" nor "1", or its address names no device.
     DataTypeNotBoolean = 1,
+    /// Not reported.
     DataTypeNotValid = 2,
+    /// The value lies outside its type's range, or is no whole number.
     ValueOutOfRange = 3,
+    /// The value is not written as its type demands.
     InvalidFormatForDataType = 4,
+    /// The bit is not one of 0 to 15, or is written with more than two characters.
     BitNumberInvalid = 5,
+    /// The device has no IPv4 address, the item's address does not go with its type, or the
+    /// controller refused the command.
     InvalidAddress = 6,
+    /// The device's port is a text without a digit.
     InvalidPort = 7,
+    /// The address states no usable number of words for ASCII, or the value has no room in them.
     DataLengthInvalid = 8,
+    /// Not reported.
     InvalidDataProvided = 9,
+    /// Not reported.
     NoDataProvided = 10,
+    /// Not reported.
     ProtocolError = 11,
+    /// The item's parameters do not make a command.
     DataItemParametersInvalid = 12,
+    /// Any number that is none of the codes.
     UnknownError = 13,
 };
 
