@@ -1,12 +1,11 @@
 #include "itemdata.h"
 
+#include <QMap>
 #include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstddef>
 #include <cstring>
 #include <limits>
 
@@ -32,13 +31,13 @@ const QRegularExpression dotAddressExpression(ItemData::dotAddessPattern);
 const QRegularExpression rangeAddressExpression(ItemData::rangeAddressPattern);
 const QRegularExpression bitExpression(ItemData::bitPattern);
 const QRegularExpression stringExpression(ItemData::stringPattern);
-const QRegularExpression emptyExpression{QString()};
 const QRegularExpression wordCountExpression(QStringLiteral("^(\\D+)(\\d+)-(\\d+)$"));
 
 // What a value must look like to be written.
 struct ValueRule
 {
-    const QRegularExpression *expression;
+    // None for a type that takes no value: only an empty one fits.
+    const QRegularExpression *expression = nullptr;
     // 0 for a type whose values are not whole numbers.
     int base = 0;
     qint64 minimum = 0;
@@ -60,25 +59,22 @@ struct TypeTraits
     QString words;
 };
 
-// Indexed by the type's number.
-const std::array<TypeTraits, 10> typeTraits = {{
-    {{&emptyExpression}, QStringLiteral("0")},
-    {wholeNumber<qint16>(integerExpression, 10), QStringLiteral("1")},
-    {wholeNumber<qint32>(integerExpression, 10), QStringLiteral("2")},
-    {wholeNumber<quint16>(unsignedIntegerExpression, 10), QStringLiteral("1")},
-    {wholeNumber<quint32>(unsignedIntegerExpression, 10), QStringLiteral("2")},
-    {wholeNumber<quint16>(hexExpression, 16), QStringLiteral("1")},
-    {wholeNumber<quint32>(hexExpression, 16), QStringLiteral("2")},
-    {{&floatExpression}, QStringLiteral("2")},
-    {{&floatExpression}, QStringLiteral("4")},
-    {{&stringExpression}, {}},
-}};
-const TypeTraits unknownTypeTraits = {{&emptyExpression}, {}};
+const QMap<int, TypeTraits> typeTraits = {
+    {DataTypes::Bit, {{}, QStringLiteral("0")}},
+    {DataTypes::Short, {wholeNumber<qint16>(integerExpression, 10), QStringLiteral("1")}},
+    {DataTypes::Long, {wholeNumber<qint32>(integerExpression, 10), QStringLiteral("2")}},
+    {DataTypes::Word, {wholeNumber<quint16>(unsignedIntegerExpression, 10), QStringLiteral("1")}},
+    {DataTypes::DWord, {wholeNumber<quint32>(unsignedIntegerExpression, 10), QStringLiteral("2")}},
+    {DataTypes::Hex16, {wholeNumber<quint16>(hexExpression, 16), QStringLiteral("1")}},
+    {DataTypes::Hex32, {wholeNumber<quint32>(hexExpression, 16), QStringLiteral("2")}},
+    {DataTypes::Float, {{&floatExpression}, QStringLiteral("2")}},
+    {DataTypes::Double, {{&floatExpression}, QStringLiteral("4")}},
+    {DataTypes::Ascii, {{&stringExpression}, {}}},
+};
 
-const TypeTraits &traitsOf(int dataType)
+TypeTraits traitsOf(int dataType)
 {
-    const auto index = static_cast<std::size_t>(dataType);
-    return index < typeTraits.size() ? typeTraits.at(index) : unknownTypeTraits;
+    return typeTraits.value(dataType);
 }
 
 // The form in which a whole number reads back: upper case, without leading zeros.
@@ -212,12 +208,14 @@ Errors::Error ItemData::validateItemFields(QString address, QString dataType, QS
 
 Errors::Error ItemData::checkDataForItem(QString value, int dataType, QString length)
 {
-    const ValueRule &rule = traitsOf(dataType).rule;
+    const ValueRule rule = traitsOf(dataType).rule;
     if (rule.base != 0 && isRangeError(value, rule))
         return Errors::ValueOutOfRange;
     if (getDataLength(value, dataType, length).isEmpty())
         return Errors::DataLengthInvalid;
-    if (rule.expression->match(value).captured() != value)
+    const QString fitting
+        = rule.expression != nullptr ? rule.expression->match(value).captured() : QString();
+    if (fitting != value)
         return Errors::InvalidFormatForDataType;
     return Errors::Ok;
 }
