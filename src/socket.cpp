@@ -87,7 +87,9 @@ Socket::~Socket()
 bool Socket::connect(QString address, int portNumber, int *descriptor, int timeoutMs)
 {
     *descriptor = ::socket(AF_INET, SOCK_STREAM, 0);
-    if (descriptor == &sockfd)
+    // A caller may keep the descriptor elsewhere; then it is not this object's to use and to close.
+    const bool keptHere = descriptor == &sockfd;
+    if (keptHere)
         descriptorOpen = sockfd >= 0;
     if (*descriptor < 0) {
         error = QStringLiteral("Error opening socket");
@@ -122,22 +124,16 @@ bool Socket::openConnection(int descriptor, const QString &address, int portNumb
         return disconnect();
     if (::connect(descriptor, reinterpret_cast<const sockaddr *>(&peer), sizeof peer) >= 0)
         return true;
-    if (errno != EINPROGRESS && errno != EAGAIN) {
-        disconnect();
-        error = QStringLiteral("Error connecting: ") + systemText(errno);
-        return false;
-    }
+    if (errno != EINPROGRESS && errno != EAGAIN)
+        return failAfterDisconnect(QStringLiteral("Error connecting: "));
     return waitForConnection(descriptor, timeoutMs);
 }
 
 bool Socket::waitForConnection(int descriptor, int timeoutMs)
 {
     const int ready = waitFor(descriptor, POLLOUT, timeoutMs);
-    if (ready < 0 && errno != EINTR) {
-        disconnect();
-        error = QStringLiteral("Error: ") + systemText(errno);
-        return false;
-    }
+    if (ready < 0 && errno != EINTR)
+        return failAfterDisconnect(QStringLiteral("Error: "));
     if (ready <= 0) {
         error = QStringLiteral(" Timeout: ") + QString::number(timeoutMs);
         return disconnect();
@@ -152,6 +148,15 @@ bool Socket::waitForConnection(int descriptor, int timeoutMs)
     }
     error = QStringLiteral("OK");
     return true;
+}
+
+// Names the error number that is left after the connection was closed: the one of before, unless
+// closing it failed too.
+bool Socket::failAfterDisconnect(const QString &what)
+{
+    disconnect();
+    error = what + systemText(errno);
+    return false;
 }
 
 bool Socket::setBlocking(int descriptor, bool blocking)

@@ -85,6 +85,7 @@ public:
 private:
     bool openConnection(int descriptor, const QString &address, int portNumber, int timeoutMs);
     bool waitForConnection(int descriptor, int timeoutMs);
+    bool failAfterDisconnect(const QString &what);
     bool setBlocking(int descriptor, bool blocking);
     int usableDescriptor() const;
 
