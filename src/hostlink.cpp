@@ -1,6 +1,8 @@
 #include "hostlink.h"
 
-#include <QRegularExpression>
+#include "digits.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -34,10 +36,21 @@ const QMap<Errors::Error, QString> errorTexts = {
     {Errors::DataItemParametersInvalid, QStringLiteral("Data item parameters invalid")},
 };
 
-const QRegularExpression
-    addressExpression(QStringLiteral("^(?:(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)\\.){3}"
-                                     "(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)$"));
-const QRegularExpression portExpression(QStringLiteral("\\d+"));
+// Four decimal numbers up to 255, each of one to three digits, with points between.
+bool isIpv4Address(QStringView text)
+{
+    const QChar *position = text.begin();
+    for (int part = 0; part < 4; ++part) {
+        if (part > 0 && (position == text.end() || *position++ != QLatin1Char('.')))
+            return false;
+        const QChar *end = std::find_if_not(position, text.end(), isDecimalDigit);
+        const qint64 number = numberOfDigits({position, end}, 10);
+        if (number < 0 || number > 255 || end - position > 3)
+            return false;
+        position = end;
+    }
+    return position == text.end();
+}
 
 } // namespace
 
@@ -48,7 +61,7 @@ QString DataTypes::typeToString(int type)
 
 int DataTypes::typeFromString(QString text)
 {
-    return text.toInt();
+    return decimalNumber<int>(text);
 }
 
 QString Errors::errorToString(Error code)
@@ -69,12 +82,14 @@ QMap<QString, QString> Frame::commands()
 
 QString Frame::getCommand(QString command, QString address, QString count, QString data)
 {
-    const int words = count.toInt();
+    const int words = decimalNumber<int>(count);
     const bool isWrite = command == QLatin1String("write");
     if (words < 0 || count.isEmpty() || command.isEmpty() || address.isEmpty()
         || (isWrite && data.isEmpty()))
         return {};
-    QString line = commandSet.value(command);
+    QString line;
+    line.reserve(address.size() + count.size() + data.size() + 8);
+    line += commandSet.value(command);
     if (words > 1)
         line += QLatin1Char('S');
     line += QLatin1Char(' ') + address;
@@ -82,14 +97,14 @@ QString Frame::getCommand(QString command, QString address, QString count, QStri
         line += QLatin1Char(' ') + count;
     if (isWrite)
         line += QLatin1Char(' ') + data;
-    return line + QLatin1Char('\r');
+    line += QLatin1Char('\r');
+    return line;
 }
 
 Errors::Error ethernetPLC::validate(QString ip, QString port)
 {
-    if (!portExpression.match(port).hasMatch())
+    const bool hasDigit = std::any_of(port.cbegin(), port.cend(), isDecimalDigit);
+    if (!hasDigit || !port.isValidUtf16())
         return Errors::InvalidPort;
-    if (!addressExpression.match(ip).hasMatch())
-        return Errors::InvalidAddress;
-    return Errors::Ok;
+    return isIpv4Address(withoutLineFeed(ip)) ? Errors::Ok : Errors::InvalidAddress;
 }
