@@ -197,7 +197,8 @@ bool Socket::isConnected() const
 
 bool Socket::read(QByteArray *data)
 {
-    std::array<char, receiveBufferSize> buffer{};
+    // Not cleared: only what was received is looked at.
+    std::array<char, receiveBufferSize> buffer;
     data->clear();
     const int ready = waitFor(usableDescriptor(), POLLIN, timeout);
     if (ready < 0) {
