@@ -1,8 +1,10 @@
 #include "itemdata.h"
 
+#include "digits.h"
+
 #include <QMap>
 #include <QRegularExpression>
-#include <QStringList>
+#include <QVarLengthArray>
 
 #include <algorithm>
 #include <cmath>
@@ -22,82 +24,58 @@ const QString ItemData::stringPattern = QStringLiteral(".*");
 
 namespace {
 
-const QRegularExpression hexExpression(ItemData::hexPattern);
 const QRegularExpression floatExpression(ItemData::floatPattern);
-const QRegularExpression integerExpression(ItemData::integerPattern);
-const QRegularExpression unsignedIntegerExpression(ItemData::unsignedIntegerPattern);
-const QRegularExpression simpleAddressExpression(ItemData::simpleAddressPattern);
-const QRegularExpression dotAddressExpression(ItemData::dotAddessPattern);
-const QRegularExpression rangeAddressExpression(ItemData::rangeAddressPattern);
-const QRegularExpression bitExpression(ItemData::bitPattern);
 const QRegularExpression stringExpression(ItemData::stringPattern);
-const QRegularExpression wordCountExpression(QStringLiteral("^(\\D+)(\\d+)-(\\d+)$"));
 
-// What a value must look like to be written.
-struct ValueRule
+// What the conversions know of a type.
+struct TypeTraits
 {
-    // None for a type that takes no value: only an empty one fits.
+    // The size in words; empty where the address states it.
+    QString words;
+    // What a value to write must look like. None for whole numbers, and for a type that takes no
+    // value: there, only an empty one fits.
     const QRegularExpression *expression = nullptr;
-    // 0 for a type whose values are not whole numbers.
+    // What a whole number may be; the base is 0 for a type whose values are none.
     int base = 0;
     qint64 minimum = 0;
     qint64 maximum = 0;
 };
 
 template<typename Number>
-ValueRule wholeNumber(const QRegularExpression &expression, int base)
+TypeTraits wholeNumber(const QString &words, int base)
 {
-    return {&expression, base, std::numeric_limits<Number>::min(),
-            std::numeric_limits<Number>::max()};
+    using Limits = std::numeric_limits<Number>;
+    return {words, nullptr, base, Limits::min(), Limits::max()};
 }
-
-// What the conversions know of a type.
-struct TypeTraits
-{
-    ValueRule rule;
-    // The size in words; empty where the address states it.
-    QString words;
-};
 
 const QMap<int, TypeTraits> typeTraits = {
-    {DataTypes::Bit, {{}, QStringLiteral("0")}},
-    {DataTypes::Short, {wholeNumber<qint16>(integerExpression, 10), QStringLiteral("1")}},
-    {DataTypes::Long, {wholeNumber<qint32>(integerExpression, 10), QStringLiteral("2")}},
-    {DataTypes::Word, {wholeNumber<quint16>(unsignedIntegerExpression, 10), QStringLiteral("1")}},
-    {DataTypes::DWord, {wholeNumber<quint32>(unsignedIntegerExpression, 10), QStringLiteral("2")}},
-    {DataTypes::Hex16, {wholeNumber<quint16>(hexExpression, 16), QStringLiteral("1")}},
-    {DataTypes::Hex32, {wholeNumber<quint32>(hexExpression, 16), QStringLiteral("2")}},
-    {DataTypes::Float, {{&floatExpression}, QStringLiteral("2")}},
-    {DataTypes::Double, {{&floatExpression}, QStringLiteral("4")}},
-    {DataTypes::Ascii, {{&stringExpression}, {}}},
+    {DataTypes::Bit, {QStringLiteral("0")}},
+    {DataTypes::Short, wholeNumber<qint16>(QStringLiteral("1"), 10)},
+    {DataTypes::Long, wholeNumber<qint32>(QStringLiteral("2"), 10)},
+    {DataTypes::Word, wholeNumber<quint16>(QStringLiteral("1"), 10)},
+    {DataTypes::DWord, wholeNumber<quint32>(QStringLiteral("2"), 10)},
+    {DataTypes::Hex16, wholeNumber<quint16>(QStringLiteral("1"), 16)},
+    {DataTypes::Hex32, wholeNumber<quint32>(QStringLiteral("2"), 16)},
+    {DataTypes::Float, {QStringLiteral("2"), &floatExpression}},
+    {DataTypes::Double, {QStringLiteral("4"), &floatExpression}},
+    {DataTypes::Ascii, {{}, &stringExpression}},
 };
 
-TypeTraits traitsOf(int dataType)
+bool isBit(QStringView value)
 {
-    return typeTraits.value(dataType);
+    return value.size() == 1 && digitValue(value.front()) <= 1;
 }
 
-// The form in which a whole number reads back: upper case, without leading zeros.
-QString canonicalNumber(const QString &value)
+// Whether the value is a whole number within the type's range, written in digits alone: no blank,
+// no plus sign, no prefix, no minus sign before zero.
+bool isInRange(QStringView value, const TypeTraits &traits)
 {
-    QString digits = value.toUpper();
-    const bool negative = digits.startsWith(QLatin1Char('-'));
-    if (negative)
-        digits.remove(0, 1);
-    int zeros = 0;
-    while (zeros < digits.size() - 1 && digits.at(zeros) == QLatin1Char('0'))
-        ++zeros;
-    digits.remove(0, zeros);
-    return negative ? QString(QLatin1Char('-') + digits) : digits;
-}
-
-bool isRangeError(const QString &value, const ValueRule &rule)
-{
-    const qint64 number = value.toLongLong(nullptr, rule.base);
-    if (number < rule.minimum || number > rule.maximum)
-        return true;
-    // What does not read back to itself was not a number of this base, or did not fit.
-    return QString::number(number, rule.base).toUpper() != canonicalNumber(value);
+    const bool isNegative = value.startsWith(QLatin1Char('-'));
+    const qint64 size = numberOfDigits(isNegative ? value.mid(1) : value, traits.base);
+    if (size < 0 || (isNegative && size == 0))
+        return false;
+    const qint64 number = isNegative ? -size : size;
+    return number >= traits.minimum && number <= traits.maximum;
 }
 
 template<typename Target, typename Source>
@@ -109,16 +87,20 @@ Target sameBits(Source source)
     return target;
 }
 
+// One hexadecimal digit each; there is room for ten words before memory must be fetched.
+using HexDigits = QVarLengthArray<uchar, 40>;
+using AnswerText = QVarLengthArray<QChar, 64>;
+
 QString paddedNumber(int number)
 {
-    return QString::number(number).rightJustified(4, QLatin1Char('0'));
+    return decimalText(number).rightJustified(4, QLatin1Char('0'));
 }
 
 QString dataWords(quint64 number)
 {
-    QString words = QString::number(number & 0xFFFFU);
+    QString words = decimalText(static_cast<quint16>(number));
     for (number >>= 16U; number != 0; number >>= 16U)
-        words += QLatin1Char(' ') + QString::number(number & 0xFFFFU);
+        words += QLatin1Char(' ') + decimalText(static_cast<quint16>(number));
     return words;
 }
 
@@ -128,36 +110,116 @@ unsigned int bitMask(unsigned short bit)
     return count < 16 ? 1U << count : 0U;
 }
 
-// The characters of the words: of each word first the low byte, then the high byte.
-QByteArray characters(const QString &hexWords)
+// The hexadecimal digits of data words, most significant word first, at least four a word.
+HexDigits hexDigits(QStringView words)
 {
-    const QByteArray digits = hexWords.toLatin1();
-    QByteArray result;
-    result.reserve((digits.size() + 1) / 2);
-    for (int i = 0; i < digits.size(); i += 2) {
-        const QByteArray pair = digits.mid(i, 2);
-        result += pair.size() == 2 ? static_cast<char>(pair.toUInt(nullptr, 16)) : '\0';
+    HexDigits digits;
+    for (auto end = words.size(); end >= 0; --end) {
+        auto start = end;
+        while (start > 0 && words[start - 1] != QLatin1Char(' '))
+            --start;
+        const auto word = decimalNumber<quint32>(words.mid(start, end - start));
+        for (int shift = 28; shift >= 0; shift -= 4) {
+            if (shift < 16 || word >> shift != 0)
+                digits.append(static_cast<uchar>(word >> shift & 0xFU));
+        }
+        end = start;
     }
-    std::reverse(result.begin(), result.end());
+    return digits;
+}
+
+// The answer as text. Plain ASCII, as nearly every answer is, is taken over as it is.
+AnswerText decoded(const QByteArray &answer)
+{
+    const auto isPlain = [](char byte) { return byte != '\0' && static_cast<uchar>(byte) < 0x80; };
+    if (!std::all_of(answer.cbegin(), answer.cend(), isPlain)) {
+        const QString text = QString::fromUtf8(answer);
+        return {text.cbegin(), text.cend()};
+    }
+    AnswerText text(answer.size());
+    std::transform(answer.cbegin(), answer.cend(), text.begin(),
+                   [](char byte) { return QLatin1Char(byte); });
+    return text;
+}
+
+QStringView withoutLineEnd(QStringView answer)
+{
+    while (answer.endsWith(QLatin1Char('\n')) || answer.endsWith(QLatin1Char('\r')))
+        answer.chop(1);
+    return answer;
+}
+
+// The number that data words make; 0 when it does not fit.
+template<typename Number>
+Number joinedNumber(QStringView words)
+{
+    quint64 number = 0;
+    for (const uchar digit : hexDigits(words)) {
+        if (number > std::numeric_limits<Number>::max() >> 4U)
+            return 0;
+        number = number << 4U | digit;
+    }
+    return static_cast<Number>(number);
+}
+
+// The characters of the words: of each word first the low byte, then the high byte.
+QByteArray characters(QStringView words)
+{
+    const HexDigits digits = hexDigits(words);
+    QByteArray result((digits.size() + 1) / 2, '\0');
+    auto character = result.rbegin();
+    for (int i = 0; i + 1 < digits.size(); i += 2)
+        *character++ = static_cast<char>(digits[i] << 4U | digits[i + 1]);
     return result;
 }
 
-// Characters outside Latin-1 have no code that a controller could hold.
-QString latin1Hex(QChar character)
+QString userText(QStringView words, int dataType, const QString &address)
 {
-    const ushort code = character.unicode();
-    return QString::number(code <= 0xFF ? code : 0, 16);
+    switch (dataType) {
+    case DataTypes::Bit: {
+        const auto bit = static_cast<unsigned short>(getBitNumber(address));
+        return decimalText(ItemData::bitCheck(decimalNumber<quint16>(words), bit) ? 1 : 0);
+    }
+    case DataTypes::Short:
+        return decimalText(static_cast<qint16>(decimalNumber<quint16>(words)));
+    case DataTypes::Long:
+        return decimalText(static_cast<qint32>(joinedNumber<quint32>(words)));
+    case DataTypes::Word:
+        return decimalText(decimalNumber<quint16>(words));
+    case DataTypes::DWord:
+        return decimalText(joinedNumber<quint32>(words));
+    case DataTypes::Hex16:
+        return QString::number(joinedNumber<quint16>(words), 16).toUpper();
+    case DataTypes::Hex32:
+        return QString::number(joinedNumber<quint32>(words), 16).toUpper();
+    case DataTypes::Float:
+        return QString::number(static_cast<double>(sameBits<float>(joinedNumber<quint32>(words))),
+                               'g', 5);
+    case DataTypes::Double:
+        return QString::number(sameBits<double>(joinedNumber<quint64>(words)), 'g', 7);
+    case DataTypes::Ascii:
+        return QString::fromUtf8(characters(words));
+    default:
+        return {};
+    }
 }
 
-// Each word takes two characters, the first one as its low byte. The codes are written one after
-// the other without padding, so a code below 16 shifts its partner.
+// Characters outside Latin-1 have no code that a controller could hold.
+unsigned int latin1Code(QChar character)
+{
+    const ushort code = character.unicode();
+    return code <= 0xFF ? code : 0;
+}
+
+// Each word takes two characters, the first one as its low byte. The codes stand one after the
+// other as hexadecimal digits without padding, so a code below 16 shifts its partner.
 QString characterWords(const QString &text)
 {
     QString words;
     for (int i = 0; i < text.size(); i += 2) {
-        QString hex = i + 1 < text.size() ? latin1Hex(text.at(i + 1)) : QString();
-        hex += latin1Hex(text.at(i));
-        words += QLatin1Char(' ') + QString::number(hex.toUInt(nullptr, 16));
+        const unsigned int first = latin1Code(text.at(i));
+        const unsigned int second = i + 1 < text.size() ? latin1Code(text.at(i + 1)) : 0;
+        words += QLatin1Char(' ') + decimalText(second << (first < 16 ? 4U : 8U) | first);
     }
     return words;
 }
@@ -165,14 +227,14 @@ QString characterWords(const QString &text)
 QString wordWithBit(unsigned short word, int bit, const QString &bitValue)
 {
     const auto number = static_cast<unsigned short>(bit);
-    return QString::number(bitValue.toUShort() == 0 ? ItemData::bitClear(word, number)
-                                                    : ItemData::bitSet(word, number));
+    return decimalText(decimalNumber<quint16>(bitValue) == 0 ? ItemData::bitClear(word, number)
+                                                             : ItemData::bitSet(word, number));
 }
 
-// The part of a text before the first separator.
-QString head(const QString &text, char separator)
+// Types are numbers of 16 bits; any other one counts as 0.
+int checkedType(int dataType)
 {
-    return text.left(text.indexOf(QLatin1Char(separator)));
+    return dataType >= 0 && dataType <= 0xFFFF ? dataType : 0;
 }
 
 } // namespace
@@ -180,20 +242,27 @@ QString head(const QString &text, char separator)
 Errors::Error ItemData::validateItemFields(QString address, QString dataType, QString value,
                                            QString length)
 {
-    const int type = dataType.toUShort();
-    if (dotAddressExpression.match(address).hasMatch()) {
-        const bool valueNotBit = !value.isEmpty() && !bitExpression.match(value).hasMatch();
-        if (type == DataTypes::Bit && (getDevice(address, dataType).isEmpty() || valueNotBit))
+    return validateItemFields(readItemAddress(address), DataTypes::typeFromString(dataType), value,
+                              length);
+}
+
+Errors::Error ItemData::validateItemFields(const ItemAddress &address, int dataType,
+                                           const QString &value, const QString &length)
+{
+    const int type = checkedType(dataType);
+    if (address.form == ItemAddress::Form::Bit) {
+        const bool valueFits = value.isEmpty() || isBit(withoutLineFeed(value));
+        if (type == DataTypes::Bit && (address.device.isEmpty() || !valueFits))
             return Errors::DataTypeNotBoolean;
-        if (getBitNo(address) >= 16 || getBitNumber(address) < 0)
+        if (address.bitNo >= 16 || getBitNumber(address.text) < 0)
             return Errors::BitNumberInvalid;
     }
 
-    const int words = addressWordCount(address);
+    const int words = address.wordCount;
     if (words < 0) {
         if (type == DataTypes::Ascii)
             return Errors::DataLengthInvalid;
-        if (value.isEmpty() || !simpleAddressExpression.match(address).hasMatch())
+        if (value.isEmpty() || address.form != ItemAddress::Form::Simple)
             return Errors::Ok;
         return checkDataForItem(value, type, getDataLength(value, type, length));
     }
@@ -208,121 +277,91 @@ Errors::Error ItemData::validateItemFields(QString address, QString dataType, QS
 
 Errors::Error ItemData::checkDataForItem(QString value, int dataType, QString length)
 {
-    const ValueRule rule = traitsOf(dataType).rule;
-    if (rule.base != 0 && isRangeError(value, rule))
-        return Errors::ValueOutOfRange;
+    const TypeTraits traits = typeTraits.value(dataType);
+    if (traits.base != 0)
+        return isInRange(value, traits) ? Errors::Ok : Errors::ValueOutOfRange;
     if (getDataLength(value, dataType, length).isEmpty())
         return Errors::DataLengthInvalid;
     const QString fitting
-        = rule.expression != nullptr ? rule.expression->match(value).captured() : QString();
-    if (fitting != value)
-        return Errors::InvalidFormatForDataType;
-    return Errors::Ok;
+        = traits.expression != nullptr ? traits.expression->match(value).captured() : QString();
+    return fitting == value ? Errors::Ok : Errors::InvalidFormatForDataType;
 }
 
 QString ItemData::getDevice(QString address, QString dataType)
 {
-    if (dataType.toUShort() == DataTypes::Bit && dotAddressExpression.match(address).hasMatch())
-        return head(address, '.');
-    if (rangeAddressExpression.match(address).hasMatch())
-        return head(address, '-');
-    if (simpleAddressExpression.match(address).hasMatch())
-        return address;
-    return {};
+    return getDevice(readItemAddress(address), DataTypes::typeFromString(dataType));
+}
+
+QString ItemData::getDevice(const ItemAddress &address, int dataType)
+{
+    const bool isBit = checkedType(dataType) == DataTypes::Bit;
+    return address.form == ItemAddress::Form::Bit && !isBit ? QString() : address.device;
 }
 
 int ItemData::getBitNo(QString address)
 {
-    if (!dotAddressExpression.match(address).hasMatch())
-        return 16;
-    return address.split(QLatin1Char('.')).at(1).toInt();
+    return readItemAddress(address).bitNo;
 }
 
 int getBitNumber(QString address)
 {
-    const QStringList parts = address.split(QLatin1Char('.'));
-    if (parts.size() != 2)
+    const int point = address.indexOf(QLatin1Char('.'));
+    if (point < 0 || address.indexOf(QLatin1Char('.'), point + 1) >= 0)
         return -1;
-    const int number = parts.at(1).toUShort();
-    return parts.at(1).size() < 3 && number < 16 ? number : -1;
+    const QStringRef digits = address.midRef(point + 1);
+    const int number = decimalNumber<quint16>(digits);
+    return digits.size() < 3 && number < 16 ? number : -1;
 }
 
 int ItemData::addressWordCount(QString address)
 {
-    const QRegularExpressionMatch match = wordCountExpression.match(address);
-    if (!match.hasMatch())
-        return -1;
-    bool firstOk = false;
-    bool secondOk = false;
-    const quint32 first = match.captured(2).toUInt(&firstOk);
-    const quint32 second = match.captured(3).toUInt(&secondOk);
-    if (!firstOk || !secondOk || second == 0)
-        return 0;
-    // A number of words beyond the signed range comes out negative, like an address without one.
-    return static_cast<int>(first < second ? second - first + 1 : second);
+    return readItemAddress(address).wordCount;
 }
 
 QString ItemData::effectiveDataLength(QString address)
 {
-    const int words = addressWordCount(address);
-    return words > 0 ? QString::number(words) : QString();
+    return effectiveDataLength(readItemAddress(address));
+}
+
+QString ItemData::effectiveDataLength(const ItemAddress &address)
+{
+    return address.wordCount > 0 ? decimalText(address.wordCount) : QString();
 }
 
 QString ItemData::getDataLength(QString value, int dataType, QString length)
 {
     if (dataType != DataTypes::Ascii)
-        return traitsOf(dataType).words;
+        return typeTraits.value(dataType).words;
     const double needed = std::ceil(static_cast<double>(static_cast<float>(value.size()) / 2.0F));
-    return needed > length.toUInt() ? QString() : length;
+    return needed > decimalNumber<quint32>(length) ? QString() : length;
 }
 
 QByteArray ItemData::getUserData(QString data, int dataType, QString address)
 {
-    while (data.endsWith(QLatin1Char('\n')) || data.endsWith(QLatin1Char('\r')))
-        data.chop(1);
-    const auto number = [&data] { return arrayToHex(data).toUInt(nullptr, 16); };
-    switch (dataType) {
-    case DataTypes::Bit: {
-        const auto bit = static_cast<unsigned short>(getBitNumber(address));
-        return QByteArray::number(bitCheck(data.toUShort(), bit) ? 1 : 0);
-    }
-    case DataTypes::Short:
-        return QByteArray::number(static_cast<qint16>(data.toUShort()));
-    case DataTypes::Long:
-        return QByteArray::number(static_cast<qint32>(number()));
-    case DataTypes::Word:
-        return QByteArray::number(data.toUShort());
-    case DataTypes::DWord:
-        return QByteArray::number(number());
-    case DataTypes::Hex16:
-        return QByteArray::number(arrayToHex(data).toUShort(nullptr, 16), 16).toUpper();
-    case DataTypes::Hex32:
-        return QByteArray::number(number(), 16).toUpper();
-    case DataTypes::Float:
-        return QByteArray::number(static_cast<double>(sameBits<float>(number())), 'g', 5);
-    case DataTypes::Double:
-        return QByteArray::number(sameBits<double>(arrayToHex(data).toULongLong(nullptr, 16)), 'g',
-                                  7);
-    case DataTypes::Ascii:
-        return characters(arrayToHex(data));
-    default:
-        return {};
-    }
+    const QStringView words = withoutLineEnd(data);
+    return dataType == DataTypes::Ascii ? characters(words)
+                                        : userText(words, dataType, address).toUtf8();
+}
+
+QString ItemData::getUserText(const QByteArray &answer, int dataType, const QString &address)
+{
+    const AnswerText text = decoded(answer);
+    return userText(withoutLineEnd({text.constData(), text.size()}), dataType, address);
 }
 
 QString ItemData::getPlcValue(QString value, int dataType, QString address, QString bitValue)
 {
     switch (dataType) {
     case DataTypes::Bit:
-        return wordWithBit(value.toUShort(), getBitNo(address), bitValue);
+        return wordWithBit(decimalNumber<quint16>(value), getBitNo(address), bitValue);
     case DataTypes::Short:
-        return paddedNumber(value.toShort());
+        return paddedNumber(decimalNumber<qint16>(value));
     case DataTypes::Long:
-        return dataWords(static_cast<quint32>(value.toInt()));
+        return dataWords(static_cast<quint32>(decimalNumber<qint32>(value)));
     case DataTypes::Word:
-        return paddedNumber(value.toUShort());
+        return paddedNumber(decimalNumber<quint16>(value));
     case DataTypes::DWord:
-        return dataWords(value.toUInt());
+        return dataWords(decimalNumber<quint32>(value));
     case DataTypes::Hex16:
         return paddedNumber(value.toUShort(nullptr, 16));
     case DataTypes::Hex32:
@@ -340,16 +379,14 @@ QString ItemData::getPlcValue(QString value, int dataType, QString address, QStr
 
 QString ItemData::getBoolInt(QString bitValue, QString word, QString address)
 {
-    return wordWithBit(word.toUShort(), getBitNumber(address), bitValue);
+    return wordWithBit(decimalNumber<quint16>(word), getBitNumber(address), bitValue);
 }
 
 QString ItemData::arrayToHex(QString data)
 {
-    const QStringList words = data.split(QLatin1Char(' '));
     QString hex;
-    hex.reserve(4 * words.size());
-    for (auto word = words.crbegin(); word != words.crend(); ++word)
-        hex += QString::number(word->toUInt(), 16).rightJustified(4, QLatin1Char('0'));
+    for (const uchar digit : hexDigits(data))
+        hex += QString::number(digit, 16);
     return hex.toUpper();
 }
 

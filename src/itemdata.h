@@ -1,6 +1,7 @@
 #pragma once
 
 #include "hostlink.h"
+#include "itemaddress.h"
 
 #include <QByteArray>
 #include <QString>
@@ -8,9 +9,6 @@
 /// What is known of a data item without a controller: its address, its checks and its conversions.
 /// The controller's unit is the unsigned 16-bit word; a text of data words holds decimal numbers
 /// separated by single blanks, the least significant word first.
-///
-/// Addresses are "D201" (simple), "DM100.3" (bit 3 of a word), "D200-10" (10 words: the second
-/// number is not greater than the first) and "D200-209" (D200 through D209).
 ///
 /// Nothing here fails: checks return a code, conversions turn what they cannot read into 0 or an
 /// empty text.
@@ -36,6 +34,10 @@ public:
     static Errors::Error validateItemFields(QString address, QString dataType, QString value,
                                             QString length);
 
+    /// The same for an address that has been read, and the number of the type.
+    static Errors::Error validateItemFields(const ItemAddress &address, int dataType,
+                                            const QString &value, const QString &length);
+
     /// Checks a value to be written against its type's range and form. `length` is the number of
     /// words (for ASCII the room that the value must fit into, two characters a word).
     static Errors::Error checkDataForItem(QString value, int dataType, QString length);
@@ -43,6 +45,7 @@ public:
     /// The device of an address as the controller spells it, without bit, count or range; empty
     /// when the address fits no form, or is a bit address and the type is not `Bit`.
     static QString getDevice(QString address, QString dataType);
+    static QString getDevice(const ItemAddress &address, int dataType);
 
     /// The number after the point of a bit address, whatever its size; 16 for any other address.
     static int getBitNo(QString address);
@@ -57,10 +60,14 @@ public:
 
     /// The number of words that the address states, as text, or empty when it states none.
     static QString effectiveDataLength(QString address);
+    static QString effectiveDataLength(const ItemAddress &address);
 
     /// The user's value of a controller's answer: text, for ASCII the raw characters with their
     /// zero bytes.
     static QByteArray getUserData(QString data, int dataType, QString address);
+
+    /// The user's value as text, of the answer's bytes in UTF-8. ASCII ends at its first zero byte.
+    static QString getUserText(const QByteArray &answer, int dataType, const QString &address);
 
     /// The data words to write for a user's value. For `Bit`, `value` is the current word and
     /// `bitValue` the bit: 0 (also for text that is no number up to 65535) clears, any other number

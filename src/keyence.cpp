@@ -1,10 +1,19 @@
 #include "keyence.h"
 
+#include <QVarLengthArray>
+
+#include <algorithm>
 #include <utility>
 
 namespace {
 
 using Column = DatabaseColumnStructure;
+
+const QString addressKey = QStringLiteral("memory_address");
+const QString memoryTypeKey = QStringLiteral("memory_type");
+const QString dataTypeKey = QStringLiteral("data_type");
+const QString portKey = QStringLiteral("port");
+const QString valueKey = QStringLiteral("value");
 
 // Empty, but not null: the host may keep the text in a database, where null is something else.
 const QLatin1String emptyText("");
@@ -21,16 +30,16 @@ void addDiscoveryFlags(Column &column)
 QList<Column> itemColumns()
 {
     const Column address(
-        QStringLiteral("memory_address"), Column::Type2, 3, emptyText,
+        addressKey, Column::Type2, 3, emptyText,
         QStringLiteral(
             "Device address, for example D201 or DM100.3. ASCII length goes in the address: "
             "D200-10 reads 10 words (20 characters). D200-209 reads D200 through D209."));
 
-    Column memoryType(QStringLiteral("memory_type"), Column::Type0, 3, emptyText, emptyText);
+    Column memoryType(memoryTypeKey, Column::Type0, 3, emptyText, emptyText);
     memoryType.insertSelectionValues(QStringLiteral("Bit device"), QStringLiteral("0"));
     memoryType.insertSelectionValues(QStringLiteral("Word device"), QStringLiteral("1"));
 
-    Column dataType(QStringLiteral("data_type"), Column::Type0, 3, emptyText, emptyText);
+    Column dataType(dataTypeKey, Column::Type0, 3, emptyText, emptyText);
     for (const int type : DataTypes::types)
         dataType.insertSelectionValues(DataTypes::typeToString(type), QString::number(type));
 
@@ -39,7 +48,7 @@ QList<Column> itemColumns()
 
 QList<Column> deviceColumns(const QList<NetworkInterfaceInstance> &networkInterfaces)
 {
-    const Column port(QStringLiteral("port"), Column::Type0, 3, QStringLiteral("8501"),
+    const Column port(portKey, Column::Type0, 3, QStringLiteral("8501"),
                       QStringLiteral("TCP Host Link port (default 8501)"));
     const Column timeout(QStringLiteral("timeout"), Column::Type0, 0, QStringLiteral("2000"),
                          QStringLiteral("Connection timeout"));
@@ -93,23 +102,33 @@ PluginInitOptions initOptions()
     return options;
 }
 
-const QString valueKey = QStringLiteral("value");
+// Sends a line in the encoding of the locale. ASCII, which nearly every line is, has the same bytes
+// in all of them.
+bool send(Socket &socket, const QString &line)
+{
+    const auto isAscii = [](QChar character) { return character.unicode() < 0x80; };
+    if (!std::all_of(line.cbegin(), line.cend(), isAscii))
+        return socket.write(line.toLocal8Bit());
+    QVarLengthArray<char, 256> bytes(line.size());
+    std::transform(line.cbegin(), line.cend(), bytes.begin(),
+                   [](QChar character) { return character.toLatin1(); });
+    return socket.write(bytes.constData(), bytes.size());
+}
 
 } // namespace
 
 // What one item asks for, taken out of its record.
 struct Keyence::ItemRequest
 {
-    QString label;
-    QString address;
-    QString device;
+    const QString &label;
+    ItemAddress address;
     QString length;
     // Empty for a read, so that a value of the last cycle cannot spoil it.
     QString value;
-    // The type as the item is served, as the number's text.
-    QString dataType;
-    // The type as the item declares it.
+    QString device;
+    // The type as the item declares it, and as the item is served.
     int declaredType = DataTypes::Bit;
+    int type = DataTypes::Bit;
     bool bitDevice = false;
 };
 
@@ -120,7 +139,7 @@ bool Keyence::init()
 
     const QList<DeviceInstancePlugin> configured = m_host.getPluginDevices();
     for (const DeviceInstancePlugin &device : configured) {
-        const int port = device.parameters.value(QStringLiteral("port")).toInt();
+        const int port = device.parameters.value(portKey).toInt();
         const int timeout = device.parameters.value(QStringLiteral("timeout")).toInt();
         m_connections.insert({device.id, Socket(device.ipAddress, port, timeout)});
     }
@@ -169,11 +188,12 @@ bool Keyence::getEventData(LogList * /*list*/)
 
 bool Keyence::initDeviceData(LogList *list)
 {
-    // A device without a port gets an empty one in its record.
-    auto port = list->parameters.find(QStringLiteral("port"));
-    if (port == list->parameters.end())
-        port = list->parameters.insert(QStringLiteral("port"), emptyText);
-    const Errors::Error result = ethernetPLC::validate(list->ipAddress, *port);
+    // A device without a port gets an empty one in its record. The record of any other is only
+    // looked at: what the host shares with it stays shared.
+    if (!list->parameters.contains(portKey))
+        list->parameters.insert(portKey, emptyText);
+    const Errors::Error result
+        = ethernetPLC::validate(list->ipAddress, list->parameters.value(portKey));
     if (result == Errors::Ok)
         return true;
     const QString text = Errors::errorToString(result);
@@ -204,21 +224,17 @@ Socket *Keyence::connectedSocket(LogList *list)
 Keyence::ItemRequest Keyence::itemRequest(const DataItem &item, bool isWrite)
 {
     const QMap<QString, QString> &parameters = item.item.parameters;
-    ItemRequest request;
-    request.label = item.item.name;
-    request.address = parameters.value(QStringLiteral("memory_address"));
+    ItemRequest request{item.item.name, readItemAddress(parameters.value(addressKey)), {}, {}, {}};
     request.length = ItemData::effectiveDataLength(request.address);
-    request.dataType = parameters.value(QStringLiteral("data_type"));
-    request.declaredType = DataTypes::typeFromString(request.dataType);
-    request.bitDevice = parameters.value(QStringLiteral("memory_type")) == QLatin1String("0");
+    request.declaredType = DataTypes::typeFromString(parameters.value(dataTypeKey));
+    request.bitDevice = parameters.value(memoryTypeKey) == QLatin1String("0");
     if (isWrite)
         request.value = item.values.value(valueKey);
     // A bit device is transferred like a word that is 0 or 1.
-    if (request.bitDevice)
-        request.dataType = QString::number(DataTypes::Word);
+    request.type = request.bitDevice ? DataTypes::Word : request.declaredType;
     if (request.bitDevice && isWrite)
         request.value = request.value.toInt() != 0 ? QStringLiteral("1") : QStringLiteral("0");
-    request.device = ItemData::getDevice(request.address, request.dataType);
+    request.device = ItemData::getDevice(request.address, request.type);
     return request;
 }
 
@@ -226,7 +242,7 @@ QString Keyence::manageDataItem(DataItem &item, QString command, Socket &socket)
 {
     const bool isWrite = command == m_writeKey;
     const ItemRequest request = itemRequest(item, isWrite);
-    const Errors::Error result = ItemData::validateItemFields(request.address, request.dataType,
+    const Errors::Error result = ItemData::validateItemFields(request.address, request.type,
                                                               request.value, request.length);
     if (result != Errors::Ok) {
         const QString text = Errors::errorToString(result);
@@ -235,10 +251,9 @@ QString Keyence::manageDataItem(DataItem &item, QString command, Socket &socket)
         return text;
     }
 
-    const int type = DataTypes::typeFromString(request.dataType);
     QString data;
     if (isWrite) {
-        data = ItemData::getPlcValue(request.value, type, request.address, QString());
+        data = ItemData::getPlcValue(request.value, request.type, request.address.text, QString());
         if (request.declaredType == DataTypes::Bit) {
             const QString error = mergeBit(socket, request, &data);
             if (!error.isEmpty())
@@ -246,13 +261,12 @@ QString Keyence::manageDataItem(DataItem &item, QString command, Socket &socket)
         }
     }
 
-    const QString count = ItemData::getDataLength(request.value, type, request.length);
+    const QString count = ItemData::getDataLength(request.value, request.type, request.length);
     QByteArray answer;
     const QString error = exchange(socket, Frame::getCommand(command, request.device, count, data),
                                    request.label, &answer);
     if (error.isEmpty() && command == m_readKey)
-        item.values[valueKey] = QString::fromUtf8(
-            ItemData::getUserData(QString::fromUtf8(answer), type, request.address));
+        item.values[valueKey] = ItemData::getUserText(answer, request.type, request.address.text);
     return error;
 }
 
@@ -269,9 +283,8 @@ QString Keyence::mergeBit(Socket &socket, const ItemRequest &request, QString *d
         return error;
     // Read as an unsigned word: a signed one would not read back above 32767 and cost the other
     // bits.
-    const QString current = QString::fromUtf8(
-        ItemData::getUserData(QString::fromUtf8(answer), DataTypes::Word, request.address));
-    *data = ItemData::getPlcValue(current, DataTypes::Bit, request.address, request.value);
+    const QString current = ItemData::getUserText(answer, DataTypes::Word, request.address.text);
+    *data = ItemData::getPlcValue(current, DataTypes::Bit, request.address.text, request.value);
     return {};
 }
 
@@ -290,7 +303,7 @@ QString Keyence::sendCommand(Socket &socket, QString command, QString source, QB
     if (command.isEmpty())
         return QLatin1Char('[') + command + QStringLiteral(" ] not sent: ")
                + Errors::errorToString(Errors::DataItemParametersInvalid);
-    if (!socket.write(command.toLocal8Bit()))
+    if (!send(socket, command))
         return QLatin1Char('[') + command + QStringLiteral(" ] socket write data error from <")
                + source + QStringLiteral("> :") + socket.getError();
     if (!socket.read(response))
