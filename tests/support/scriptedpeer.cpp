@@ -15,7 +15,7 @@
 #include <unistd.h>
 
 namespace {
-constexpr std::chrono::seconds patience{10};
+constexpr std::chrono::seconds timeout{10};
 }
 
 ScriptedPeer::ScriptedPeer(QList<Answer> script) : m_script(std::move(script))
@@ -42,7 +42,7 @@ bool ScriptedPeer::waitForConnections(int count)
 {
     std::unique_lock lock(m_mutex);
     return m_accepted.wait_for(
-        lock, patience, [&] { return m_connections.size() >= static_cast<std::size_t>(count); });
+        lock, timeout, [&] { return m_connections.size() >= static_cast<std::size_t>(count); });
 }
 
 void ScriptedPeer::send(const QByteArray &bytes)
@@ -92,7 +92,7 @@ void ScriptedPeer::run()
             const std::lock_guard lock(m_mutex);
             if (m_finishing && !finishing) {
                 finishing = true;
-                deadline.setRemainingTime(patience);
+                deadline.setRemainingTime(timeout);
                 acceptPending();
                 closeDescriptor(m_listener);
             }

@@ -31,7 +31,7 @@ class tst_Check : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everythingAtOnce();
+    void everyKindOfProblem();
     void notJson();
     void json_data();
     void json();
@@ -42,15 +42,15 @@ private Q_SLOTS:
     void memoryAddresses();
     void addresses_data();
     void addresses();
-    void numbers_data();
-    void numbers();
+    void portAndTimeoutLimits_data();
+    void portAndTimeoutLimits();
     void undeclaredParameters();
     void examples_data();
     void examples();
-    void connectsToNobody();
+    void opensNoConnection();
 };
 
-void tst_Check::everythingAtOnce()
+void tst_Check::everyKindOfProblem()
 {
     const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, R"({"colour": "red", "devices": [
  {"id": "1", "name": "Press", "ip": "plc", "parameters": {"port": "0", "timeout": "2 s", "speed": "1"},
@@ -267,7 +267,7 @@ void tst_Check::addresses()
     QCOMPARE(run.exitCode, isRight ? 0 : 2);
 }
 
-void tst_Check::numbers_data()
+void tst_Check::portAndTimeoutLimits_data()
 {
     QTest::addColumn<QByteArray>("parameter");
     QTest::addColumn<bool>("isRight");
@@ -292,7 +292,7 @@ void tst_Check::numbers_data()
     row(R"("timeout": null)", false);
 }
 
-void tst_Check::numbers()
+void tst_Check::portAndTimeoutLimits()
 {
     QFETCH(QByteArray, parameter);
     QFETCH(bool, isRight);
@@ -337,7 +337,7 @@ void tst_Check::examples()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Check::connectsToNobody()
+void tst_Check::opensNoConnection()
 {
     ScriptedPeer controller;
     const QByteArray port = text(R"("port": "%1")").arg(controller.port()).toLatin1();

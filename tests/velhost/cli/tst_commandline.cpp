@@ -41,7 +41,7 @@ private Q_SLOTS:
     void explainText();
     void requests_data();
     void requests();
-    void optionsOfOneNameAreAlike();
+    void sharedOptionsAgree();
     void commands_data();
     void commands();
     void cycleLimits_data();
@@ -240,7 +240,7 @@ void tst_CommandLine::commands()
 
 /// The parser that finds the command out knows all options at once, so one of them must take a
 /// value with every command or with none.
-void tst_CommandLine::optionsOfOneNameAreAlike()
+void tst_CommandLine::sharedOptionsAgree()
 {
     QMap<QString, QString> values;
     for (const Command &command : commandList()) {

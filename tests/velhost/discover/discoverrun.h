@@ -13,7 +13,7 @@ inline ProgramRun discover(const QString &udpPorts, const QString &tcpPorts,
 }
 
 /// What is told first, for one port each.
-inline QString asking(int udpAddresses, int tcpAddresses)
+inline QString searchMessage(int udpAddresses, int tcpAddresses)
 {
     return text("velhost: asking %1 addresses by UDP at 1 ports, then %2 by TCP at 1, for at most "
                 "1600 ms\n")
@@ -24,7 +24,7 @@ inline QString asking(int udpAddresses, int tcpAddresses)
 inline const QString tableHead = QStringLiteral("Address    Port   Protocol  Model\n");
 
 /// A row of the table, for a port of five digits.
-inline QString row(const char *address, int port, const char *protocol, const char *model)
+inline QString tableRow(const char *address, int port, const char *protocol, const char *model)
 {
     return text("%1  %2  %3  %4\n")
         .arg(text(address), QString::number(port), text(protocol).leftJustified(8), text(model));

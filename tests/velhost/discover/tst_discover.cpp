@@ -20,7 +20,7 @@ private Q_SLOTS:
     void answerInPieces();
     void tcpAndUdp();
     void severalControllers();
-    void nobody();
+    void nothingAnswers();
     void wideRange();
     void usageErrors_data();
     void usageErrors();
@@ -31,7 +31,7 @@ void tst_Discover::tcpAnswers_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<QString>("model");
-    QTest::addColumn<QString>("stranger");
+    QTest::addColumn<QString>("nonController");
 
     const auto controller = [](const char *title, const char *answer, const char *model) {
         QTest::newRow(title) << QByteArray(answer) << text(model) << QString();
@@ -40,23 +40,23 @@ void tst_Discover::tcpAnswers_data()
     controller("other model", "134\r\n", "model code 134");
     controller("no line feed, closed", "55\r", "KV-7500");
     controller("refusal", "E1\r\n", "not told, refused with E1");
-    const auto stranger = [](const char *title, const QByteArray &answer, const char *shown) {
+    const auto nonController = [](const char *title, const QByteArray &answer, const char *shown) {
         QTest::newRow(title) << answer << QString() << text(shown);
     };
-    stranger("greeting", "SSH-2.0-x\r\n", "\"SSH-2.0-x\"");
-    stranger("four digits", "1234\r\n", "\"1234\"");
-    stranger("cut short", "55", "\"55\"");
-    stranger("control characters", "\x1b[2J\r\n", R"("\x1b[2J")");
-    stranger("nothing", "", "nothing");
+    nonController("greeting", "SSH-2.0-x\r\n", "\"SSH-2.0-x\"");
+    nonController("four digits", "1234\r\n", "\"1234\"");
+    nonController("cut short", "55", "\"55\"");
+    nonController("control characters", "\x1b[2J\r\n", R"("\x1b[2J")");
+    nonController("nothing", "", "nothing");
     const QByteArray line(64, 'x');
-    stranger("endless line", line + line + line, QByteArray('"' + line + '"').constData());
+    nonController("endless line", line + line + line, QByteArray('"' + line + '"').constData());
 }
 
 void tst_Discover::tcpAnswers()
 {
     QFETCH(QByteArray, answer);
     QFETCH(QString, model);
-    QFETCH(QString, stranger);
+    QFETCH(QString, nonController);
 
     ScriptedPeer peer({{answer, Answer::Close}});
     const ProgramRun run = discover(m_nobody.udp(), QString::number(peer.port()));
@@ -64,12 +64,13 @@ void tst_Discover::tcpAnswers()
     const QString notice
         = text("velhost: 127.0.0.1:%1 (TCP) is no controller: it answered ").arg(peer.port());
     QCOMPARE(run.errors,
-             asking(14, 14)
-                 + (stranger.isEmpty() ? QString() : notice + stranger + u'\n' + nothingFound));
-    QCOMPARE(run.output,
-             model.isEmpty()
-                 ? QString()
-                 : tableHead + row("127.0.0.1", peer.port(), "TCP", model.toLatin1().constData()));
+             searchMessage(14, 14)
+                 + (nonController.isEmpty() ? QString()
+                                            : notice + nonController + u'\n' + nothingFound));
+    QCOMPARE(run.output, model.isEmpty() ? QString()
+                                         : tableHead
+                                               + tableRow("127.0.0.1", peer.port(), "TCP",
+                                                          model.toLatin1().constData()));
     QCOMPARE(run.exitCode, model.isEmpty() ? 1 : 0);
 }
 
@@ -79,7 +80,7 @@ void tst_Discover::answerInPieces()
     QVERIFY(controller.isListening());
     QCOMPARE(controller.addFault("dribble=20"), QString());
     const ProgramRun run = discover(m_nobody.udp(), QString::number(controller.port()));
-    QCOMPARE(run.output, tableHead + row("127.0.0.1", controller.port(), "TCP", "KV-7500"));
+    QCOMPARE(run.output, tableHead + tableRow("127.0.0.1", controller.port(), "TCP", "KV-7500"));
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(controller.faultCounts().constFirst().applied, 1);
 }
@@ -92,8 +93,9 @@ void tst_Discover::tcpAndUdp()
     const QString port = QString::number(controller.port());
     QCOMPARE(QString::number(peer.port()), port);
     const ProgramRun run = discover(port, port);
-    QCOMPARE(run.errors, asking(14, 14));
-    QCOMPARE(run.output, tableHead + row("127.0.0.1", controller.port(), "TCP, UDP", "KV-7500"));
+    QCOMPARE(run.errors, searchMessage(14, 14));
+    QCOMPARE(run.output,
+             tableHead + tableRow("127.0.0.1", controller.port(), "TCP, UDP", "KV-7500"));
     QCOMPARE(run.exitCode, 0);
 }
 
@@ -117,13 +119,13 @@ void tst_Discover::severalControllers()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Discover::nobody()
+void tst_Discover::nothingAnswers()
 {
     for (const char *const format : {"table", "json"}) {
         const ProgramRun run
             = discover(m_nobody.udp(), m_nobody.tcp(), {text("--format"), text(format)});
         QCOMPARE(run.output, QString());
-        QCOMPARE(run.errors, asking(14, 14) + nothingFound);
+        QCOMPARE(run.errors, searchMessage(14, 14) + nothingFound);
         QCOMPARE(run.exitCode, 1);
     }
 }

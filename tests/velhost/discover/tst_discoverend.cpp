@@ -19,7 +19,7 @@ namespace {
 
 /// Of each of its eight million addresses one port is asked, which takes longer than any test. No
 /// other program's port is asked: it is taken at 127.0.0.1, so nobody can have it for all.
-QStringList endlessArea()
+QStringList largeArea()
 {
     return {text("--interface"), text("lo"), text("--subnet"), text("127.0.0.0/9"),
             text("--force")};
@@ -36,12 +36,12 @@ class tst_DiscoverEnd : public QObject
 private Q_SLOTS:
     void signal_data();
     void signal();
-    void time();
+    void timeLimit();
     void silentController();
-    void connectsToNobody();
-    void sockets_data();
-    void sockets();
-    void terminal();
+    void opensNoConnection();
+    void outOfSockets_data();
+    void outOfSockets();
+    void progressLine();
 };
 
 void tst_DiscoverEnd::signal_data()
@@ -66,7 +66,7 @@ void tst_DiscoverEnd::signal()
     process.setProcessEnvironment(plainEnvironment());
     process.start(text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(),
                                                       QString::number(controller.port()),
-                                                      {text("--plant"), plant}, endlessArea()));
+                                                      {text("--plant"), plant}, largeArea()));
     QVERIFY(controller.waitForConnections(1));
     QCOMPARE(controller.finish(), QByteArray("?K\r"));
     QCOMPARE(::kill(static_cast<pid_t>(process.processId()), number), 0);
@@ -83,20 +83,20 @@ void tst_DiscoverEnd::signal()
     QVERIFY(QFile::exists(plant));
 }
 
-void tst_DiscoverEnd::time()
+void tst_DiscoverEnd::timeLimit()
 {
     QElapsedTimer sinceStart;
     sinceStart.start();
     const ProgramRun run = runBesideLoop(
         text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp(),
-                                            {text("--timeout"), text("800")}, endlessArea()));
+                                            {text("--timeout"), text("800")}, largeArea()));
     const qint64 elapsed = sinceStart.elapsed();
     QVERIFY2(elapsed >= 800 && elapsed < 10000, qPrintable(QString::number(elapsed)));
     QCOMPARE(run.exitCode, 1);
-    const QRegularExpression told(
+    const QRegularExpression progress(
         text("\\Avelhost: ([0-9]+) of 8388606 questions by TCP were not asked to the end: the "
              "time was over\\z"));
-    const QRegularExpressionMatch match = told.match(run.errors.section(u'\n', 1, 1));
+    const QRegularExpressionMatch match = progress.match(run.errors.section(u'\n', 1, 1));
     QVERIFY2(match.hasMatch(), qPrintable(run.errors));
     const int unasked = match.captured(1).toInt();
     QVERIFY2(unasked > 0 && unasked < 8388606, qPrintable(match.captured(1)));
@@ -118,7 +118,7 @@ void tst_DiscoverEnd::silentController()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_DiscoverEnd::connectsToNobody()
+void tst_DiscoverEnd::opensNoConnection()
 {
     const FullQueue queue;
     const ProgramRun run
@@ -130,7 +130,7 @@ void tst_DiscoverEnd::connectsToNobody()
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_DiscoverEnd::sockets_data()
+void tst_DiscoverEnd::outOfSockets_data()
 {
     QTest::addColumn<int>("descriptors");
     QTest::addColumn<bool>("isEnough");
@@ -140,7 +140,7 @@ void tst_DiscoverEnd::sockets_data()
     QTest::newRow("too few") << 60 << false;
 }
 
-void tst_DiscoverEnd::sockets()
+void tst_DiscoverEnd::outOfSockets()
 {
     QFETCH(int, descriptors);
     QFETCH(bool, isEnough);
@@ -155,14 +155,14 @@ void tst_DiscoverEnd::sockets()
                     text(VELHOST_FILE)}
             + searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), m_nobody.tcp(), shortSearch(),
                               {text("--subnet"), text("127.0.0.0/22")}));
-    const QRegularExpression told(text("questions by TCP were not asked to the end: [^\n]*"));
-    QCOMPARE(told.match(run.errors).captured(),
+    const QRegularExpression gap(text("questions by TCP were not asked to the end: [^\n]*"));
+    QCOMPARE(gap.match(run.errors).captured(),
              isEnough ? QString()
                       : text("questions by TCP were not asked to the end: Out of resources"));
     QCOMPARE(run.exitCode, 1);
 }
 
-void tst_DiscoverEnd::terminal()
+void tst_DiscoverEnd::progressLine()
 {
     TerminalRun run(
         text(VELHOST_FILE),

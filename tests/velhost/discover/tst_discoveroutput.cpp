@@ -39,14 +39,14 @@ private Q_SLOTS:
     void identities();
     void models_data();
     void models();
-    void shows();
-    void nothing();
+    void table();
+    void noController();
     void json();
-    void strangers();
+    void nonControllers();
     void plant();
     void differentAnswers();
     void limit_data();
-    void limit();
+    void maximumFindings();
 };
 
 void tst_DiscoverOutput::identities_data()
@@ -116,7 +116,7 @@ void tst_DiscoverOutput::models()
     QCOMPARE(modelName(code), name);
 }
 
-void tst_DiscoverOutput::shows()
+void tst_DiscoverOutput::table()
 {
     QCOMPARE(controllersText(OutputFormat::Table, someFindings()),
              text("Address    Port  Protocol  Model\n"
@@ -125,7 +125,7 @@ void tst_DiscoverOutput::shows()
                   "10.0.0.20  8501  TCP, UDP  KV-7500\n"));
 }
 
-void tst_DiscoverOutput::nothing()
+void tst_DiscoverOutput::noController()
 {
     Findings findings;
     findings.add(finding(0x0a000003, 8500, "SSH-2.0\r\n", true, false));
@@ -148,9 +148,9 @@ void tst_DiscoverOutput::json()
                   "\n"));
 }
 
-void tst_DiscoverOutput::strangers()
+void tst_DiscoverOutput::nonControllers()
 {
-    QCOMPARE(strangerTexts(someFindings()),
+    QCOMPARE(nonControllerTexts(someFindings()),
              QStringList({text("10.0.0.3:8500 (TCP) is no controller: it answered \"SSH-2.0\""),
                           text("192.168.0.1:8501 (TCP) is no controller: it answered nothing")}));
 }
@@ -196,7 +196,7 @@ void tst_DiscoverOutput::limit_data()
     QTest::newRow("above") << 4097 << 4096 << true;
 }
 
-void tst_DiscoverOutput::limit()
+void tst_DiscoverOutput::maximumFindings()
 {
     QFETCH(int, answers);
     QFETCH(int, kept);

@@ -52,13 +52,13 @@ void tst_DiscoverUdp::udpAnswers()
     QCOMPARE(peer.questions(), QList<QByteArray>{"?K\r"});
     const QString notice
         = text("velhost: 127.0.0.1:%1 (UDP) is no controller: it answered ").arg(peer.port());
-    QCOMPARE(run.errors, asking(14, 14)
+    QCOMPARE(run.errors, searchMessage(14, 14)
                              + (strangers.isEmpty() ? QString() : notice + strangers + u'\n')
                              + (model.isEmpty() ? nothingFound : QString()));
-    QCOMPARE(run.output,
-             model.isEmpty()
-                 ? QString()
-                 : tableHead + row("127.0.0.1", peer.port(), "UDP", model.toLatin1().constData()));
+    QCOMPARE(run.output, model.isEmpty() ? QString()
+                                         : tableHead
+                                               + tableRow("127.0.0.1", peer.port(), "UDP",
+                                                          model.toLatin1().constData()));
     QCOMPARE(run.exitCode, model.isEmpty() ? 1 : 0);
 }
 
@@ -81,7 +81,7 @@ void tst_DiscoverUdp::otherPort()
     const ProgramRun run = discover(QString::number(asked.localPort()), m_nobody.tcp());
     QCOMPARE(answered, 1);
     QCOMPARE(run.output, QString());
-    QCOMPARE(run.errors, asking(14, 14) + nothingFound);
+    QCOMPARE(run.errors, searchMessage(14, 14) + nothingFound);
     QCOMPARE(run.exitCode, 1);
 }
 
@@ -107,8 +107,8 @@ void tst_DiscoverUdp::broadcast()
                         shortSearch(),
                         {text("--interface"), text("lo"), text("--subnet"), text("127.0.0.1")}));
     QCOMPARE(peer.questions(), QList<QByteArray>{"?K\r"});
-    QCOMPARE(run.errors, asking(1, 1));
-    QCOMPARE(run.output, tableHead + row("127.0.0.1", peer.port(), "UDP", "KV-7500"));
+    QCOMPARE(run.errors, searchMessage(1, 1));
+    QCOMPARE(run.output, tableHead + tableRow("127.0.0.1", peer.port(), "UDP", "KV-7500"));
     QCOMPARE(run.exitCode, 0);
 }
 

@@ -9,15 +9,15 @@ class tst_PortList : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void reads_data();
-    void reads();
+    void parses_data();
+    void parses();
     void wideRanges_data();
     void wideRanges();
-    void refuses_data();
-    void refuses();
+    void errors_data();
+    void errors();
 };
 
-void tst_PortList::reads_data()
+void tst_PortList::parses_data()
 {
     QTest::addColumn<QString>("list");
     QTest::addColumn<QVector<quint16>>("ports");
@@ -41,7 +41,7 @@ void tst_PortList::reads_data()
     row("leading zeros", "0080", {80});
 }
 
-void tst_PortList::reads()
+void tst_PortList::parses()
 {
     QFETCH(QString, list);
     QFETCH(QVector<quint16>, ports);
@@ -51,14 +51,14 @@ void tst_PortList::reads()
     QCOMPARE(error, QString());
     QVERIFY(result.has_value());
     QCOMPARE(result->ports, ports);
-    QCOMPARE(result->isCut, false);
+    QCOMPARE(result->isTruncated, false);
 }
 
 void tst_PortList::wideRanges_data()
 {
     QTest::addColumn<QString>("list");
     QTest::addColumn<int>("count");
-    QTest::addColumn<bool>("isCut");
+    QTest::addColumn<bool>("isTruncated");
 
     QTest::newRow("63") << text("8001-8063") << 63 << false;
     QTest::newRow("64") << text("8001-8064") << 64 << false;
@@ -72,17 +72,17 @@ void tst_PortList::wideRanges()
 {
     QFETCH(QString, list);
     QFETCH(int, count);
-    QFETCH(bool, isCut);
+    QFETCH(bool, isTruncated);
 
     QString error;
     const std::optional<PortList> result = parsePortList(list, &error);
     QVERIFY(result.has_value());
     QCOMPARE(result->ports.size(), count);
     QCOMPARE(result->ports.last(), static_cast<quint16>(result->ports.first() + count - 1));
-    QCOMPARE(result->isCut, isCut);
+    QCOMPARE(result->isTruncated, isTruncated);
 }
 
-void tst_PortList::refuses_data()
+void tst_PortList::errors_data()
 {
     QTest::addColumn<QString>("list");
     QTest::addColumn<QString>("error");
@@ -124,7 +124,7 @@ void tst_PortList::refuses_data()
                                << text("\"8000-7000\" ends before it begins; write 7000-8000");
 }
 
-void tst_PortList::refuses()
+void tst_PortList::errors()
 {
     QFETCH(QString, list);
     QFETCH(QString, error);

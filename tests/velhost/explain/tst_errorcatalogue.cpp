@@ -156,7 +156,7 @@ private Q_SLOTS:
     void everyCodeIsKnown_data();
     void everyCodeIsKnown();
     void everyEntryIsWhole_data();
-    void everyEntryIsWhole();
+    void everyEntryIsComplete();
     void everyProvocationHasItsEntry();
     void unreportedTextsExist_data();
     void unreportedTextsExist();
@@ -238,7 +238,7 @@ void tst_ErrorCatalogue::everyEntryIsWhole_data()
         QTest::newRow(qPrintable(errors.at(i).id)) << i;
 }
 
-void tst_ErrorCatalogue::everyEntryIsWhole()
+void tst_ErrorCatalogue::everyEntryIsComplete()
 {
     QFETCH(int, index);
     const QList<KnownError> errors = catalogue();

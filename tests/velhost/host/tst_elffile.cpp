@@ -69,11 +69,11 @@ private Q_SLOTS:
     void processors();
     void otherFiles_data();
     void otherFiles();
-    void everyCut();
+    void truncatedHeader();
     void sameProcessor_data();
     void sameProcessor();
     void cutShort_data();
-    void cutShort();
+    void truncatedFile();
 };
 
 void tst_ElfFile::processors_data()
@@ -125,7 +125,7 @@ void tst_ElfFile::otherFiles()
 }
 
 // The last field, which says where names lie, is not asked for.
-void tst_ElfFile::everyCut()
+void tst_ElfFile::truncatedHeader()
 {
     for (const bool is64Bit : {false, true}) {
         Fields fields;
@@ -172,7 +172,7 @@ void tst_ElfFile::cutShort_data()
 {
     QTest::addColumn<Fields>("fields");
     QTest::addColumn<qint64>("size");
-    QTest::addColumn<bool>("isCut");
+    QTest::addColumn<bool>("expected");
 
     const quint64 farOff = ~quint64(0) - 10;
     QTest::newRow("a byte below") << Fields{} << qint64(1639) << true;
@@ -186,15 +186,15 @@ void tst_ElfFile::cutShort_data()
         << Fields{true, false, 62, 0, 0, 65535, 65535} << qint64(4294836224) << true;
 }
 
-void tst_ElfFile::cutShort()
+void tst_ElfFile::truncatedFile()
 {
     QFETCH(Fields, fields);
     QFETCH(qint64, size);
-    QFETCH(bool, isCut);
+    QFETCH(bool, expected);
 
     const std::optional<ElfHeader> header = parsed(headerBytes(fields));
     QVERIFY(header.has_value());
-    QCOMPARE(isCutShort(*header, size), isCut);
+    QCOMPARE(isTruncated(*header, size), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_ElfFile)

@@ -60,13 +60,13 @@ class tst_Plan : public QObject
 private Q_SLOTS:
     void table();
     void json();
-    void connectsToNobody();
-    void pluginIsPointedElsewhere();
+    void opensNoConnection();
+    void redirectsDevices();
     void refusedDevices_data();
     void refusedDevices();
     void unknownTimeout_data();
     void unknownTimeout();
-    void writeAsks();
+    void plansWrites();
     void wordCounts_data();
     void wordCounts();
     void recorderAnswers();
@@ -118,7 +118,7 @@ void tst_Plan::json()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Plan::connectsToNobody()
+void tst_Plan::opensNoConnection()
 {
     ScriptedPeer controller;
     const ProgramRun run
@@ -130,7 +130,7 @@ void tst_Plan::connectsToNobody()
 }
 
 // The plug-in's own word for what it is given, in init() and in each cycle.
-void tst_Plan::pluginIsPointedElsewhere()
+void tst_Plan::redirectsDevices()
 {
     const ProgramRun run
         = runWithPlant(text(VELHOST_FILE),
@@ -221,7 +221,7 @@ void tst_Plan::unknownTimeout()
                  .arg(times));
 }
 
-void tst_Plan::writeAsks()
+void tst_Plan::plansWrites()
 {
     const ProgramRun run
         = runPlan(plantAt("10.0.0.1", ""), {text("--write"), text("Press/None=1")});

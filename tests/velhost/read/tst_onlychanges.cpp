@@ -1,7 +1,7 @@
 #include "plantrun.h"
 #include "text.h"
 
-#include <cycle/changes.h>
+#include <cycle/changefilter.h>
 #include <cycle/cycletext.h>
 
 #include <QDateTime>
@@ -151,15 +151,15 @@ void tst_OnlyChanges::csvOfDeviceError()
 
 void tst_OnlyChanges::deviceErrors()
 {
-    Changes changes;
-    QCOMPARE(shown(changes.take(cycleOf(1, "", "1"))), text("A=1"));
-    QCOMPARE(shown(changes.take(cycleOf(2, "lost", "1"))), text("lost"));
-    QCOMPARE(shown(changes.take(cycleOf(3, "lost", "1"))), QString());
-    QCOMPARE(shown(changes.take(cycleOf(4, "other", "1"))), text("other"));
-    QCOMPARE(shown(changes.take(cycleOf(5, "", "1"))), text("ended"));
-    QCOMPARE(shown(changes.take(cycleOf(6, "", "1"))), QString());
-    QCOMPARE(shown(changes.take(cycleOf(7, "lost", "2"))), text("lost A=2"));
-    QCOMPARE(shown(changes.take(cycleOf(8, "", "3"))), text("ended A=3"));
+    ChangeFilter changeFilter;
+    QCOMPARE(shown(changeFilter.filter(cycleOf(1, "", "1"))), text("A=1"));
+    QCOMPARE(shown(changeFilter.filter(cycleOf(2, "lost", "1"))), text("lost"));
+    QCOMPARE(shown(changeFilter.filter(cycleOf(3, "lost", "1"))), QString());
+    QCOMPARE(shown(changeFilter.filter(cycleOf(4, "other", "1"))), text("other"));
+    QCOMPARE(shown(changeFilter.filter(cycleOf(5, "", "1"))), text("ended"));
+    QCOMPARE(shown(changeFilter.filter(cycleOf(6, "", "1"))), QString());
+    QCOMPARE(shown(changeFilter.filter(cycleOf(7, "lost", "2"))), text("lost A=2"));
+    QCOMPARE(shown(changeFilter.filter(cycleOf(8, "", "3"))), text("ended A=3"));
 }
 
 // How the end of a device's error is printed.
@@ -188,11 +188,11 @@ void tst_OnlyChanges::devicesApart()
     DeviceReport press = cycleOf(1, "", "1").at(0);
     DeviceReport oven = press;
     oven.device = text("Oven");
-    Changes changes;
-    QCOMPARE(shown(changes.take({press, oven})), text("A=1 A=1"));
+    ChangeFilter changeFilter;
+    QCOMPARE(shown(changeFilter.filter({press, oven})), text("A=1 A=1"));
     oven.values[0].value = text("2");
-    QCOMPARE(shown(changes.take({press, oven})), text("A=2"));
-    QCOMPARE(shown(changes.take({press, oven})), QString());
+    QCOMPARE(shown(changeFilter.filter({press, oven})), text("A=2"));
+    QCOMPARE(shown(changeFilter.filter({press, oven})), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_OnlyChanges)

@@ -70,13 +70,13 @@ private Q_SLOTS:
     void expected();
     void json();
     void csv();
-    void readsAreCollapsed();
-    void jsonKeepsAllEntries();
+    void repeatedLogEntries();
+    void jsonLogEntries();
     void lostConnection();
     void signalEnds_data();
     void signalEnds();
-    void stops();
-    void outputIsLost();
+    void stopsPlugin();
+    void closedOutput();
 };
 
 // Long before the second cycle, but not before the time is over.
@@ -240,7 +240,7 @@ void tst_Watch::csv()
     QCOMPARE(result.exitCode, 0);
 }
 
-void tst_Watch::readsAreCollapsed()
+void tst_Watch::repeatedLogEntries()
 {
     SimulatorThread controller;
     const ProgramRun twoEntries
@@ -256,7 +256,7 @@ void tst_Watch::readsAreCollapsed()
     QCOMPARE(oneEntry.output.count(text("invalid address")), 3);
 }
 
-void tst_Watch::jsonKeepsAllEntries()
+void tst_Watch::jsonLogEntries()
 {
     SimulatorThread controller;
     const ProgramRun result = run("read plant.json --cycles 3 --interval 0 --format json",
@@ -337,7 +337,7 @@ void tst_Watch::signalEnds()
 }
 
 // The plug-in is stopped after the summary, whatever ends the watch.
-void tst_Watch::stops()
+void tst_Watch::stopsPlugin()
 {
     const QByteArray plant = R"({"devices": [{"id": 1, "name": "A", "ip": "127.0.0.1",
  "parameters": {"script": "trace,raise-int"}, "items": [{"name": "x"}]}]})";
@@ -350,7 +350,7 @@ void tst_Watch::stops()
 }
 
 // Nobody sees what would come.
-void tst_Watch::outputIsLost()
+void tst_Watch::closedOutput()
 {
     const QByteArray plant
         = R"({"devices": [{"id": 1, "name": "A", "ip": "127.0.0.1", "items": [{"name": "x"}]}]})";

@@ -35,7 +35,7 @@ std::vector<WatchedDevice> pressWith(int more)
         press.items.push_back(item);
     }
     press.time = counter.last.time;
-    press.goodMs = 0;
+    press.lastGoodMs = 0;
     return {press};
 }
 
@@ -61,7 +61,7 @@ private Q_SLOTS:
     void screenRows();
     void screenColumns_data();
     void screenColumns();
-    void errorTakesTheRest();
+    void errorColumnWidth();
     void marks_data();
     void marks();
     void logBelow();
@@ -157,7 +157,7 @@ void tst_WatchTable::screenColumns()
 }
 
 // What stands behind it has its place as long as twenty columns are left for the error.
-void tst_WatchTable::errorTakesTheRest()
+void tst_WatchTable::errorColumnWidth()
 {
     const QString whole = screen(pressWith(1), {88, 24}, Marking::None).at(4);
     QVERIFY2(whole.contains(utf8("  no such address\\x1b[31m  0 ")), qPrintable(whole));

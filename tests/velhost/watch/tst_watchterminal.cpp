@@ -66,8 +66,8 @@ private Q_SLOTS:
     void ends_data();
     void ends();
     void stoppedAndContinued();
-    void lines_data();
-    void lines();
+    void withoutDrawing_data();
+    void withoutDrawing();
 };
 
 QStringList tst_WatchTerminal::arguments(const SimulatorThread &controller,
@@ -308,7 +308,7 @@ void tst_WatchTerminal::stoppedAndContinued()
     QCOMPARE(shell.output().count(leave), 2);
 }
 
-void tst_WatchTerminal::lines_data()
+void tst_WatchTerminal::withoutDrawing_data()
 {
     QTest::addColumn<QByteArray>("term");
     QTest::addColumn<QByteArray>("option");
@@ -320,7 +320,7 @@ void tst_WatchTerminal::lines_data()
 }
 
 // No drawing: lines that scroll.
-void tst_WatchTerminal::lines()
+void tst_WatchTerminal::withoutDrawing()
 {
     QFETCH(QByteArray, term);
     QFETCH(QByteArray, option);

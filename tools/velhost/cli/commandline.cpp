@@ -136,7 +136,7 @@ OutputFormat formatNamed(const QString &name)
 }
 
 /// Also for an option that the command does not know.
-QString valueGiven(const QCommandLineParser &parser, const QString &option)
+QString valueOrEmpty(const QCommandLineParser &parser, const QString &option)
 {
     return parser.optionNames().contains(option) ? parser.value(option) : QString();
 }
@@ -156,8 +156,8 @@ std::optional<Arguments> parseArguments(const Command &command, const QStringLis
     *error = optionError(command, parser);
     if (!error->isEmpty())
         return {};
-    arguments.pluginFile = valueGiven(parser, QStringLiteral("plugin"));
-    arguments.plantFile = valueGiven(parser, QStringLiteral("plant"));
+    arguments.pluginFile = valueOrEmpty(parser, QStringLiteral("plugin"));
+    arguments.plantFile = valueOrEmpty(parser, QStringLiteral("plant"));
     arguments.format = formatNamed(parser.value(QStringLiteral("format")));
     for (const Option &option : command.options) {
         if (parser.isSet(option.name))

@@ -45,9 +45,9 @@ QString changeLines(const QList<DeviceReport> &devices, const QVector<int> &widt
     QString lines;
     for (const DeviceReport &device : devices) {
         const QString name = visible(device.device);
-        if (device.hasOwnLine())
-            lines
-                += line({timeText(device.time), name, {}, {}, visible(deviceNews(device))}, widths);
+        if (device.hasMessage())
+            lines += line({timeText(device.time), name, {}, {}, visible(deviceMessage(device))},
+                          widths);
         for (const ItemReport &item : device.values)
             lines += line({timeText(item.time), name, visible(item.item), valueText(item),
                            visible(itemProblem(item))},

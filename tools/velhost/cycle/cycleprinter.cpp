@@ -18,7 +18,7 @@ CyclePrinter::CyclePrinter(OutputFormat format, Content content,
 
 void CyclePrinter::printCycle(const QList<DeviceReport> &devices)
 {
-    const QList<DeviceReport> shown = m_onlyChanges ? m_changes.take(devices) : devices;
+    const QList<DeviceReport> shown = m_onlyChanges ? m_changeFilter.filter(devices) : devices;
     QString text = m_hasLines ? changeLines(shown, m_lineWidths) : cycleText(m_format, shown);
     if (text.isEmpty())
         return;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cycle/changes.h"
+#include "cycle/changefilter.h"
 #include "host/outputformat.h"
 
 #include <vel/records.h>
@@ -29,5 +29,5 @@ private:
     bool m_onlyChanges;
     bool m_isFirst = true;
     QVector<int> m_lineWidths;
-    Changes m_changes;
+    ChangeFilter m_changeFilter;
 };

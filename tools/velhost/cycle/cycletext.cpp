@@ -15,7 +15,7 @@ QString key(const char *name)
 QString deviceJsonLines(const DeviceReport &device)
 {
     QString lines;
-    if (device.hasOwnLine()) {
+    if (device.hasMessage()) {
         lines += jsonObject({{key("type"), jsonText(key("device"))},
                              {key("cycle"), jsonText(device.cycle)},
                              {key("time"), jsonText(timeText(device.time))},
@@ -40,8 +40,8 @@ void appendDeviceRows(const DeviceReport &device, QList<QStringList> *rows)
 {
     const QString cycle = QString::number(device.cycle);
     const QString name = visible(device.device);
-    if (device.hasOwnLine())
-        rows->append({cycle, timeText(device.time), name, {}, {}, visible(deviceNews(device))});
+    if (device.hasMessage())
+        rows->append({cycle, timeText(device.time), name, {}, {}, visible(deviceMessage(device))});
     for (const ItemReport &item : device.values)
         rows->append({cycle, timeText(item.time), name, visible(item.item), valueText(item),
                       visible(item.error)});
@@ -62,7 +62,7 @@ QString cycleCsv(const QList<DeviceReport> &devices)
     QString records;
     for (const DeviceReport &device : devices) {
         const QString cycle = QString::number(device.cycle);
-        if (device.hasOwnLine())
+        if (device.hasMessage())
             records += csvRecord(
                 {cycle, timeText(device.time), device.device, {}, {}, {}, device.error});
         for (const ItemReport &item : device.values) {

@@ -19,7 +19,7 @@ QString valueText(const ItemReport &item)
     return text;
 }
 
-QString deviceNews(const DeviceReport &device)
+QString deviceMessage(const DeviceReport &device)
 {
     return device.errorEnded ? QStringLiteral("no error any more") : device.error;
 }

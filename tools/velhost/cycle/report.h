@@ -36,7 +36,7 @@ struct DeviceReport
     qint64 microseconds = 0;
 
     /// Whether there is something to tell of the device itself.
-    bool hasOwnLine() const { return errorEnded || !error.isEmpty(); }
+    bool hasMessage() const { return errorEnded || !error.isEmpty(); }
 
     /// Whether the device or one of its items has an error.
     bool hasError() const;
@@ -46,7 +46,7 @@ struct DeviceReport
 QString valueText(const ItemReport &item);
 
 /// What there is to tell of the device itself: its error, or that one has ended.
-QString deviceNews(const DeviceReport &device);
+QString deviceMessage(const DeviceReport &device);
 
 /// What is wrong with an item that was read, for people: its error, or what was expected instead of
 /// its value. Empty when nothing is.

@@ -33,17 +33,17 @@ QString plantFileError(const Arguments &arguments)
 SearchResult searchAndShow(const SearchPlan &plan, int *signal)
 {
     StopSignals stopSignals;
-    const bool isWatched = ::isatty(STDERR_FILENO) == 1;
+    const bool showsProgress = ::isatty(STDERR_FILENO) == 1;
     QDeadlineTimer redraw(0);
     const SearchResult result = runSearch(plan, [&](const SearchProgress &progress) {
-        if (isWatched && redraw.hasExpired()) {
+        if (showsProgress && redraw.hasExpired()) {
             print(stderr, lineStart + progressText(progress) + clearLine);
             redraw.setRemainingTime(redrawMs);
         }
         *signal = stopSignals.wait(0);
         return *signal == 0;
     });
-    if (isWatched)
+    if (showsProgress)
         print(stderr, lineStart + clearLine);
     return result;
 }
@@ -70,9 +70,9 @@ bool writePlant(const Arguments &arguments, const SearchArea &area, const Findin
 }
 
 /// Tells what there is beside the controllers. Whether the search found one and ran to its end.
-bool reportOthers(const SearchResult &result)
+bool reportProblems(const SearchResult &result)
 {
-    printError(strangerTexts(result.findings));
+    printError(nonControllerTexts(result.findings));
     if (result.wasStopped) {
         printError(QStringLiteral("the search was ended early; there may be more controllers"));
         return false;
@@ -105,7 +105,7 @@ ExitCode discover(const Session &session, const Arguments &arguments)
     int signal = 0;
     const SearchResult result = searchAndShow(*plan, &signal);
     print(stdout, controllersText(arguments.format, result.findings));
-    bool isWell = reportOthers(result);
+    bool isWell = reportProblems(result);
     if (!arguments.plantFile.isEmpty() && result.findings.controllerCount() > 0)
         isWell = writePlant(arguments, plan->area, result.findings) && isWell;
     if (signal != 0)

@@ -45,7 +45,7 @@ QString deviceJson(int id, const Finding &finding)
                        {QStringLiteral("items"), jsonText(QJsonArray())}});
 }
 
-quint64 placesOf(const QList<Subnet> &subnets)
+quint64 addressCount(const QList<Subnet> &subnets)
 {
     return Endpoints(subnets, {1}).count();
 }
@@ -69,7 +69,7 @@ QString controllersText(OutputFormat format, const Findings &findings)
     return rows.size() > 1 ? tableText(rows) : QString();
 }
 
-QStringList strangerTexts(const Findings &findings)
+QStringList nonControllerTexts(const Findings &findings)
 {
     QStringList texts;
     for (const Finding &finding : findings.all()) {
@@ -88,8 +88,8 @@ QString searchText(const SearchPlan &plan)
 {
     return QStringLiteral("asking %1 addresses by UDP at %2 ports, then %3 by TCP at %4, for at "
                           "most %5 ms")
-        .arg(QString::number(placesOf(plan.area.udp)), QString::number(plan.udpPorts.size()),
-             QString::number(placesOf(plan.area.tcp)), QString::number(plan.tcpPorts.size()),
+        .arg(QString::number(addressCount(plan.area.udp)), QString::number(plan.udpPorts.size()),
+             QString::number(addressCount(plan.area.tcp)), QString::number(plan.tcpPorts.size()),
              QString::number(plan.timeoutMs));
 }
 

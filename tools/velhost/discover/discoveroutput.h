@@ -11,7 +11,7 @@
 QString controllersText(OutputFormat format, const Findings &findings);
 
 /// A line for each finding that is no controller.
-QStringList strangerTexts(const Findings &findings);
+QStringList nonControllerTexts(const Findings &findings);
 
 /// What will be asked, for the user who waits.
 QString searchText(const SearchPlan &plan);

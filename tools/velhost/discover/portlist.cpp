@@ -16,11 +16,11 @@ int portNumber(const QString &digits)
 
 void appendRange(int first, int last, PortList *list)
 {
-    for (int port = first; port <= last && !list->isCut; ++port) {
+    for (int port = first; port <= last && !list->isTruncated; ++port) {
         if (list->ports.contains(static_cast<quint16>(port)))
             continue;
         if (list->ports.size() == maximumPorts)
-            list->isCut = true;
+            list->isTruncated = true;
         else
             list->ports.append(static_cast<quint16>(port));
     }

@@ -11,7 +11,7 @@ struct PortList
     /// In the order given, none twice, 1 to 64 of them.
     QVector<quint16> ports;
     /// The text names more than 64; the first of them count.
-    bool isCut = false;
+    bool isTruncated = false;
 };
 
 /// Reads ports and ranges of ports with commas between, for example "8501,8600-8605". Blanks around

@@ -8,16 +8,16 @@
 
 namespace {
 
-const QString timeKey = QStringLiteral("timeout_ms");
+const QString timeoutKey = QStringLiteral("timeout_ms");
 const QString interfaceKey = QStringLiteral("network_interface");
 const QString udpPortsKey = QStringLiteral("udp_ports");
 const QString tcpPortsKey = QStringLiteral("tcp_ports");
 /// Longer is no search any more but a mistake.
-constexpr int maximumTimeMs = 60 * 60 * 1000;
+constexpr int maximumTimeoutMs = 60 * 60 * 1000;
 
 QString missingColumns(const QList<DatabaseColumnStructure> &columns)
 {
-    QStringList missing{timeKey, interfaceKey, udpPortsKey, tcpPortsKey};
+    QStringList missing{timeoutKey, interfaceKey, udpPortsKey, tcpPortsKey};
     for (const DatabaseColumnStructure &column : columns)
         missing.removeAll(column.name);
     return missing.join(QStringLiteral(", "));
@@ -40,8 +40,8 @@ QMap<QString, QString> withDefaults(const QMap<QString, QString> &parameters,
 }
 
 /// `option` sets the ports, so the messages name it.
-QVector<quint16> takePorts(const QString &text, const QString &option, QStringList *errors,
-                           QStringList *notes)
+QVector<quint16> parsePorts(const QString &text, const QString &option, QStringList *errors,
+                            QStringList *notes)
 {
     QString error;
     const std::optional<PortList> list = parsePortList(text, &error);
@@ -49,7 +49,7 @@ QVector<quint16> takePorts(const QString &text, const QString &option, QStringLi
         errors->append(option + u": " + error);
         return {};
     }
-    if (list->isCut)
+    if (list->isTruncated)
         notes->append(
             QStringLiteral(
                 "%1: \"%2\" names more than %3 ports; only the first %3 are asked, up to %4")
@@ -58,13 +58,13 @@ QVector<quint16> takePorts(const QString &text, const QString &option, QStringLi
     return list->ports;
 }
 
-int takeTime(const QString &text, QStringList *errors)
+int parseTimeout(const QString &text, QStringList *errors)
 {
-    const std::optional<int> time = wholeNumber(text, 1, maximumTimeMs);
+    const std::optional<int> time = wholeNumber(text, 1, maximumTimeoutMs);
     if (!time)
         errors->append(QStringLiteral("--timeout: \"%1\" is no time; write milliseconds as a "
                                       "whole number from 1 to %2")
-                           .arg(text, QString::number(maximumTimeMs)));
+                           .arg(text, QString::number(maximumTimeoutMs)));
     return time.value_or(0);
 }
 
@@ -85,10 +85,10 @@ std::optional<SearchPlan> searchPlan(const SearchOptions &options,
     const QMap<QString, QString> parameters = withDefaults(options.parameters, columns, errors);
     SearchPlan plan;
     plan.udpPorts
-        = takePorts(parameters.value(udpPortsKey), QStringLiteral("--udp-ports"), errors, notes);
+        = parsePorts(parameters.value(udpPortsKey), QStringLiteral("--udp-ports"), errors, notes);
     plan.tcpPorts
-        = takePorts(parameters.value(tcpPortsKey), QStringLiteral("--tcp-ports"), errors, notes);
-    plan.timeoutMs = takeTime(parameters.value(timeKey), errors);
+        = parsePorts(parameters.value(tcpPortsKey), QStringLiteral("--tcp-ports"), errors, notes);
+    plan.timeoutMs = parseTimeout(parameters.value(timeoutKey), errors);
     QString error;
     const AreaChoice choice{parameters.value(interfaceKey),
                             options.parameters.contains(interfaceKey), options.subnet,

@@ -33,8 +33,8 @@ struct Pieces
 {
     QStringList texts;
     /// The text does not go on with a letter or a digit before the first piece or behind the last.
-    bool beginsAWord = false;
-    bool endsAWord = false;
+    bool beginsWithWord = false;
+    bool endsWithWord = false;
 };
 
 /// In lower case. Blanks at the ends do not count: they are easily lost.
@@ -54,8 +54,8 @@ std::optional<Span> findPieces(const QString &text, const Pieces &pieces)
     int end = 0;
     for (int i = 0; i < pieces.texts.size(); ++i) {
         const QString &piece = pieces.texts.at(i);
-        const bool isFirst = i == 0 && pieces.beginsAWord;
-        const bool isLast = i == pieces.texts.size() - 1 && pieces.endsAWord;
+        const bool isFirst = i == 0 && pieces.beginsWithWord;
+        const bool isLast = i == pieces.texts.size() - 1 && pieces.endsWithWord;
         int at = text.indexOf(piece, end);
         while (at >= 0
                && ((isFirst && isWordCharacter(text, at - 1))
@@ -100,7 +100,7 @@ bool isPartOf(const Match &match, const Match &other)
 }
 
 /// Every three characters that follow one another.
-QSet<QString> triples(const QString &text)
+QSet<QString> trigrams(const QString &text)
 {
     QSet<QString> result;
     for (int i = 0; i + 3 <= text.size(); ++i)
@@ -109,7 +109,7 @@ QSet<QString> triples(const QString &text)
 }
 
 /// From 0 to 1: the share of the smaller set that is in the other, too.
-double resemblance(const QSet<QString> &one, const QSet<QString> &other)
+double similarity(const QSet<QString> &one, const QSet<QString> &other)
 {
     const int smaller = std::min(one.size(), other.size());
     return smaller == 0 ? 0.0 : static_cast<double>((QSet<QString>(one) & other).size()) / smaller;
@@ -146,11 +146,11 @@ QStringList nearestTexts(const QString &text, const QList<KnownError> &catalogue
     constexpr int longest = 300;
     constexpr int most = 3;
     constexpr double least = 0.4;
-    const QSet<QString> wanted = triples(text.right(longest).toLower());
+    const QSet<QString> wanted = trigrams(text.right(longest).toLower());
     QList<QPair<double, QString>> candidates;
     for (const KnownError &error : catalogue) {
         const double value
-            = resemblance(triples(piecesOf(error.text).texts.join(QString())), wanted);
+            = similarity(trigrams(piecesOf(error.text).texts.join(QString())), wanted);
         const QPair<double, QString> candidate(value, error.text);
         if (value >= least && !candidates.contains(candidate))
             candidates.append(candidate);

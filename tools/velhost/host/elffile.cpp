@@ -22,7 +22,7 @@ quint64 readWide(QDataStream *stream, bool is64Bit)
     return value;
 }
 
-quint32 floatKind(const ElfHeader &header)
+quint32 floatAbi(const ElfHeader &header)
 {
     return header.machine == EM_ARM ? header.flags & floatFlags : 0;
 }
@@ -67,7 +67,7 @@ std::optional<ElfHeader> readElfHeader(QIODevice *device)
     return stream.status() == QDataStream::Ok ? std::optional(header) : std::nullopt;
 }
 
-bool isCutShort(const ElfHeader &header, qint64 fileSize)
+bool isTruncated(const ElfHeader &header, qint64 fileSize)
 {
     const auto size = static_cast<quint64>(fileSize);
     return header.tableOffset > size || header.tableSize > size - header.tableOffset;
@@ -75,8 +75,8 @@ bool isCutShort(const ElfHeader &header, qint64 fileSize)
 
 bool haveSameProcessor(const ElfHeader &one, const ElfHeader &other)
 {
-    const quint32 oneFloat = floatKind(one);
-    const quint32 otherFloat = floatKind(other);
+    const quint32 oneFloat = floatAbi(one);
+    const quint32 otherFloat = floatAbi(other);
     return one.is64Bit == other.is64Bit && one.isBigEndian == other.isBigEndian
            && one.machine == other.machine
            && (oneFloat == otherFloat || oneFloat == 0 || otherFloat == 0);
@@ -88,9 +88,9 @@ QString processorText(const ElfHeader &header)
                        .arg(machineName(header.machine),
                             header.is64Bit ? QStringLiteral("64") : QStringLiteral("32"),
                             header.isBigEndian ? QStringLiteral("big") : QStringLiteral("little"));
-    if (floatKind(header) == EF_ARM_ABI_FLOAT_HARD)
+    if (floatAbi(header) == EF_ARM_ABI_FLOAT_HARD)
         text += u", hard float";
-    if (floatKind(header) == EF_ARM_ABI_FLOAT_SOFT)
+    if (floatAbi(header) == EF_ARM_ABI_FLOAT_SOFT)
         text += u", soft float";
     return text + u')';
 }

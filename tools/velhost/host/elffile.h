@@ -23,7 +23,7 @@ struct ElfHeader
 std::optional<ElfHeader> readElfHeader(QIODevice *device);
 
 /// Whether a file of that size ends before the table of sections does.
-bool isCutShort(const ElfHeader &header, qint64 fileSize);
+bool isTruncated(const ElfHeader &header, qint64 fileSize);
 
 /// Whether code of both can run in one process. Where one does not tell its kind of floating point,
 /// that does not count.

@@ -27,7 +27,7 @@ std::optional<LoadFailure> headerFailure(const QFileInfo &file)
             QStringLiteral("it is built for another processor: %1, this program for %2")
                 .arg(processorText(*header), processorText(*own)),
             QStringLiteral("take or build the one for this processor")};
-    if (isCutShort(*header, file.size()))
+    if (isTruncated(*header, file.size()))
         return LoadFailure{QStringLiteral("it is cut short"),
                            QStringLiteral("copy it again and compare the sizes")};
     return {};

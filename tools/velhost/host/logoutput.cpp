@@ -46,37 +46,37 @@ void LogOutput::add(const LogEntry &entry)
         ++m_latest.last().count;
         return;
     }
-    if (!m_isHeld)
-        printOpenCount();
+    if (!m_isPaused)
+        printPendingCount();
     m_latest.append({entry, 1});
     if (m_latest.size() > maximumKept)
         m_latest.removeFirst();
-    m_told = m_isHeld ? 0 : 1;
-    if (!m_isHeld)
+    m_printedCount = m_isPaused ? 0 : 1;
+    if (!m_isPaused)
         print(stderr, countedText(m_latest.last()));
 }
 
-void LogOutput::printOpenCount()
+void LogOutput::printPendingCount()
 {
-    if (m_latest.isEmpty() || m_latest.last().count == m_told)
+    if (m_latest.isEmpty() || m_latest.last().count == m_printedCount)
         return;
     print(stderr, countedText(m_latest.last()));
-    m_told = m_latest.last().count;
+    m_printedCount = m_latest.last().count;
 }
 
-void LogOutput::hold()
+void LogOutput::pause()
 {
-    printOpenCount();
+    printPendingCount();
     m_latest.clear();
-    m_isHeld = true;
+    m_isPaused = true;
 }
 
-void LogOutput::release()
+void LogOutput::resume()
 {
-    if (!m_isHeld)
+    if (!m_isPaused)
         return;
-    m_isHeld = false;
+    m_isPaused = false;
     for (const CountedEntry &counted : std::as_const(m_latest))
         print(stderr, countedText(counted));
-    m_told = m_latest.isEmpty() ? 0 : m_latest.last().count;
+    m_printedCount = m_latest.isEmpty() ? 0 : m_latest.last().count;
 }

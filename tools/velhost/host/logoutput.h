@@ -30,13 +30,13 @@ public:
     void add(const LogEntry &entry);
 
     /// Prints the count that is still open. To be called at the end, too.
-    void printOpenCount();
+    void printPendingCount();
 
     /// From now on keeps the latest entries instead of printing them.
-    void hold();
+    void pause();
 
-    /// Prints what was kept and goes on printing. Does nothing without hold().
-    void release();
+    /// Prints what was kept and goes on printing. Does nothing without pause().
+    void resume();
 
     /// The latest entries, those in succession as one; the latest one is the last. Of those that
     /// are kept, no more than a few.
@@ -44,8 +44,8 @@ public:
 
 private:
     OutputFormat m_format;
-    bool m_isHeld = false;
+    bool m_isPaused = false;
     /// How often the last of `m_latest` was printed or counted in print.
-    qint64 m_told = 0;
+    qint64 m_printedCount = 0;
     QList<CountedEntry> m_latest;
 };

@@ -9,9 +9,9 @@
 namespace {
 
 /// What comes between init() and stopPlugin().
-ExitCode workInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, const Host &host,
-                         bool initDone, LogOutput *log,
-                         const std::function<ExitCode(const Session &)> &work)
+ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, const Host &host,
+                        bool initDone, LogOutput *log,
+                        const std::function<ExitCode(const Session &)> &work)
 {
     const std::optional<PluginRegistration> &registration = host.registration();
     if (!registration) {
@@ -50,9 +50,9 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
     const Host host(
         setup.plant, [&log](const LogEntry &entry) { log.add(entry); }, setup.redirection);
     const bool initDone = loaded->plugin->init();
-    ExitCode result = workInitialised(setup, *loaded, host, initDone, &log, work);
+    ExitCode result = runInitialised(setup, *loaded, host, initDone, &log, work);
     const bool isStopped = loaded->plugin->stopPlugin();
-    log.printOpenCount();
+    log.printPendingCount();
     if (!isStopped) {
         printError(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
                        .arg(loaded->fileName));

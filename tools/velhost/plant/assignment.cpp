@@ -3,7 +3,7 @@
 namespace {
 
 /// Why no item fits, from the first thing that is wrong.
-QString reasonOfNoMatch(const QString &argument, const Plant &plant)
+QString noMatchError(const QString &argument, const Plant &plant)
 {
     QStringList deviceNames;
     for (const PlantDevice &device : plant.devices) {
@@ -43,7 +43,7 @@ std::optional<Assignment> parseAssignment(const QString &argument, const Plant &
         }
     }
     if (bestLength == 0) {
-        *error = reasonOfNoMatch(argument, plant);
+        *error = noMatchError(argument, plant);
         return {};
     }
     if (ambiguous) {

@@ -39,7 +39,7 @@ std::optional<QString> valueFor(const QString &text, const Column &column)
     return takesFreeText(column, choices) ? std::optional(text) : std::nullopt;
 }
 
-QString notOffered(const QString &text, const Column &column)
+QString notOfferedError(const QString &text, const Column &column)
 {
     QStringList offered;
     const QList<Choice> choices = choicesOf(column);
@@ -49,7 +49,7 @@ QString notOffered(const QString &text, const Column &column)
         .arg(text, offered.join(QStringLiteral(", ")));
 }
 
-QString unknownParameter(const QList<Column> &columns, const QString &scope)
+QString unknownParameterError(const QList<Column> &columns, const QString &scope)
 {
     QStringList names;
     for (const Column &column : columns)
@@ -79,10 +79,10 @@ QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
         if (const std::optional<QString> value = valueFor(*text, column))
             record.insert(column.name, *value);
         else
-            errors->append({{}, place + u'.' + column.name, notOffered(*text, column)});
+            errors->append({{}, place + u'.' + column.name, notOfferedError(*text, column)});
     }
     const QStringList unknown = rest.keys();
     for (const QString &name : unknown)
-        errors->append({{}, place + u'.' + name, unknownParameter(columns, scope)});
+        errors->append({{}, place + u'.' + name, unknownParameterError(columns, scope)});
     return record;
 }

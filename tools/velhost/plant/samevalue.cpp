@@ -13,7 +13,7 @@ using Column = DatabaseColumnStructure;
 const QString hexadecimalText = QStringLiteral("Hexadecimal");
 const QString asciiText = QStringLiteral("ASCII");
 
-constexpr int leastDigits = 5;
+constexpr int minimumDigits = 5;
 /// A value in the middle between two read-backs may have moved by this share when it was stored: as
 /// a 32-bit float, which reads back with few digits, or as a 64-bit one.
 constexpr double floatError = 6e-8;
@@ -66,9 +66,9 @@ bool sameNumber(const Number &written, const Number &readBack)
     const double smaller = std::min(std::abs(written.value), std::abs(readBack.value));
     if (smaller == 0.0 || !std::isfinite(written.value) || !std::isfinite(readBack.value))
         return written.value == readBack.value;
-    const int digits = std::max(leastDigits, readBack.significantDigits);
+    const int digits = std::max(minimumDigits, readBack.significantDigits);
     const double unit = std::pow(10.0, std::floor(std::log10(smaller)) - digits + 1);
-    const double storageError = smaller * (digits > leastDigits ? doubleError : floatError);
+    const double storageError = smaller * (digits > minimumDigits ? doubleError : floatError);
     return std::abs(written.value - readBack.value) <= unit / 2 + storageError;
 }
 

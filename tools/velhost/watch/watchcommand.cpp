@@ -29,7 +29,7 @@ CyclePrinter::Content printedContent(const Arguments &arguments)
                                         : CyclePrinter::Content::Everything;
 }
 
-bool isAsItShouldBe(const DeviceReport &device)
+bool isFaultless(const DeviceReport &device)
 {
     return !device.hasError()
            && std::none_of(device.values.begin(), device.values.end(),
@@ -74,7 +74,7 @@ public:
     void finish()
     {
         m_view.reset();
-        m_session.log->printOpenCount();
+        m_session.log->printPendingCount();
         const OutputFormat format = m_arguments.format;
         print(format == OutputFormat::Json ? stdout : stderr, summaryText(format, m_devices));
     }
@@ -87,8 +87,8 @@ private:
         QList<DeviceReport> reports;
         for (int i = 0; i < m_lists.size(); ++i) {
             DeviceReport report = readDevice(m_session.loaded.plugin, &m_lists[i], cycle);
-            takeReport(&report, m_clock.elapsed(), &m_devices.at(static_cast<std::size_t>(i)));
-            m_isAllWell = m_isAllWell && isAsItShouldBe(report);
+            addReport(&report, m_clock.elapsed(), &m_devices.at(static_cast<std::size_t>(i)));
+            m_isAllWell = m_isAllWell && isFaultless(report);
             reports.append(report);
             if (m_view)
                 m_view->update(cycle);

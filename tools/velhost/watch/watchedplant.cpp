@@ -2,7 +2,8 @@
 
 namespace {
 
-void takeItem(const ItemReport &report, bool isRead, qint64 cycle, qint64 nowMs, WatchedItem *item)
+void addItemReport(const ItemReport &report, bool isRead, qint64 cycle, qint64 nowMs,
+                   WatchedItem *item)
 {
     ++item->reads;
     if (itemProblem(report) != itemProblem(item->last))
@@ -45,7 +46,7 @@ std::vector<WatchedDevice> watchedDevices(const Plant &plant,
     return devices;
 }
 
-void takeReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device)
+void addReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device)
 {
     if (report->error != device->error)
         device->errorCycle = report->cycle;
@@ -53,7 +54,7 @@ void takeReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device)
     device->time = report->time;
     device->latencies.add(report->microseconds);
     if (report->error.isEmpty())
-        device->goodMs = nowMs;
+        device->lastGoodMs = nowMs;
     else
         ++device->failedCycles;
     for (std::size_t i = 0; i < device->items.size(); ++i) {
@@ -62,6 +63,6 @@ void takeReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device)
         const bool isRead = report->error.isEmpty() && itemReport.error.isEmpty();
         if (isRead && item.expect && !sameValue(*item.expect, itemReport.value, item.kind))
             itemReport.expected = item.expect;
-        takeItem(itemReport, isRead, report->cycle, nowMs, &item);
+        addItemReport(itemReport, isRead, report->cycle, nowMs, &item);
     }
 }

@@ -45,7 +45,7 @@ struct WatchedDevice
     /// When the last call returned.
     QDateTime time;
     /// When a call last ended without an error of the device, as WatchedItem::valueMs.
-    std::optional<qint64> goodMs;
+    std::optional<qint64> lastGoodMs;
     /// Calls that ended with an error of the device.
     qint64 failedCycles = 0;
     /// The cycle in which the error last changed; 0 for never.
@@ -62,4 +62,4 @@ std::vector<WatchedDevice> watchedDevices(const Plant &plant,
 
 /// Takes what a cycle brought for this device, at `nowMs` of the watch's clock. Fills in which of
 /// the report's values are not the expected ones.
-void takeReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device);
+void addReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device);

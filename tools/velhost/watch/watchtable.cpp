@@ -28,10 +28,10 @@ using Row = QVector<Cell>;
 constexpr int maximumLogLines = 3;
 // Device, item and value, whose texts may be of any length.
 constexpr int textColumns = 3;
-constexpr int leastTextWidth = 8;
+constexpr int minimumTextWidth = 8;
 // It takes what the other columns leave, as it is the longest.
 constexpr int errorColumn = 4;
-constexpr int leastErrorWidth = 20;
+constexpr int minimumErrorWidth = 20;
 constexpr int gap = 2;
 
 QString timeOfDay(const QDateTime &time)
@@ -60,7 +60,7 @@ Row headerRow()
 
 Row deviceRow(const WatchedDevice &device, qint64 nowMs, qint64 sinceCycle)
 {
-    const QString age = device.goodMs ? ageText(nowMs - *device.goodMs) : QString();
+    const QString age = device.lastGoodMs ? ageText(nowMs - *device.lastGoodMs) : QString();
     return {{visible(device.name)},
             {},
             {{}, Style::Plain, true},
@@ -114,7 +114,7 @@ QVector<int> fitErrors(QVector<Row> *rows, int columns)
 {
     QVector<int> widths = columnWidths(textsOf(*rows));
     const int whole = std::accumulate(widths.begin(), widths.end(), gap * (widths.size() - 1));
-    const int room = std::max(widths.at(errorColumn) - (whole - columns), leastErrorWidth);
+    const int room = std::max(widths.at(errorColumn) - (whole - columns), minimumErrorWidth);
     for (Row &row : *rows)
         row[errorColumn].text = cutToWidth(row.at(errorColumn).text, room);
     widths[errorColumn] = std::min(widths.at(errorColumn), room);
@@ -124,7 +124,7 @@ QVector<int> fitErrors(QVector<Row> *rows, int columns)
 /// Cuts long texts and gives stars their place. Returns how wide each column is.
 QVector<int> prepare(QVector<Row> *rows, ScreenSize size, Marking marking)
 {
-    const int textWidth = std::max(size.columns / 4, leastTextWidth);
+    const int textWidth = std::max(size.columns / 4, minimumTextWidth);
     for (Row &row : *rows) {
         for (int column = 0; column < textColumns; ++column)
             row[column].text = cutToWidth(row.at(column).text, textWidth);
@@ -166,7 +166,7 @@ bool hasProblem(const Row &row)
 }
 
 /// How many of the rows behind the first `shown` are missing, and whether that hides a problem.
-QString missingText(const QVector<Row> &rows, int shown)
+QString hiddenRowsText(const QVector<Row> &rows, int shown)
 {
     const auto problems = std::count_if(rows.begin() + shown, rows.end(), hasProblem);
     QString text = QStringLiteral("… %1 more").arg(rows.size() - shown);
@@ -200,7 +200,7 @@ QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking ma
     for (int i = 0; i < shown; ++i)
         lines.append(screenLine(rows.at(i), widths, size.columns, marking));
     if (!fits)
-        lines.append(cutToWidth(missingText(rows, std::max(shown, 1)), size.columns));
+        lines.append(cutToWidth(hiddenRowsText(rows, std::max(shown, 1)), size.columns));
     return (lines + log).mid(0, size.rows).join(u'\n');
 }
 

@@ -11,7 +11,7 @@
 namespace {
 
 // Faster than anybody can read; a terminal on a slow line must not delay the cycles.
-constexpr qint64 leastMsBetweenDrawings = 100;
+constexpr qint64 minimumRedrawMs = 100;
 
 } // namespace
 
@@ -21,19 +21,19 @@ WatchView::WatchView(const std::vector<WatchedDevice> *devices, LogOutput *log,
       m_marking(qEnvironmentVariableIsEmpty("NO_COLOR") ? Marking::Colour : Marking::Star)
 {
     if (::isatty(STDERR_FILENO) == 1)
-        m_log->hold();
+        m_log->pause();
 }
 
 WatchView::~WatchView()
 {
     m_screen.reset();
     print(stdout, watchTableText(*m_devices, m_clock->elapsed()) + u'\n');
-    m_log->release();
+    m_log->resume();
 }
 
 void WatchView::update(qint64 cycle)
 {
-    m_hasNews = true;
+    m_hasUpdate = true;
     m_cycle = cycle;
     drawWhenDue();
 }
@@ -46,14 +46,14 @@ void WatchView::drawWhenDue()
 
 qint64 WatchView::dueInMs() const
 {
-    const qint64 between = m_hasNews ? leastMsBetweenDrawings : mostMsBetweenDrawings;
+    const qint64 between = m_hasUpdate ? minimumRedrawMs : maximumRedrawMs;
     return std::max<qint64>(m_drawnMs + between - m_clock->elapsed(), 0);
 }
 
 void WatchView::draw()
 {
     m_drawnMs = m_clock->elapsed();
-    m_hasNews = false;
+    m_hasUpdate = false;
     if (m_cycle != m_drawnCycle) {
         m_sinceCycle = m_drawnCycle;
         m_drawnCycle = m_cycle;

@@ -34,7 +34,7 @@ public:
 
 private:
     /// Ages are shown in seconds.
-    static constexpr qint64 mostMsBetweenDrawings = 1000;
+    static constexpr qint64 maximumRedrawMs = 1000;
 
     void draw();
 
@@ -43,9 +43,9 @@ private:
     const QElapsedTimer *m_clock;
     std::unique_ptr<TerminalScreen> m_screen;
     Marking m_marking;
-    bool m_hasNews = false;
+    bool m_hasUpdate = false;
     /// Nothing is drawn yet, so it is time.
-    qint64 m_drawnMs = -mostMsBetweenDrawings;
+    qint64 m_drawnMs = -maximumRedrawMs;
     qint64 m_cycle = 0;
     /// The cycle drawn last, and the one before it that was drawn: what changed since stands out.
     /// What comes with the first cycle is no change.

@@ -12,12 +12,12 @@
 
 namespace {
 
-const QString confirmation = QStringLiteral("yes");
-const QString noVerify = QStringLiteral("no-verify");
+const QString yesOption = QStringLiteral("yes");
+const QString noVerifyOption = QStringLiteral("no-verify");
 
 /// Why the assignments must be confirmed first; empty when all of them stay on this machine. What
 /// is not surely loopback counts as a controller on site.
-QString unconfirmedTargets(const Plant &plant, const QList<Assignment> &assignments)
+QString confirmationError(const Plant &plant, const QList<Assignment> &assignments)
 {
     QStringList targets;
     for (const Assignment &assignment : assignments) {
@@ -68,12 +68,12 @@ ExitCode runWrite(const Arguments &arguments)
     if (!assignments)
         return WrongUsage;
     const QString refusal
-        = arguments.has(confirmation) ? QString() : unconfirmedTargets(*plant, *assignments);
+        = arguments.has(yesOption) ? QString() : confirmationError(*plant, *assignments);
     if (!refusal.isEmpty()) {
         printError(refusal);
         return WrongUsage;
     }
-    const auto write = arguments.has(noVerify) ? writeOnly : writeAndVerify;
+    const auto write = arguments.has(noVerifyOption) ? writeOnly : writeAndVerify;
     return runSession(sessionSetup(arguments, *plant), [&](const Session &session) {
         return write(session, *assignments, arguments.format);
     });
@@ -87,8 +87,8 @@ Command writeCommand()
             Operands::PlantAndAssignments,
             QStringLiteral("read, write and read back the named items, in the order given"),
             {QStringLiteral("table"), QStringLiteral("json")},
-            {{confirmation, {}, QStringLiteral("change devices that are not on this machine, too")},
-             {noVerify, {}, QStringLiteral("only write, read nothing before or after")}},
+            {{yesOption, {}, QStringLiteral("change devices that are not on this machine, too")},
+             {noVerifyOption, {}, QStringLiteral("only write, read nothing before or after")}},
             {{QStringLiteral("Write a value and read it back"),
               QStringLiteral("velhost write plant.json 'Press/Set point=250'")}},
             runWrite};

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int tickMs = 10;
 /// How long an answer by UDP may take; it is still taken later, while TCP goes on.
-constexpr int longestQuietMs = 1000;
+constexpr int maximumAnswerMs = 1000;
 
 QStringList gapsOf(const UdpSearch &udp, const TcpSearch &tcp, const Findings &findings)
 {
@@ -40,25 +40,26 @@ QStringList gapsOf(const UdpSearch &udp, const TcpSearch &tcp, const Findings &f
 } // namespace
 
 SearchResult runSearch(const SearchPlan &plan,
-                       const std::function<bool(const SearchProgress &)> &goesOn)
+                       const std::function<bool(const SearchProgress &)> &shouldContinue)
 {
     SearchResult result;
     const auto note = [&result](const Finding &finding) { result.findings.add(finding); };
     UdpSearch udp({plan.area.udp, plan.udpPorts}, plan.udpPorts, note);
     TcpSearch tcp({plan.area.tcp, plan.tcpPorts}, note);
-    const int quietMs = std::min(longestQuietMs, plan.timeoutMs / 4);
+    const int answerMs = std::min(maximumAnswerMs, plan.timeoutMs / 4);
     const QDeadlineTimer deadline(plan.timeoutMs);
-    const QDeadlineTimer udpHalf(plan.timeoutMs / 2);
+    const QDeadlineTimer udpDeadline(plan.timeoutMs / 2);
 
     QEventLoop loop;
     QTimer tick;
     QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
-        udp.sendSome();
-        const bool isUdpQuiet = udp.isQuiet(quietMs);
-        if (isUdpQuiet || udpHalf.hasExpired())
-            tcp.startSome();
-        result.wasStopped = !goesOn({tcp.asked(), tcp.count(), result.findings.controllerCount()});
-        if (result.wasStopped || deadline.hasExpired() || (isUdpQuiet && tcp.isDone()))
+        udp.sendQuestions();
+        const bool isUdpDone = udp.isDone(answerMs);
+        if (isUdpDone || udpDeadline.hasExpired())
+            tcp.startProbes();
+        result.wasStopped
+            = !shouldContinue({tcp.asked(), tcp.count(), result.findings.controllerCount()});
+        if (result.wasStopped || deadline.hasExpired() || (isUdpDone && tcp.isDone()))
             loop.quit();
     });
     tick.start(tickMs);

@@ -30,14 +30,14 @@ struct SearchProgress
 struct SearchResult
 {
     Findings findings;
-    /// `goesOn` ended the search.
+    /// `shouldContinue` ended the search.
     bool wasStopped = false;
     /// What was not asked or not noted otherwise, and why; empty when there is nothing.
     QStringList gaps;
 };
 
 /// Asks by UDP and then by TCP who answers the question for the model. Ends when all have been
-/// asked, when the time is over or when `goesOn`, which is called a hundred times a second, returns
-/// false.
+/// asked, when the time is over or when `shouldContinue`, which is called a hundred times a second,
+/// returns false.
 SearchResult runSearch(const SearchPlan &plan,
-                       const std::function<bool(const SearchProgress &)> &goesOn);
+                       const std::function<bool(const SearchProgress &)> &shouldContinue);

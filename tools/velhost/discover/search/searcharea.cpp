@@ -20,7 +20,7 @@ QList<InterfaceNetwork> chosenNetworks(const QString &interface,
     return chosen;
 }
 
-QString noNetwork(const QString &interface, const QList<InterfaceNetwork> &networks)
+QString noNetworkError(const QString &interface, const QList<InterfaceNetwork> &networks)
 {
     if (interface.isEmpty())
         return QStringLiteral("no interface but loopback is up and has an IPv4 address; connect "
@@ -34,7 +34,7 @@ QString noNetwork(const QString &interface, const QList<InterfaceNetwork> &netwo
              names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", ")));
 }
 
-QString tooLarge(Subnet subnet)
+QString tooLargeError(Subnet subnet)
 {
     return QStringLiteral("the network %1 has %2 addresses, more than the 1022 of a /22; name a "
                           "part of it with --subnet, or add --force")
@@ -92,7 +92,7 @@ std::optional<SearchArea> searchArea(const AreaChoice &choice,
     const QList<InterfaceNetwork> chosen
         = broadcasts ? chosenNetworks(choice.interface, networks) : QList<InterfaceNetwork>();
     if (broadcasts && chosen.isEmpty()) {
-        *error = noNetwork(choice.interface, networks);
+        *error = noNetworkError(choice.interface, networks);
         return {};
     }
     for (const InterfaceNetwork &network : chosen) {
@@ -115,7 +115,7 @@ std::optional<SearchArea> searchArea(const AreaChoice &choice,
     }
     for (const Subnet &subnet : std::as_const(area.tcp)) {
         if (subnet.prefix < shortestPrefix && !choice.isForced) {
-            *error = tooLarge(subnet);
+            *error = tooLargeError(subnet);
             return {};
         }
     }

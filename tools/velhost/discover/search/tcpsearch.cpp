@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int patienceMs = 1500;
+constexpr int timeoutMs = 1500;
 constexpr int maximumInFlight = 128;
 
 } // namespace
@@ -13,19 +13,19 @@ TcpProbe::TcpProbe(Endpoint endpoint, QObject *parent)
     : QObject(parent), m_endpoint(std::move(endpoint))
 {
     m_socket.setReadBufferSize(maximumIdentity);
-    m_patience.setSingleShot(true);
+    m_timeout.setSingleShot(true);
     connect(&m_socket, &QTcpSocket::connected, this, [this] {
         m_wasConnected = true;
         m_socket.write(identityQuestion);
     });
-    connect(&m_socket, &QTcpSocket::readyRead, this, &TcpProbe::look);
-    connect(&m_socket, &QTcpSocket::errorOccurred, this, &TcpProbe::fail);
-    connect(&m_patience, &QTimer::timeout, this, &TcpProbe::end);
+    connect(&m_socket, &QTcpSocket::readyRead, this, &TcpProbe::readAnswer);
+    connect(&m_socket, &QTcpSocket::errorOccurred, this, &TcpProbe::handleError);
+    connect(&m_timeout, &QTimer::timeout, this, &TcpProbe::finish);
 }
 
 void TcpProbe::start()
 {
-    m_patience.start(patienceMs);
+    m_timeout.start(timeoutMs);
     m_socket.connectToHost(m_endpoint.address, m_endpoint.port);
 }
 
@@ -35,57 +35,57 @@ Finding TcpProbe::finding() const
             true, false};
 }
 
-void TcpProbe::look()
+void TcpProbe::readAnswer()
 {
     m_received += m_socket.read(maximumIdentity - m_received.size());
     if (m_received.contains('\r') || m_received.contains('\n')
         || m_received.size() == maximumIdentity)
-        end();
+        finish();
 }
 
-void TcpProbe::fail(QAbstractSocket::SocketError error)
+void TcpProbe::handleError(QAbstractSocket::SocketError error)
 {
     if (error == QAbstractSocket::SocketResourceError)
         m_resourceError = m_socket.errorString();
-    end();
+    finish();
 }
 
-void TcpProbe::end()
+void TcpProbe::finish()
 {
-    if (std::exchange(m_hasEnded, true))
+    if (std::exchange(m_isFinished, true))
         return;
-    m_patience.stop();
+    m_timeout.stop();
     m_socket.disconnect(this);
     m_socket.abort();
-    Q_EMIT ended();
+    Q_EMIT finished();
 }
 
-TcpSearch::TcpSearch(Endpoints endpoints, Found found)
-    : m_endpoints(std::move(endpoints)), m_found(std::move(found))
+TcpSearch::TcpSearch(Endpoints endpoints, FindingHandler onFinding)
+    : m_endpoints(std::move(endpoints)), m_onFinding(std::move(onFinding))
 {
 }
 
 // The room is taken once: probes that fail at once must not keep the caller here.
-void TcpSearch::startSome()
+void TcpSearch::startProbes()
 {
     const int room = maximumInFlight - m_inFlight;
     for (int i = 0; i < room && m_next < count(); ++i) {
         auto *const probe = new TcpProbe(m_endpoints.at(m_next++), this);
         ++m_inFlight;
-        connect(probe, &TcpProbe::ended, this, [this, probe] { take(probe); });
+        connect(probe, &TcpProbe::finished, this, [this, probe] { probeFinished(probe); });
         // Not before: a socket whose connection was refused is open until then.
         connect(probe, &QObject::destroyed, this, [this] { --m_inFlight; });
         probe->start();
     }
 }
 
-void TcpSearch::take(TcpProbe *probe)
+void TcpSearch::probeFinished(TcpProbe *probe)
 {
     if (probe->resourceError().isEmpty())
         ++m_asked;
     else
         m_error = probe->resourceError();
     if (probe->wasConnected())
-        m_found(probe->finding());
+        m_onFinding(probe->finding());
     probe->deleteLater();
 }

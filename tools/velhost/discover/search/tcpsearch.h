@@ -17,10 +17,10 @@ class TcpProbe : public QObject
 public:
     TcpProbe(Endpoint endpoint, QObject *parent);
 
-    /// Connects; ended() comes within a second and a half, perhaps during this call.
+    /// Connects; finished() comes within a second and a half, perhaps during this call.
     void start();
 
-    /// What there is after ended(): whether a connection was made, and what came on it.
+    /// What there is after finished(): whether a connection was made, and what came on it.
     bool wasConnected() const { return m_wasConnected; }
     Finding finding() const;
 
@@ -28,19 +28,19 @@ public:
     const QString &resourceError() const { return m_resourceError; }
 
 Q_SIGNALS:
-    void ended();
+    void finished();
 
 private:
-    void look();
-    void fail(QAbstractSocket::SocketError error);
-    void end();
+    void readAnswer();
+    void handleError(QAbstractSocket::SocketError error);
+    void finish();
 
     Endpoint m_endpoint;
     QTcpSocket m_socket;
-    QTimer m_patience;
+    QTimer m_timeout;
     QByteArray m_received;
     bool m_wasConnected = false;
-    bool m_hasEnded = false;
+    bool m_isFinished = false;
     QString m_resourceError;
 };
 
@@ -50,12 +50,12 @@ class TcpSearch : public QObject
     Q_OBJECT
 
 public:
-    using Found = std::function<void(const Finding &)>;
+    using FindingHandler = std::function<void(const Finding &)>;
 
-    TcpSearch(Endpoints endpoints, Found found);
+    TcpSearch(Endpoints endpoints, FindingHandler onFinding);
 
     /// Starts as many probes as there is room for.
-    void startSome();
+    void startProbes();
 
     quint64 count() const { return m_endpoints.count(); }
     /// How many endpoints have been asked to the end.
@@ -66,10 +66,10 @@ public:
     const QString &error() const { return m_error; }
 
 private:
-    void take(TcpProbe *probe);
+    void probeFinished(TcpProbe *probe);
 
     Endpoints m_endpoints;
-    Found m_found;
+    FindingHandler m_onFinding;
     quint64 m_next = 0;
     quint64 m_asked = 0;
     int m_inFlight = 0;

@@ -11,8 +11,9 @@ constexpr int answersAtOnce = 256;
 
 } // namespace
 
-UdpSearch::UdpSearch(Endpoints endpoints, QVector<quint16> ports, Found found)
-    : m_endpoints(std::move(endpoints)), m_ports(std::move(ports)), m_found(std::move(found))
+UdpSearch::UdpSearch(Endpoints endpoints, QVector<quint16> ports, FindingHandler onFinding)
+    : m_endpoints(std::move(endpoints)), m_ports(std::move(ports)),
+      m_onFinding(std::move(onFinding))
 {
     connect(&m_socket, &QUdpSocket::readyRead, this, &UdpSearch::receive);
     m_sinceLast.start();
@@ -20,7 +21,7 @@ UdpSearch::UdpSearch(Endpoints endpoints, QVector<quint16> ports, Found found)
         m_error = m_socket.errorString();
 }
 
-void UdpSearch::sendSome()
+void UdpSearch::sendQuestions()
 {
     for (int i = 0; i < questionsAtOnce && m_next < m_endpoints.count(); ++i) {
         const Endpoint endpoint = m_endpoints.at(m_next);
@@ -37,9 +38,9 @@ void UdpSearch::sendSome()
     }
 }
 
-bool UdpSearch::isQuiet(int milliseconds) const
+bool UdpSearch::isDone(int answerMs) const
 {
-    return m_next == m_endpoints.count() && m_sinceLast.hasExpired(milliseconds);
+    return m_next == m_endpoints.count() && m_sinceLast.hasExpired(answerMs);
 }
 
 // Not all that is there: with a peer that sends without end this would never return.
@@ -49,7 +50,7 @@ void UdpSearch::receive()
         const QNetworkDatagram datagram = m_socket.receiveDatagram(maximumIdentity);
         const auto port = static_cast<quint16>(datagram.senderPort());
         if (m_ports.contains(port))
-            m_found({datagram.senderAddress().toIPv4Address(), port,
-                     identityOf(datagram.data(), true), false, true});
+            m_onFinding({datagram.senderAddress().toIPv4Address(), port,
+                         identityOf(datagram.data(), true), false, true});
     }
 }

@@ -15,17 +15,17 @@ class UdpSearch : public QObject
     Q_OBJECT
 
 public:
-    using Found = std::function<void(const Finding &)>;
+    using FindingHandler = std::function<void(const Finding &)>;
 
     /// `ports` are those of the endpoints; an answer from another one is not to this question.
-    UdpSearch(Endpoints endpoints, QVector<quint16> ports, Found found);
+    UdpSearch(Endpoints endpoints, QVector<quint16> ports, FindingHandler onFinding);
 
     /// Sends the next questions, so many that the network is not flooded when it is called a
     /// hundred times a second.
-    void sendSome();
+    void sendQuestions();
 
-    /// Whether all were sent at least so many milliseconds ago.
-    bool isQuiet(int milliseconds) const;
+    /// Whether all questions were sent and the last one was at least `answerMs` milliseconds ago.
+    bool isDone(int answerMs) const;
 
     /// How many questions were not sent, and why the last of them failed.
     quint64 unsent() const { return m_endpoints.count() - m_next + m_failed; }
@@ -36,7 +36,7 @@ private:
 
     Endpoints m_endpoints;
     QVector<quint16> m_ports;
-    Found m_found;
+    FindingHandler m_onFinding;
     QUdpSocket m_socket;
     QElapsedTimer m_sinceLast;
     quint64 m_next = 0;

@@ -1,6 +1,6 @@
-#include "cycle/changes.h"
+#include "cycle/changefilter.h"
 
-QList<DeviceReport> Changes::take(const QList<DeviceReport> &devices)
+QList<DeviceReport> ChangeFilter::filter(const QList<DeviceReport> &devices)
 {
     QList<DeviceReport> changes;
     for (const DeviceReport &device : devices) {

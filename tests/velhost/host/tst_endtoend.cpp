@@ -1,9 +1,7 @@
-#include "programrun.h"
+#include "plantrun.h"
 #include "simulatorthread.h"
 #include "text.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 // The whole way: the built program, the real plug-in, a simulated controller.
@@ -28,15 +26,18 @@ QByteArray plantAt(int port)
  ]}]})";
 }
 
+ProgramRun run(const QStringList &arguments, const QByteArray &plant)
+{
+    const QStringList common{text("--plugin"),   text(KEYENCE_PLUGIN_FILE), text("--plant"),
+                             text("plant.json"), text("--format"),          text("json")};
+    return runWithPlant(text(VELHOST_FILE), common + arguments, plant);
+}
+
 } // namespace
 
-class tst_RealPlugin : public QObject
+class tst_EndToEnd : public QObject
 {
     Q_OBJECT
-
-    ProgramRun run(const QStringList &arguments, const QByteArray &plant);
-
-    QTemporaryDir m_folder;
 
 private Q_SLOTS:
     void declaresItself();
@@ -47,18 +48,7 @@ private Q_SLOTS:
     void refusesUnknownType();
 };
 
-ProgramRun tst_RealPlugin::run(const QStringList &arguments, const QByteArray &plant)
-{
-    QFile file(m_folder.filePath(text("plant.json")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(plant) != plant.size())
-        return {};
-    file.close();
-    const QStringList common{text("--plugin"),   text(KEYENCE_PLUGIN_FILE), text("--plant"),
-                             text("plant.json"), text("--format"),          text("json")};
-    return runProgram(text(VELHOST_FILE), common + arguments, m_folder.path());
-}
-
-void tst_RealPlugin::declaresItself()
+void tst_EndToEnd::declaresItself()
 {
     const ProgramRun result = run({text("columns")}, plantAt(1));
     QCOMPARE(result.errors, QString());
@@ -70,7 +60,7 @@ void tst_RealPlugin::declaresItself()
     QCOMPARE(result.output.split(u'\n').value(4), portColumn);
 }
 
-void tst_RealPlugin::reads()
+void tst_EndToEnd::reads()
 {
     SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -98,7 +88,7 @@ void tst_RealPlugin::reads()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_RealPlugin::writes()
+void tst_EndToEnd::writes()
 {
     SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -127,7 +117,7 @@ void tst_RealPlugin::writes()
     QCOMPARE(controller.word("DM501"), 0x2f3d);
 }
 
-void tst_RealPlugin::failedWrite()
+void tst_EndToEnd::failedWrite()
 {
     SimulatorThread controller;
     QVERIFY2(controller.isListening(), qPrintable(controller.errorString()));
@@ -149,7 +139,7 @@ void tst_RealPlugin::failedWrite()
     QCOMPARE(controller.word("D201"), 7);
 }
 
-void tst_RealPlugin::notConnected()
+void tst_EndToEnd::notConnected()
 {
     int port = 0;
     {
@@ -173,7 +163,7 @@ void tst_RealPlugin::notConnected()
     QCOMPARE(result.exitCode, 1);
 }
 
-void tst_RealPlugin::refusesUnknownType()
+void tst_EndToEnd::refusesUnknownType()
 {
     QByteArray plant = plantAt(1);
     plant.replace("\"Short\"", "\"short\"");
@@ -191,5 +181,5 @@ void tst_RealPlugin::refusesUnknownType()
     QCOMPARE(result.exitCode, 2);
 }
 
-QTEST_GUILESS_MAIN(tst_RealPlugin)
-#include "tst_realplugin.moc"
+QTEST_GUILESS_MAIN(tst_EndToEnd)
+#include "tst_endtoend.moc"

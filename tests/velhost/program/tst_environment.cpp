@@ -42,7 +42,7 @@ QProcessEnvironment environmentOfCopy()
 
 } // namespace
 
-class tst_Surroundings : public QObject
+class tst_Environment : public QObject
 {
     Q_OBJECT
 
@@ -65,13 +65,13 @@ private Q_SLOTS:
     void version();
 };
 
-void tst_Surroundings::initTestCase()
+void tst_Environment::initTestCase()
 {
     QVERIFY(m_folder.isValid());
     QVERIFY(writeFile(inFolder(text("plant.json")), smallPlant));
 }
 
-void tst_Surroundings::plantFaults_data()
+void tst_Environment::plantFaults_data()
 {
     QTest::addColumn<QString>("plugin");
     QTest::addColumn<QByteArray>("plant");
@@ -106,7 +106,7 @@ void tst_Surroundings::plantFaults_data()
         << text("velhost: the plug-in %1 did not register during init()\n").arg(silentPlugin);
 }
 
-void tst_Surroundings::plantFaults()
+void tst_Environment::plantFaults()
 {
     QFETCH(QString, plugin);
     QFETCH(QByteArray, plant);
@@ -122,7 +122,7 @@ void tst_Surroundings::plantFaults()
     QCOMPARE(run.exitCode, exitCode);
 }
 
-void tst_Surroundings::defaultPlugin_data()
+void tst_Environment::defaultPlugin_data()
 {
     QTest::addColumn<QStringList>("places");
     QTest::addColumn<QString>("loaded");
@@ -139,7 +139,7 @@ void tst_Surroundings::defaultPlugin_data()
 }
 
 /// Copies the program, so that nothing but the row's files is around it.
-void tst_Surroundings::defaultPlugin()
+void tst_Environment::defaultPlugin()
 {
     QFETCH(QStringList, places);
     QFETCH(QString, loaded);
@@ -162,7 +162,7 @@ void tst_Surroundings::defaultPlugin()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Surroundings::brokenDefaultPlugin()
+void tst_Environment::brokenDefaultPlugin()
 {
     const QTemporaryDir folder;
     const QString copy = folder.filePath(text("velhost"));
@@ -178,7 +178,7 @@ void tst_Surroundings::brokenDefaultPlugin()
     QCOMPARE(run.exitCode, 3);
 }
 
-void tst_Surroundings::noDefaultPlugin()
+void tst_Environment::noDefaultPlugin()
 {
     const QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkdir(text("bin")));
@@ -198,7 +198,7 @@ void tst_Surroundings::noDefaultPlugin()
     QCOMPARE(run.exitCode, 3);
 }
 
-void tst_Surroundings::stampsWithoutPlugin()
+void tst_Environment::stampsWithoutPlugin()
 {
     const QDateTime before = QDateTime::currentDateTimeUtc();
     const ProgramRun run
@@ -219,7 +219,7 @@ void tst_Surroundings::stampsWithoutPlugin()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Surroundings::keepsInterval()
+void tst_Environment::keepsInterval()
 {
     QElapsedTimer timer;
     timer.start();
@@ -234,7 +234,7 @@ void tst_Surroundings::keepsInterval()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_Surroundings::fullOutput()
+void tst_Environment::fullOutput()
 {
     QProcess process;
     process.setStandardOutputFile(text("/dev/full"));
@@ -246,7 +246,7 @@ void tst_Surroundings::fullOutput()
 }
 
 /// The shell hands the program a byte that QProcess would encode.
-void tst_Surroundings::argumentNotUtf8()
+void tst_Environment::argumentNotUtf8()
 {
     const ProgramRun run = runProgram(
         text("/bin/sh"),
@@ -258,7 +258,7 @@ void tst_Surroundings::argumentNotUtf8()
     QCOMPARE(run.exitCode, 2);
 }
 
-void tst_Surroundings::version()
+void tst_Environment::version()
 {
     const ProgramRun run = runProgram(program, {text("--version")}, m_folder.path());
     QCOMPARE(run.errors, QString());
@@ -266,5 +266,5 @@ void tst_Surroundings::version()
     QCOMPARE(run.exitCode, 0);
 }
 
-QTEST_GUILESS_MAIN(tst_Surroundings)
-#include "tst_surroundings.moc"
+QTEST_GUILESS_MAIN(tst_Environment)
+#include "tst_environment.moc"
