@@ -96,7 +96,7 @@ Examples:
 
 QString helpText(const Command &command)
 {
-    const QString does = command.summary.left(1).toUpper() + command.summary.mid(1) + u'.';
+    const QString does = command.summary.at(0).toUpper() + command.summary.mid(1) + u'.';
     QString text = u"Usage: velhost " + usageOf(command) + u" [OPTION]...\n\n"
                    + wrappedText(does, {}) + u"\nOptions:\n" + optionEntries(optionsOf(command))
                    + generalOptions();
