@@ -11,6 +11,7 @@ private Q_SLOTS:
     void json_data();
     void json();
     void jsonOrder();
+    void lines();
 };
 
 void tst_Json::json_data()
@@ -43,10 +44,17 @@ void tst_Json::json()
 
 void tst_Json::jsonOrder()
 {
-    const QString ordered = jsonObject({{QStringLiteral("z"), QStringLiteral("1")},
-                                        {QStringLiteral("a\""), QStringLiteral("{}")}});
+    const QList<JsonMember> nested{{"y", true}, {"x", QString()}};
     QCOMPARE(jsonObject({}), QStringLiteral("{}"));
-    QCOMPARE(ordered, QStringLiteral("{\"z\":1,\"a\\\"\":{}}"));
+    QCOMPARE(jsonObject({{"z", 1}, {"a\"", nested}}),
+             QStringLiteral("{\"z\":1,\"a\\\"\":{\"y\":true,\"x\":\"\"}}"));
+}
+
+void tst_Json::lines()
+{
+    QCOMPARE(jsonLine("unknown", {}), QStringLiteral("{\"type\":\"unknown\"}\n"));
+    QCOMPARE(jsonLine("log", {{"text", QStringLiteral("\n")}}),
+             QStringLiteral("{\"type\":\"log\",\"text\":\"\\n\"}\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_Json)

@@ -4,6 +4,16 @@
 #include <QJsonDocument>
 #include <QStringList>
 
+JsonMember::JsonMember(const char *memberKey, const QJsonValue &value)
+    : key(QString::fromLatin1(memberKey)), json(jsonText(value))
+{
+}
+
+JsonMember::JsonMember(const char *memberKey, const QList<JsonMember> &members)
+    : key(QString::fromLatin1(memberKey)), json(jsonObject(members))
+{
+}
+
 QString jsonText(const QJsonValue &value)
 {
     // A document is an object or a list: the value goes in a list, whose brackets are cut off.
@@ -17,4 +27,10 @@ QString jsonObject(const QList<JsonMember> &members)
     for (const JsonMember &member : members)
         texts.append(jsonText(member.key) + u':' + member.json);
     return u'{' + texts.join(u',') + u'}';
+}
+
+QString jsonLine(const char *type, const QList<JsonMember> &members)
+{
+    const QList<JsonMember> typeMember{{"type", QLatin1String(type)}};
+    return jsonObject(typeMember + members) + u'\n';
 }

@@ -4,10 +4,14 @@
 #include <QList>
 #include <QString>
 
-/// One member of a JSON object: its key and its value as JSON text.
+/// One member of a JSON object.
 struct JsonMember
 {
+    JsonMember(const char *memberKey, const QJsonValue &value);
+    JsonMember(const char *memberKey, const QList<JsonMember> &members);
+
     QString key;
+    /// The value as JSON text.
     QString json;
 };
 
@@ -16,3 +20,6 @@ QString jsonText(const QJsonValue &value);
 
 /// An object with its members in the order given, which QJsonObject would sort.
 QString jsonObject(const QList<JsonMember> &members);
+
+/// A line of a program's JSON output: an object whose first member is its "type".
+QString jsonLine(const char *type, const QList<JsonMember> &members);

@@ -18,11 +18,9 @@ QString problemsJson(const QString &fileName, const QList<Problem> &problems)
 {
     QString lines;
     for (const Problem &problem : problems)
-        lines += jsonObject({{QStringLiteral("type"), jsonText(QStringLiteral("problem"))},
-                             {QStringLiteral("file"), jsonText(fileName)},
-                             {QStringLiteral("position"), jsonText(problem.position)},
-                             {QStringLiteral("path"), jsonText(problem.place)},
-                             {QStringLiteral("message"), jsonText(problem.text)}})
-                 + u'\n';
+        lines += jsonLine("problem", {{"file", fileName},
+                                      {"position", problem.position},
+                                      {"path", problem.place},
+                                      {"message", problem.text}});
     return lines;
 }

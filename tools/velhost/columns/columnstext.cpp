@@ -13,25 +13,20 @@ namespace {
 
 using Column = DatabaseColumnStructure;
 
-QString key(const char *name)
-{
-    return QString::fromLatin1(name);
-}
-
-/// The options in the order in which the host holds them, each as JSON text.
+/// The options in the order in which the host holds them.
 QList<JsonMember> optionMembers(const PluginInitOptions &options)
 {
-    return {{key("unused1"), jsonText(options.unused1)},
-            {key("flag2"), jsonText(options.flag2)},
-            {key("flag3"), jsonText(options.flag3)},
-            {key("unused4"), jsonText(options.unused4)},
-            {key("unused5"), jsonText(options.unused5)},
-            {key("flag6"), jsonText(options.flag6)},
-            {key("flag7"), jsonText(options.flag7)},
-            {key("unused8"), jsonText(options.unused8)},
-            {key("unused9"), jsonText(options.unused9)},
-            {key("text10"), jsonText(options.text10)},
-            {key("unused11"), jsonText(QJsonObject::fromVariantMap(options.unused11))}};
+    return {{"unused1", options.unused1},
+            {"flag2", options.flag2},
+            {"flag3", options.flag3},
+            {"unused4", options.unused4},
+            {"unused5", options.unused5},
+            {"flag6", options.flag6},
+            {"flag7", options.flag7},
+            {"unused8", options.unused8},
+            {"unused9", options.unused9},
+            {"text10", options.text10},
+            {"unused11", QJsonObject::fromVariantMap(options.unused11)}};
 }
 
 struct ScopedColumn
@@ -57,12 +52,11 @@ QList<ScopedColumn> allColumns(const PluginRegistration &registration)
 
 QString pluginJson(const LoadedPlugin &plugin, const PluginRegistration &registration)
 {
-    return jsonObject({{key("type"), jsonText(key("plugin"))},
-                       {key("name"), jsonText(registration.name)},
-                       {key("version"), jsonText(static_cast<qint64>(registration.version))},
-                       {key("options"), jsonObject(optionMembers(registration.options))},
-                       {key("class"), jsonText(plugin.className)},
-                       {key("identifier"), jsonText(plugin.identifier)}});
+    return jsonLine("plugin", {{"name", registration.name},
+                               {"version", static_cast<qint64>(registration.version)},
+                               {"options", optionMembers(registration.options)},
+                               {"class", plugin.className},
+                               {"identifier", plugin.identifier}});
 }
 
 QString columnJson(const ScopedColumn &scoped)
@@ -71,14 +65,13 @@ QString columnJson(const ScopedColumn &scoped)
     QJsonArray selection;
     for (const Column::SelectionValue &entry : column.selectionValues)
         selection.append(QJsonArray{entry.text, entry.value});
-    return jsonObject({{key("type"), jsonText(key("column"))},
-                       {key("scope"), jsonText(scoped.scope)},
-                       {key("name"), jsonText(column.name)},
-                       {key("type_code"), jsonText(column.type)},
-                       {key("int"), jsonText(column.intValue)},
-                       {key("default"), jsonText(column.defaultValue)},
-                       {key("description"), jsonText(column.description)},
-                       {key("selection"), jsonText(selection)}});
+    return jsonLine("column", {{"scope", scoped.scope},
+                               {"name", column.name},
+                               {"type_code", column.type},
+                               {"int", column.intValue},
+                               {"default", column.defaultValue},
+                               {"description", column.description},
+                               {"selection", selection}});
 }
 
 QString pluginTable(const LoadedPlugin &plugin, const PluginRegistration &registration)
@@ -126,9 +119,9 @@ QString columnsText(OutputFormat format, const LoadedPlugin &plugin,
 {
     if (format == OutputFormat::Table)
         return pluginTable(plugin, registration) + u'\n' + columnsTable(registration);
-    QString lines = pluginJson(plugin, registration) + u'\n';
+    QString lines = pluginJson(plugin, registration);
     const QList<ScopedColumn> all = allColumns(registration);
     for (const ScopedColumn &column : all)
-        lines += columnJson(column) + u'\n';
+        lines += columnJson(column);
     return lines;
 }

@@ -7,31 +7,21 @@
 
 namespace {
 
-QString key(const char *name)
-{
-    return QString::fromLatin1(name);
-}
-
 QString deviceJsonLines(const DeviceReport &device)
 {
     QString lines;
-    if (device.hasMessage()) {
-        lines += jsonObject({{key("type"), jsonText(key("device"))},
-                             {key("cycle"), jsonText(device.cycle)},
-                             {key("time"), jsonText(timeText(device.time))},
-                             {key("device"), jsonText(device.device)},
-                             {key("error"), jsonText(device.error)}})
-                 + u'\n';
-    }
+    if (device.hasMessage())
+        lines += jsonLine("device", {{"cycle", device.cycle},
+                                     {"time", timeText(device.time)},
+                                     {"device", device.device},
+                                     {"error", device.error}});
     for (const ItemReport &item : device.values) {
-        QList<JsonMember> members{
-            {key("type"), jsonText(key("value"))},        {key("cycle"), jsonText(device.cycle)},
-            {key("time"), jsonText(timeText(item.time))}, {key("device"), jsonText(device.device)},
-            {key("item"), jsonText(item.item)},           {key("value"), jsonText(item.value)},
-            {key("error"), jsonText(item.error)}};
+        QList<JsonMember> members{{"cycle", device.cycle},   {"time", timeText(item.time)},
+                                  {"device", device.device}, {"item", item.item},
+                                  {"value", item.value},     {"error", item.error}};
         if (item.expected)
-            members.append({key("expected"), jsonText(*item.expected)});
-        lines += jsonObject(members) + u'\n';
+            members.append({"expected", *item.expected});
+        lines += jsonLine("value", members);
     }
     return lines;
 }

@@ -26,23 +26,21 @@ QString controllerJson(const Finding &finding)
         protocols.append(QStringLiteral("tcp"));
     if (finding.byUdp)
         protocols.append(QStringLiteral("udp"));
-    return jsonObject(
-        {{QStringLiteral("type"), jsonText(QStringLiteral("controller"))},
-         {QStringLiteral("address"), jsonText(QHostAddress(finding.address).toString())},
-         {QStringLiteral("port"), jsonText(finding.port)},
-         {QStringLiteral("protocols"), jsonText(protocols)},
-         {QStringLiteral("model"), jsonText(name.isEmpty() ? QJsonValue() : QJsonValue(name))},
-         {QStringLiteral("answer"), jsonText(finding.identity.text)}});
+    return jsonLine("controller", {{"address", QHostAddress(finding.address).toString()},
+                                   {"port", finding.port},
+                                   {"protocols", protocols},
+                                   {"model", name.isEmpty() ? QJsonValue() : QJsonValue(name)},
+                                   {"answer", finding.identity.text}});
 }
 
 QString deviceJson(int id, const Finding &finding)
 {
     const QJsonObject parameters{{QStringLiteral("port"), QString::number(finding.port)}};
-    return jsonObject({{QStringLiteral("id"), jsonText(id)},
-                       {QStringLiteral("name"), jsonText(finding.place())},
-                       {QStringLiteral("ip"), jsonText(QHostAddress(finding.address).toString())},
-                       {QStringLiteral("parameters"), jsonText(parameters)},
-                       {QStringLiteral("items"), jsonText(QJsonArray())}});
+    return jsonObject({{"id", id},
+                       {"name", finding.place()},
+                       {"ip", QHostAddress(finding.address).toString()},
+                       {"parameters", parameters},
+                       {"items", QJsonArray()}});
 }
 
 quint64 addressCount(const QList<Subnet> &subnets)
@@ -60,7 +58,7 @@ QString controllersText(OutputFormat format, const Findings &findings)
     for (const Finding &finding : findings.all()) {
         if (!finding.isController())
             continue;
-        lines += controllerJson(finding) + u'\n';
+        lines += controllerJson(finding);
         rows.append({QHostAddress(finding.address).toString(), QString::number(finding.port),
                      finding.protocols(), modelText(finding.identity)});
     }

@@ -54,17 +54,13 @@ QString explanationJson(const KnownError &error)
     QJsonArray places;
     for (const KnownError::Place &place : error.places)
         places.append(QJsonArray{place.name, place.text});
-    const auto list
-        = [](const QStringList &texts) { return jsonText(QJsonArray::fromStringList(texts)); };
-    return jsonObject({{QStringLiteral("type"), jsonText(QStringLiteral("explanation"))},
-                       {QStringLiteral("id"), jsonText(error.id)},
-                       {QStringLiteral("text"), jsonText(error.text)},
-                       {QStringLiteral("title"), jsonText(error.title)},
-                       {QStringLiteral("meaning"), jsonText(error.meaning)},
-                       {QStringLiteral("causes"), list(error.causes)},
-                       {QStringLiteral("remedies"), list(error.remedies)},
-                       {QStringLiteral("seen_in"), jsonText(places)}})
-           + u'\n';
+    return jsonLine("explanation", {{"id", error.id},
+                                    {"text", error.text},
+                                    {"title", error.title},
+                                    {"meaning", error.meaning},
+                                    {"causes", QJsonArray::fromStringList(error.causes)},
+                                    {"remedies", QJsonArray::fromStringList(error.remedies)},
+                                    {"seen_in", places}});
 }
 
 void printTable(const QList<KnownError> &errors)
@@ -85,11 +81,8 @@ void printUnknown(const QString &text, const QStringList &nearest, OutputFormat 
 {
     const QString end = text.size() > shownCharacters ? u"…" + text.right(shownCharacters) : text;
     if (format == OutputFormat::Json) {
-        print(stdout, jsonObject({{QStringLiteral("type"), jsonText(QStringLiteral("unknown"))},
-                                  {QStringLiteral("text"), jsonText(end)},
-                                  {QStringLiteral("nearest"),
-                                   jsonText(QJsonArray::fromStringList(nearest))}})
-                          + u'\n');
+        print(stdout, jsonLine("unknown",
+                               {{"text", end}, {"nearest", QJsonArray::fromStringList(nearest)}}));
     }
     printError(QStringLiteral("no error text of the plug-in: \"%1\"").arg(end));
     if (nearest.isEmpty())

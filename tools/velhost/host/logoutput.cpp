@@ -21,10 +21,7 @@ QString logText(OutputFormat format, const LogEntry &entry)
         = entry.level == LogEntry::Level::Error ? QStringLiteral("error") : QStringLiteral("debug");
     if (format != OutputFormat::Json)
         return u"log " + level + u": " + visible(entry.text) + u'\n';
-    return jsonObject({{QStringLiteral("type"), jsonText(QStringLiteral("log"))},
-                       {QStringLiteral("level"), jsonText(level)},
-                       {QStringLiteral("text"), jsonText(entry.text)}})
-           + u'\n';
+    return jsonLine("log", {{"level", level}, {"text", entry.text}});
 }
 
 QString countedText(const CountedEntry &counted)

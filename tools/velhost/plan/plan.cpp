@@ -5,23 +5,20 @@
 #include <common/table.h>
 #include <common/visibletext.h>
 
-namespace {
+#include <QJsonArray>
+#include <QJsonObject>
 
-QString jsonKey(const char *name)
-{
-    return QString::fromLatin1(name);
-}
+namespace {
 
 QString operationText(const PlannedItem &item)
 {
     return item.isWrite ? QStringLiteral("write") : QStringLiteral("read");
 }
 
-/// The worst case of so many time-outs as JSON: a number, or null where the time-out is unknown.
-QString worstJson(const DeviceBudget &budget, qint64 timeouts)
+/// How long this many time-outs last in milliseconds; null where the time-out is unknown.
+QJsonValue worstJson(const DeviceBudget &budget, qint64 timeouts)
 {
-    return jsonText(budget.timeoutMs ? QJsonValue(timeouts * *budget.timeoutMs)
-                                     : QJsonValue(QJsonValue::Null));
+    return budget.timeoutMs ? QJsonValue(timeouts * *budget.timeoutMs) : QJsonValue();
 }
 
 QString worstText(const DeviceBudget &budget, qint64 timeouts)
@@ -34,27 +31,23 @@ QString planJson(const Plan &plan, int rttMs)
 {
     QString text;
     for (const PlannedItem &item : plan.items) {
-        QStringList commands;
+        QJsonArray commands;
         for (const QByteArray &line : item.lines)
-            commands.append(jsonObject({{jsonKey("line"), jsonText(QString::fromLocal8Bit(line))},
-                                        {jsonKey("words"), jsonText(wordCount(line))}}));
-        text += jsonObject({{jsonKey("type"), jsonText(jsonKey("plan"))},
-                            {jsonKey("device"), jsonText(item.device)},
-                            {jsonKey("item"), jsonText(item.item)},
-                            {jsonKey("operation"), jsonText(operationText(item))},
-                            {jsonKey("commands"), u'[' + commands.join(u',') + u']'},
-                            {jsonKey("error"), jsonText(item.error)}})
-                + u'\n';
+            commands.append(QJsonObject{{QStringLiteral("line"), QString::fromLocal8Bit(line)},
+                                        {QStringLiteral("words"), wordCount(line)}});
+        text += jsonLine("plan", {{"device", item.device},
+                                  {"item", item.item},
+                                  {"operation", operationText(item)},
+                                  {"commands", commands},
+                                  {"error", item.error}});
     }
     for (const DeviceBudget &budget : plan.budgets) {
-        text += jsonObject({{jsonKey("type"), jsonText(jsonKey("budget"))},
-                            {jsonKey("device"), jsonText(budget.device)},
-                            {jsonKey("exchanges"), jsonText(budget.exchanges)},
-                            {jsonKey("best_ms"), jsonText(qint64(budget.exchanges) * rttMs)},
-                            {jsonKey("worst_ms"), worstJson(budget, budget.exchanges)},
-                            {jsonKey("connect_ms"), worstJson(budget, 1)},
-                            {jsonKey("error"), jsonText(budget.error)}})
-                + u'\n';
+        text += jsonLine("budget", {{"device", budget.device},
+                                    {"exchanges", budget.exchanges},
+                                    {"best_ms", qint64(budget.exchanges) * rttMs},
+                                    {"worst_ms", worstJson(budget, budget.exchanges)},
+                                    {"connect_ms", worstJson(budget, 1)},
+                                    {"error", budget.error}});
     }
     return text;
 }
@@ -76,12 +69,14 @@ void appendItemRows(const PlannedItem &item, QList<QStringList> *rows)
 
 QString planTable(const Plan &plan, int rttMs)
 {
-    QList<QStringList> items{{jsonKey("Device"), jsonKey("Item"), jsonKey("Operation"),
-                              jsonKey("Words"), jsonKey("Command"), jsonKey("Error")}};
+    QList<QStringList> items{{QStringLiteral("Device"), QStringLiteral("Item"),
+                              QStringLiteral("Operation"), QStringLiteral("Words"),
+                              QStringLiteral("Command"), QStringLiteral("Error")}};
     for (const PlannedItem &item : plan.items)
         appendItemRows(item, &items);
-    QList<QStringList> budgets{{jsonKey("Device"), jsonKey("Exchanges a cycle"), jsonKey("Best ms"),
-                                jsonKey("Worst ms"), jsonKey("Connect ms"), jsonKey("Error")}};
+    QList<QStringList> budgets{{QStringLiteral("Device"), QStringLiteral("Exchanges a cycle"),
+                                QStringLiteral("Best ms"), QStringLiteral("Worst ms"),
+                                QStringLiteral("Connect ms"), QStringLiteral("Error")}};
     for (const DeviceBudget &budget : plan.budgets) {
         budgets.append({visible(budget.device), QString::number(budget.exchanges),
                         QString::number(qint64(budget.exchanges) * rttMs),

@@ -34,17 +34,15 @@ QString summaryJson(const WatchedDevice &device)
 {
     const Counts counts = countsOf(device);
     const Latencies &latencies = device.latencies;
-    return jsonObject(
-        {{QStringLiteral("type"), jsonText(QStringLiteral("summary"))},
-         {QStringLiteral("device"), jsonText(device.name)},
-         {QStringLiteral("cycles"), jsonText(latencies.count())},
-         {QStringLiteral("failed"), jsonText(device.failedCycles)},
-         {QStringLiteral("reads"), jsonText(counts.reads)},
-         {QStringLiteral("errors"), jsonText(counts.errors)},
-         {QStringLiteral("wrong"), jsonText(counts.wrong)},
-         {QStringLiteral("p50_ms"), jsonText(inMilliseconds(latencies.percentile(50)))},
-         {QStringLiteral("p99_ms"), jsonText(inMilliseconds(latencies.percentile(99)))},
-         {QStringLiteral("max_ms"), jsonText(inMilliseconds(latencies.longest()))}});
+    return jsonLine("summary", {{"device", device.name},
+                                {"cycles", latencies.count()},
+                                {"failed", device.failedCycles},
+                                {"reads", counts.reads},
+                                {"errors", counts.errors},
+                                {"wrong", counts.wrong},
+                                {"p50_ms", inMilliseconds(latencies.percentile(50))},
+                                {"p99_ms", inMilliseconds(latencies.percentile(99))},
+                                {"max_ms", inMilliseconds(latencies.longest())}});
 }
 
 QStringList summaryRow(const WatchedDevice &device)
@@ -70,7 +68,7 @@ QString summaryText(OutputFormat format, const std::vector<WatchedDevice> &devic
          QStringLiteral("Reads"), QStringLiteral("Errors"), QStringLiteral("Wrong"),
          QStringLiteral("p50 ms"), QStringLiteral("p99 ms"), QStringLiteral("Max ms")}};
     for (const WatchedDevice &device : devices) {
-        lines += summaryJson(device) + u'\n';
+        lines += summaryJson(device);
         rows.append(summaryRow(device));
     }
     return format == OutputFormat::Json ? lines : tableText(rows);

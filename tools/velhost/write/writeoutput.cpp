@@ -8,22 +8,21 @@
 
 namespace {
 
-QString optionalJson(const std::optional<QString> &text)
+QJsonValue optionalJson(const std::optional<QString> &text)
 {
-    return jsonText(text ? QJsonValue(*text) : QJsonValue(QJsonValue::Null));
+    return text ? QJsonValue(*text) : QJsonValue();
 }
 
 QString writeJson(const WriteReport &write)
 {
-    return jsonObject({{QStringLiteral("type"), jsonText(QStringLiteral("write"))},
-                       {QStringLiteral("cycle"), jsonText(1)},
-                       {QStringLiteral("time"), jsonText(timeText(write.time))},
-                       {QStringLiteral("device"), jsonText(write.device)},
-                       {QStringLiteral("item"), jsonText(write.item)},
-                       {QStringLiteral("old"), optionalJson(write.oldValue)},
-                       {QStringLiteral("new"), jsonText(write.newValue)},
-                       {QStringLiteral("readback"), optionalJson(write.readBack)},
-                       {QStringLiteral("error"), jsonText(write.error)}});
+    return jsonLine("write", {{"cycle", 1},
+                              {"time", timeText(write.time)},
+                              {"device", write.device},
+                              {"item", write.item},
+                              {"old", optionalJson(write.oldValue)},
+                              {"new", write.newValue},
+                              {"readback", optionalJson(write.readBack)},
+                              {"error", write.error}});
 }
 
 } // namespace
@@ -36,7 +35,7 @@ QString writesText(OutputFormat format, const QList<WriteReport> &writes)
                              QStringLiteral("Old"), QStringLiteral("New"),
                              QStringLiteral("Read back"), QStringLiteral("Error")}};
     for (const WriteReport &write : writes) {
-        lines += writeJson(write) + u'\n';
+        lines += writeJson(write);
         rows.append({QStringLiteral("1"), timeText(write.time), visible(write.device),
                      visible(write.item), visible(write.oldValue.value_or(QString())),
                      visible(write.newValue), visible(write.readBack.value_or(QString())),
