@@ -11,7 +11,7 @@ FullQueue::FullQueue()
     const int listener = listenOnLoopback(0, &m_port);
     m_descriptors.push_back(listener);
     const sockaddr_in address = loopbackAddress(m_port);
-    // The queue is full when a connection is not established any more.
+    // The queue is full when a new connection is no longer established.
     bool established = true;
     while (established) {
         const int filler = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);

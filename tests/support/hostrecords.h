@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// A device record as a host fills it in for a controller on loopback.
+/// A device record for a controller on loopback.
 inline DeviceInstancePlugin deviceRecord(int id, const QString &name, int port,
                                          int timeoutMs = 2000)
 {
@@ -19,7 +19,7 @@ inline DeviceInstancePlugin deviceRecord(int id, const QString &name, int port,
     return device;
 }
 
-/// An item with its value, as it is handed to a cycle. The types are the numbers' texts.
+/// An item of a cycle with its value. The types are numbers as text.
 inline DataItem dataItem(const QString &name, const QString &address, const QString &memoryType,
                          const QString &dataType, const QString &value = {})
 {

@@ -6,16 +6,16 @@
 #include <QString>
 #include <QStringList>
 
-/// What became of a run of a program.
+/// The result of running a program.
 struct ProgramRun
 {
-    /// -1 when the program did not end by itself.
+    /// -1 when the program crashed or did not end.
     int exitCode = -1;
     QString output;
     QString errors;
 };
 
-/// The test's own environment without what changes where plug-ins are looked for.
+/// The test's own environment without the variables that change where plug-ins are searched.
 inline QProcessEnvironment plainEnvironment()
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -24,8 +24,8 @@ inline QProcessEnvironment plainEnvironment()
     return environment;
 }
 
-/// Runs the program in `folder` to its end, at most two minutes: on a busy machine, too, only what
-/// hangs takes longer.
+/// Runs the program in `folder` to its end. The limit of two minutes is only for a program that
+/// hangs, even on a busy machine.
 inline ProgramRun runProgram(const QString &program, const QStringList &arguments,
                              const QString &folder,
                              const QProcessEnvironment &environment = plainEnvironment())
@@ -41,7 +41,7 @@ inline ProgramRun runProgram(const QString &program, const QStringList &argument
             QString::fromUtf8(process.readAllStandardError())};
 }
 
-/// The lines with every time but those of 2024, which a plant gives, replaced by "T".
+/// Replaces every time by "T", except those of 2024, which come from a plant file.
 inline QString withoutCurrentTimes(QString lines)
 {
     static const QRegularExpression time(
@@ -49,7 +49,7 @@ inline QString withoutCurrentTimes(QString lines)
     return lines.replace(time, QStringLiteral("T"));
 }
 
-/// The lines with every time replaced by "T".
+/// Replaces every time by "T".
 inline QString withoutTimes(QString lines)
 {
     static const QRegularExpression time(

@@ -4,8 +4,8 @@
 
 #include <QStringList>
 
-/// A host that keeps all that the plug-in says and hands out what a test has prepared. It is
-/// installed for as long as it lives.
+/// A host that records the calls of the plug-in and returns what a test has prepared. It is
+/// installed for its lifetime.
 class RecordingBackend : public HostBackend
 {
 public:
@@ -32,7 +32,7 @@ public:
     QList<DeviceInstancePlugin> configuredDevices;
     QList<NetworkInterfaceInstance> interfaces;
     QList<PluginRegistration> registrations;
-    /// The calls other than those to the logs, by the plug-in's names for them, in order.
+    /// The names of all calls but those to the logs, in order.
     QStringList requests;
     QStringList debugLog;
     QStringList errorLog;

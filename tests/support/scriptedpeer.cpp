@@ -124,7 +124,7 @@ void ScriptedPeer::acceptPending()
     }
 }
 
-// Takes what has arrived without waiting for more.
+// Receives what has arrived, without waiting.
 void ScriptedPeer::receive(Connection &connection)
 {
     std::array<char, 4096> buffer;
@@ -163,8 +163,7 @@ void ScriptedPeer::closeDescriptor(int &descriptor)
 {
     if (descriptor < 0)
         return;
-    // The peer's own thread may be waiting on the descriptor, which would put off what a close
-    // says.
+    // A close alone would not be sent while the peer's own thread waits on the descriptor.
     ::shutdown(descriptor, SHUT_RDWR);
     ::close(descriptor);
     descriptor = -1;

@@ -40,10 +40,10 @@ public:
 
     int port() const { return m_port; }
 
-    /// Waits until that many connections were accepted; false after ten seconds without.
+    /// Waits until that many connections were accepted; false after ten seconds.
     bool waitForConnections(int count);
 
-    /// Sends bytes unasked on the newest connection.
+    /// Sends bytes on the newest connection without a command.
     void send(const QByteArray &bytes);
 
     /// Closes the newest connection.

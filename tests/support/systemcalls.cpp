@@ -35,7 +35,7 @@ struct State
 State state;
 thread_local bool watching = false;
 
-// True, with errno set, when this call is the one to fail.
+// Returns true and sets errno when this call must fail.
 bool failsNow(SystemCalls::Call call)
 {
     if (!watching)
@@ -156,7 +156,7 @@ int __wrap_fcntl(int descriptor, int command, ...)
         return failsNow(Call::GetFlags) ? -1 : __real_fcntl(descriptor, command);
     va_list arguments;
     va_start(arguments, command);
-    // A flag word for us, a pointer for others: a register's width either way.
+    // The argument is an integer or a pointer; both fit into a long.
     // The analyser does not know that va_start() fills the list in.
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     const long argument = va_arg(arguments, long);

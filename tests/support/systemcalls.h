@@ -3,9 +3,9 @@
 #include <QList>
 #include <QMetaType>
 
-/// The system calls of the code under test, recorded and made to fail on demand. A program that
-/// links this file redirects the calls by the linker (`--wrap`), so Qt's own calls are not
-/// affected; nor is any other thread than the one that watches.
+/// Records the system calls of the code under test and makes them fail on demand. The linker
+/// redirects the calls (`--wrap`), so Qt's own calls are not affected. Only the thread that called
+/// watch() is affected.
 namespace SystemCalls {
 
 enum class Call { Socket, Resolve, Connect, GetFlags, SetFlags, Poll, GetOption, Send, Receive };
@@ -17,10 +17,10 @@ enum class Call { Socket, Resolve, Connect, GetFlags, SetFlags, Poll, GetOption,
 /// descriptor and waits for it then, as when another thread closed it.
 void fail(Call call, int errorNumber, int skip = 0);
 
-/// Makes the next send take only that many bytes; counts as one interference.
+/// Makes the next send accept only that many bytes; counts as one failure.
 void limitNextSend(int bytes);
 
-/// How many calls were interfered with since watch().
+/// How many calls were changed since watch().
 int failures();
 
 /// The ports that were passed to connect(), since watch(); also those of a connect that was made to
@@ -33,10 +33,11 @@ QList<int> waits();
 /// The descriptors that were closed, in order, since watch().
 QList<int> closed();
 
-/// Begins to watch the calls of this thread, with nothing recorded and nothing planned.
+/// Starts to record the calls of this thread; forgets earlier records and planned failures.
 void watch();
 
-/// Watches no longer. To be called before the program ends, when others still make such calls.
+/// Stops recording. Must be called before the program ends, because other code still makes such
+/// calls then.
 void stop();
 
 } // namespace SystemCalls

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// A literal of a test table as text, each byte one character.
+/// A Latin-1 literal as text.
 inline QString text(const char *latin1)
 {
     return QString::fromLatin1(latin1);

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-/// How a program ends, as its help promises it. Each program uses those that it needs.
+/// The exit codes that the help documents. Each program uses some of them.
 enum ExitCode {
     AllWell = 0,
     ErrorFound = 1,
@@ -15,20 +15,20 @@ enum ExitCode {
     Terminated = 143
 };
 
-/// Writes the text at once, so that it is there when the program is stopped during a wait. False
-/// after a failure, which leaves its mark on the stream; `errno` tells why.
+/// Writes the text and flushes the stream, so that nothing is lost when the program is stopped
+/// while it waits. Returns false on failure; the error flag of the stream is then set, and `errno`
+/// has the reason.
 bool print(FILE *stream, const QString &text);
 
-/// Writes to standard output for a caller that waits for the text and must learn that it cannot
-/// come: AllWell or, after a message, ErrorFound.
+/// Writes to standard output. Returns AllWell, or ErrorFound after a message when it fails: for
+/// texts that the caller of the program waits for.
 ExitCode printOutput(const QString &text);
 
-/// Writes what --help shows, the program's resource help.txt, of which the manual page is made,
-/// too.
+/// Writes the program's resource help.txt for --help. The manual page is made of the same file.
 ExitCode printHelp();
 
-/// Writes a message of the program itself to standard error, what cannot be seen written out.
+/// Writes a message of the program itself to standard error, as visible() makes it.
 void printError(const QString &text);
 
-/// As printError() for each of the texts.
+/// Calls printError() for each text.
 void printError(const QStringList &texts);

@@ -3,5 +3,5 @@
 #include <QString>
 #include <QStringList>
 
-/// One record as RFC 4180 has it: fields in quotes where they need them, ended by CR LF.
+/// One record as in RFC 4180: fields are quoted where necessary, and the record ends with CR LF.
 QString csvRecord(const QStringList &fields);

@@ -2,7 +2,7 @@
 
 #include <QFile>
 
-std::optional<QByteArray> readInputFile(const QString &fileName, const QString &whenLarger,
+std::optional<QByteArray> readInputFile(const QString &fileName, const QString &tooLargeText,
                                         QString *error)
 {
     constexpr qint64 maximumSize = 16LL * 1024 * 1024;
@@ -14,7 +14,7 @@ std::optional<QByteArray> readInputFile(const QString &fileName, const QString &
         return {};
     }
     if (bytes.size() > maximumSize) {
-        *error = whenLarger;
+        *error = tooLargeText;
         return {};
     }
     return bytes;

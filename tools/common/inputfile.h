@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// The bytes of a file of at most 16 MiB. Nothing when it cannot be read or is larger: `error` is
-/// then why it cannot be read, or `whenLarger`.
-std::optional<QByteArray> readInputFile(const QString &fileName, const QString &whenLarger,
+/// Reads a file of at most 16 MiB. Returns nothing when it cannot be read or is larger; `error` is
+/// then the reason, for a larger file `tooLargeText`.
+std::optional<QByteArray> readInputFile(const QString &fileName, const QString &tooLargeText,
                                         QString *error);

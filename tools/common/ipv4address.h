@@ -4,17 +4,18 @@
 
 #include <optional>
 
-/// The address that the text names: four numbers from 0 to 255, with dots between and without
-/// leading zeros, because the system reads a number with one as octal. Nothing when it is another
-/// text.
+/// The address in the text: four numbers from 0 to 255 with dots between. Leading zeros are
+/// refused, because the system reads such a number as octal. Nothing when the text is no such
+/// address.
 std::optional<quint32> ipv4Address(const QString &text);
 
-/// Whether the text is four numbers from 0 to 255 with dots between. A number may have leading
-/// zeros up to three digits, as in what the plug-in takes for an address.
+/// Whether the text is four numbers from 0 to 255 with dots between. Up to three digits a number
+/// may have leading zeros: the plug-in accepts such addresses.
 bool isDottedQuad(const QString &text);
 
-/// Whether the address is of this machine's own network, 127.0.0.0/8.
+/// Whether the address is in 127.0.0.0/8.
 bool isLoopback(quint32 address);
 
-/// As above, judged by the text alone and narrowly: a name or a short form is not surely loopback.
+/// As above, for a dotted quad only: a host name or a short form counts as not loopback, because it
+/// is not resolved here.
 bool isLoopback(const QString &text);

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <QVector>
 
-/// How wide each column is for the widest of its cells, in columns of a terminal.
+/// The width of each column: that of its widest cell, in terminal columns.
 QVector<int> columnWidths(const QList<QStringList> &rows);
 
 /// Rows of equal length as aligned lines, two spaces between columns, none at a line's end.

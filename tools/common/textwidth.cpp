@@ -12,8 +12,8 @@ namespace {
 
 constexpr int lineWidth = 79;
 
-/// The C library's own table of widths, which it only opens to a UTF-8 locale: output is UTF-8
-/// whatever the user's locale.
+/// Uses the width table of the C library, which needs a UTF-8 locale. The output is UTF-8 in every
+/// locale of the user.
 int characterWidth(uint character)
 {
     static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);

@@ -2,17 +2,17 @@
 
 #include <QString>
 
-/// How many columns of a terminal the text takes: an ideograph takes two, a combining mark none.
-/// The text must have no control characters, see visible().
+/// The number of terminal columns that the text takes: an ideograph takes two, a combining mark
+/// none. The text must have no control characters, see visible().
 int textWidth(const QString &text);
 
-/// The text in at most `width` columns: a longer one is cut and ends in "…", so that nobody takes a
-/// part of a number for the whole. Empty when `width` is 0 or less.
+/// The text in at most `width` columns. A longer one is cut and ends in "…", so that a cut number
+/// is not read as the whole number. Empty when `width` is 0 or less.
 QString cutToWidth(const QString &text, int width);
 
-/// The text with spaces behind it up to `width` columns.
+/// The text, filled up with spaces to `width` columns.
 QString paddedToWidth(const QString &text, int width);
 
-/// The text in lines of at most 79 characters, where its words allow it, each begun by `indent` and
-/// ended by a line feed.
+/// The text in lines of at most 79 characters; only a longer word makes a longer line. Each line
+/// begins with `indent` and ends with a line feed.
 QString wrappedText(const QString &text, const QString &indent);

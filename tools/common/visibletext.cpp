@@ -4,7 +4,7 @@
 
 namespace {
 
-/// One character written out, or as it is when it can be seen.
+// The character as an escape sequence, or unchanged when it is printable.
 QString visibleCharacter(uint character)
 {
     switch (character) {

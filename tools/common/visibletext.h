@@ -2,6 +2,6 @@
 
 #include <QString>
 
-/// The text with its control characters, other invisible characters and backslashes written out
-/// (`\r`, `\x00`, `\u2028`, `\\`), and a space at its end as `\x20`.
+/// The text with escape sequences for control characters, other invisible characters and
+/// backslashes (`\r`, `\x00`, `\u2028`, `\\`). A space at the end becomes `\x20`.
 QString visible(const QString &text);

@@ -4,6 +4,6 @@
 
 #include <optional>
 
-/// The number that the text holds in plain decimal digits, without sign or blank. Nothing when it
-/// holds something else or the number is not from `minimum` to `maximum`.
+/// The number in the text, which must have decimal digits only: no sign, no blank. Nothing for
+/// another text or a number that is not from `minimum` to `maximum`.
 std::optional<int> wholeNumber(const QString &text, int minimum, int maximum);

@@ -8,7 +8,7 @@
 #include <QTimer>
 #include <QUdpSocket>
 
-/// A port of 127.0.0.1 that is taken, by TCP and by UDP, but at which nobody answers.
+/// A port of 127.0.0.1 that is bound by TCP and by UDP, but never answers.
 class SilentPort
 {
 public:
@@ -26,15 +26,15 @@ private:
     QUdpSocket m_udp;
 };
 
-/// A search waits for answers by UDP for a quarter of its time, a second at most; this is enough on
-/// loopback, on a busy machine too.
+/// A search waits for UDP answers a quarter of its time, at most a second. This is enough on
+/// loopback, even on a busy machine.
 inline QStringList shortSearch()
 {
     return {text("--timeout"), text("1600")};
 }
 
-/// The arguments of a search with that plug-in. Without `area` it stays in 127.0.0.0/28: no search
-/// of a test may leave the machine.
+/// The arguments of a search with that plug-in. The default area is 127.0.0.0/28: no search of a
+/// test may leave the machine.
 inline QStringList searchArguments(const char *plugin, const QString &udpPorts,
                                    const QString &tcpPorts, const QStringList &more = {},
                                    const QStringList &area

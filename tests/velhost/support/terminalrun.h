@@ -7,12 +7,12 @@
 
 #include <sys/types.h>
 
-/// A program in a terminal of its own, of which the test is the other end: it reads what the
-/// program shows, and what it types reaches the program as from a keyboard.
+/// Runs a program in a pseudo terminal. The test reads what the program shows and types as on a
+/// keyboard.
 class TerminalRun
 {
 public:
-    /// Starts the program; the terminal shows so many lines and columns.
+    /// Starts the program in a terminal of that size.
     TerminalRun(const QString &program, const QStringList &arguments, int rows, int columns,
                 const QProcessEnvironment &environment);
     /// Ends the program if it still runs.
@@ -20,9 +20,8 @@ public:
     TerminalRun(const TerminalRun &) = delete;
     TerminalRun &operator=(const TerminalRun &) = delete;
 
-    /// Waits until the program shows these bytes behind those that the last call waited for; false
-    /// when it ends or ten seconds pass without. If it shows nothing at all for so long, it is
-    /// killed.
+    /// Waits until the program shows these bytes after those of the last call; false when it ends
+    /// or after ten seconds. A program that shows nothing for ten seconds is killed.
     bool waitFor(const QByteArray &bytes);
 
     /// Everything that was read so far.
@@ -32,8 +31,8 @@ public:
     void type(const QByteArray &bytes) const;
     void sendSignal(int signal) const;
 
-    /// Reads to the end, at most ten seconds after the last output. Returns the exit code, or minus
-    /// the signal that ended the program.
+    /// Reads until the program ends, at most ten seconds after the last output. Returns the exit
+    /// code, or the negative number of the signal that ended the program.
     int finish();
 
 private:

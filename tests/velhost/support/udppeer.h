@@ -7,8 +7,8 @@
 
 #include <utility>
 
-/// Answers each datagram with others, at a free port where none is named. Needs the event loop of
-/// its thread.
+/// Answers each datagram with all `answers`. Port 0 is a free port. Needs the event loop of its
+/// thread.
 class UdpPeer
 {
 public:

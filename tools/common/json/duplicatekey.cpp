@@ -9,10 +9,10 @@
 
 namespace {
 
-/// Many in a file mean a fault of the program that wrote it, which shows in the first ones.
+/// A file with more of them was written by a faulty program; the first ones show the fault.
 constexpr int maximumCount = 100;
 
-/// The offset behind the string that begins with the quote at `offset`.
+/// The offset after the string that begins with the quote at `offset`.
 int endOfString(const QByteArray &json, int offset)
 {
     int end = offset + 1;
@@ -30,7 +30,8 @@ bool isKey(const QByteArray &json, int endOfString)
     return next < json.size() && json.at(next) == ':';
 }
 
-/// A string with its quotes as text: two spellings of a key are the same key.
+/// The text of a JSON string that still has its quotes. Keys are compared without their escapes:
+/// "a" and "\u0061" are the same key.
 QString unescaped(const QByteArray &string)
 {
     return QJsonDocument::fromJson('[' + string + ']').array().at(0).toString();

@@ -4,14 +4,14 @@
 #include <QList>
 #include <QString>
 
-/// A key that stands a second time in the same object.
+/// A key that an object already has.
 struct DuplicateKey
 {
     QString key;
-    /// Where its second mention begins, in bytes from the start.
+    /// Where the repeated key begins, in bytes from the start of the text.
     int offset = 0;
 };
 
-/// The keys that stand in an object of the text again, the first 100 of them. QJsonDocument would
-/// silently keep one of each. The text must be JSON that QJsonDocument takes.
+/// The repeated keys of all objects in the text, at most 100. QJsonDocument silently keeps one of
+/// each. The text must be valid JSON.
 QList<DuplicateKey> findDuplicateKeys(const QByteArray &json);

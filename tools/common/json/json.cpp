@@ -16,7 +16,8 @@ JsonMember::JsonMember(const char *memberKey, const QList<JsonMember> &members)
 
 QString jsonText(const QJsonValue &value)
 {
-    // A document is an object or a list: the value goes in a list, whose brackets are cut off.
+    // QJsonDocument takes objects and lists only: the value is put in a list, and the brackets are
+    // removed.
     const QByteArray list = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
     return QString::fromUtf8(list.mid(1, list.size() - 2));
 }

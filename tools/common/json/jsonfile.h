@@ -7,11 +7,11 @@
 
 #include <optional>
 
-/// The bytes of a file of at most 16 MiB. Nothing when it cannot be read or is larger, `problems`
-/// then says so; `kind` is what the file should be, for example "plant file".
+/// Reads a file of at most 16 MiB. Returns nothing and adds a problem when it cannot be read or is
+/// larger. `kind` is what the file should be, for example "plant file".
 std::optional<QByteArray> readJsonBytes(const QString &fileName, const QString &kind,
                                         QList<Problem> *problems);
 
-/// The object or list that `json` holds; nothing when it is no JSON. A key that an object has twice
+/// The object or list in `json`; nothing when it is not valid JSON. A key that an object has twice
 /// is a problem too.
 std::optional<QJsonValue> parseJson(const QByteArray &json, QList<Problem> *problems);

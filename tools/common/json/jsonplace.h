@@ -7,10 +7,11 @@
 
 #include <optional>
 
-// Every function that takes a `place` adds its faults to `errors` under that place and goes on with
-// an empty value: one run finds all faults of a file.
+// A function that takes a `place` adds what is wrong there to `errors` and returns an empty value,
+// so that one run finds all errors of a file.
 
-/// The place of an object's member: "devices[0].name"; of the outermost object, the key alone.
+/// The place of an object's member, for example "devices[0].name". For the outermost object it is
+/// the key.
 QString member(const QString &place, const QString &key);
 
 /// The place of a list's element, counted from 0.
@@ -18,7 +19,7 @@ QString element(const QString &place, int index);
 
 void addError(const QString &place, const QString &text, QList<Problem> *errors);
 
-/// Says that `found` is not there or is something else than `expected`.
+/// Adds the error that `found` is missing or is not `expected`.
 void addWrongKind(const QJsonValue &found, const QString &expected, const QString &place,
                   QList<Problem> *errors);
 
@@ -27,7 +28,7 @@ QString readText(const QJsonValue &value, const QString &place, QList<Problem> *
 /// A text that is not empty.
 QString readName(const QJsonValue &value, const QString &place, QList<Problem> *errors);
 
-/// A whole number from `minimum` to `maximum`; nothing when it is none.
+/// A whole number from `minimum` to `maximum`; nothing for any other value.
 std::optional<qint64> readWhole(const QJsonValue &value, qint64 minimum, qint64 maximum,
                                 const QString &place, QList<Problem> *errors);
 
@@ -35,11 +36,11 @@ QJsonArray readList(const QJsonValue &value, const QString &place, QList<Problem
 
 QJsonObject readObject(const QJsonValue &value, const QString &place, QList<Problem> *errors);
 
-/// Looks for keys that are not `known`.
+/// Adds an error for each key that is not `known`.
 void checkKeys(const QJsonObject &object, const QStringList &known, const QString &place,
                QList<Problem> *errors);
 
-/// Looks for a text that stands twice. `texts` are the elements' own at `key`; an empty one is no
-/// text, its fault is known already.
+/// Adds an error for each text that occurs twice. `texts` has the value of `key` of each element.
+/// Empty texts are skipped: their error is already in `errors`.
 void checkUnique(const QStringList &texts, const QString &key, const QString &place,
                  QList<Problem> *errors);

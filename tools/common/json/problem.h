@@ -4,14 +4,14 @@
 #include <QString>
 #include <QStringList>
 
-/// Something that is wrong with a file.
+/// One error in a file.
 struct Problem
 {
-    /// The line and the column of the file, LINE:COLUMN, where there is no place to tell.
+    /// LINE:COLUMN in the file; set when there is no place.
     QString position;
-    /// The way to the value, for example "devices[0].ip"; empty for the file as a whole.
+    /// The path to the value, for example "devices[0].ip"; empty for the whole file.
     QString place;
-    /// What is wrong and, where that does not say it, what to write instead.
+    /// What is wrong and, where that is not obvious, what to write instead.
     QString text;
 };
 

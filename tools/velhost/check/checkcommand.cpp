@@ -25,8 +25,7 @@ ExitCode runCheck(const Arguments &arguments)
     const std::optional<Plant> draft = readPlantDraft(arguments.plantFile, &problems);
     if (!draft)
         return report(arguments, problems);
-    // The plug-in gets the interfaces, from which it makes a selection, but no device to connect
-    // to.
+    // The plug-in gets the interfaces, which it offers in a column, but no device to connect to.
     Plant empty;
     empty.networkInterfaces = draft->networkInterfaces;
     return runSession(sessionSetup(arguments, empty), [&](const Session &session) {

@@ -2,6 +2,6 @@
 
 #include "cli/command.h"
 
-/// `check` prints everything that is wrong with a plant file: as JSON on standard output, else on
-/// standard error. WrongUsage when anything is.
+/// `check` prints everything that is wrong with a plant file: as JSON to standard output, else to
+/// standard error. WrongUsage when anything is wrong.
 Command checkCommand();

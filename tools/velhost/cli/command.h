@@ -20,17 +20,17 @@ struct Option
         int maximum = 0;
     };
 
-    /// Without the two dashes.
+    /// Without the dashes.
     QString name;
-    /// How the help names its value; empty for a flag.
+    /// The name of its value in the help; empty for a flag.
     QString value;
     QString help;
-    /// The whole numbers that it takes; nothing where it takes other texts.
+    /// The range of its whole number; nothing when its value is another text.
     std::optional<Range> range = {};
     bool mayRepeat = false;
 };
 
-/// What a command takes besides options.
+/// The arguments of a command besides its options.
 enum class Operands {
     None,
     Plant,               ///< the plant file, unless `--plant` names it
@@ -38,40 +38,40 @@ enum class Operands {
     Text                 ///< one text, and no plug-in
 };
 
-/// What the user typed for a command, checked by what the command takes.
+/// The arguments of the user, already checked against the command.
 struct Arguments
 {
     /// Empty: the default plug-in.
     QString pluginFile;
-    /// Empty where none is needed and none was given.
+    /// Empty when none was given and the command needs none.
     QString plantFile;
     OutputFormat format = OutputFormat::Table;
     /// The assignments or the text.
     QStringList operands;
-    /// The values of the command's own options that were given; of a flag an empty list.
+    /// The values of the command's own options that were given; an empty list for a flag.
     QMap<QString, QStringList> options;
 
     bool has(const QString &option) const { return options.contains(option); }
     QString value(const QString &option) const { return options.value(option).value(0); }
-    /// The number that was given, `otherwise` without the option, which must have a range.
+    /// The number that was given, or `otherwise`. Only for options with a range.
     int number(const QString &option, int otherwise) const
     {
         return has(option) ? value(option).toInt() : otherwise;
     }
 };
 
-/// One command of the program. Its own room makes it; program/commands.cpp lists all of them.
+/// One command of the program. Its own folder defines it; program/commands.cpp lists all commands.
 struct Command
 {
     QString name;
     Operands operands = Operands::None;
     /// What it does, for the help.
     QString summary;
-    /// What `--format` may ask for.
+    /// The values of `--format`.
     QStringList formats;
-    /// Those that not every command has.
+    /// The options of this command alone, without the general ones.
     QList<Option> options;
-    /// For the help: what for, then the command line.
+    /// For the help, each a purpose and a command line.
     QList<QStringList> examples;
     ExitCode (*run)(const Arguments &arguments) = nullptr;
 };

@@ -10,7 +10,7 @@ namespace {
 
 const QString helpWord = QStringLiteral("help");
 
-/// Adds those that the parser does not know yet.
+/// Adds the options that the parser does not have yet.
 void addOptions(const QList<Option> &options, QStringList *known, QCommandLineParser *parser)
 {
     for (const Option &option : options) {
@@ -21,8 +21,8 @@ void addOptions(const QList<Option> &options, QStringList *known, QCommandLinePa
     }
 }
 
-/// Prepares the parser for these commands: for all of them, to find out which one is meant, then
-/// for that one.
+/// Adds the options of these commands to the parser: of all commands to find out which one is
+/// given, then of that one.
 void prepare(const QList<Command> &commands, QCommandLineParser *parser)
 {
     parser->addOption(QCommandLineOption(QStringList{QStringLiteral("h"), helpWord}));
@@ -49,7 +49,7 @@ QStringList namesOf(const QList<Command> &commands)
     return names;
 }
 
-/// The command of that name, or a null pointer and what is wrong.
+/// Returns a null pointer and sets `error` when no command has that name.
 const Command *commandNamed(const QString &name, const QList<Command> &commands, QString *error)
 {
     for (const Command &command : commands) {
@@ -60,7 +60,7 @@ const Command *commandNamed(const QString &name, const QList<Command> &commands,
     return nullptr;
 }
 
-/// Says what is wrong with an option as such, without a look at the command.
+/// Returns the error of a repeated option or an empty file name; empty when there is none.
 QString occurrenceError(const Option &option, const QCommandLineParser &parser)
 {
     if (!option.mayRepeat && parser.optionNames().count(option.name) > 1)
@@ -71,7 +71,8 @@ QString occurrenceError(const Option &option, const QCommandLineParser &parser)
     return {};
 }
 
-/// Says what is wrong with a number; empty for an option that is not given or takes other texts.
+/// Returns the error of a number; empty when it is right, not given or when the option takes
+/// another text.
 QString numberError(const Option &option, const QCommandLineParser &parser)
 {
     if (!option.range || !parser.isSet(option.name))
@@ -84,7 +85,7 @@ QString numberError(const Option &option, const QCommandLineParser &parser)
         .arg(option.name, QString::number(minimum), QString::number(maximum), text);
 }
 
-/// Says what is wrong with the options, given what the command takes.
+/// Returns the first error of the options; empty when there is none.
 QString optionError(const Command &command, const QCommandLineParser &parser)
 {
     const QList<Option> options = optionsOf(command);
@@ -105,7 +106,8 @@ QString optionError(const Command &command, const QCommandLineParser &parser)
     return {};
 }
 
-/// Takes the plant's file, then what else is no option. Returns what is wrong with them.
+/// Stores the plant file and the other positional arguments. Returns their error; empty when there
+/// is none.
 QString takeOperands(const Command &command, QStringList operands, Arguments *arguments)
 {
     if (command.operands == Operands::Text) {
@@ -135,13 +137,13 @@ OutputFormat formatNamed(const QString &name)
     return name == QLatin1String("csv") ? OutputFormat::Csv : OutputFormat::Table;
 }
 
-/// Also for an option that the command does not know.
+/// QCommandLineParser::value() would warn about an option that the command does not have.
 QString valueOrEmpty(const QCommandLineParser &parser, const QString &option)
 {
     return parser.optionNames().contains(option) ? parser.value(option) : QString();
 }
 
-/// Reads the arguments of the command, which are surely some that one of the commands takes.
+/// Reads the arguments for this command. They have no option that no command has.
 std::optional<Arguments> parseArguments(const Command &command, const QStringList &words,
                                         QString *error)
 {

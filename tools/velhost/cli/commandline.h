@@ -8,18 +8,18 @@
 
 #include <optional>
 
-/// What the program is asked for.
+/// What the user asks the program to do.
 struct Request
 {
     enum class Action { Help, Version, Run };
     Action action = Action::Run;
-    /// The one to run, or to show the help of; a null pointer asks for the help of all.
+    /// The command to run or to show the help of; a null pointer for the help of all commands.
     const Command *command = nullptr;
     Arguments arguments;
 };
 
-/// Reads the arguments, the program's name first. Options may stand before and after the command.
-/// Returns nothing when they are wrong; `error` then says what to change. The request points into
-/// `commands`.
+/// Reads the arguments, which begin with the program's name. Options may stand before and after the
+/// command. Returns nothing when an argument is wrong; `error` then says what to change. The
+/// request points into `commands`.
 std::optional<Request> parseCommandLine(const QStringList &arguments,
                                         const QList<Command> &commands, QString *error);

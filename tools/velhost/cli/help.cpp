@@ -8,7 +8,7 @@ namespace {
 
 constexpr int textColumn = 28;
 
-/// A term, and what it means in a column of its own.
+/// A term and its meaning in two columns.
 QString entry(const QString &term, const QString &meaning)
 {
     const QString indent(textColumn, u' ');
@@ -79,7 +79,7 @@ Commands:
         examples += exampleEntries(command);
     }
     text += entry(QStringLiteral("help COMMAND"), QStringLiteral("show what one of them takes"));
-    // Those that a command has without any of its own.
+    // A command without options of its own has the general ones.
     text += u"\nOptions:\n" + optionEntries(optionsOf(Command())) + generalOptions() + options;
     return text + QStringLiteral(R"(
 Exit status:

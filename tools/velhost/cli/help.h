@@ -2,7 +2,7 @@
 
 #include "cli/command.h"
 
-/// The help of the whole program, which its manual page is made of, too.
+/// The help of the whole program. The manual page is made of the same text.
 QString helpText(const QList<Command> &commands);
 
 /// The help of one command.

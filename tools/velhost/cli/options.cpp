@@ -7,7 +7,7 @@ constexpr int defaultIntervalMs = 1000;
 const QString onlyChangesName = QStringLiteral("only-changes");
 const QString intervalName = QStringLiteral("interval");
 
-/// What `--format` may ask for; all of it for a command that does not tell.
+/// The help of `--format`; names all formats when the list is empty.
 QString formatHelp(const QStringList &formats)
 {
     static const QList<QPair<QString, QString>> meanings{

@@ -2,16 +2,16 @@
 
 #include "cli/command.h"
 
-/// The options of a command, its own first, without `--help` and `--version`.
+/// All options of a command but `--help` and `--version`, its own first.
 QList<Option> optionsOf(const Command &command);
 
-/// `--interval`, of the commands that read again and again.
+/// `--interval`, for the commands that read repeatedly.
 Option intervalOption();
 
-/// `--only-changes`, of the same commands.
+/// `--only-changes`, for the same commands.
 Option onlyChangesOption();
 
-/// Whether that was given.
+/// Whether `--only-changes` was given.
 bool printsOnlyChanges(const Arguments &arguments);
 
 /// The milliseconds from the start of one cycle to the start of the next.

@@ -10,13 +10,12 @@
 
 #include <optional>
 
-/// The plant that the arguments name, one without devices where they name none. Returns nothing
-/// when it has a fault, which is then on standard error.
+/// Reads the plant file of the arguments; without one, returns a plant without devices. Returns
+/// nothing after it has printed the errors of the file.
 std::optional<Plant> readPlant(const Arguments &arguments);
 
-/// The assignments of DEVICE/ITEM=VALUE texts. Returns nothing when one is wrong; what is wrong
-/// with each is then on standard error.
+/// Reads DEVICE/ITEM=VALUE texts. Returns nothing after it has printed the error of each wrong one.
 std::optional<QList<Assignment>> readAssignments(const QStringList &texts, const Plant &plant);
 
-/// A session with that plant as the arguments want it.
+/// The setup of a session with that plant and the plug-in and format of the arguments.
 SessionSetup sessionSetup(const Arguments &arguments, const Plant &plant);

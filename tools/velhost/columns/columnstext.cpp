@@ -13,7 +13,7 @@ namespace {
 
 using Column = DatabaseColumnStructure;
 
-/// The options in the order in which the host holds them.
+/// The options in the order of the host's record.
 QList<JsonMember> optionMembers(const PluginInitOptions &options)
 {
     return {{"unused1", options.unused1},

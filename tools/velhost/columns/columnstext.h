@@ -6,7 +6,7 @@
 
 #include <QString>
 
-/// What the plug-in declares, as table or JSON: itself, then its columns (plug-in, item, device,
-/// file). Each text ends with a line feed.
+/// What the plug-in declares, as table or JSON: first itself, then its columns (plug-in, item,
+/// device, file). Ends with a line feed.
 QString columnsText(OutputFormat format, const LoadedPlugin &plugin,
                     const PluginRegistration &registration);

@@ -6,14 +6,14 @@
 #include <QList>
 #include <QString>
 
-/// Leaves out of each cycle what was printed before. Of a device's own error the end is news, too:
-/// without it nobody could tell whether the error still stands.
+/// Removes from each cycle what was already reported. The end of a device's error is a change, too:
+/// otherwise nobody could see whether the error still persists.
 class ChangeFilter
 {
 public:
-    /// The devices with those items alone whose value or error is another than when they were last
-    /// let through. A device's error stands in the first report in which it is new; in the first
-    /// without it, `errorEnded` is set. Must be called for each cycle, in their order.
+    /// Returns all devices, but only the items whose value or error has changed. A device has its
+    /// error only in the cycle in which the error is new; in the first cycle without it,
+    /// `errorEnded` is set. Must be called for every cycle, in order.
     QList<DeviceReport> filter(const QList<DeviceReport> &devices);
 
 private:

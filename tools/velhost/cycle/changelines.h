@@ -8,12 +8,12 @@
 #include <QString>
 #include <QVector>
 
-/// How wide the columns before the error must be for these devices, so that lines that are printed
-/// one by one stand aligned. Values have a width of their own each, so theirs is a fixed one.
+/// The widths of the columns before the error, so that lines that are printed one by one are
+/// aligned. The lengths of the values are not known before, so that column has a fixed width.
 QVector<int> changeLineWidths(const QList<DeviceInstancePlugin> &devices);
 
 /// The header above the lines.
 QString changeLineHeader(const QVector<int> &widths);
 
-/// A line for each device that has something to tell of itself and for each item.
+/// A line for each device with a message and for each item.
 QString changeLines(const QList<DeviceReport> &devices, const QVector<int> &widths);

@@ -21,8 +21,7 @@ void appendItem(LogList *list, const DeviceInstancePlugin &device, int item, con
     list->dataItems.append(dataItem);
 }
 
-/// Empties what the plug-in is to fill in. The time stamp is among it, so that a plug-in which sets
-/// none is told from one that does.
+/// Clears what the plug-in sets. A time stamp that is still invalid after the call was not set.
 void beginCycle(LogList *list)
 {
     list->setLastError({});
@@ -92,7 +91,7 @@ DeviceReport readDevice(VELInterface *plugin, LogList *list, qint64 cycle)
     result.microseconds = nanoseconds / 1000;
     if (!done && result.error.isEmpty())
         result.error = QStringLiteral("readData() returned false");
-    // A plug-in that gets no answer from the device need not set an error on each of its items.
+    // When the device does not answer, the plug-in sets no error on the items that it did not try.
     for (ItemReport &item : result.values) {
         const bool failed = !result.error.isEmpty() || !item.error.isEmpty();
         item.isOld = failed && !item.value.isEmpty();

@@ -8,17 +8,17 @@
 #include <QList>
 #include <QVector>
 
-/// Prints cycles to standard output one after the other: in JSON and CSV as records.
+/// Prints cycles to standard output, in JSON and CSV as records.
 class CyclePrinter
 {
 public:
     enum class Content {
-        Everything, ///< for people a table a cycle
-        Changes,    ///< the same of what has changed
-        ChangeLines ///< for people a line for each change, below one header
+        Everything, ///< as a table: one for each cycle
+        Changes,    ///< as a table: the same, with the changes only
+        ChangeLines ///< as a table: one header, then a line for each change
     };
 
-    /// Prints what stands above all cycles.
+    /// Prints the header, if there is one for all cycles.
     CyclePrinter(OutputFormat format, Content content, const QList<DeviceInstancePlugin> &devices);
 
     void printCycle(const QList<DeviceReport> &devices);

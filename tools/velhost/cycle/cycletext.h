@@ -9,6 +9,6 @@
 /// The header of the records that cycleText() gives in CSV.
 QString cycleCsvHeader();
 
-/// The devices of one cycle with their items, without a header in CSV; a device's own error stands
-/// before its items. Empty when there is nothing to tell.
+/// The devices of one cycle with their items; in CSV without the header. The error of a device
+/// stands before its items. Empty when there is nothing to print.
 QString cycleText(OutputFormat format, const QList<DeviceReport> &devices);

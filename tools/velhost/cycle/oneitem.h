@@ -8,7 +8,7 @@
 
 #include <optional>
 
-/// What one read of one item gave: a value or an error.
+/// The result of reading one item: a value or an error.
 struct ItemRead
 {
     QDateTime time;
@@ -16,10 +16,10 @@ struct ItemRead
     QString error;
 };
 
-/// Reads the item, by its index in the device's record, in a cycle of its own.
+/// Reads the item with that index in the device's record, in a cycle of its own.
 ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int item);
 
-/// Writes the item in a cycle of its own. Returns why that failed, the last entry in the error log
-/// if there is one; empty when it did not fail.
+/// Writes the item in a cycle of its own. Returns the error, if possible the last entry in the
+/// error log; empty on success.
 QString writeError(const Session &session, const DeviceInstancePlugin &device,
                    const Assignment &assignment);

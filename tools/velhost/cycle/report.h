@@ -14,9 +14,9 @@ struct ItemReport
     QString value;
     /// Empty: no error.
     QString error;
-    /// The read of the item or of its device failed, and the value is what an earlier cycle left.
+    /// The read of the item or of its device failed, and the value is of an earlier cycle.
     bool isOld = false;
-    /// What the plant file expects where the value is another; set by `watch` alone.
+    /// The expected value of the plant file, set when the value differs. Only `watch` sets it.
     std::optional<QString> expected = {};
 };
 
@@ -28,28 +28,28 @@ struct DeviceReport
     /// Empty: no error.
     QString error;
     QList<ItemReport> values;
-    /// An error that was printed earlier stands no more.
+    /// An error that was printed before has ended.
     bool errorEnded = false;
     /// When the plug-in's call for the device returned.
     QDateTime time = {};
-    /// How long that call took.
+    /// The duration of that call.
     qint64 microseconds = 0;
 
-    /// Whether there is something to tell of the device itself.
+    /// Whether there is a message of the device itself.
     bool hasMessage() const { return errorEnded || !error.isEmpty(); }
 
     /// Whether the device or one of its items has an error.
     bool hasError() const;
 };
 
-/// The value for people, what cannot be seen written out, marked where it is of an earlier cycle.
+/// The value as visible() makes it, marked when it is of an earlier cycle.
 QString valueText(const ItemReport &item);
 
-/// What there is to tell of the device itself: its error, or that one has ended.
+/// The message of the device itself: its error, or that the error has ended.
 QString deviceMessage(const DeviceReport &device);
 
-/// What is wrong with an item that was read, for people: its error, or what was expected instead of
-/// its value. Empty when nothing is.
+/// What is wrong with an item that was read: its error or the expected value. Empty when nothing is
+/// wrong.
 QString itemProblem(const ItemReport &item);
 
 /// ISO 8601 with milliseconds and the offset from UTC, in the time's own zone.

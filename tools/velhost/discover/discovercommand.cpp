@@ -15,11 +15,10 @@
 namespace {
 
 constexpr int redrawMs = 200;
-/// Back to the line's begin, and clear the rest of it.
 const QString lineStart = QStringLiteral("\r");
 const QString clearLine = QStringLiteral("\x1b[K");
 
-/// Why the plant file must not be written; empty when it may be.
+/// Why the plant file must not be written; empty when it may be written.
 QString plantFileError(const Arguments &arguments)
 {
     const QFileInfo file(arguments.plantFile);
@@ -28,8 +27,8 @@ QString plantFileError(const Arguments &arguments)
     return arguments.plantFile + u": is already there; add --force to replace it";
 }
 
-/// Runs the search until its end or a signal, whose number is then in `signal`. The state is shown
-/// in one line, written again and again, when someone watches.
+/// Runs the search until its end or a signal, whose number is then in `signal`. On a terminal it
+/// shows the progress in one line.
 SearchResult searchAndShow(const SearchPlan &plan, int *signal)
 {
     StopSignals stopSignals;
@@ -69,7 +68,8 @@ bool writePlant(const Arguments &arguments, const SearchArea &area, const Findin
     return true;
 }
 
-/// Tells what there is beside the controllers. Whether the search found one and ran to its end.
+/// Prints what is no controller and what is wrong with the result. Returns whether the search is
+/// complete and found a controller.
 bool reportProblems(const SearchResult &result)
 {
     printError(nonControllerTexts(result.findings));
@@ -113,7 +113,7 @@ ExitCode discover(const Session &session, const Arguments &arguments)
     return isWell ? AllWell : ErrorFound;
 }
 
-/// The plug-in gets the machine's interfaces and no device.
+/// The plug-in gets the machine's interfaces, but no device.
 ExitCode runDiscover(const Arguments &arguments)
 {
     Plant plant;

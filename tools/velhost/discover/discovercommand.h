@@ -2,7 +2,7 @@
 
 #include "cli/command.h"
 
-/// `discover` carries out the device search that the plug-in declares parameters for, prints the
-/// controllers and writes them to a plant file where one is named. ErrorFound when there is none or
-/// the search has gaps; a signal ends it as it ends `read`.
+/// `discover` searches for controllers with the search parameters that the plug-in declares. It
+/// prints the controllers and writes them to a plant file if one is named. ErrorFound when there is
+/// none or the search is incomplete. A signal ends it as it ends `read`.
 Command discoverCommand();

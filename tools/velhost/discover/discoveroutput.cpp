@@ -103,7 +103,7 @@ QByteArray plantJson(const SearchArea &area, const Findings &findings)
     QStringList devices;
     QStringList names;
     for (const Finding &finding : findings.all()) {
-        // Two that answer differently by TCP and UDP are one device.
+        // Different answers by TCP and UDP are two findings, but one device.
         if (!finding.isController() || names.contains(finding.place()))
             continue;
         names.append(finding.place());

@@ -13,11 +13,12 @@ QString controllersText(OutputFormat format, const Findings &findings);
 /// A line for each finding that is no controller.
 QStringList nonControllerTexts(const Findings &findings);
 
-/// What will be asked, for the user who waits.
+/// What the search will ask, printed before it starts.
 QString searchText(const SearchPlan &plan);
 
-/// The state of the search in one line.
+/// The progress of the search in one line.
 QString progressText(const SearchProgress &progress);
 
-/// A plant file with the controllers as devices without items, each named after its place.
+/// A plant file with the controllers as devices without items, each named after its address and
+/// port.
 QByteArray plantJson(const SearchArea &area, const Findings &findings);

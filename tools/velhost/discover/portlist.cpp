@@ -6,7 +6,7 @@ namespace {
 
 constexpr int maximumPorts = 64;
 
-/// A port, or 0 for a number that is none.
+/// The port; 0 when the number is larger than 65535.
 int portNumber(const QString &digits)
 {
     bool isNumber = false;

@@ -5,15 +5,16 @@
 
 #include <optional>
 
-/// The ports that a text names.
+/// The ports of a text.
 struct PortList
 {
-    /// In the order given, none twice, 1 to 64 of them.
+    /// 1 to 64 different ports, in the order given.
     QVector<quint16> ports;
-    /// The text names more than 64; the first of them count.
+    /// The text has more than 64 ports; only the first 64 are in `ports`.
     bool isTruncated = false;
 };
 
-/// Reads ports and ranges of ports with commas between, for example "8501,8600-8605". Blanks around
-/// a number do no harm. Returns nothing when the text is wrong; `error` then says what to write.
+/// Reads ports and ranges of ports, separated by commas, for example "8501,8600-8605". Blanks
+/// around a number are ignored. Returns nothing when the text is wrong; `error` then says what to
+/// write.
 std::optional<PortList> parsePortList(const QString &text, QString *error);

@@ -8,19 +8,19 @@
 
 #include <optional>
 
-/// What the user chose of a device search.
+/// The options of a search.
 struct SearchOptions
 {
-    /// Texts of the plug-in's search parameters by column name.
+    /// The plug-in's search parameters that were given, by column name.
     QMap<QString, QString> parameters;
-    /// The network to ask; nothing for those of the interface.
+    /// The network to ask; nothing for the networks of the interface.
     std::optional<QString> subnet;
-    /// A large network may be asked.
+    /// Whether a large network may be asked.
     bool isForced = false;
 };
 
 /// The options of `discover`.
 QList<Option> discoverOptions();
 
-/// What they say. What the texts of the parameters mean only the plug-in's columns tell.
+/// Reads these options. The parameters are still texts: only the plug-in's columns define them.
 SearchOptions searchOptions(const Arguments &arguments);

@@ -12,7 +12,7 @@ const QString timeoutKey = QStringLiteral("timeout_ms");
 const QString interfaceKey = QStringLiteral("network_interface");
 const QString udpPortsKey = QStringLiteral("udp_ports");
 const QString tcpPortsKey = QStringLiteral("tcp_ports");
-/// Longer is no search any more but a mistake.
+/// A longer time-out is taken for a mistake.
 constexpr int maximumTimeoutMs = 60 * 60 * 1000;
 
 QString missingColumns(const QList<DatabaseColumnStructure> &columns)
@@ -39,7 +39,7 @@ QMap<QString, QString> withDefaults(const QMap<QString, QString> &parameters,
     return resolved;
 }
 
-/// `option` sets the ports, so the messages name it.
+/// `option` is named in the messages.
 QVector<quint16> parsePorts(const QString &text, const QString &option, QStringList *errors,
                             QStringList *notes)
 {

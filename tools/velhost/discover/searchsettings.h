@@ -10,9 +10,9 @@
 
 #include <optional>
 
-/// Turns the options into a search; what they leave out is as the plug-in declares it in its device
-/// columns. Returns nothing when the plug-in declares no search or anything is wrong; `errors` then
-/// says all of it. `notes` gets what the user should know all the same.
+/// Makes a search of the options. Parameters that are not given have the defaults of the plug-in's
+/// device columns. Returns nothing when the plug-in declares no search or an option is wrong;
+/// `errors` then has every error. `notes` gets messages that do not prevent the search.
 std::optional<SearchPlan> searchPlan(const SearchOptions &options,
                                      const QList<DatabaseColumnStructure> &columns,
                                      const QList<InterfaceNetwork> &networks, QStringList *errors,

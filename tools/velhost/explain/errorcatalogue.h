@@ -5,10 +5,10 @@
 #include <QString>
 #include <QStringList>
 
-/// One error text of the plug-in. In texts, what varies stands as a name in braces.
+/// One error text of the plug-in. In the texts a name in braces stands for a part that varies.
 struct KnownError
 {
-    /// A place where the text is seen, and the whole of what is seen there.
+    /// A place where the error is seen, and the whole text there.
     struct Place
     {
         QString name;
@@ -27,7 +27,7 @@ struct KnownError
     QString meaning;
     QStringList causes;
     QStringList remedies;
-    /// The controller's answers that end in this error.
+    /// The answers of the controller that lead to this error.
     QStringList aliases;
 };
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The stretch of a text from the first to the last fixed piece of a template.
+/// The part of a text from the first to the last piece of a template.
 struct Span
 {
     int begin = 0;
@@ -19,7 +19,7 @@ struct Match
 {
     KnownError error;
     Span span;
-    /// The whole of what a log or an item shows is there, not the short text alone.
+    /// The text has the whole text of a log or an item, not the short error text alone.
     bool isWhole = false;
 };
 
@@ -28,16 +28,17 @@ bool isWordCharacter(const QString &text, int position)
     return position >= 0 && position < text.size() && text.at(position).isLetterOrNumber();
 }
 
-/// What a template has between its placeholders.
+/// The parts of a template between its placeholders.
 struct Pieces
 {
     QStringList texts;
-    /// The text does not go on with a letter or a digit before the first piece or behind the last.
+    /// The first piece must not follow a letter or a digit, the last one must not be followed by
+    /// one.
     bool beginsWithWord = false;
     bool endsWithWord = false;
 };
 
-/// In lower case. Blanks at the ends do not count: they are easily lost.
+/// In lower case. Blanks at the ends are removed: they are often lost when a text is copied.
 Pieces piecesOf(const QString &textTemplate)
 {
     static const QRegularExpression placeholder(QStringLiteral("\\{[a-z]+\\}"));
@@ -46,8 +47,8 @@ Pieces piecesOf(const QString &textTemplate)
             isWordCharacter(text, text.size() - 1)};
 }
 
-/// Finds the pieces in their order. The leftmost place for each is always right, as what lies
-/// between may be anything.
+/// Finds the pieces in their order. The first match of each piece is sufficient, because any text
+/// may stand between them.
 std::optional<Span> findPieces(const QString &text, const Pieces &pieces)
 {
     int begin = -1;
@@ -84,7 +85,7 @@ std::optional<Match> matchOf(const KnownError &error, const QString &text)
     return {};
 }
 
-/// A whole text counts more than a short one, and that more than one which is never reported.
+/// A whole text ranks above a short one, and a short one above a text that is never reported.
 int rank(const Match &match)
 {
     if (match.isWhole)
@@ -92,14 +93,14 @@ int rank(const Match &match)
     return match.error.places.isEmpty() ? 0 : 1;
 }
 
-/// Whether the other match sees more of the text, and all that this one sees.
+/// Whether the other match contains this one and is longer.
 bool isPartOf(const Match &match, const Match &other)
 {
     const bool isInside = other.span.begin <= match.span.begin && match.span.end <= other.span.end;
     return isInside && other.span.end - other.span.begin > match.span.end - match.span.begin;
 }
 
-/// Every three characters that follow one another.
+/// Every sequence of three characters.
 QSet<QString> trigrams(const QString &text)
 {
     QSet<QString> result;
@@ -108,7 +109,7 @@ QSet<QString> trigrams(const QString &text)
     return result;
 }
 
-/// From 0 to 1: the share of the smaller set that is in the other, too.
+/// From 0 to 1: the part of the smaller set that is in the other set, too.
 double similarity(const QSet<QString> &one, const QSet<QString> &other)
 {
     const int smaller = std::min(one.size(), other.size());

@@ -6,11 +6,11 @@
 #include <QString>
 #include <QStringList>
 
-/// The errors that the text tells of, best first: an error's short text, the text that an item or a
-/// log shows, with anything before or after it, or an answer of a controller such as "E0". Letters
-/// of either case are the same. The time it takes grows with the text's length and no faster.
+/// The errors that the text is about, best match first. The text may contain the short text of an
+/// error or the text of an item or a log, or be an answer of a controller such as "E0". Case is
+/// ignored. The time is linear in the length of the text.
 QList<KnownError> explanations(const QString &text, const QList<KnownError> &catalogue);
 
-/// The catalogue's texts that resemble the text most, at most three, the nearest first; none where
-/// nothing does. Of a long text only the end is looked at.
+/// At most three texts of the catalogue that are similar to the text, the most similar first. Of a
+/// long text only the end is compared.
 QStringList nearestTexts(const QString &text, const QList<KnownError> &catalogue);

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int maximumInput = 1024 * 1024;
-// An unknown text is shown up to here.
+// Of a longer unknown text only the end is shown.
 constexpr int shownCharacters = 200;
 
 QString paragraph(const QString &name, const QString &text)
@@ -92,7 +92,7 @@ void printUnknown(const QString &text, const QStringList &nearest, OutputFormat 
         printError(QStringLiteral("known is: %1").arg(known.trimmed()));
 }
 
-/// The text to explain, or nothing when there is none; the reason is then on standard error.
+/// The text to explain; nothing after an error message when there is none.
 std::optional<QString> requestedText(const QString &argument)
 {
     QString text = argument;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr quint32 floatFlags = EF_ARM_ABI_FLOAT_HARD | EF_ARM_ABI_FLOAT_SOFT;
 
-/// An address or an offset, as wide as the file's class has it.
+/// Reads an address or an offset, whose size depends on the class of the file.
 quint64 readWide(QDataStream *stream, bool is64Bit)
 {
     if (is64Bit) {
@@ -53,8 +53,8 @@ std::optional<ElfHeader> readElfHeader(QIODevice *device)
     quint16 type = 0;
     quint32 version = 0;
     stream >> type >> header.machine >> version;
-    readWide(&stream, header.is64Bit); // where the program begins
-    readWide(&stream, header.is64Bit); // the table of segments
+    readWide(&stream, header.is64Bit); // entry point
+    readWide(&stream, header.is64Bit); // offset of the program header table
     header.tableOffset = readWide(&stream, header.is64Bit);
     quint16 headerSize = 0;
     quint16 segmentSize = 0;

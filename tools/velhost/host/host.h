@@ -10,7 +10,7 @@
 #include <functional>
 #include <optional>
 
-/// One entry of the plug-in in the host's logs.
+/// One log entry of the plug-in.
 struct LogEntry
 {
     enum class Level { Debug, Error };
@@ -18,30 +18,30 @@ struct LogEntry
     QString text;
 };
 
-/// What makes another record of a device before the plug-in gets it.
+/// Changes a device record before the plug-in gets it.
 using Redirection = std::function<DeviceInstancePlugin(const DeviceInstancePlugin &)>;
 
-/// The host as the plug-in sees it: takes its registration, hands it the plant's devices and passes
-/// its log entries on as they come. It is installed behind libvel.so.1 as long as it lives.
+/// The host that the plug-in sees: stores its registration, gives it the devices of the plant and
+/// forwards its log entries. It is installed as the backend of libvel.so.1 for its lifetime.
 class Host : public HostBackend
 {
 public:
-    /// `log` is called for each entry, from the plug-in's own call. With a redirection the plug-in
-    /// gets what that makes of the plant's devices.
+    /// `log` is called for each entry, during the plug-in's own call. `redirection` is applied to
+    /// each device that the plug-in gets.
     Host(Plant plant, std::function<void(const LogEntry &)> log, Redirection redirection = {});
 
-    /// What the plug-in declared; nothing before it registered.
+    /// What the plug-in declared; nothing before it has registered.
     const std::optional<PluginRegistration> &registration() const { return m_registration; }
 
-    /// Log entries of level error so far.
+    /// The number of log entries of level error so far.
     int errorCount() const { return m_errorCount; }
 
     /// The text of the latest of them.
     const QString &lastError() const { return m_lastError; }
 
     void registerPlugin(const PluginRegistration &registration) override;
-    /// The plant's devices; empty when a parameter does not resolve, because no connection must be
-    /// opened with parameters that nobody meant.
+    /// The devices of the plant. Empty when a parameter does not resolve: the plug-in must not
+    /// connect with wrong parameters.
     QList<DeviceInstancePlugin> devices() override;
     QList<NetworkInterfaceInstance> networkInterfaces() override;
     void logDebug(const QString &message) override;

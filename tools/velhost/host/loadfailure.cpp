@@ -33,7 +33,7 @@ std::optional<LoadFailure> headerFailure(const QFileInfo &file)
     return {};
 }
 
-/// The rule for the version is Qt's own.
+/// Qt itself loads plug-ins of the same major and the same or an older minor version.
 std::optional<LoadFailure> metadataFailure(const QJsonObject &metadata)
 {
     if (metadata.isEmpty())
@@ -50,14 +50,14 @@ std::optional<LoadFailure> metadataFailure(const QJsonObject &metadata)
                        QStringLiteral("build it with the Qt of this machine")};
 }
 
-/// What the system's loader says of a library with everything in its place.
+/// Explains the text of the system's loader for a complete library of the right kind.
 LoadFailure linkFailure(const QString &loaderText)
 {
     static const QRegularExpression missingSymbol(
         QStringLiteral(": undefined symbol: ([^\\s,)]+)"));
     static const QRegularExpression missingVersion(
         QStringLiteral("\\(([^\\s(]+): version `([^']+)' not found"));
-    // A library that is looked for in the system's folders is named without one.
+    // The loader names a library without a folder when it has searched for it.
     static const QRegularExpression missingLibrary(
         QStringLiteral("\\(([^/\\s(]+): cannot open shared object file"));
     if (const auto match = missingSymbol.match(loaderText); match.hasMatch())
@@ -87,7 +87,7 @@ std::optional<LoadFailure> pathFailure(const QFileInfo &file)
     if (file.isDir())
         return LoadFailure{QStringLiteral("it is a folder"),
                            QStringLiteral("name the plug-in's file in it")};
-    // A pipe must not be opened, as that would wait for its other end.
+    // To open a pipe would wait for its other end.
     if (!file.isFile())
         return LoadFailure{QStringLiteral("it is a pipe or a device and no file"),
                            QStringLiteral("name the plug-in's file")};

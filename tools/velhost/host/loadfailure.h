@@ -13,10 +13,10 @@ struct LoadFailure
     QString remedy;
 };
 
-/// What keeps the path from naming a file that can be read; nothing when it does.
+/// Why the path is no readable file; nothing when it is one.
 std::optional<LoadFailure> pathFailure(const QFileInfo &file);
 
-/// Why the loader refused the file, which can be read: by its first bytes, by its metadata, and
-/// where both are well by what the loader's text means. That text must be English, see main().
+/// Why the loader refused a readable file: found in its header, else in its metadata, else in the
+/// text of the loader. That text must be English, see main().
 LoadFailure loaderFailure(const QFileInfo &file, const QJsonObject &metadata,
                           const QString &loaderText);

@@ -10,8 +10,7 @@
 
 namespace {
 
-/// Nothing for a file with the host's identifier; also for one without any, which the loader
-/// refuses.
+/// Returns nothing for a file without metadata: the loader refuses that one itself.
 std::optional<LoadFailure> identifierFailure(const QJsonObject &metadata)
 {
     const QString identifier = metadata.value(u"IID").toString();
@@ -29,7 +28,7 @@ LoadFailure classFailure(const QString &className)
             QStringLiteral("derive it from VELInterface and name that in Q_INTERFACES")};
 }
 
-/// Says it in a line; what the loader said itself, if it was asked, stands in another.
+/// Adds the failure as a line and the text of the loader, if there is one, as another line.
 void addFailure(const QString &fileName, const LoadFailure &failure, const QString &loaderText,
                 QStringList *errors)
 {
@@ -53,7 +52,7 @@ std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *err
         addFailure(fileName, *failure, {}, errors);
         return {};
     }
-    // Not before here does any of the plug-in's code run.
+    // This is the first call that runs code of the plug-in.
     QObject *const instance = loader.instance();
     if (instance == nullptr) {
         addFailure(fileName, loaderFailure(file, metadata, loader.errorString()),

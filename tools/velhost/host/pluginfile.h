@@ -7,7 +7,7 @@
 
 #include <optional>
 
-/// A plug-in that is loaded and stays so until the program ends.
+/// A loaded plug-in. It is never unloaded.
 struct LoadedPlugin
 {
     QString fileName;
@@ -16,13 +16,12 @@ struct LoadedPlugin
     VELInterface *plugin = nullptr;
 };
 
-/// Loads the plug-in and takes its instance; nothing of it is called yet. Returns nothing when that
-/// fails; `errors` then has a line with the fault and its remedy and, where the loader was asked,
-/// one with the loader's own text.
+/// Loads the plug-in and creates its instance, but calls none of its operations. Returns nothing
+/// when that fails; `errors` then has a line with the fault and its remedy and, if the loader
+/// failed, one with its text.
 std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *errors);
 
-/// Loads libkeyence.so from `programFolder`, else from ../lib relative to it, else from where the
-/// build installs it, else from Qt's plug-in folders. The first that is there counts, even when it
-/// does not load. Errors as with loadPlugin(); when there is none, `errors` says where it was
-/// looked for.
+/// Loads the first libkeyence.so that exists: in `programFolder`, in ../lib relative to it, in the
+/// folder where the build installs it, in Qt's plug-in folders. Errors as with loadPlugin(); when
+/// no file exists, `errors` names the places.
 std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStringList *errors);

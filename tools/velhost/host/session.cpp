@@ -8,7 +8,7 @@
 
 namespace {
 
-/// What comes between init() and stopPlugin().
+/// The part of a session between init() and stopPlugin().
 ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, const Host &host,
                         bool initDone, LogOutput *log,
                         const std::function<ExitCode(const Session &)> &work)

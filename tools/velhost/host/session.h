@@ -15,32 +15,32 @@
 
 #include <functional>
 
-/// What a session is made of.
+/// The input of a session.
 struct SessionSetup
 {
     /// Empty: the default plug-in.
     QString pluginFile;
     OutputFormat format = OutputFormat::Table;
     Plant plant;
-    /// Names the plant in messages.
+    /// The name of the plant in messages.
     QString plantFile;
-    /// As with Host.
+    /// See Host.
     Redirection redirection = {};
 };
 
-/// A plug-in between its init() and its stopPlugin(), and the host that it sees.
+/// A plug-in between its init() and its stopPlugin(), and its host.
 struct Session
 {
     const LoadedPlugin &loaded;
     const Host &host;
     const PluginRegistration &registration;
-    /// The plant's own records, without a redirection.
+    /// The records of the plant, not redirected.
     QList<DeviceInstancePlugin> devices;
     LogOutput *log;
 };
 
-/// Loads the plug-in, lets it initialise, does the work and stops it. What keeps the work from
-/// being done stands on standard error: NotLoaded for the plug-in, WrongUsage for parameters of the
-/// plant that it does not declare. ErrorFound when only the stop failed.
+/// Loads the plug-in, calls init(), `work` and stopPlugin(), and returns the result of `work`. When
+/// `work` cannot be called, prints the reason and returns NotLoaded for a fault of the plug-in,
+/// WrongUsage for wrong parameters of the plant. ErrorFound when only stopPlugin() failed.
 ExitCode runSession(const SessionSetup &setup,
                     const std::function<ExitCode(const Session &)> &work);

@@ -29,7 +29,7 @@ StopSignals::StopSignals()
 
 StopSignals::~StopSignals()
 {
-    // One that came after the last look must not end the program before the plug-in is stopped.
+    // A pending signal would end the program here, before the plug-in is stopped.
     while (wait(0) != 0) {
     }
     pthread_sigmask(SIG_SETMASK, &m_maskBefore, nullptr);

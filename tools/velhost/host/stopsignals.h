@@ -6,27 +6,26 @@
 
 #include <csignal>
 
-/// Whether the program was started to ignore the signal, or does so by now.
+/// Whether the program ignores the signal, for example because it was started so.
 bool isIgnored(int signal);
 
-/// How the program ends when one of StopSignals' signals has ended its work.
+/// The exit code after SIGINT or SIGTERM.
 ExitCode exitCodeOf(int signal);
 
-/// Keeps SIGINT and SIGTERM back from this thread and from those that it starts: the system holds
-/// one that arrives until the program asks for it. So no handler interrupts the plug-in's own
-/// waits, and nothing but an ordinary function decides what a signal does. A signal that the
-/// program was started to ignore stays ignored.
+/// Blocks SIGINT and SIGTERM in this thread and in those that it starts. A signal stays pending
+/// until wait() returns it, so no signal interrupts the plug-in's own waits, and no handler is
+/// needed. A signal that the program was started to ignore stays ignored.
 class StopSignals
 {
 public:
     StopSignals();
-    /// Lets them through again; one that was not asked for is forgotten.
+    /// Unblocks the signals; discards a pending one.
     ~StopSignals();
     StopSignals(const StopSignals &) = delete;
     StopSignals &operator=(const StopSignals &) = delete;
 
-    /// Waits until one of them arrives, `milliseconds` at most; 0 or less only looks. Returns its
-    /// number, or 0 when none came. Each signal is returned once.
+    /// Waits at most `milliseconds` for a signal; 0 or less does not wait. Returns its number, or 0
+    /// when none came. Each signal is returned once.
     int wait(qint64 milliseconds);
 
 private:

@@ -8,27 +8,27 @@
 
 #include <optional>
 
-/// What serving one item sends.
+/// What the plug-in sends for one item.
 struct PlannedItem
 {
     QString device;
     QString item;
     bool isWrite = false;
-    /// The command lines, each with its carriage return; none when the item is never sent.
+    /// The command lines, each with its carriage return; empty when nothing is sent.
     QList<QByteArray> lines;
     /// Empty: no error.
     QString error;
 };
 
-/// What one read cycle of a device costs.
+/// The exchanges and times of one read cycle of a device.
 struct DeviceBudget
 {
     QString device;
     int exchanges = 0;
-    /// The device's time-out in milliseconds; nothing when its parameter "timeout" is no whole
-    /// number above 1, whose meaning only the plug-in knows.
+    /// The device's time-out in milliseconds. Nothing when its parameter "timeout" is no whole
+    /// number above 1: only the plug-in knows what it makes of that.
     std::optional<int> timeoutMs;
-    /// Why the device is never served; empty: no error.
+    /// Why the plug-in never serves the device; empty: no error.
     QString error;
 };
 
@@ -38,6 +38,6 @@ struct Plan
     QList<DeviceBudget> budgets;
 };
 
-/// The items with their command lines, then the budget of each device, every exchange taken to last
-/// `rttMs` milliseconds at best and the device's time-out at worst. As table or JSON.
+/// The items with their command lines, then the budget of each device, as table or JSON. An
+/// exchange takes `rttMs` milliseconds at best and the device's time-out at worst.
 QString planText(OutputFormat format, const Plan &plan, int rttMs);

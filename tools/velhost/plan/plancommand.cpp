@@ -17,8 +17,8 @@ constexpr int defaultRttMs = 1;
 const QString rttOption = QStringLiteral("rtt");
 const QString writeOption = QStringLiteral("write");
 
-/// Why the device can never be served; empty when it can. The plug-in judges first, by a list
-/// without items.
+/// Why the plug-in never serves the device; empty when it can. The plug-in itself is asked first,
+/// with a list without items.
 QString refusal(VELInterface *plugin, const DeviceInstancePlugin &device, quint16 recorderPort)
 {
     LogList list{redirectedWhereValid(device, recorderPort), {}};

@@ -2,6 +2,7 @@
 
 #include "cli/command.h"
 
-/// `plan` lets the plug-in read every item and write the assignments against a recorder, and prints
-/// what it sent and what a read cycle costs. ErrorFound when an item or a device has an error.
+/// `plan` lets the plug-in read every item and write the assignments with a recorder as the
+/// controller. It prints what the plug-in sent and how long a read cycle takes. ErrorFound when an
+/// item or a device has an error.
 Command planCommand();

@@ -7,7 +7,7 @@
 
 namespace {
 
-// A plug-in that sends an endless line is cut off.
+// The connection of a plug-in that sends a longer line is closed.
 constexpr qint64 maximumLine = 65'536;
 // More than any controller gives in one answer.
 constexpr int maximumWords = 65536;

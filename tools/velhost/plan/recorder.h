@@ -8,9 +8,9 @@
 
 class QTcpSocket;
 
-/// A controller that remembers what it was asked: a TCP server on a free port of 127.0.0.1 in a
-/// thread of its own, because the plug-in blocks the program's. It answers a read with as many
-/// words of zero as were asked for, and everything else with OK.
+/// A controller that records the commands: a TCP server on a free port of 127.0.0.1. It has its own
+/// thread, because the plug-in blocks the main thread. It answers a read with zeros and every other
+/// command with OK.
 class Recorder final : public QThread
 {
     Q_OBJECT
@@ -21,11 +21,11 @@ public:
     Recorder(const Recorder &) = delete;
     Recorder &operator=(const Recorder &) = delete;
 
-    /// The port in use; 0 when it cannot listen.
+    /// The port; 0 when it cannot listen.
     quint16 port() const { return m_port; }
 
-    /// The command lines since the last call, each with its carriage return. A line is among them
-    /// before its answer is sent.
+    /// The command lines since the last call, each with its carriage return. A line is recorded
+    /// before it is answered.
     QList<QByteArray> takeLines();
 
 protected:

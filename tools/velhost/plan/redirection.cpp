@@ -15,7 +15,7 @@ DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port)
 {
     device.ipAddress = QStringLiteral("127.0.0.1");
     device.parameters.insert(portKey, QString::number(port));
-    // A time-out of a few milliseconds must not make an error that has nothing to do with the plan.
+    // With a time-out of a few milliseconds the recorder itself could be too slow.
     if (device.parameters.contains(timeoutKey))
         device.parameters.insert(timeoutKey, QStringLiteral("10000"));
     return device;

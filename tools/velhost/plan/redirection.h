@@ -2,10 +2,10 @@
 
 #include <vel/records.h>
 
-/// The device at that port of 127.0.0.1, its time-out, if it has one, 10 seconds.
+/// The device with the address 127.0.0.1 and that port. Its time-out, if it has one, becomes 10
+/// seconds.
 DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port);
 
-/// The device as the plug-in may judge its address and port without a connection to either: the
-/// original address where it is not four numbers from 0 to 255, the original port where it holds no
-/// digit, and those of redirected() otherwise.
+/// As redirected(), but keeps an address that is not four numbers from 0 to 255 and a port that
+/// holds no digit. So the plug-in can refuse these without any connection to the plant.
 DeviceInstancePlugin redirectedWhereValid(const DeviceInstancePlugin &device, quint16 port);

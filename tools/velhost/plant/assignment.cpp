@@ -2,7 +2,7 @@
 
 namespace {
 
-/// Why no item fits, from the first thing that is wrong.
+/// Why no item matches: the device, the item or the value is missing.
 QString noMatchError(const QString &argument, const Plant &plant)
 {
     QStringList deviceNames;

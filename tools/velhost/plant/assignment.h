@@ -6,7 +6,7 @@
 
 #include <optional>
 
-/// One value to write: indexes into the plant's devices and the device's items, and the value.
+/// One value to write. `device` and `item` are indexes in the plant.
 struct Assignment
 {
     int device = 0;
@@ -14,8 +14,8 @@ struct Assignment
     QString value;
 };
 
-/// Reads DEVICE/ITEM=VALUE. Any of the three may contain "/" and "=": of all devices and items that
-/// fit, the longest DEVICE/ITEM counts. Returns nothing when none fits or two of the same length
-/// do; `error` then says what to change.
+/// Reads DEVICE/ITEM=VALUE. Any of the three may contain "/" and "=": of all matching items the one
+/// with the longest DEVICE/ITEM is taken. Returns nothing when none matches or two of the same
+/// length do; `error` then says what to change.
 std::optional<Assignment> parseAssignment(const QString &argument, const Plant &plant,
                                           QString *error);

@@ -8,14 +8,14 @@
 #include <QMap>
 #include <QString>
 
-/// Turns parameters of the plant file into those of a record. A column that the file leaves out
-/// gives its default, `null` leaves it out of the record. In a column with a selection a text
-/// counts first as one of its values, then as one of its display texts. Entries whose text begins
-/// with "__vel_" are flags of the host and no choices; free text is taken where a column has no
-/// choices or carries the flag "__vel_discovery_editable".
+/// Converts parameters of the plant file to those of a record. A column that the file does not have
+/// gets its default; one that is `null` in the file is left out of the record. In a column with a
+/// selection a text is compared with the values, then with the display texts. Selection entries
+/// whose text begins with "__vel_" are flags of the host, not choices. Free text is accepted if a
+/// column has no choices or has the flag "__vel_discovery_editable".
 ///
-/// Adds to `errors` each parameter without a column and each text that is not offered, with its
-/// place below `place`. `scope` names the columns: "device" or "item".
+/// Adds an error for each parameter without a column and each text that is not offered, with its
+/// place below `place`. `scope` is "device" or "item".
 QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
                                          const QList<DatabaseColumnStructure> &columns,
                                          const QString &scope, const QString &place,

@@ -9,9 +9,8 @@
 
 #include <limits>
 
-// Every function that takes a `place` adds its faults to `errors` under that place and goes on with
-// an empty value: one run finds all faults of a file. The caller throws the plant away when there
-// is one.
+// A function that takes a `place` adds what is wrong there to `errors` and returns an empty value,
+// so that one run finds all errors of a file. With any error the caller must not use the plant.
 
 namespace {
 
@@ -139,7 +138,7 @@ Plant readPlant(const QJsonValue &root, QList<Problem> *errors)
             readDevices(object.value(devices), devices, errors)};
 }
 
-/// The plant as far as it can be understood; nothing when the text is no JSON.
+/// The plant with its wrong parts empty; nothing when the text is no JSON.
 std::optional<Plant> parseDraft(const QByteArray &json, QList<Problem> *problems)
 {
     const std::optional<QJsonValue> root = parseJson(json, problems);

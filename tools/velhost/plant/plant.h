@@ -10,8 +10,8 @@
 
 #include <optional>
 
-/// Parameters as they stand in the plant file, by column name: the text given, or nothing where the
-/// file says `null` so that the record goes without.
+/// Parameters of the plant file by column name: the text, or nothing for `null`, which leaves the
+/// parameter out of the record.
 using ParameterTexts = QMap<QString, std::optional<QString>>;
 
 /// One item of a device.
@@ -20,7 +20,7 @@ struct PlantItem
     /// Not empty and unique within the device.
     QString name;
     ParameterTexts parameters;
-    /// The value that the item should have; nothing when none is known.
+    /// The expected value of the item; nothing when the file has none.
     std::optional<QString> expect = {};
 };
 
@@ -36,22 +36,22 @@ struct PlantDevice
     QList<PlantItem> items;
 };
 
-/// What a plant file describes.
+/// The content of a plant file.
 struct Plant
 {
     QStringList networkInterfaces;
     QList<PlantDevice> devices;
 };
 
-/// Reads a plant from JSON. When anything is wrong with it, returns nothing and adds one line to
-/// `errors` for each fault, beginning with `fileName` and the place in it. Whether the plug-in has
-/// the parameters is not judged here.
+/// Reads a plant from JSON. When anything is wrong, returns nothing and adds a line to `errors` for
+/// each error, which begins with `fileName` and the place. The parameters are not compared with the
+/// plug-in's columns here.
 std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
                                 QStringList *errors);
 
-/// Reads a plant file of at most 16 MiB as far as it can be understood: what has a fault, whose
-/// problem is then in `problems`, is empty. Returns nothing when the file cannot be read or is no
-/// JSON; `problems` has that reason alone.
+/// Reads a plant file of at most 16 MiB, even one with errors: adds them to `problems` and leaves
+/// the wrong parts empty. Returns nothing when the file cannot be read or is no JSON; `problems`
+/// then has that reason only.
 std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems);
 
 /// Reads a plant file of at most 16 MiB; errors as with parsePlant().

@@ -11,12 +11,12 @@
 
 namespace {
 
-/// What a parameter's text must be, where the plug-in declares that parameter.
+// The rule for the text of a parameter, if the plug-in declares that parameter.
 struct Rule
 {
     QString name;
     bool (*isRight)(const QString &text);
-    /// What a wrong text is not, and what to write instead.
+    /// The end of the message: what a wrong text is not, and what to write instead.
     QString meaning;
 };
 
@@ -39,8 +39,7 @@ const QList<Rule> &itemRules()
     return rules;
 }
 
-/// The problems, those that were found before among them. A place with one of these is not looked
-/// at again.
+/// All problems, and the places of those that were found before, which are not checked again.
 struct Review
 {
     QList<Problem> problems;
@@ -104,7 +103,7 @@ QList<Problem> plantProblems(const Plant &draft, const PluginRegistration &regis
     Review review = reviewFrom(problems);
     for (int i = 0; i < devices.size(); ++i) {
         const QString place = QStringLiteral("devices[%1]").arg(i);
-        // What is no object has nothing to be looked at.
+        // A device that is no object in the file is not checked further.
         if (!review.faultyPlaces.contains(place))
             checkDevice(devices.at(i), registration, place, &review);
     }

@@ -6,8 +6,8 @@
 
 #include <QList>
 
-/// Everything that is wrong with the plant, of which as much is here as can be understood, judged
-/// by what the plug-in declares and by what an address, a port and a time-out can be. `found` has
-/// the problems of reading it: they come first, and their places are not looked at again.
+/// Everything that is wrong with the plant. Checks it against the columns of the plug-in and the
+/// rules for addresses, ports and time-outs. `found` has the problems of reading the file: they
+/// come first, and their places are not checked again.
 QList<Problem> plantProblems(const Plant &draft, const PluginRegistration &registration,
                              const QList<Problem> &found);

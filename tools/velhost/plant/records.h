@@ -7,7 +7,7 @@
 
 #include <QList>
 
-/// The plant's devices as records, their parameters resolved against the registered columns. Adds
-/// to `errors` what does not resolve, by its place in the plant file.
+/// The plant's devices as records, their parameters resolved with the registered columns. Adds an
+/// error with its place in the plant file for each parameter that does not resolve.
 QList<DeviceInstancePlugin>
 deviceRecords(const Plant &plant, const PluginRegistration &registration, QList<Problem> *errors);

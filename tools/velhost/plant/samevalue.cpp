@@ -9,17 +9,17 @@ namespace {
 
 using Column = DatabaseColumnStructure;
 
-/// What a display text must begin with.
+/// The beginnings of the display texts of these types.
 const QString hexadecimalText = QStringLiteral("Hexadecimal");
 const QString asciiText = QStringLiteral("ASCII");
 
 constexpr int minimumDigits = 5;
-/// A value in the middle between two read-backs may have moved by this share when it was stored: as
-/// a 32-bit float, which reads back with few digits, or as a 64-bit one.
+/// The relative rounding error of the storage: a 32-bit float, which reads back with few digits, or
+/// a 64-bit one. It matters for a value in the middle between two texts.
 constexpr double floatError = 6e-8;
 constexpr double doubleError = 1e-15;
 
-/// A number taken apart by its text.
+/// The parts of a number's text.
 struct Number
 {
     bool isValid = false;
@@ -40,7 +40,7 @@ QString withoutLeadingZeros(const QString &digits)
 
 Number parseNumber(const QString &text)
 {
-    // An exponent has its sign here, as programs print it: 1E5 may be hexadecimal.
+    // The exponent must have a sign, as programs print it: 1E5 may be hexadecimal.
     static const QRegularExpression form(
         QStringLiteral("\\A(-?)([0-9]+)(?:\\.([0-9]+))?([eE][+-][0-9]{1,3})?\\z"));
     const QRegularExpressionMatch match = form.match(text);

@@ -8,21 +8,22 @@
 
 /// How two texts of an item are compared.
 enum class ValueKind {
-    Number,      ///< as numbers where both are plain ones
-    Hexadecimal, ///< as hexadecimal numbers where both are
+    Number,      ///< as numbers if both are decimal numbers
+    Hexadecimal, ///< as hexadecimal numbers if both are
     Text         ///< character by character
 };
 
-/// The kind of an item's value. A host knows no types, but it has the display texts that the
-/// plug-in declares: an item for which one that begins with "Hexadecimal" or "ASCII" is chosen is
-/// of that kind, every other one is a number.
+/// The kind of an item's value. A host does not know the types, but it has the display texts that
+/// the plug-in declares. A chosen text that begins with "Hexadecimal" or "ASCII" gives the kind;
+/// every other item is a number.
 ValueKind valueKind(const QMap<QString, QString> &parameters,
                     const QList<DatabaseColumnStructure> &columns);
 
 /// Whether the value that was read back is the one that was written.
 ///
-/// Equal texts always are. Whole numbers are equal without their leading zeros, however long. A
-/// number with a point or an exponent on either side may differ by the rounding of the read-back:
-/// half a unit of its last digit, counting five significant digits at least because a read-back
-/// loses its trailing zeros. Hexadecimal numbers are equal without leading zeros, in either case.
+/// Equal texts are the same value. Whole numbers of any length are compared without leading zeros.
+/// When either text has a point or an exponent, the numbers may differ by the rounding of the
+/// read-back: half a unit of its last digit. At least five significant digits are counted, because
+/// a read-back has no trailing zeros. Hexadecimal numbers are compared without leading zeros and
+/// without case.
 bool sameValue(const QString &written, const QString &readBack, ValueKind kind);

@@ -35,8 +35,8 @@ ExitCode run(const QStringList &arguments)
     return request->command->run(request->arguments);
 }
 
-/// The arguments read as UTF-8, whatever the locale: a value must reach the controller as it was
-/// typed or not at all. Returns nothing when one is not UTF-8.
+/// The arguments as UTF-8 in every locale: a value must not reach the controller changed. Returns
+/// nothing when one is not UTF-8.
 std::optional<QStringList> utf8Arguments(int count, char *const *values)
 {
     QStringList arguments;
@@ -55,8 +55,8 @@ int main(int argc, char *argv[])
 {
     const std::optional<QStringList> arguments = utf8Arguments(argc, argv);
     QCoreApplication application(argc, argv);
-    // The system's texts are shown among English ones, and the loader's are explained by their
-    // words.
+    // The messages of the system must be English: they are shown among English ones, and
+    // loadfailure.cpp looks for their words.
     std::setlocale(LC_MESSAGES, "C");
     QCoreApplication::setApplicationName(QStringLiteral("velhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELHOST_VERSION));

@@ -17,7 +17,7 @@ qint64 Latencies::percentile(int percent) const
 {
     if (m_count == 0)
         return 0;
-    // Rounded up without a product that could overflow.
+    // Rounded up; the obvious product could overflow.
     const qint64 wanted = m_count / 100 * percent + (m_count % 100 * percent + 99) / 100;
     int bucket = 0;
     qint64 counted = m_buckets.front();
@@ -26,8 +26,8 @@ qint64 Latencies::percentile(int percent) const
     return qBound(m_shortest, middleOf(bucket), m_longest);
 }
 
-/// The first buckets are one microsecond wide; then each doubling of the time has as many buckets
-/// as there were below it, each twice as wide as before.
+/// The first 128 buckets are one microsecond wide. After them each doubling of the time has 64
+/// buckets, each twice as wide as those before.
 int Latencies::bucketOf(qint64 microseconds)
 {
     const qint64 time = std::min(microseconds, (Q_INT64_C(1) << maximumBits) - 1);

@@ -4,28 +4,28 @@
 
 #include <array>
 
-/// How long calls took, in memory that does not grow with their number: each is counted in a bucket
-/// that is at most a 64th of its lower end wide. So a percentile is right within 0.8 percent, and
-/// exact below 128 microseconds; the longest is always exact.
+/// A histogram of durations, whose memory does not grow with their number. The width of a bucket is
+/// at most a 64th of its lower end. So a percentile is right within 0.8 percent, and exact below
+/// 128 microseconds. The longest duration is always exact.
 class Latencies
 {
 public:
-    /// Counts one call; less than 0 counts as 0.
+    /// Adds a call; a negative time counts as 0.
     void add(qint64 microseconds);
 
-    /// Calls so far.
+    /// The number of calls.
     qint64 count() const { return m_count; }
 
-    /// The longest so far in microseconds, 0 without any.
+    /// The longest call in microseconds; 0 without any.
     qint64 longest() const { return m_longest; }
 
-    /// The shortest time in microseconds within which `percent` (1 to 100) of the calls were done;
-    /// 0 without any.
+    /// The time in microseconds within which `percent` (1 to 100) of the calls returned; 0 without
+    /// any.
     qint64 percentile(int percent) const;
 
 private:
     static constexpr int bucketBits = 6;
-    /// What lasts longer, some 50 days, is counted in the last bucket.
+    /// Longer calls, of about 50 days, are counted in the last bucket.
     static constexpr int maximumBits = 42;
     static constexpr int bucketCount = (maximumBits - bucketBits + 1) << bucketBits;
 

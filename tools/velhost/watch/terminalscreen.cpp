@@ -15,20 +15,20 @@
 
 namespace {
 
-// The second screen, without cursor.
+// Switches to the alternate screen and hides the cursor.
 constexpr std::string_view enterSequence = "\x1b[?1049h\x1b[?25l";
-// Without colour, lines that wrap, the cursor and the first screen.
+// Resets the colour, switches line wrapping and the cursor on, and returns to the normal screen.
 constexpr std::string_view leaveSequence = "\x1b[0m\x1b[?7h\x1b[?25h\x1b[?1049l";
 
 constexpr std::array<int, 8> caughtSignals{SIGHUP, SIGQUIT, SIGTSTP, SIGABRT,
                                            SIGBUS, SIGFPE,  SIGILL,  SIGSEGV};
 
-/// Whether the terminal shows the second screen. A stop gives it back behind the program's back.
+/// Whether the terminal shows the alternate screen. Changed by the signal handler, too.
 volatile sig_atomic_t isEntered = 0;
 
 void catchSignal(int signal);
 
-/// The action is the system's own again as soon as the signal is caught.
+/// The handler is removed as soon as the signal is caught.
 void install(int signal, void (*handler)(int))
 {
     struct sigaction action = {};
@@ -37,13 +37,13 @@ void install(int signal, void (*handler)(int))
     sigaction(signal, &action, nullptr);
 }
 
-/// Writes past the stream, whose state nobody knows in the middle of a signal.
+/// Called by the signal handler, so it must not use the stdout stream.
 void leave()
 {
     if (isEntered == 0)
         return;
     isEntered = 0;
-    // A terminal that is gone needs nothing back.
+    // An error is ignored: the terminal has gone.
     if (::write(STDOUT_FILENO, leaveSequence.data(), leaveSequence.size()) < 0)
         return;
 }
@@ -53,7 +53,8 @@ void catchSignal(int signal)
     const int errorBefore = errno;
     leave();
     ::raise(signal);
-    // Only after a stop: the program goes on, and the next drawing takes the screen again.
+    // Reached only when a stopped program continues. The next draw() switches to the alternate
+    // screen again.
     install(signal, catchSignal);
     errno = errorBefore;
 }
@@ -99,8 +100,8 @@ void TerminalScreen::draw(const QString &lines)
         isEntered = 1;
         sequence = QLatin1String(enterSequence.data(), static_cast<int>(enterSequence.size()));
     }
-    // From the top, without wrapping; each line wipes what is behind it, the last one what is
-    // below.
+    // Starts at the top, without line wrapping. Each line clears the rest of its line, the last one
+    // the rest of the screen.
     sequence += QLatin1String("\x1b[H\x1b[?7l")
                 + QString(lines).replace(u'\n', QLatin1String("\x1b[K\n"))
                 + QLatin1String("\x1b[J\x1b[?7h");

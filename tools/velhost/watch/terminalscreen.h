@@ -2,20 +2,20 @@
 
 #include <QString>
 
-/// How much a terminal shows.
+/// The size of a terminal in characters.
 struct ScreenSize
 {
     int columns = 80;
     int rows = 24;
 };
 
-/// The terminal behind standard output as a screen that is drawn again and again. It has the
-/// terminal's second screen for itself, so that what stood there before comes back, and is the only
-/// one of its kind. A signal that ends or stops the program gives the terminal back first.
+/// Draws on the terminal of standard output. Uses the alternate screen, so that the earlier content
+/// comes back at the end. There must be only one object at a time. A signal that ends or stops the
+/// program restores the terminal first.
 class TerminalScreen
 {
 public:
-    /// Whether standard output is a terminal that knows how to be drawn on.
+    /// Whether standard output is a terminal with escape sequences.
     static bool isUsable();
 
     TerminalScreen();
@@ -23,11 +23,11 @@ public:
     TerminalScreen(const TerminalScreen &) = delete;
     TerminalScreen &operator=(const TerminalScreen &) = delete;
 
-    /// As the terminal is now, without its last column: to wipe what is behind a line would take a
-    /// character there, too. 80 by 24 when the terminal does not tell.
+    /// The current size without the last column: clearing the rest of a full line would remove its
+    /// last character. 80 by 24 when the size is unknown.
     static ScreenSize size();
 
-    /// Shows these lines, separated by line feeds, from the top, and nothing else. They must fit,
-    /// and hold no control characters but those that set the colour.
+    /// Shows only these lines, separated by line feeds, from the top. They must fit into the size
+    /// and have no control characters but colour sequences.
     void draw(const QString &lines);
 };

@@ -20,7 +20,7 @@ namespace {
 constexpr int maximumForSeconds = 1'000'000'000;
 const QString forOption = QStringLiteral("for");
 
-/// What is printed where there is no view. Only people get lines of changes.
+/// What is printed without a view. Lines of changes are for the table format only.
 CyclePrinter::Content printedContent(const Arguments &arguments)
 {
     if (arguments.format == OutputFormat::Table)
@@ -36,7 +36,7 @@ bool isFaultless(const DeviceReport &device)
                            [](const ItemReport &item) { return item.expected.has_value(); });
 }
 
-/// The watch of one plant: its view is the terminal, or else the printer.
+/// Watches one plant. Has either a view on the terminal or a printer.
 class Watch
 {
 public:
@@ -54,8 +54,8 @@ public:
                                                        session.devices);
     }
 
-    /// Until a signal comes, whose number it returns, or the time is over, then 0. Standard output
-    /// that cannot be written ends it, too: nobody would see what comes.
+    /// Runs until a signal comes, whose number it returns, or until the time is over, then 0. An
+    /// error of standard output ends it, too: nobody would see the output.
     int run(StopSignals *stopSignals)
     {
         const qint64 endMs = qint64(1000) * m_arguments.number(forOption, 0);
@@ -70,7 +70,7 @@ public:
         }
     }
 
-    /// Ends the view and prints the summary.
+    /// Closes the view and prints the summary.
     void finish()
     {
         m_view.reset();

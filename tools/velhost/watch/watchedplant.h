@@ -17,17 +17,18 @@
 /// One item since the watch began.
 struct WatchedItem
 {
-    /// What its value should be, compared as this kind of value.
+    /// The expected value, and how it is compared.
     std::optional<QString> expect;
     ValueKind kind = ValueKind::Number;
-    /// As the last read left it.
+    /// The result of the last read.
     ItemReport last;
-    /// The value that came last without an error, and when, in milliseconds of the watch's clock.
+    /// The last value that was read without an error, and the time of that read in milliseconds of
+    /// the watch's clock.
     std::optional<QString> value;
     qint64 valueMs = 0;
-    /// How often a value came that was another than the one before.
+    /// How often the value changed.
     qint64 changes = 0;
-    /// Reads, those that gave no value, and those whose value was not the expected one.
+    /// The number of reads, of failed reads and of unexpected values.
     qint64 reads = 0;
     qint64 errors = 0;
     qint64 wrong = 0;
@@ -42,15 +43,15 @@ struct WatchedDevice
     QString name;
     /// Its own error in the last cycle; empty for none.
     QString error;
-    /// When the last call returned.
+    /// When the last read returned.
     QDateTime time;
-    /// When a call last ended without an error of the device, as WatchedItem::valueMs.
+    /// When the device was last read without an error of its own, as WatchedItem::valueMs.
     std::optional<qint64> lastGoodMs;
-    /// Calls that ended with an error of the device.
+    /// The number of reads with an error of the device.
     qint64 failedCycles = 0;
     /// The cycle in which the error last changed; 0 for never.
     qint64 errorCycle = 0;
-    /// What each call took; there are as many as calls.
+    /// The durations of all reads.
     Latencies latencies;
     std::vector<WatchedItem> items;
 };
@@ -60,6 +61,6 @@ std::vector<WatchedDevice> watchedDevices(const Plant &plant,
                                           const QList<DeviceInstancePlugin> &records,
                                           const QList<DatabaseColumnStructure> &itemColumns);
 
-/// Takes what a cycle brought for this device, at `nowMs` of the watch's clock. Fills in which of
-/// the report's values are not the expected ones.
+/// Adds the report of a cycle, at `nowMs` of the watch's clock, to the device. Sets `expected` in
+/// the report for each unexpected value.
 void addReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device);

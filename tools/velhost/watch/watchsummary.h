@@ -7,5 +7,5 @@
 
 #include <vector>
 
-/// What the watch counted, a line for each device: one JSON object each, or a table with a header.
+/// The counts of the watch, a line for each device: JSON objects, or a table with a header.
 QString summaryText(OutputFormat format, const std::vector<WatchedDevice> &devices);

@@ -19,7 +19,7 @@ struct Cell
 {
     QString text;
     Style style = Style::Plain;
-    /// Whether it can stand out, so that a star must have its place.
+    /// Whether the cell can be marked as changed, so that it needs room for a star.
     bool canChange = false;
 };
 
@@ -29,7 +29,7 @@ constexpr int maximumLogLines = 3;
 // Device, item and value, whose texts may be of any length.
 constexpr int textColumns = 3;
 constexpr int minimumTextWidth = 8;
-// It takes what the other columns leave, as it is the longest.
+// The error is the longest text, so it gets the width that the other columns leave.
 constexpr int errorColumn = 4;
 constexpr int minimumErrorWidth = 20;
 constexpr int gap = 2;
@@ -109,7 +109,7 @@ QList<QStringList> textsOf(const QVector<Row> &rows)
     return texts;
 }
 
-/// Cuts the errors so that what stands behind them has its place, as far as possible.
+/// Cuts the errors so that the columns after them fit, if possible.
 QVector<int> fitErrors(QVector<Row> *rows, int columns)
 {
     QVector<int> widths = columnWidths(textsOf(*rows));
@@ -121,7 +121,7 @@ QVector<int> fitErrors(QVector<Row> *rows, int columns)
     return widths;
 }
 
-/// Cuts long texts and gives stars their place. Returns how wide each column is.
+/// Cuts long texts and adds the stars. Returns the width of each column.
 QVector<int> prepare(QVector<Row> *rows, ScreenSize size, Marking marking)
 {
     const int textWidth = std::max(size.columns / 4, minimumTextWidth);
@@ -165,7 +165,7 @@ bool hasProblem(const Row &row)
     return !row.at(errorColumn).text.trimmed().isEmpty();
 }
 
-/// How many of the rows behind the first `shown` are missing, and whether that hides a problem.
+/// How many rows after the first `shown` are hidden, and how many of them have an error.
 QString hiddenRowsText(const QVector<Row> &rows, int shown)
 {
     const auto problems = std::count_if(rows.begin() + shown, rows.end(), hasProblem);

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Faster than anybody can read; a terminal on a slow line must not delay the cycles.
+// Limits the output: a terminal on a slow line must not delay the cycles.
 constexpr qint64 minimumRedrawMs = 100;
 
 } // namespace

@@ -10,26 +10,26 @@
 #include <memory>
 #include <vector>
 
-/// Keeps a table of the plant up to date on the terminal, with the latest log entries below.
+/// Shows a table of the plant on the terminal, with the latest log entries below.
 class WatchView
 {
 public:
-    /// Both must outlive the view. `clock` is the watch's. The log's entries are kept from being
-    /// printed as long as the view lives, unless standard error is something else than a terminal.
+    /// All pointers must outlive the view. `clock` is the watch's. If standard error is a terminal,
+    /// the log is paused during the view's lifetime.
     WatchView(const std::vector<WatchedDevice> *devices, LogOutput *log,
               const QElapsedTimer *clock);
-    /// Gives the terminal back and prints the whole table there, and the latest log entries.
+    /// Restores the terminal and prints the whole table and the latest log entries there.
     ~WatchView();
     WatchView(const WatchView &) = delete;
     WatchView &operator=(const WatchView &) = delete;
 
-    /// Something was read in this cycle; it is drawn when it is time.
+    /// Tells the view that a device was read in this cycle, and draws if it is due.
     void update(qint64 cycle);
 
-    /// Draws when it is time: soon after something was read, or because the values have aged.
+    /// Draws if it is due: shortly after an update, else every second because of the ages.
     void drawWhenDue();
 
-    /// Milliseconds until it is time, 0 or more.
+    /// Milliseconds until drawing is due, 0 or more.
     qint64 dueInMs() const;
 
 private:
@@ -44,11 +44,11 @@ private:
     std::unique_ptr<TerminalScreen> m_screen;
     Marking m_marking;
     bool m_hasUpdate = false;
-    /// Nothing is drawn yet, so it is time.
+    /// The first drawing is due immediately.
     qint64 m_drawnMs = -maximumRedrawMs;
     qint64 m_cycle = 0;
-    /// The cycle drawn last, and the one before it that was drawn: what changed since stands out.
-    /// What comes with the first cycle is no change.
+    /// The last cycle that was drawn, and the one that was drawn before it: what has changed since
+    /// that one is marked. The values of the first cycle are no changes.
     qint64 m_drawnCycle = 1;
     qint64 m_sinceCycle = 1;
 };

@@ -8,10 +8,10 @@
 
 #include <optional>
 
-/// One item written between two reads.
+/// The result of writing one item between two reads.
 struct WriteReport
 {
-    /// When the value was read back, or when the attempt ended.
+    /// When the value was read back or the attempt failed.
     QDateTime time;
     QString device;
     QString item;
@@ -20,10 +20,10 @@ struct WriteReport
     QString newValue;
     /// The value after the write; nothing when it could not be read or nothing was written.
     std::optional<QString> readBack;
-    /// Empty only when the value was written and read back as it was written.
+    /// Empty if the value that was read back is the one that was written.
     QString error;
 };
 
-/// Reads the item, writes it and reads it back, each in a cycle of that item alone, so that an
-/// error is surely this item's. An item that cannot be read is not written.
+/// Reads the item, writes it and reads it back. Each is a cycle with that item only, so that an
+/// error belongs to this item. An item that cannot be read is not written.
 WriteReport writeVerified(const Session &session, const Assignment &assignment);

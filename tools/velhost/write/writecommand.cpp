@@ -15,8 +15,8 @@ namespace {
 const QString yesOption = QStringLiteral("yes");
 const QString noVerifyOption = QStringLiteral("no-verify");
 
-/// Why the assignments must be confirmed first; empty when all of them stay on this machine. What
-/// is not surely loopback counts as a controller on site.
+/// Why the assignments need --yes; empty when all devices are on this machine. Every address that
+/// is not loopback counts as a real controller.
 QString confirmationError(const Plant &plant, const QList<Assignment> &assignments)
 {
     QStringList targets;

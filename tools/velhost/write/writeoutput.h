@@ -6,5 +6,5 @@
 #include <QList>
 #include <QString>
 
-/// The verified writes, a line each, in the order given.
+/// The verified writes in the order given, a line for each.
 QString writesText(OutputFormat format, const QList<WriteReport> &writes);

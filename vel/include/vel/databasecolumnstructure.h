@@ -5,9 +5,8 @@
 
 #include <utility>
 
-/// One parameter column that a plug-in declares: the host shows it to the user as an input field of
-/// a device or an item and hands the answer back in the record's parameter map, under the column's
-/// name.
+/// One parameter column that a plug-in declares. The host shows it to the user as an input field of
+/// a device or an item. It stores the input in the record's parameter map under the column's name.
 class DatabaseColumnStructure
 {
 public:

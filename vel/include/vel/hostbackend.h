@@ -8,7 +8,7 @@
 #include <QList>
 #include <QString>
 
-/// Everything that a plug-in said of itself when it registered.
+/// Everything that a plug-in declared when it registered.
 struct PluginRegistration
 {
     QString name;
@@ -20,9 +20,9 @@ struct PluginRegistration
     PluginInitOptions options;
 };
 
-/// What stands behind `PluginInterface` in the development stand-in. A program that plays the host
-/// derives from it and installs its object; without one installed, the plug-in's calls do nothing
-/// and its lists are empty. The real host library has nothing of the kind.
+/// Receives the calls that a plug-in makes through `PluginInterface`. A program that acts as the
+/// host derives from it and installs an object; while none is installed, the calls do nothing and
+/// return empty lists. Only this stand-in library has it, the real host library does not.
 class VEL_EXPORT HostBackend
 {
 public:
@@ -31,8 +31,8 @@ public:
     HostBackend(const HostBackend &) = delete;
     HostBackend &operator=(const HostBackend &) = delete;
 
-    /// Installs `backend` for the whole process, or none with a null pointer. The caller keeps
-    /// ownership; a backend that is destroyed while it is installed takes itself out.
+    /// Installs `backend` for the whole process; a null pointer installs none. The caller keeps
+    /// ownership. The destructor of an installed backend uninstalls it.
     static void install(HostBackend *backend);
 
     virtual void registerPlugin(const PluginRegistration &registration) = 0;

@@ -4,9 +4,8 @@
 #include <QString>
 #include <QVariant>
 
-/// What a plug-in asks of the host at registration. The meaning of the fields is the host's: a
-/// field that the plug-in sets is named after its kind and its number, one that it leaves alone
-/// `unused`.
+/// The options of a registration. Only the host knows what the fields mean, so a field that the
+/// plug-in sets is named after its type and its number, and one that it does not set `unused`.
 struct PluginInitOptions
 {
     int unused1 = 24;

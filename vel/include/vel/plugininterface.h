@@ -13,7 +13,7 @@ class VEL_EXPORT PluginInterface
 {
 public:
     PluginInterface();
-    // The host's own code destroys the object, so the call must reach the library.
+    // Not inline: the destructor of the host's own library must run.
     ~PluginInterface(); // NOLINT(performance-trivially-destructible)
     PluginInterface(const PluginInterface &) = delete;
     PluginInterface &operator=(const PluginInterface &) = delete;

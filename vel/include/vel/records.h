@@ -14,13 +14,13 @@
 // reference, so the order and the types of the fields are the host's and must not change. A field
 // that the plug-in does not use is called `unused` and its number in the record.
 
-/// How an item maps to something else in the host. Its content is not known; a list of mappings is
-/// only ever copied as a whole.
+/// How an item maps to something else in the host. Its fields are not known, so a list of mappings
+/// may only be copied as a whole.
 struct Mapping
 {
 };
 
-/// One file of a device. Only its beginning is known.
+/// One file of a device. Only its first fields are known.
 struct FileInstancePlugin
 {
     quint32 unused1 = 0;
@@ -89,8 +89,7 @@ struct DeviceInstancePlugin
     void setLastError(QString text) { lastError = std::move(text); }
 };
 
-/// The plug-in as the host sees it. The plug-in reads none of it; it is here because a data item
-/// holds one.
+/// The host's record of the plug-in. The plug-in reads none of it, but a data item contains one.
 struct PluginInstancePlugin
 {
     quint32 unused1 = 0;

@@ -21,11 +21,11 @@ public:
     virtual bool readData(LogList *list) = 0;
     /// Asks for events of the device.
     virtual bool getEventData(LogList *list) = 0;
-    /// Tells the plug-in that the list was logged.
+    /// Called after the host has logged the list.
     virtual bool logCallback(LogList *list) = 0;
     /// Sends the values of the list's items to the device.
     virtual bool writeData(LogList *list) = 0;
-    /// Called last: the plug-in lets go of its connections.
+    /// Called last: the plug-in closes its connections.
     virtual bool stopPlugin() = 0;
 };
 

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int tickMs = 10;
-/// How long an answer by UDP may take; it is still taken later, while TCP goes on.
+/// How long the search waits for answers by UDP before it asks by TCP. A later answer still counts.
 constexpr int maximumAnswerMs = 1000;
 
 QStringList gapsOf(const UdpSearch &udp, const TcpSearch &tcp, const Findings &findings)

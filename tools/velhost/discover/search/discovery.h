@@ -14,11 +14,11 @@ struct SearchPlan
     SearchArea area;
     QVector<quint16> udpPorts;
     QVector<quint16> tcpPorts;
-    /// For all of it, 1 or more.
+    /// For the whole search, 1 or more.
     int timeoutMs = 1;
 };
 
-/// How far a search has come.
+/// The progress of a search.
 struct SearchProgress
 {
     quint64 tcpAsked = 0;
@@ -26,18 +26,18 @@ struct SearchProgress
     int controllers = 0;
 };
 
-/// What became of a search.
+/// The result of a search.
 struct SearchResult
 {
     Findings findings;
-    /// `shouldContinue` ended the search.
+    /// `shouldContinue` returned false.
     bool wasStopped = false;
-    /// What was not asked or not noted otherwise, and why; empty when there is nothing.
+    /// Why the search is incomplete, unless it was stopped; empty when it is complete.
     QStringList gaps;
 };
 
-/// Asks by UDP and then by TCP who answers the question for the model. Ends when all have been
-/// asked, when the time is over or when `shouldContinue`, which is called a hundred times a second,
-/// returns false.
+/// Asks for the model by UDP, then by TCP. Ends when every address and port was asked, when the
+/// time is over or when `shouldContinue` returns false. `shouldContinue` is called a hundred times
+/// a second.
 SearchResult runSearch(const SearchPlan &plan,
                        const std::function<bool(const SearchProgress &)> &shouldContinue);

@@ -4,7 +4,7 @@
 
 #include <QList>
 
-/// What answers at one port of one address.
+/// What answered at one port of one address.
 struct Finding
 {
     quint32 address = 0;
@@ -14,18 +14,19 @@ struct Finding
     bool byUdp = false;
 
     bool isController() const { return identity.kind != Identity::Other; }
-    /// The address and the port, with a colon between.
+    /// ADDRESS:PORT
     QString place() const;
     /// TCP, UDP or both.
     QString protocols() const;
 };
 
-/// Everything that answered, sorted by address and port. The same answer from the same place by TCP
-/// and by UDP is one finding.
+/// Everything that answered, sorted by address and port. The same answer by TCP and by UDP is one
+/// finding.
 class Findings
 {
 public:
-    /// So many are kept, more are only noticed: anybody may send an answer.
+    /// The limit of the memory: anybody in the network can send answers. More answers only set
+    /// isFull().
     static constexpr int maximum = 4096;
 
     void add(const Finding &finding);

@@ -3,27 +3,27 @@
 #include <QByteArray>
 #include <QString>
 
-/// The question that a controller answers with its model code.
+/// The command that a controller answers with its model code.
 inline const QByteArray identityQuestion = QByteArrayLiteral("?K\r");
 
-/// More of an answer is not looked at.
+/// The rest of a longer answer is ignored.
 constexpr int maximumIdentity = 64;
 
-/// What something answered to the question.
+/// The answer to the question.
 struct Identity
 {
     enum Kind {
         Model,   ///< one to three digits, the model code
-        Refusal, ///< E and a digit: a controller that does not tell its model
-        Other    ///< anything else, also nothing: no controller
+        Refusal, ///< E and a digit: a controller that refuses the question
+        Other    ///< anything else or nothing: no controller
     };
     Kind kind = Other;
-    /// The answer's first line without its end.
+    /// The first line of the answer without its end.
     QString text;
 };
 
-/// Judges the bytes that came back; only the first line counts. `isWhole` tells that the answer has
-/// ended by itself, as a datagram does; otherwise a line that has no end is Other.
+/// Reads the first line of the answer. `isWhole` means that the answer is complete, as a datagram
+/// is; otherwise a line without an end is Other.
 Identity identityOf(const QByteArray &bytes, bool isWhole);
 
 /// The name of the model with that code; empty when it is not known.

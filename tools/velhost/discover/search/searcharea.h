@@ -16,18 +16,18 @@ struct InterfaceNetwork
     Subnet subnet;
 };
 
-/// Where a search asks.
+/// The addresses of a search.
 struct SearchArea
 {
     /// The interfaces whose networks are asked by broadcast.
     QStringList interfaces;
-    /// What is asked by UDP; a broadcast address is a network of its own.
+    /// The networks to ask by UDP; a broadcast address is a network of one address.
     QList<Subnet> udp;
-    /// What is asked by TCP, address by address.
+    /// The networks to ask by TCP, each address separately.
     QList<Subnet> tcp;
 };
 
-/// What the user chose of it.
+/// The choice of the user.
 struct AreaChoice
 {
     /// An interface's name; empty for all but loopback.
@@ -39,14 +39,14 @@ struct AreaChoice
     bool isForced = false;
 };
 
-/// One place to ask.
+/// One address and port to ask.
 struct Endpoint
 {
     QHostAddress address;
     quint16 port = 0;
 };
 
-/// Every port of every address, not stored one by one: a network may have millions.
+/// Every port of every address. They are computed, not stored: a network may have millions.
 class Endpoints
 {
 public:
@@ -54,8 +54,8 @@ public:
 
     quint64 count() const;
 
-    /// From 0 to count() - 1. All addresses at the first port come first, so that a controller,
-    /// which takes few connections, is not asked at all its ports at once.
+    /// `number` is 0 to count() - 1. All addresses come with the first port, then all with the
+    /// second one: a controller accepts few connections at once.
     Endpoint at(quint64 number) const;
 
 private:
@@ -67,9 +67,9 @@ private:
 /// The IPv4 networks of the machine's interfaces that are up.
 QList<InterfaceNetwork> machineNetworks();
 
-/// The area of a search. An interface alone: a broadcast in its networks, and their addresses by
-/// TCP. A network alone: its addresses by UDP and TCP. Both: a broadcast in the interface's
-/// networks, and the given one's addresses by TCP. Returns nothing when it cannot be; `error` then
-/// says what to change.
+/// The area of a search. An interface alone: broadcasts in its networks, and their addresses by
+/// TCP. A network alone: its addresses by UDP and TCP. Both: broadcasts in the networks of the
+/// interface, and the addresses of the given network by TCP. Returns nothing when the choice is
+/// wrong; `error` then says what to change.
 std::optional<SearchArea> searchArea(const AreaChoice &choice,
                                      const QList<InterfaceNetwork> &networks, QString *error);

@@ -65,7 +65,8 @@ TcpSearch::TcpSearch(Endpoints endpoints, FindingHandler onFinding)
 {
 }
 
-// The room is taken once: probes that fail at once must not keep the caller here.
+// The number is computed once: with probes that fail immediately the loop would not end before all
+// were asked.
 void TcpSearch::startProbes()
 {
     const int room = maximumInFlight - m_inFlight;
@@ -73,7 +74,8 @@ void TcpSearch::startProbes()
         auto *const probe = new TcpProbe(m_endpoints.at(m_next++), this);
         ++m_inFlight;
         connect(probe, &TcpProbe::finished, this, [this, probe] { probeFinished(probe); });
-        // Not before: a socket whose connection was refused is open until then.
+        // Counted until here, because the socket of a refused connection is open until it is
+        // destroyed.
         connect(probe, &QObject::destroyed, this, [this] { --m_inFlight; });
         probe->start();
     }

@@ -17,14 +17,14 @@ class TcpProbe : public QObject
 public:
     TcpProbe(Endpoint endpoint, QObject *parent);
 
-    /// Connects; finished() comes within a second and a half, perhaps during this call.
+    /// Connects. finished() is emitted within 1.5 seconds, perhaps during this call.
     void start();
 
-    /// What there is after finished(): whether a connection was made, and what came on it.
+    /// The result after finished(): whether a connection was made, and the answer.
     bool wasConnected() const { return m_wasConnected; }
     Finding finding() const;
 
-    /// The machine had no socket for it, so nothing is known; says why.
+    /// Why the system gave no socket, so that nothing is known; empty when it gave one.
     const QString &resourceError() const { return m_resourceError; }
 
 Q_SIGNALS:
@@ -54,15 +54,15 @@ public:
 
     TcpSearch(Endpoints endpoints, FindingHandler onFinding);
 
-    /// Starts as many probes as there is room for.
+    /// Starts as many probes as the limit allows.
     void startProbes();
 
     quint64 count() const { return m_endpoints.count(); }
-    /// How many endpoints have been asked to the end.
+    /// How many probes have finished with a socket.
     quint64 asked() const { return m_asked; }
     bool isDone() const { return m_next == count() && m_inFlight == 0; }
 
-    /// Why the machine had no socket for some of them; empty when it had.
+    /// Why the system gave no socket for some probe; empty when there was always one.
     const QString &error() const { return m_error; }
 
 private:

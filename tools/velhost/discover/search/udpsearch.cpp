@@ -43,7 +43,7 @@ bool UdpSearch::isDone(int answerMs) const
     return m_next == m_endpoints.count() && m_sinceLast.hasExpired(answerMs);
 }
 
-// Not all that is there: with a peer that sends without end this would never return.
+// The limit is needed: with a peer that never stops sending, the loop would not end.
 void UdpSearch::receive()
 {
     for (int i = 0; i < answersAtOnce && m_socket.hasPendingDatagrams(); ++i) {

@@ -9,7 +9,7 @@
 
 #include <functional>
 
-/// Asks every endpoint by UDP and takes answers for as long as it lives.
+/// Asks every endpoint by UDP and accepts answers until it is destroyed.
 class UdpSearch : public QObject
 {
     Q_OBJECT
@@ -17,17 +17,17 @@ class UdpSearch : public QObject
 public:
     using FindingHandler = std::function<void(const Finding &)>;
 
-    /// `ports` are those of the endpoints; an answer from another one is not to this question.
+    /// `ports` are the ports of the endpoints; datagrams from other ports are ignored.
     UdpSearch(Endpoints endpoints, QVector<quint16> ports, FindingHandler onFinding);
 
-    /// Sends the next questions, so many that the network is not flooded when it is called a
-    /// hundred times a second.
+    /// Sends the next questions. Their number is limited so that a hundred calls a second do not
+    /// flood the network.
     void sendQuestions();
 
     /// Whether all questions were sent and the last one was at least `answerMs` milliseconds ago.
     bool isDone(int answerMs) const;
 
-    /// How many questions were not sent, and why the last of them failed.
+    /// How many questions were not sent, and the last error.
     quint64 unsent() const { return m_endpoints.count() - m_next + m_failed; }
     const QString &error() const { return m_error; }
 
