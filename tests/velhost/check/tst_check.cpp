@@ -1,3 +1,4 @@
+#include "plantjson.h"
 #include "plantrun.h"
 #include "scriptedpeer.h"
 #include "text.h"
@@ -18,10 +19,10 @@ ProgramRun runCheck(const char *plugin, const QByteArray &plant)
         plant);
 }
 
-QByteArray deviceAt(const QByteArray &ip, const QByteArray &parameters)
+/// A plant with a device without items.
+QByteArray plantAt(const QByteArray &ip, const QByteArray &parameters)
 {
-    return R"({"devices": [{"id": 1, "name": "Press", "ip": ")" + ip
-           + R"(", "items": [], "parameters": {)" + parameters + "}}]}";
+    return plantJson(ip, parameters, {});
 }
 
 } // namespace
@@ -104,7 +105,7 @@ void tst_Check::json_data()
     QTest::addColumn<QString>("output");
     QTest::addColumn<int>("exitCode");
 
-    QTest::newRow("no problem") << deviceAt("10.0.0.1", "") << QString() << 0;
+    QTest::newRow("no problem") << plantAt("10.0.0.1", "") << QString() << 0;
     QTest::newRow("fault in the JSON")
         << QByteArray("{\n]")
         << text(R"({"type":"problem","file":"plant.json","position":"2:2","path":"",)"
@@ -257,7 +258,7 @@ void tst_Check::addresses()
     QFETCH(QByteArray, ip);
     QFETCH(bool, isRight);
 
-    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, deviceAt(ip, ""));
+    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, plantAt(ip, ""));
     const QString problem = text("velhost: plant.json: devices[0].ip: \"%1\" is no IPv4 address; "
                                  "write four numbers from 0 to 255 without leading zeros, for "
                                  "example 192.168.0.10\n")
@@ -297,7 +298,7 @@ void tst_Check::portAndTimeoutLimits()
     QFETCH(QByteArray, parameter);
     QFETCH(bool, isRight);
 
-    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, deviceAt("10.0.0.1", parameter));
+    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, plantAt("10.0.0.1", parameter));
     QCOMPARE(run.output, isRight ? text("plant.json: no problems\n") : QString());
     QCOMPARE(run.errors.count(u'\n'), isRight ? 0 : 1);
     QCOMPARE(run.exitCode, isRight ? 0 : 2);
@@ -306,7 +307,7 @@ void tst_Check::portAndTimeoutLimits()
 // What the plug-in does not declare cannot be wrong: this one has no time-out and no addresses.
 void tst_Check::undeclaredParameters()
 {
-    const ProgramRun run = runCheck(SCRIPTED_PLUGIN_FILE, deviceAt("10.0.0.1", ""));
+    const ProgramRun run = runCheck(SCRIPTED_PLUGIN_FILE, plantAt("10.0.0.1", ""));
     QCOMPARE(run.errors, QString());
     QCOMPARE(run.output, text("plant.json: no problems\n"));
     QCOMPARE(run.exitCode, 0);
@@ -341,7 +342,7 @@ void tst_Check::opensNoConnection()
 {
     ScriptedPeer controller;
     const QByteArray port = text(R"("port": "%1")").arg(controller.port()).toLatin1();
-    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, deviceAt("127.0.0.1", port));
+    const ProgramRun run = runCheck(KEYENCE_PLUGIN_FILE, plantAt("127.0.0.1", port));
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(controller.finish(), QByteArray());
     QCOMPARE(controller.connectionCount(), 0);

@@ -1,3 +1,4 @@
+#include "plantjson.h"
 #include "plantrun.h"
 #include "simulatorthread.h"
 #include "text.h"
@@ -11,19 +12,14 @@ namespace {
 /// One controller with an item of each kind of value, on a port of loopback.
 QByteArray plantAt(int port)
 {
-    return R"({"networkInterfaces": ["eth0"], "devices": [{
- "id": 1, "name": "Press", "ip": "127.0.0.1",
- "parameters": {"port": ")"
-           + QByteArray::number(port) + R"(", "timeout": "2000"},
- "items": [
-  {"name": "Running", "parameters": {"memory_address": "R015", "memory_type": "Bit device", "data_type": "BIT"}},
-  {"name": "Counter", "parameters": {"memory_address": "D201", "memory_type": "Word device", "data_type": "Short"}},
-  {"name": "Total", "parameters": {"memory_address": "DM300", "memory_type": "1", "data_type": "2"}},
-  {"name": "Mask", "parameters": {"memory_address": "DM400", "memory_type": "1", "data_type": "Hexadecimal 16Bit"}},
-  {"name": "Alarm", "parameters": {"memory_address": "DM400.3", "memory_type": "1", "data_type": "BIT"}},
-  {"name": "Label", "parameters": {"memory_address": "DM500-2", "memory_type": "1", "data_type": "ASCII"}},
-  {"name": "Wrong", "parameters": {"memory_address": "QQ1", "memory_type": "1", "data_type": "Short"}}
- ]}]})";
+    const QByteArray plant = plantJson(
+        "127.0.0.1", portParameter(port),
+        {itemJson("Running", "R015", "Bit device", "BIT"),
+         itemJson("Counter", "D201", "Word device"), itemJson("Total", "DM300", "1", "2"),
+         itemJson("Mask", "DM400", "1", "Hexadecimal 16Bit"),
+         itemJson("Alarm", "DM400.3", "1", "BIT"), itemJson("Label", "DM500-2", "1", "ASCII"),
+         itemJson("Wrong", "QQ1")});
+    return R"({"networkInterfaces": ["eth0"], )" + plant.mid(1);
 }
 
 ProgramRun run(const QStringList &arguments, const QByteArray &plant)

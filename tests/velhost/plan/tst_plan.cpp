@@ -1,3 +1,4 @@
+#include "plantjson.h"
 #include "plantrun.h"
 #include "scriptedpeer.h"
 #include "text.h"
@@ -19,20 +20,10 @@ const QString keyencePlugin = QStringLiteral(KEYENCE_PLUGIN_FILE);
 /// A device with an item for each form of command, and two that are never sent.
 QByteArray plantAt(const QByteArray &ip, const QByteArray &parameters)
 {
-    return R"({"devices": [{"id": 1, "name": "Press", "ip": ")" + ip + R"(", "parameters": {)"
-           + parameters + R"(},
- "items": [
-  {"name": "Bit", "parameters": {"memory_address": "DM100.3", "memory_type": "1", "data_type": "BIT"}},
-  {"name": "Short", "parameters": {"memory_address": "D201", "memory_type": "1", "data_type": "Short"}},
-  {"name": "Label", "parameters": {"memory_address": "D200-10", "memory_type": "1", "data_type": "ASCII"}},
-  {"name": "No length", "parameters": {"memory_address": "D200", "memory_type": "1", "data_type": "ASCII"}},
-  {"name": "No address", "parameters": {"memory_address": "?", "memory_type": "1", "data_type": "Short"}}
- ]}]})";
-}
-
-QByteArray portParameter(int port)
-{
-    return text(R"("port": "%1")").arg(port).toLatin1();
+    return plantJson(ip, parameters,
+                     {itemJson("Bit", "DM100.3", "1", "BIT"), itemJson("Short", "D201"),
+                      itemJson("Label", "D200-10", "1", "ASCII"),
+                      itemJson("No length", "D200", "1", "ASCII"), itemJson("No address", "?")});
 }
 
 ProgramRun runPlan(const QByteArray &plant, const QStringList &options)

@@ -1,3 +1,4 @@
+#include "plantjson.h"
 #include "plantrun.h"
 #include "text.h"
 
@@ -25,11 +26,10 @@ QStringList arguments(const char *format, bool onlyChanges)
 /// One device with two items, of which the second never changes.
 QByteArray plantWith(const QByteArray &answers, const QByteArray &script = "")
 {
-    return R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1",
- "parameters": {"time_stamp": "2024-02-29T12:34:56.789+00:00", "script": ")"
-           + script + R"("},
- "items": [{"name": "A", "parameters": {"answers": ")"
-           + answers + R"("}}, {"name": "B", "parameters": {"answers": "same"}}]}]})";
+    return plantJson("127.0.0.1",
+                     R"("time_stamp": "2024-02-29T12:34:56.789+00:00", "script": ")" + script + '"',
+                     {R"({"name": "A", "parameters": {"answers": ")" + answers + R"("}})",
+                      R"({"name": "B", "parameters": {"answers": "same"}})"});
 }
 
 /// A cycle of one device with one item.

@@ -1,3 +1,4 @@
+#include "plantjson.h"
 #include "plantrun.h"
 #include "simulatorthread.h"
 #include "text.h"
@@ -20,18 +21,15 @@
 
 namespace {
 
-/// An item that is a signed word, with what else stands in the file.
-QByteArray item(const QByteArray &name, const QByteArray &address, const QByteArray &rest = "")
+/// A signed word; `more` follows its parameters.
+QByteArray item(const QByteArray &name, const QByteArray &address, const QByteArray &more = "")
 {
-    return R"({"name": ")" + name + R"(", "parameters": {"memory_address": ")" + address
-           + R"(", "memory_type": "1", "data_type": "Short"})" + rest + '}';
+    return itemJson(name, address, "1", "Short", more);
 }
 
 QByteArray plantAt(int port, const QList<QByteArray> &items)
 {
-    return R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1", "parameters": {"port": ")"
-           + QByteArray::number(port) + R"(", "timeout": "2000"}, "items": [)" + items.join(',')
-           + "]}]}";
+    return plantJson("127.0.0.1", portParameter(port), items);
 }
 
 /// Runs the plant with the real plug-in.

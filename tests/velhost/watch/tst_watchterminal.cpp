@@ -1,3 +1,4 @@
+#include "plantjson.h"
 #include "programrun.h"
 #include "simulatorthread.h"
 #include "terminalrun.h"
@@ -73,19 +74,14 @@ private Q_SLOTS:
 QStringList tst_WatchTerminal::arguments(const SimulatorThread &controller,
                                          const QStringList &items, const char *interval)
 {
-    QStringList texts;
+    QList<QByteArray> json;
     for (const QString &item : items)
-        texts.append(text(R"({"name": "%1", "expect": "5", "parameters": {"memory_address": "%2",
- "memory_type": "1", "data_type": "Short"}})")
-                         .arg(item.section(u'=', 0, 0), item.section(u'=', 1)));
+        json.append(itemJson(item.section(u'=', 0, 0).toUtf8(), item.section(u'=', 1).toUtf8(), "1",
+                             "Short", R"(, "expect": "5")"));
     QFile file(m_folder.filePath(text("plant.json")));
     if (!file.open(QIODevice::WriteOnly))
         return {};
-    file.write(text(R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1",
- "parameters": {"port": "%1"}, "items": [%2]}]})")
-                   .arg(controller.port())
-                   .arg(texts.join(u','))
-                   .toUtf8());
+    file.write(plantJson("127.0.0.1", portParameter(controller.port()), json));
     return {text("watch"),  file.fileName(),  text("--interval"),
             text(interval), text("--plugin"), text(KEYENCE_PLUGIN_FILE)};
 }

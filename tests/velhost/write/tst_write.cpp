@@ -1,3 +1,4 @@
+#include "plantjson.h"
 #include "plantrun.h"
 #include "scriptedpeer.h"
 #include "simulatorthread.h"
@@ -16,27 +17,20 @@ const QString program = QStringLiteral(VELHOST_FILE);
 QByteArray scriptedPlant(const QByteArray &answers, const QByteArray &script = "",
                          const QByteArray &ip = "127.0.0.1")
 {
-    return R"({"devices": [{"id": 1, "name": "Press", "ip": ")" + ip
-           + R"(", "parameters": {"time_stamp": "2024-02-29T12:34:56.789+05:30", "script": ")"
-           + script + R"("}, "items": [{"name": "Counter", "parameters": {"answers": ")" + answers
-           + R"("}}]}]})";
+    return plantJson(ip,
+                     R"("time_stamp": "2024-02-29T12:34:56.789+05:30", "script": ")" + script + '"',
+                     {R"({"name": "Counter", "parameters": {"answers": ")" + answers + R"("}})"});
 }
 
 /// A controller at `port` of loopback with an item for each kind of value.
 QByteArray controllerPlant(int port)
 {
-    return R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1",
- "parameters": {"port": ")"
-           + QByteArray::number(port) + R"("},
- "items": [
-  {"name": "Running", "parameters": {"memory_address": "R015", "memory_type": "0", "data_type": "BIT"}},
-  {"name": "Counter", "parameters": {"memory_address": "D201", "memory_type": "1", "data_type": "Short"}},
-  {"name": "Level", "parameters": {"memory_address": "D210", "memory_type": "1", "data_type": "Float"}},
-  {"name": "Mask", "parameters": {"memory_address": "D220", "memory_type": "1", "data_type": "Hexadecimal 16Bit"}},
-  {"name": "Label", "parameters": {"memory_address": "D230-2", "memory_type": "1", "data_type": "ASCII"}},
-  {"name": "Clock", "parameters": {"memory_address": "CM700", "memory_type": "1", "data_type": "Word"}},
-  {"name": "Wrong", "parameters": {"memory_address": "QQ1", "memory_type": "1", "data_type": "Short"}}
- ]}]})";
+    return plantJson("127.0.0.1", portParameter(port),
+                     {itemJson("Running", "R015", "0", "BIT"), itemJson("Counter", "D201"),
+                      itemJson("Level", "D210", "1", "Float"),
+                      itemJson("Mask", "D220", "1", "Hexadecimal 16Bit"),
+                      itemJson("Label", "D230-2", "1", "ASCII"),
+                      itemJson("Clock", "CM700", "1", "Word"), itemJson("Wrong", "QQ1")});
 }
 
 QStringList arguments(const char *plugin, const char *format, const QStringList &rest)
