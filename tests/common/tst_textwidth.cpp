@@ -1,15 +1,8 @@
+#include "text.h"
+
 #include <common/textwidth.h>
 
 #include <QTest>
-
-namespace {
-
-QString utf8(const char *bytes)
-{
-    return QString::fromUtf8(bytes);
-}
-
-} // namespace
 
 // Texts in columns of a terminal.
 class tst_TextWidth : public QObject
@@ -29,11 +22,11 @@ void tst_TextWidth::width_data()
     QTest::addColumn<int>("width");
 
     QTest::newRow("empty") << QString() << 0;
-    QTest::newRow("Latin") << utf8("Zähler") << 6;
-    QTest::newRow("ideographs") << utf8("温度1") << 5;
-    QTest::newRow("half-width katakana") << utf8("ﾌﾟﾚｽ") << 4;
-    QTest::newRow("combining mark") << utf8("e\u0301") << 1;
-    QTest::newRow("beyond the basic plane") << utf8("𠮷") << 2;
+    QTest::newRow("Latin") << text("Zähler") << 6;
+    QTest::newRow("ideographs") << text("温度1") << 5;
+    QTest::newRow("half-width katakana") << text("ﾌﾟﾚｽ") << 4;
+    QTest::newRow("combining mark") << text("e\u0301") << 1;
+    QTest::newRow("beyond the basic plane") << text("𠮷") << 2;
 }
 
 void tst_TextWidth::width()
@@ -50,14 +43,14 @@ void tst_TextWidth::cut_data()
     QTest::addColumn<int>("columns");
     QTest::addColumn<QString>("result");
 
-    QTest::newRow("too short") << utf8("1234") << 3 << utf8("12…");
-    QTest::newRow("fits") << utf8("1234") << 4 << utf8("1234");
-    QTest::newRow("room") << utf8("1234") << 5 << utf8("1234");
-    QTest::newRow("one column") << utf8("1234") << 1 << utf8("…");
-    QTest::newRow("no column") << utf8("1234") << 0 << QString();
-    QTest::newRow("less than none") << utf8("1234") << -1 << QString();
-    QTest::newRow("within an ideograph") << utf8("温度計") << 4 << utf8("温…");
-    QTest::newRow("behind an ideograph") << utf8("温度計") << 5 << utf8("温度…");
+    QTest::newRow("too short") << text("1234") << 3 << text("12…");
+    QTest::newRow("fits") << text("1234") << 4 << text("1234");
+    QTest::newRow("room") << text("1234") << 5 << text("1234");
+    QTest::newRow("one column") << text("1234") << 1 << text("…");
+    QTest::newRow("no column") << text("1234") << 0 << QString();
+    QTest::newRow("less than none") << text("1234") << -1 << QString();
+    QTest::newRow("within an ideograph") << text("温度計") << 4 << text("温…");
+    QTest::newRow("behind an ideograph") << text("温度計") << 5 << text("温度…");
 }
 
 void tst_TextWidth::cut()

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// A Latin-1 literal as text.
-inline QString text(const char *latin1)
+/// A literal of a test, which is UTF-8, as text.
+inline QString text(const char *utf8)
 {
-    return QString::fromLatin1(latin1);
+    return QString::fromUtf8(utf8);
 }

@@ -211,7 +211,7 @@ void tst_ItemConversion::getPlcValue_data()
     row("ascii: two", 9, text("AB"), " 16961");
     row("ascii: three", 9, text("ABC"), " 16961 67");
     row("ascii: four", 9, text("ABCD"), " 16961 17475");
-    row("ascii: greatest code", 9, text("\xFF\xFF"), " 65535");
+    row("ascii: greatest code", 9, text("\u00FF\u00FF"), " 65535");
     row("ascii: first code below 16", 9,
         text("\x05"
              "A"),

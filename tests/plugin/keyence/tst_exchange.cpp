@@ -85,7 +85,7 @@ void tst_Exchange::letterOutsideAscii()
     Keyence plugin;
     Socket socket(loopback, peer.port(), 2000);
     QByteArray response;
-    QCOMPARE(plugin.sendCommand(socket, text("RD \xD6M1\r"), text("Counter"), &response),
+    QCOMPARE(plugin.sendCommand(socket, text("RD \u00D6M1\r"), text("Counter"), &response),
              QString());
     socket.disconnect();
     QTEST(peer.finish(), "line");

@@ -1,15 +1,8 @@
+#include "text.h"
+
 #include <watch/watchsummary.h>
 
 #include <QTest>
-
-namespace {
-
-QString utf8(const char *bytes)
-{
-    return QString::fromUtf8(bytes);
-}
-
-} // namespace
 
 // What a watch prints at its end.
 class tst_WatchSummary : public QObject
@@ -29,17 +22,17 @@ void tst_WatchSummary::summary()
     missing.reads = 3;
     missing.errors = 1;
     WatchedDevice press;
-    press.name = utf8("Press");
+    press.name = text("Press");
     press.failedCycles = 1;
     for (const qint64 time : {1500, 2500, 1'000'000})
         press.latencies.add(time);
     press.items = {counter, missing};
     const std::vector<WatchedDevice> devices{press};
     QCOMPARE(summaryText(OutputFormat::Table, devices),
-             utf8("Device  Cycles  Failed  Reads  Errors  Wrong  p50 ms  p99 ms   Max ms\n"
+             text("Device  Cycles  Failed  Reads  Errors  Wrong  p50 ms  p99 ms   Max ms\n"
                   "Press   3       1       6      1       2      2.51    1000.00  1000.00\n"));
     QCOMPARE(summaryText(OutputFormat::Json, devices),
-             utf8(R"({"type":"summary","device":"Press","cycles":3,"failed":1,"reads":6,)"
+             text(R"({"type":"summary","device":"Press","cycles":3,"failed":1,"reads":6,)"
                   R"("errors":1,"wrong":2,"p50_ms":2.512,"p99_ms":1000,"max_ms":1000})"
                   "\n"));
 }

@@ -1,3 +1,5 @@
+#include "text.h"
+
 #include <common/textwidth.h>
 #include <watch/watchtable.h>
 
@@ -8,20 +10,15 @@
 
 namespace {
 
-QString utf8(const char *bytes)
-{
-    return QString::fromUtf8(bytes);
-}
-
 /// One item that holds a value, and behind it `more` that have none and an error.
 std::vector<WatchedDevice> pressWith(int more)
 {
     WatchedDevice press;
-    press.name = utf8("Press");
+    press.name = text("Press");
     WatchedItem counter;
     counter.last = {QDateTime(QDate(2024, 2, 29), QTime(12, 34, 56, 7)),
-                    utf8("Counter"),
-                    utf8("-123456789"),
+                    text("Counter"),
+                    text("-123456789"),
                     {},
                     false};
     counter.value = counter.last.value;
@@ -29,8 +26,8 @@ std::vector<WatchedDevice> pressWith(int more)
     press.items.push_back(counter);
     for (int i = 0; i < more; ++i) {
         WatchedItem item;
-        item.last.item = utf8("Item %1").arg(i);
-        item.last.error = utf8("no such address\x1b[31m");
+        item.last.item = text("Item %1").arg(i);
+        item.last.error = text("no such address\x1b[31m");
         item.errors = 1;
         press.items.push_back(item);
     }
@@ -43,7 +40,7 @@ std::vector<WatchedDevice> pressWith(int more)
 QStringList screen(const std::vector<WatchedDevice> &devices, ScreenSize size, Marking marking,
                    const QList<CountedEntry> &log = {})
 {
-    return watchScreenText({utf8("title of the watch"), &devices, log, 5000, 1}, size, marking)
+    return watchScreenText({text("title of the watch"), &devices, log, 5000, 1}, size, marking)
         .split(u'\n');
 }
 
@@ -72,8 +69,8 @@ void tst_WatchTable::age_data()
     QTest::addColumn<qint64>("milliseconds");
     QTest::addColumn<QString>("text");
 
-    const auto row = [](const char *title, qint64 milliseconds, const char *text) {
-        QTest::newRow(title) << milliseconds << utf8(text);
+    const auto row = [](const char *title, qint64 milliseconds, const char *shown) {
+        QTest::newRow(title) << milliseconds << text(shown);
     };
     row("none", 0, "0 s");
     row("below a second", 999, "0 s");
@@ -97,14 +94,14 @@ void tst_WatchTable::age()
 void tst_WatchTable::wholeScreen()
 {
     const QStringList lines{
-        utf8("title of the watch"),
-        utf8("Device  Item     Value       Age  Error                    Changes  Errors  "
+        text("title of the watch"),
+        text("Device  Item     Value       Age  Error                    Changes  Errors  "
              "Last read     "),
-        utf8("Press                        5 s                                    0       "
+        text("Press                        5 s                                    0       "
              "12:34:56.007  "),
-        utf8("Press   Counter  -123456789  5 s                           3        0       "
+        text("Press   Counter  -123456789  5 s                           3        0       "
              "12:34:56.007  "),
-        utf8("Press   Item 0                    no such address\\x1b[31m  0        1       "
+        text("Press   Item 0                    no such address\\x1b[31m  0        1       "
              "              ")};
     QCOMPARE(screen(pressWith(1), {200, 24}, Marking::None), lines);
 }
@@ -115,12 +112,12 @@ void tst_WatchTable::screenRows_data()
     QTest::addColumn<int>("lines");
     QTest::addColumn<QString>("lastLine");
 
-    QTest::newRow("room") << 8 << 7 << utf8("Press   Item 2");
-    QTest::newRow("fits") << 7 << 7 << utf8("Press   Item 2");
-    QTest::newRow("one too few") << 6 << 6 << utf8("… 2 more, 2 of them with an error");
-    QTest::newRow("a row alone") << 3 << 3 << utf8("… 5 more, 3 of them with an error");
-    QTest::newRow("none") << 2 << 2 << utf8("… 5 more, 3 of them with an error");
-    QTest::newRow("the title alone") << 1 << 1 << utf8("title of the watch");
+    QTest::newRow("room") << 8 << 7 << text("Press   Item 2");
+    QTest::newRow("fits") << 7 << 7 << text("Press   Item 2");
+    QTest::newRow("one too few") << 6 << 6 << text("… 2 more, 2 of them with an error");
+    QTest::newRow("a row alone") << 3 << 3 << text("… 5 more, 3 of them with an error");
+    QTest::newRow("none") << 2 << 2 << text("… 5 more, 3 of them with an error");
+    QTest::newRow("the title alone") << 1 << 1 << text("title of the watch");
 }
 
 void tst_WatchTable::screenRows()
@@ -139,10 +136,10 @@ void tst_WatchTable::screenColumns_data()
     QTest::addColumn<int>("columns");
     QTest::addColumn<QString>("line");
 
-    QTest::newRow("no room for the age") << 26 << utf8("Press   Counter  -123456… ");
-    QTest::newRow("the age is cut") << 29 << utf8("Press   Counter  -123456…  5…");
-    QTest::newRow("a number never looks whole") << 20 << utf8("Press   Counter  -1…");
-    QTest::newRow("one column") << 1 << utf8("…");
+    QTest::newRow("no room for the age") << 26 << text("Press   Counter  -123456… ");
+    QTest::newRow("the age is cut") << 29 << text("Press   Counter  -123456…  5…");
+    QTest::newRow("a number never looks whole") << 20 << text("Press   Counter  -1…");
+    QTest::newRow("one column") << 1 << text("…");
 }
 
 void tst_WatchTable::screenColumns()
@@ -160,11 +157,11 @@ void tst_WatchTable::screenColumns()
 void tst_WatchTable::errorColumnWidth()
 {
     const QString whole = screen(pressWith(1), {88, 24}, Marking::None).at(4);
-    QVERIFY2(whole.contains(utf8("  no such address\\x1b[31m  0 ")), qPrintable(whole));
+    QVERIFY2(whole.contains(text("  no such address\\x1b[31m  0 ")), qPrintable(whole));
     const QString shorter = screen(pressWith(1), {87, 24}, Marking::None).at(4);
-    QVERIFY2(shorter.contains(utf8("  no such address\\x1b[3…  0 ")), qPrintable(shorter));
+    QVERIFY2(shorter.contains(text("  no such address\\x1b[3…  0 ")), qPrintable(shorter));
     const QString least = screen(pressWith(1), {70, 24}, Marking::None).at(4);
-    QVERIFY2(least.contains(utf8("  no such address\\x1b…  0 ")), qPrintable(least));
+    QVERIFY2(least.contains(text("  no such address\\x1b…  0 ")), qPrintable(least));
 }
 
 void tst_WatchTable::marks_data()
@@ -175,12 +172,12 @@ void tst_WatchTable::marks_data()
 
     const int colour = static_cast<int>(Marking::Colour);
     const int star = static_cast<int>(Marking::Star);
-    QTest::newRow("colour, changed before") << colour << qint64(1) << utf8("  -123456789  ");
+    QTest::newRow("colour, changed before") << colour << qint64(1) << text("  -123456789  ");
     QTest::newRow("colour, changed")
-        << colour << qint64(2) << utf8("  \x1b[30;43m-123456789\x1b[0m  ");
-    QTest::newRow("star, changed before") << star << qint64(1) << utf8("   -123456789  ");
-    QTest::newRow("star, changed") << star << qint64(2) << utf8("  *-123456789  ");
-    QTest::newRow("none") << static_cast<int>(Marking::None) << qint64(2) << utf8("  -123456789  ");
+        << colour << qint64(2) << text("  \x1b[30;43m-123456789\x1b[0m  ");
+    QTest::newRow("star, changed before") << star << qint64(1) << text("   -123456789  ");
+    QTest::newRow("star, changed") << star << qint64(2) << text("  *-123456789  ");
+    QTest::newRow("none") << static_cast<int>(Marking::None) << qint64(2) << text("  -123456789  ");
 }
 
 void tst_WatchTable::marks()
@@ -201,15 +198,15 @@ void tst_WatchTable::logBelow()
 {
     QList<CountedEntry> log;
     for (int i = 1; i <= 4; ++i)
-        log.append({{LogEntry::Level::Error, utf8("entry\r%1").arg(i)}, qint64(100) * i});
+        log.append({{LogEntry::Level::Error, text("entry\r%1").arg(i)}, qint64(100) * i});
     const QStringList lines = screen(pressWith(4), {24, 10}, Marking::None, log);
-    QCOMPARE(lines.mid(5), (QStringList{utf8("… 3 more, 3 of them with…").left(23) + u'…',
+    QCOMPARE(lines.mid(5), (QStringList{text("… 3 more, 3 of them with…").left(23) + u'…',
                                         {},
-                                        utf8("log error: entry\\r2 (x …"),
-                                        utf8("log error: entry\\r3 (x …"),
-                                        utf8("log error: entry\\r4 (x …")}));
-    QCOMPARE(countedText(log.at(3)), utf8("log error: entry\\r4 (x 400)\n"));
-    QCOMPARE(countedText({log.at(3).entry, 1}), utf8("log error: entry\\r4\n"));
+                                        text("log error: entry\\r2 (x …"),
+                                        text("log error: entry\\r3 (x …"),
+                                        text("log error: entry\\r4 (x …")}));
+    QCOMPARE(countedText(log.at(3)), text("log error: entry\\r4 (x 400)\n"));
+    QCOMPARE(countedText({log.at(3).entry, 1}), text("log error: entry\\r4\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_WatchTable)
