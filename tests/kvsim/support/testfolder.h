@@ -1,5 +1,7 @@
 #pragma once
 
+#include "writefile.h"
+
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -12,10 +14,7 @@ public:
     /// Writes a file; its path, empty when it could not be written.
     QString write(const QString &name, const QByteArray &content) const
     {
-        QFile file(path(name));
-        const bool written
-            = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-        return written ? path(name) : QString();
+        return writeFile(path(name), content) ? path(name) : QString();
     }
 
     QByteArray read(const QString &name) const
