@@ -1,6 +1,7 @@
 #include "searchrun.h"
 #include "simulatorthread.h"
 #include "udppeer.h"
+#include "writefile.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,12 +21,6 @@ QByteArray contents(const QString &fileName)
 {
     QFile file(fileName);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool store(const QString &fileName, const QByteArray &bytes)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 /// The plant with the same item in every device, as a user adds it.
@@ -119,7 +114,7 @@ void tst_DiscoverPlant::writesAndReads()
     QCOMPARE(check.output, plant() + text(": no problems\n"));
     QCOMPARE(check.exitCode, 0);
 
-    QVERIFY(store(plant(), withItem(contents(plant()))));
+    QVERIFY(writeFile(plant(), withItem(contents(plant()))));
     const ProgramRun read = onPlant({text("read"), text("--format"), text("csv")});
     QCOMPARE(read.errors, QString());
     QCOMPARE(withoutTimes(read.output), text("cycle,time,device,item,value,old,error\r\n"
@@ -156,7 +151,7 @@ void tst_DiscoverPlant::isThereAlready()
 {
     const SimulatorThread controller;
     QVERIFY(controller.isListening());
-    QVERIFY(store(plant(), "mine"));
+    QVERIFY(writeFile(plant(), "mine"));
     const ProgramRun run = discover(QString::number(controller.port()), {});
     QCOMPARE(run.errors,
              text("velhost: %1: is already there; add --force to replace it\n").arg(plant()));
@@ -170,7 +165,7 @@ void tst_DiscoverPlant::replaces()
 {
     const SimulatorThread controller;
     QVERIFY(controller.isListening());
-    QVERIFY(store(plant(), "mine"));
+    QVERIFY(writeFile(plant(), "mine"));
     const ProgramRun run = discover(QString::number(controller.port()), {text("--force")});
     QCOMPARE(run.exitCode, 0);
     QVERIFY(contents(plant()).startsWith("{\n  \"networkInterfaces\": []"));

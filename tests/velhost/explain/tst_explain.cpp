@@ -1,5 +1,6 @@
 #include "programrun.h"
 #include "text.h"
+#include "writefile.h"
 
 #include <explain/explain.h>
 
@@ -37,12 +38,11 @@ ProgramRun explain(const QStringList &arguments)
 ProgramRun explainInput(const QByteArray &input)
 {
     QTemporaryDir folder;
-    QFile file(folder.filePath(text("input")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(input) != input.size())
-        return {-1, {}, file.errorString()};
-    file.close();
+    const QString fileName = folder.filePath(text("input"));
+    if (!writeFile(fileName, input))
+        return {};
     QProcess process;
-    process.setStandardInputFile(file.fileName());
+    process.setStandardInputFile(fileName);
     process.start(text(VELHOST_FILE), {text("explain"), text("-")});
     if (!process.waitForFinished(30000))
         return {-1, {}, process.errorString()};

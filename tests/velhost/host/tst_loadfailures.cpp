@@ -1,5 +1,6 @@
 #include "programrun.h"
 #include "text.h"
+#include "writefile.h"
 
 #include <host/elffile.h>
 
@@ -40,12 +41,6 @@ QByteArray contentOf(const QString &fileName)
 {
     QFile file(fileName);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeFile(const QString &fileName, const QByteArray &content)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
 QString processorOf(const QString &fileName)

@@ -1,7 +1,8 @@
+#include "writefile.h"
+
 #include <plant/assignment.h>
 #include <plant/plant.h>
 
-#include <QFile>
 #include <QPair>
 #include <QTemporaryDir>
 #include <QTest>
@@ -278,12 +279,9 @@ void tst_Plant::sizeLimits()
 
     QTemporaryDir folder;
     const QString fileName = folder.filePath(QStringLiteral("p.json"));
-    QFile file(fileName);
-    QVERIFY(file.open(QIODevice::WriteOnly));
     const QByteArray json = R"({"devices": []})";
     const QByteArray padding(16 * 1024 * 1024 + excess - json.size(), ' ');
-    QCOMPARE(file.write(json + padding), qint64(16 * 1024 * 1024 + excess));
-    file.close();
+    QVERIFY(writeFile(fileName, json + padding));
 
     QStringList errors;
     QCOMPARE(readPlantFile(fileName, &errors).has_value(), taken);

@@ -1,5 +1,6 @@
 #include "programrun.h"
 #include "text.h"
+#include "writefile.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -21,12 +22,6 @@ const QString program = QStringLiteral(VELHOST_FILE);
 const QString scriptedPlugin = QStringLiteral(SCRIPTED_PLUGIN_FILE);
 const QString objectPlugin = QStringLiteral(OBJECT_PLUGIN_FILE);
 const QString silentPlugin = QStringLiteral(SILENT_PLUGIN_FILE);
-
-bool writeFile(const QString &fileName, const QByteArray &content)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
 
 /// One device with one item, without a time stamp of the plug-in.
 const char *const smallPlant

@@ -1,8 +1,8 @@
 #include "programrun.h"
+#include "writefile.h"
 
 #include <vel/interfaceid.h>
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -13,14 +13,15 @@ namespace {
 
 const QString scriptedPlugin = QStringLiteral(SCRIPTED_PLUGIN_FILE);
 
-QString text(const char *utf8)
+/// The text with the path of the scripted plug-in in its places.
+QString expanded(const char *utf8)
 {
     return QString::fromUtf8(utf8).replace(QStringLiteral("%PLUGIN%"), scriptedPlugin);
 }
 
 QStringList words(const char *utf8)
 {
-    return text(utf8).split(u'|');
+    return expanded(utf8).split(u'|');
 }
 
 /// The press with two items, whose time stamps are set, and its device script.
@@ -73,10 +74,8 @@ void tst_VelhostProgram::initTestCase()
 /// Runs in a folder with the plant in "plant.json".
 ProgramRun tst_VelhostProgram::runPlant(const QStringList &arguments, const QByteArray &plant)
 {
-    QFile file(m_folder.filePath(QStringLiteral("plant.json")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(plant) != plant.size())
+    if (!writeFile(m_folder.filePath(QStringLiteral("plant.json")), plant))
         return {};
-    file.close();
     return runProgram(QStringLiteral(VELHOST_FILE), arguments, m_folder.path());
 }
 
@@ -84,7 +83,7 @@ void tst_VelhostProgram::columns()
 {
     const ProgramRun run = runPlant(words("columns|--plugin|%PLUGIN%"), {});
     QCOMPARE(run.errors, QString());
-    QCOMPARE(run.output, text(R"(Plug-in     scripted
+    QCOMPARE(run.output, expanded(R"(Plug-in     scripted
 Version     104
 Class       ScriptedPlugin
 Identifier  )" VELInterface_iid R"(
@@ -123,7 +122,7 @@ void tst_VelhostProgram::columnsAsJson()
     QCOMPARE(run.errors, QString());
     QCOMPARE(
         run.output,
-        text(
+        expanded(
             R"({"type":"plugin","name":"scripted","version":104,"options":{"unused1":24,"flag2":false,"flag3":false,"unused4":true,"unused5":180,"flag6":true,"flag7":false,"unused8":false,"unused9":false,"text10":"discover","unused11":{"depth":2}},"class":"ScriptedPlugin","identifier":")" VELInterface_iid
             R"("}
 {"type":"column","scope":"plugin","name":"note","type_code":0,"int":64,"default":"","description":"The note.","selection":[]}
@@ -149,8 +148,8 @@ void tst_VelhostProgram::runs_data()
 
     const auto row = [](const char *title, const char *arguments, const QByteArray &plant,
                         int exitCode, const char *output, const char *errors) {
-        QTest::newRow(title) << words(arguments) << plant << exitCode << text(output)
-                             << text(errors);
+        QTest::newRow(title) << words(arguments) << plant << exitCode << expanded(output)
+                             << expanded(errors);
     };
     row("read", "read|--plugin|%PLUGIN%|--plant|plant.json", pressPlant("", R"(-1\r\u0000)"), 0,
         R"(Cycle  Time                           Device  Item     Value     Error

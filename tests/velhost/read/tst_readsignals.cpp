@@ -1,7 +1,7 @@
 #include "programrun.h"
 #include "text.h"
+#include "writefile.h"
 
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -55,15 +55,12 @@ private Q_SLOTS:
 
 void tst_ReadSignals::startRead(QProcess *process, const QByteArray &script, const char *cycles)
 {
-    QFile file(m_folder.filePath(text("plant.json")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(plantWith(script));
-    file.close();
+    const QString plant = m_folder.filePath(text("plant.json"));
+    QVERIFY(writeFile(plant, plantWith(script)));
     process->setProcessEnvironment(plainEnvironment());
-    process->start(text(VELHOST_FILE),
-                   {text("read"), text("--plugin"), pluginFile, text("--plant"), file.fileName(),
-                    text("--cycles"), text(cycles), text("--interval"), text("86400000"),
-                    text("--format"), text("csv")});
+    process->start(text(VELHOST_FILE), {text("read"), text("--plugin"), pluginFile, text("--plant"),
+                                        plant, text("--cycles"), text(cycles), text("--interval"),
+                                        text("86400000"), text("--format"), text("csv")});
     QVERIFY(process->waitForStarted());
 }
 
@@ -133,10 +130,8 @@ void tst_ReadSignals::duringCycle()
 // As a shell starts what shall run on in the background.
 void tst_ReadSignals::ignoredFromTheStart()
 {
-    QFile file(m_folder.filePath(text("plant.json")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(plantWith("raise-int"));
-    file.close();
+    const QString plant = m_folder.filePath(text("plant.json"));
+    QVERIFY(writeFile(plant, plantWith("raise-int")));
     const ProgramRun run = runProgram(
         text("/bin/sh"),
         {text("-c"),

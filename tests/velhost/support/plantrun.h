@@ -1,8 +1,8 @@
 #pragma once
 
 #include "programrun.h"
+#include "writefile.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 
 /// Runs the program in a new folder that holds `plant` as "plant.json".
@@ -10,9 +10,7 @@ inline ProgramRun runWithPlant(const QString &program, const QStringList &argume
                                const QByteArray &plant)
 {
     const QTemporaryDir folder;
-    QFile file(folder.filePath(QStringLiteral("plant.json")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(plant) != plant.size())
-        return {-1, {}, file.errorString()};
-    file.close();
+    if (!writeFile(folder.filePath(QStringLiteral("plant.json")), plant))
+        return {-1, {}, QStringLiteral("plant.json cannot be written")};
     return runProgram(program, arguments, folder.path());
 }
