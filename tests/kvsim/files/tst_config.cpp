@@ -57,7 +57,7 @@ void tst_Config::controllers()
                         + "\ncommands 0, answers 0, refusals 0, clients 0\n"));
 }
 
-// What the file says is there first; the options are for every controller.
+// The options change every controller after the file has been read.
 void tst_Config::optionsBesideTheFile()
 {
     const TestFolder folder;
@@ -136,7 +136,7 @@ void tst_Config::generators_data()
     const auto row = [](const char *generator, const char *answers) {
         QTest::newRow(generator) << QByteArray(generator) << QByteArray(answers);
     };
-    // Slow enough to read what they begin with.
+    // The periods are long, so that the first value is read.
     row(R"({"kind": "ramp", "from": 7, "to": 9, "period": 86400000})", "00007");
     row(R"({"kind": "sine", "mean": -5, "amplitude": 0, "period": 1})", "65531");
     row(R"({"kind": "square", "low": 1, "high": 8, "period": 86400000})", "00008");
@@ -148,7 +148,7 @@ void tst_Config::generators_data()
     row(R"({"kind": "csv", "file": "times.csv", "once": false})", "00040");
 }
 
-// The address says what the generator says, whatever is written to it.
+// A write does not change a generated value.
 void tst_Config::generators()
 {
     QFETCH(QByteArray, generator);

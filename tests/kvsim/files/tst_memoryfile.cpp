@@ -38,7 +38,7 @@ QByteArray one(const QByteArray &memory)
 
 } // namespace
 
-// Only what was written, device by device, neighbours in one line.
+// The file has only what was written, device by device, neighbours in one line.
 void tst_MemoryFile::dump()
 {
     const TestFolder folder;
@@ -74,7 +74,8 @@ void tst_MemoryFile::nothingWritten()
     QVERIFY(second.terminate());
 }
 
-// Several controllers, from one run to the next; a file that a person wrote will do.
+// Several controllers keep their memory from one run to the next. The first file is written by
+// hand.
 void tst_MemoryFile::loadAndDump()
 {
     const TestFolder folder;
@@ -184,7 +185,7 @@ void tst_MemoryFile::faults_data()
         ": controllers: expected 1, as many as are simulated, found 2");
 }
 
-// Nothing is loaded, nothing is served, and the file stays as it is.
+// A wrong file is not loaded and not changed, and no controller starts.
 void tst_MemoryFile::faults()
 {
     QFETCH(QByteArray, content);

@@ -11,7 +11,7 @@
 
 Q_DECLARE_METATYPE(Generator)
 
-// What generators say at a given time, and what memory makes of it.
+// The values of generators at a given time, and as memory holds them.
 class tst_Generator : public QObject
 {
     Q_OBJECT
@@ -141,7 +141,7 @@ void tst_Generator::limits()
     QCOMPARE(ask(&memory, "RD " + where), answer);
 }
 
-// Time goes on with each look at the clock, but not within one command.
+// The clock moves on each time it is read. One command reads it once.
 void tst_Generator::oneMomentForARange()
 {
     Memory memory;
@@ -166,7 +166,7 @@ void tst_Generator::writesAreLost()
     QCOMPARE(valueAt(controller, "DM7"), std::make_optional(70));
 }
 
-// The clock of memory itself begins with it.
+// Memory's own clock starts when the memory is made.
 void tst_Generator::fromOneStartOn()
 {
     Memory memory;

@@ -158,7 +158,7 @@ void tst_DatagramServer::parts_data()
     row("long=65508", "RD DM100", {QByteArray("00100 ").repeated(10917) + "0010\r"});
 }
 
-// What arrives, datagram by datagram; the next command is served as if nothing had been.
+// The datagrams that arrive. The next command is served without a fault.
 void tst_DatagramServer::parts()
 {
     QFETCH(QByteArray, fault);
@@ -190,7 +190,7 @@ void tst_DatagramServer::delayHoldsNothingElseBack()
     QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(1));
 }
 
-// More than the simulator keeps at a time: it keeps its limit and drops the rest.
+// More answers wait than the simulator keeps: it keeps its limit and drops the rest.
 void tst_DatagramServer::manyDelayedAnswers()
 {
     constexpr quint64 size = 1000 * 6 + 1 + 256;
@@ -241,7 +241,7 @@ void tst_DatagramServer::previousAnswerOfAnySender()
     QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(1));
 }
 
-// Either way of asking takes both down, and both come back.
+// A command over TCP or UDP restarts both, and both answer again.
 void tst_DatagramServer::restart()
 {
     SimulatorThread simulator;
@@ -291,7 +291,7 @@ void tst_DatagramServer::restartDropsWaitingAnswers()
     QCOMPARE(simulator.faultCounts().at(0).applied, quint64(1));
 }
 
-// At an address of its own, where no connection of another program has the port for TCP.
+// The address is the test's own: no connection of another program has its TCP port.
 void tst_DatagramServer::portTakenForUdpAlone()
 {
     const QString address = text("127.0.0.77");

@@ -39,7 +39,7 @@ namespace {
 
 constexpr int timeout = 60000; // milliseconds; only a failing test takes so long
 
-// A client that blocks, as a caller without event loop has it.
+// A client that blocks and needs no event loop.
 class Client
 {
 public:
@@ -59,7 +59,7 @@ public:
         }
     }
 
-    /// The next `lines` answers, or what came of them.
+    /// The next `lines` answers, or those that came in time.
     QByteArray receive(int lines = 1)
     {
         QByteArray answers;

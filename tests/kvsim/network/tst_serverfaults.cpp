@@ -101,7 +101,7 @@ void tst_ServerFaults::bytes_data()
     row("previous-answer@DM100", "00007\r\n");
 }
 
-// The answer is altered, and the next command is served as if nothing had been.
+// The answer is altered. The next command is served without a fault.
 void tst_ServerFaults::bytes()
 {
     QFETCH(QByteArray, fault);
@@ -143,7 +143,7 @@ void tst_ServerFaults::lateLetsLaterAnswersPass()
     compareCount(simulator, 1, 1);
 }
 
-// More of them than the simulator keeps at a time; none is lost.
+// More late answers are wanted than the simulator keeps at a time; none is lost.
 void tst_ServerFaults::manyLateAnswers()
 {
     constexpr int commands = 3000;
@@ -258,7 +258,7 @@ void tst_ServerFaults::turnedAway()
     QCOMPARE(first.ask("RD DM8\r"), QByteArray("00008\r\n"));
 }
 
-// A client that goes makes room for another one.
+// A client that disconnects makes room for another one.
 void tst_ServerFaults::roomForOneClient()
 {
     SimulatorThread simulator;

@@ -299,7 +299,7 @@ void tst_KvsimProgram::portTaken()
 
 void tst_KvsimProgram::foreignAddress()
 {
-    // An address from the block kept for documentation is no machine's own.
+    // The address is reserved for documentation: no machine has it.
     const ProgramRun result = run({QStringLiteral("--port"), QStringLiteral("0"),
                                    QStringLiteral("--bind"), QStringLiteral("192.0.2.1")});
     QCOMPARE(result.errors.toUtf8(),

@@ -59,7 +59,7 @@ QStringList controllers(const char *count, const char *consecutive = "addresses"
             text("--consecutive"), text(consecutive)};
 }
 
-// With the control port.
+// As controllers(), with a control port.
 QStringList controlled(const char *count)
 {
     return controllers(count, "ports") + QStringList{text("--control"), text("0")};
@@ -257,7 +257,8 @@ void tst_SeveralControllers::restartTakesOneDown()
     QCOMPARE(simulator.errors().count("fault restart=600000: seen 1, applied 1\n"), 1);
 }
 
-// None listens when one cannot. At addresses where no connection of another program has the port.
+// When one controller cannot listen, none does. The addresses are the test's own: no connection of
+// another program has their ports.
 void tst_SeveralControllers::onePortTaken()
 {
     QTcpServer owner;

@@ -20,7 +20,7 @@ public:
 
     QProcess *process() { return &m_process; }
 
-    /// The lines that were waited for, without their line ends; empty what did not come.
+    /// The lines that were waited for, without their line ends; a line that did not come is empty.
     QList<QByteArray> lines() const { return m_lines; }
 
     /// The number behind the last colon of such a line; 0 when there is none.
@@ -38,7 +38,7 @@ public:
                && m_process.exitCode() == 0;
     }
 
-    /// What it has printed to standard error and was not asked for yet.
+    /// What it has printed to standard error since the last call.
     QByteArray errors() { return m_process.readAllStandardError(); }
 
 private:

@@ -15,7 +15,7 @@ class SimulatorThread final : public QThread
     Q_OBJECT
 
 public:
-    /// Port 0 picks a free one. Look at `isListening()` before use.
+    /// Port 0 picks a free one. Check `isListening()` before use.
     explicit SimulatorThread(const QHostAddress &address = QHostAddress(QHostAddress::LocalHost),
                              quint16 port = 0, QObject *parent = nullptr);
     ~SimulatorThread() override;
@@ -58,7 +58,7 @@ protected:
 private:
     QHostAddress m_address;
     Controller m_controller;
-    /// Released once `m_port` and `m_errorString` hold what came of listening.
+    /// Released when `m_port` and `m_errorString` are set.
     QSemaphore m_started;
     quint16 m_port;
     QString m_errorString;

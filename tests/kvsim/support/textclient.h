@@ -4,8 +4,8 @@
 #include <QHostAddress>
 #include <QTcpSocket>
 
-/// A client that blocks, as a caller without event loop has it. Every wait ends after ten seconds,
-/// which only a failing test needs.
+/// A client that blocks and needs no event loop. Every wait ends after ten seconds, which only a
+/// failing test needs.
 class TextClient
 {
 public:
@@ -26,7 +26,7 @@ public:
         }
     }
 
-    /// The next `count` bytes, or what came of them.
+    /// The next `count` bytes, or fewer when they did not come in time.
     QByteArray receive(int count)
     {
         while (m_socket.bytesAvailable() < count && m_socket.waitForReadyRead(timeout)) {
