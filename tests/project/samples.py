@@ -118,7 +118,7 @@ def fits(shown, printed):
 
 def compare(shown, printed):
     if not fits(shown, printed):
-        # A line that is right but for what is left out is no difference.
+        # A line that differs only in what "…" leaves out is not shown as a difference.
         shown = [next((other for other in printed if line != "…" and fits([line], [other])), line) for line in shown]
         difference = difflib.unified_diff(shown, printed, "the page", "the program", lineterm="", n=99)
         raise Failure("the program prints something else:\n" + "\n".join(difference))
@@ -172,7 +172,7 @@ class Simulator:
         read = (self.process.stdout.readline() for _ in range(count))
         self.lines = [line.rstrip("\n") for line in read if line]
         watchdog.cancel()
-        # What it prints later fits into the pipe.
+        # Later output is not read: it fits into the pipe.
         if not self.lines or not self.lines[0].startswith("listening "):
             raise Failure(f"{command}: does not listen: {self.lines}")
 
@@ -194,7 +194,7 @@ def watch(command, folder, environment, is_right):
     watchdog = threading.Timer(SECONDS, os.killpg, (pid, signal.SIGKILL))
     watchdog.start()
     drawn, seen = b"", []
-    # The terminal fails when the program has ended.
+    # Reading fails when the program has ended.
     with contextlib.suppress(OSError):
         while not (seen and is_right(seen)):
             drawn += os.read(terminal, 65536)

@@ -36,7 +36,7 @@ ProgramRun formatted(const QString &manPage)
 
 } // namespace
 
-/// What the programs say of themselves: help, manual page, completion.
+/// Help, manual page and completion of the programs.
 class tst_Help : public QObject
 {
     Q_OBJECT
@@ -137,7 +137,7 @@ void tst_Help::helpNamesNothingElse_data()
     }
 }
 
-/// Only the option that does not exist is unknown, whether the other one takes the value or not.
+/// Only the option that does not exist is reported, whether the other one takes a value or not.
 void tst_Help::helpNamesNothingElse()
 {
     QFETCH(QString, name);
@@ -217,7 +217,7 @@ void tst_Help::completes()
     QVERIFY(plant.open(QIODevice::WriteOnly));
     const QString name = line.section(QLatin1Char(' '), 0, 0);
     const Tool tool = toolNamed(name);
-    // What bash does when the tab key is pressed behind the line.
+    // Completes the line as bash does when the tab key is pressed.
     const QString script = text(R"(
         . "$5"
         . "$1"

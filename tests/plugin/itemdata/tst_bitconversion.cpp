@@ -155,7 +155,7 @@ void tst_BitConversion::getBoolInt()
     QTEST(ItemData::getBoolInt(bitValue, word, address), "result");
 }
 
-// A write of one bit leaves the other fifteen alone, whatever the word is.
+// A write of one bit does not change the other fifteen bits of the word.
 void tst_BitConversion::everyBitOfEveryWord()
 {
     for (int bit = 0; bit < 16; ++bit) {

@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-// What the forms of an address say.
+// The parts of an address in all its forms.
 class tst_ItemAddress : public QObject
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ void tst_ItemAddress::getDevice_data()
     row("blank behind", "D201 ", "1", "");
     row("line feed behind", "D201\n", "1", "D201\n");
 
-    // Only 0 to 9 are digits: others belong to the letters.
+    // Only 0 to 9 count as digits; other digits count as letters.
     QTest::newRow("digit of another script")
         << QStringLiteral("D\u06615") << text("1") << QStringLiteral("D\u06615");
     QTest::newRow("digit of another script, last")

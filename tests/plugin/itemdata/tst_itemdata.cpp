@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-// The patterns, and the checks of values and of whole items.
+// The patterns, and the checks of values and items.
 class tst_ItemData : public QObject
 {
     Q_OBJECT

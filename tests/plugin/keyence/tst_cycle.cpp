@@ -14,7 +14,7 @@ DataItem word(const char *name, const char *address, const char *value = "")
     return dataItem(text(name), text(address), text("1"), text("3"), text(value));
 }
 
-// Leaves the device without a connection: an answer that does not come closes it.
+// Closes the connection of the device: an answer that does not come closes it.
 void loseConnection(Keyence &plugin, const DeviceInstancePlugin &device)
 {
     LogList unanswered = logList(device, {word("Counter", "D201")});
@@ -23,7 +23,7 @@ void loseConnection(Keyence &plugin, const DeviceInstancePlugin &device)
 
 } // namespace
 
-// The cycles over a whole device.
+// The read and write cycles of a device.
 class tst_Cycle : public QObject
 {
     Q_OBJECT
@@ -113,7 +113,7 @@ void tst_Cycle::invalidDeviceIsNotServed()
     QCOMPARE(valueOf(list.dataItems.at(0)), text("5"));
     QCOMPARE(host.errorLog, QStringList{text("Error on device <Press>: ") + error});
     plugin.stopPlugin();
-    // Nothing but the connection made at the start.
+    // Only the connection of init().
     QCOMPARE(peer.finish(), QByteArray());
     QCOMPARE(peer.connectionCount(), 1);
 }
@@ -123,7 +123,7 @@ void tst_Cycle::invalidDeviceIsNotConnected_data()
     invalidDeviceIsNotServed_data();
 }
 
-// The socket of the start would reach the peer, whatever the record says since.
+// The socket of init() is still connected to the peer, even if the record has changed.
 void tst_Cycle::invalidDeviceIsNotConnected()
 {
     QFETCH(QString, ip);

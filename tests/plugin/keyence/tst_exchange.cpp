@@ -72,7 +72,7 @@ void tst_Exchange::letterOutsideAscii_data()
     QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << QByteArray("RD \xD6M1\r");
 }
 
-// The line leaves in the encoding of the machine, whichever that is.
+// The line is sent in the encoding of the machine's locale.
 void tst_Exchange::letterOutsideAscii()
 {
     QFETCH(QByteArray, encoding);

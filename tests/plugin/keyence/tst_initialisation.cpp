@@ -19,7 +19,7 @@ DataItem word(const char *name, const char *address, const char *value = "")
     return dataItem(text(name), text(address), text("1"), text("3"), text(value));
 }
 
-// The connect is not made, so that no port of this machine is touched.
+// The connect fails, so that no port of this machine is used.
 void refuseNextConnect()
 {
     SystemCalls::fail(SystemCalls::Call::Connect, ECONNREFUSED);
@@ -27,7 +27,7 @@ void refuseNextConnect()
 
 } // namespace
 
-// What the plug-in does when it starts: the calls to the host and the connections.
+// The plug-in's init(): the calls to the host and the connections.
 class tst_Initialisation : public QObject
 {
     Q_OBJECT
@@ -203,7 +203,7 @@ void tst_Initialisation::portBeyondTheNumbersIsNotConnected_data()
     QTest::newRow("eleven digits") << text("99999999999");
 }
 
-// The text passes as a port, but nothing can listen where it leads.
+// The text is accepted as a port, but nothing can listen there.
 void tst_Initialisation::portBeyondTheNumbersIsNotConnected()
 {
     QFETCH(QString, port);
@@ -255,7 +255,7 @@ void tst_Initialisation::timeout_data()
     row("above the greatest number", "2147483648", 1000);
 }
 
-// The waits that the system is asked for, of the connect and of the answer.
+// The time-outs of poll() for the connect and for the answer.
 void tst_Initialisation::timeout()
 {
     QFETCH(Parameters, parameters);

@@ -12,7 +12,7 @@ const QString loopback = QStringLiteral("127.0.0.1");
 
 } // namespace
 
-// Items that fail: what is sent all the same, what is returned and what is logged.
+// Items that fail: what is still sent, returned and logged.
 class tst_ItemRefusals : public QObject
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ void tst_ItemRefusals::refusesItem_data()
         QTest::newRow(name) << text(command) << text(address) << text(memoryType) << text(dataType)
                             << text(value) << lines << answers << text(error) << text(logged);
     };
-    // A check that fails is returned in short and logged with the item's name; nothing is sent.
+    // A failed check returns the short text and logs it with the item's name; nothing is sent.
     const auto check = [&](const char *name, const char *command, const char *address,
                            const char *memoryType, const char *dataType, const char *value,
                            const char *error) {

@@ -98,11 +98,11 @@ void tst_ItemService::readsItem()
     RecordingBackend host;
     Keyence plugin;
     Socket socket(loopback, peer.port(), 2000);
-    // What a cycle before left as value must not matter: it is far too long for the item.
+    // The value of an earlier cycle must be ignored: it is too long for the item.
     DataItem item = dataItem(text("Counter"), address, memoryType, dataType, QString(100, u'x'));
     QCOMPARE(plugin.manageDataItem(item, text("read"), socket), QString());
     QTEST(valueOf(item), "value");
-    // A null text would not be an empty value to a host that keeps it.
+    // A null text would not be an empty value in a host that stores it.
     QVERIFY(!valueOf(item).isNull());
     QCOMPARE(host.errorLog, QStringList());
     socket.disconnect();

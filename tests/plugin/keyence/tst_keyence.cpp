@@ -13,7 +13,7 @@ DataItem word(const char *name, const char *address, const char *value = "")
     return dataItem(text(name), text(address), text("1"), text("3"), text(value));
 }
 
-// All that a column says, one line a field, so that a difference shows as text.
+// All fields of a column, one line each, so that QCOMPARE shows a difference.
 QStringList describe(const DatabaseColumnStructure &column)
 {
     QStringList lines = {column.name, QString::number(column.type),
@@ -23,7 +23,7 @@ QStringList describe(const DatabaseColumnStructure &column)
     return lines;
 }
 
-// Those of the column's texts that are null, named by column and field.
+// The null texts of the column, as column and field.
 QStringList nullTexts(const DatabaseColumnStructure &column)
 {
     QStringList result;
@@ -46,7 +46,7 @@ const QStringList discoveryFlags = {QStringLiteral("__vel_discovery_editable = 1
 
 } // namespace
 
-// The registration, and what is neither the start nor a cycle.
+// The registration, and the calls besides init() and the cycles.
 class tst_Keyence : public QObject
 {
     Q_OBJECT
@@ -181,7 +181,7 @@ void tst_Keyence::networkInterfaceColumn()
                  + offered + discoveryFlags);
 }
 
-// What compares equal to an empty text may still be null, which a database keeps as something else.
+// A null text compares equal to an empty one, but a database stores it differently.
 void tst_Keyence::noTextOfAColumnIsNull()
 {
     RecordingBackend host;
@@ -259,7 +259,7 @@ void tst_Keyence::initDeviceData()
     QVERIFY(!list.parameters.value(text("port")).isNull());
 }
 
-// A connection that is still open does not stand in for a new one.
+// An open connection is not used in place of a new one.
 void tst_Keyence::connectDeviceConnectsAgain()
 {
     ScriptedPeer peer;
@@ -286,7 +286,7 @@ void tst_Keyence::connectDeviceOfAnUnknownId()
     QCOMPARE(peer.connectionCount(), 0);
 }
 
-// Without a host behind the library its calls do nothing and its lists are empty.
+// Without a backend the calls of the library do nothing and return empty lists.
 void tst_Keyence::worksWithoutAHost()
 {
     Keyence plugin;

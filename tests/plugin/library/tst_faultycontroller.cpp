@@ -9,7 +9,7 @@
 #include <QPluginLoader>
 #include <QTest>
 
-// What the built plug-in makes of every fault.
+// The results of the built plug-in for every fault of the simulator.
 class tst_FaultyController : public QObject
 {
     Q_OBJECT
@@ -144,8 +144,8 @@ void tst_FaultyController::turnedAway_data()
                                                 ":Timeout reading (1000ms)");
 }
 
-// The server runs in this thread: the plug-in is connected by the system before the server accepts,
-// and the reset is there before the plug-in sends.
+// The server runs in this thread. The system connects the plug-in before the server accepts, and
+// the reset arrives before the plug-in sends.
 void tst_FaultyController::turnedAway()
 {
     QFETCH(QByteArray, fault);
@@ -198,7 +198,7 @@ void tst_FaultyController::writeIsExecutedOrNot()
     QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(1));
 }
 
-// The cycles find the controller again by themselves.
+// The cycles reconnect to the controller.
 void tst_FaultyController::restart()
 {
     SimulatorThread simulator;

@@ -5,21 +5,21 @@
 
 #include <QTest>
 
-// Where the host finds what it shares with the plug-in. The numbers are worked out by hand from the
-// order and the types of the fields: on 32-bit ARM a pointer, a text, a list, a map and a time take
-// four bytes, on 64-bit machines eight, and each stands at a multiple of its size. Two 32-bit words
-// stand at a multiple of four.
+// The offsets and sizes of the records that the host shares with the plug-in. The numbers are
+// computed by hand from the order and the types of the fields: on 32-bit ARM a pointer, a text, a
+// list, a map and a time take four bytes, on 64-bit machines eight. Each is aligned to its size. An
+// array of two 32-bit words is aligned to four.
 
 namespace {
 
-// The one of the two numbers that holds for the machine that the test runs on.
+// Selects the number for the machine that the test runs on.
 int here(int on32Bit, int on64Bit)
 {
     static_assert(sizeof(void *) == 4 || sizeof(void *) == 8);
     return sizeof(void *) == 4 ? on32Bit : on64Bit;
 }
 
-// A row for one field. Its type is given as well: another one does not compile.
+// A row for one field. With another type than the given one it does not compile.
 template<typename Type, typename Record>
 void addField(const char *name, Type Record::*field, int on32Bit, int on64Bit)
 {
@@ -162,7 +162,7 @@ void addRegistrationFields()
     addField<QString>("options 10", &Options::text10, 16, 16);
     addField<QMap<QString, QVariant>>("options 11", &Options::unused11, 20, 24);
 
-    // Of these only the beginning is known.
+    // Only the first fields of these are known.
     addField<quint32>("file 1", &FileInstancePlugin::unused1, 0, 0);
     addField<QString>("file 2", &FileInstancePlugin::unused2, 4, 8);
     addField<QString>("network interface 1", &NetworkInterfaceInstance::name, 0, 0);
@@ -236,7 +236,7 @@ void tst_Layout::defaultOptions()
     const PluginInitOptions options;
     const auto *bytes = reinterpret_cast<const char *>(&options);
     QByteArray numbers(bytes, 16);
-    // Nothing stands between the first three flags and the next number.
+    // There is no other field between the first three flags and the next number.
     numbers[7] = '\0';
     QCOMPARE(numbers.toHex(' '), QByteArray("18 00 00 00 00 00 01 00 b4 00 00 00 00 00 00 00"));
     QCOMPARE(*reinterpret_cast<const QString *>(bytes + 16), text("discover"));

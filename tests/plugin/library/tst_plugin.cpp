@@ -19,7 +19,7 @@ namespace {
 
 const QString pluginFile = QStringLiteral(KEYENCE_PLUGIN_FILE);
 
-// What a program prints, line by line.
+// The lines that a program prints.
 QStringList linesOf(const QString &program, const QStringList &arguments)
 {
     QProcess process;
@@ -41,7 +41,7 @@ QStringList symbols(const QString &file, const QStringList &options)
 
 } // namespace
 
-// The built library as a host meets it.
+// The built library as a host loads it.
 class tst_Plugin : public QObject
 {
     Q_OBJECT
@@ -97,7 +97,7 @@ void tst_Plugin::importsFromTheHost()
     QCOMPARE(imported.filter(otherRecords), QStringList());
 }
 
-// A changed argument changes the name that the host's library must have.
+// A changed argument changes the symbol that the host's library must have.
 void tst_Plugin::importsAsLinked()
 {
     QFile file(text(IMPORTS_FILE));
@@ -189,7 +189,7 @@ void tst_Plugin::wholeLife()
     }
     QCOMPARE(peer.finish(), QByteArray("RD D201\rWR D201 00-1\rRD D201\r"));
 
-    // What the plug-in left with the host is still good when the plug-in is gone.
+    // What the plug-in gave to the host is still valid after the plug-in was unloaded.
     const QString error = text("[RD D201\r] <Counter> :invalid address");
     QCOMPARE(host.errorLog, QStringList{error});
     QCOMPARE(list.dataItems.at(0).item.lastError, error);

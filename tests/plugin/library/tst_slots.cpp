@@ -5,15 +5,15 @@
 #include <QStringList>
 #include <QTest>
 
-// The host calls by number: the n-th entry of the table to which the object's first bytes point. A
-// destructor takes two entries, of which the second one frees the memory as well.
+// The host calls virtual functions by their number in the vtable, to which the first bytes of the
+// object point. A destructor has two entries; the second one also frees the memory.
 
 namespace {
 
 QStringList called;
 
-// A plug-in that says which of its operations was reached. It has no meta-object of its own,
-// because the operations that would hand it out are among those that are noted.
+// A plug-in that records which operation was called. It has no meta-object of its own, because the
+// operations of the meta-object are recorded, too.
 class Recorder : public Keyence // clazy:exclude=missing-qobject-macro
 {
 public:
@@ -72,8 +72,8 @@ private:
     }
 };
 
-// Calls the operation as the host does, which knows nothing but the object's address and the
-// number. Null stands for whatever the operation takes.
+// Calls the operation by the object's address and the number, as the host does. Null stands for any
+// argument.
 void callSlot(void *object, int slot)
 {
     using Operation = void *(*)(void *object, void *first, void *second, void *third);
@@ -81,7 +81,7 @@ void callSlot(void *object, int slot)
     table[slot](object, nullptr, nullptr, nullptr);
 }
 
-// The object as the host meets it: by the table of the plug-in or by the one of the interface.
+// The object with the vtable of the plug-in or with that of the interface.
 void *seenAs(Recorder *recorder, bool interface)
 {
     return interface ? static_cast<void *>(static_cast<VELInterface *>(recorder)) : recorder;

@@ -12,7 +12,7 @@ namespace {
 const QString loopback = QStringLiteral("127.0.0.1");
 }
 
-// The life of a connection once it has been opened, and the object around it.
+// An open connection, and the Socket object itself.
 class tst_Socket : public QObject
 {
     Q_OBJECT
@@ -150,7 +150,7 @@ void tst_Socket::moveAssignment()
     second.setError(QStringLiteral("its own"));
     second = std::move(first);
 
-    // What a move leaves behind is defined.
+    // The state after a move is defined.
     // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
     QCOMPARE(first.getSockfd(), -1);
     QVERIFY(!first.isConnected());
@@ -168,7 +168,7 @@ void tst_Socket::comparison_data()
     QTest::addColumn<int>("port");
     QTest::addColumn<bool>("same");
 
-    // Addresses that never resolve, so that nothing is connected.
+    // Addresses that never resolve, so that no connection is made.
     const QString own = QStringLiteral("256.0.0.1");
     QTest::newRow("same") << own << own << 8501 << true;
     QTest::newRow("other port") << own << own << 8502 << false;

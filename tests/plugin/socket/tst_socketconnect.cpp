@@ -15,7 +15,7 @@ namespace {
 
 const QString loopback = QStringLiteral("127.0.0.1");
 
-// A port on loopback that was free a moment ago.
+// A loopback port at which nobody listens: it was just free.
 int closedPort()
 {
     ScriptedPeer peer;
@@ -131,7 +131,7 @@ void tst_SocketConnect::connectElsewhereLeavesTheOwnConnection()
     QCOMPARE(SystemCalls::closed(), (QList<int>{descriptor, own}));
 }
 
-// What fails is taken for the object's connection, whatever the descriptor was for.
+// A failure counts as one of the object's connection, whatever the descriptor was for.
 void tst_SocketConnect::failedConnectElsewhereClosesTheOwnConnection()
 {
     const int port = closedPort();
@@ -242,7 +242,7 @@ void tst_SocketConnect::unansweredConnectionShowsTheGivenTimeout()
 
 void tst_SocketConnect::descriptorClosedWhileConnecting()
 {
-    // No thread of a peer may open something under the number that becomes free.
+    // No peer thread may get the descriptor number that becomes free.
     const FullQueue queue;
     SystemCalls::watch();
     SystemCalls::fail(SystemCalls::Call::Poll, EBADF);

@@ -16,7 +16,7 @@ namespace {
 const QString loopback = QStringLiteral("127.0.0.1");
 }
 
-// What a socket makes of system calls that fail, and which of them it makes.
+// Failing system calls, and which system calls a socket makes.
 class tst_SocketFaults : public QObject
 {
     Q_OBJECT
@@ -124,7 +124,7 @@ void tst_SocketFaults::connectFailure()
     QTEST(socket.getError(), "error");
     QCOMPARE(SystemCalls::closed(), closes ? QList<int>{socket.getSockfd()} : QList<int>());
 
-    // The next attempt is not spoilt by the failure.
+    // The next attempt is not affected by the failure.
     socket.disconnect();
     QVERIFY(socket.reConnect());
 }
@@ -289,11 +289,11 @@ void tst_SocketFaults::descriptorNumberIsNotTouchedAfterDisconnect()
     ScriptedPeer peer;
     Socket socket(loopback, peer.port());
     const int number = socket.getSockfd();
-    // The peer's own descriptor must not be the one that gets the number.
+    // The peer's own descriptor must not get that number.
     QVERIFY(peer.waitForConnections(1));
     socket.disconnect();
 
-    // The process opens something else, which gets the same number.
+    // Another descriptor of the process gets the same number.
     std::array<int, 2> ends{};
     QCOMPARE(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()), 0);
     if (ends[0] != number) {

@@ -172,7 +172,7 @@ void tst_SocketTransfer::readAfterOrderlyClose()
     peer.closeConnection();
     SystemCalls::watch();
     QByteArray data = "old";
-    // A number left from an earlier call must not show in the text.
+    // The errno of an earlier call must not be in the text.
     errno = EIO;
     QVERIFY(!socket.read(&data));
     QCOMPARE(socket.getError(), QStringLiteral("No data received - Success"));
@@ -215,7 +215,8 @@ void tst_SocketTransfer::writeToAPeerThatIsGone()
     peer.closeConnection();
     QByteArray data;
     QVERIFY(!socket.read(&data));
-    // The first bytes are answered by a reset; when it has arrived, the next ones cannot be sent.
+    // The peer answers the first bytes with a reset; after it has arrived, the next ones cannot be
+    // sent.
     QVERIFY(socket.write("RD DM1\r"));
     pollfd reset{socket.getSockfd(), 0, 0};
     QCOMPARE(::poll(&reset, 1, 10000), 1);
@@ -234,7 +235,7 @@ void tst_SocketTransfer::descriptorClosedUnderneath()
 {
     ScriptedPeer peer;
     Socket socket(loopback, peer.port());
-    // The peer's own descriptor must not be the one that gets the number.
+    // The peer's own descriptor must not get that number.
     QVERIFY(peer.waitForConnections(1));
     ::close(socket.getSockfd());
     QByteArray data;

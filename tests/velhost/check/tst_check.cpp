@@ -140,7 +140,7 @@ void tst_Check::json()
     QCOMPARE(run.exitCode, exitCode);
 }
 
-// Each item is wrong twice, and none of it is left out.
+// Each item is wrong twice, and every problem is printed.
 void tst_Check::manyProblems()
 {
     const int count = 5000;
@@ -167,7 +167,7 @@ void tst_Check::duplicateKeys_data()
     QTest::newRow("101 are too many") << 101 << 100;
 }
 
-// They do not keep the other problems back.
+// Duplicate keys do not hide the other problems.
 void tst_Check::duplicateKeys()
 {
     QFETCH(int, extra);
@@ -304,7 +304,8 @@ void tst_Check::portAndTimeoutLimits()
     QCOMPARE(run.exitCode, isRight ? 0 : 2);
 }
 
-// What the plug-in does not declare cannot be wrong: this one has no time-out and no addresses.
+// Parameters that the plug-in does not declare are not checked: this one has no time-out and no
+// addresses.
 void tst_Check::undeclaredParameters()
 {
     const ProgramRun run = runCheck(SCRIPTED_PLUGIN_FILE, plantAt("10.0.0.1", ""));
@@ -318,7 +319,7 @@ void tst_Check::examples_data()
     QTest::addColumn<QString>("fileName");
 
     const QDir folder(text(EXAMPLES_FOLDER));
-    // What begins with "kvsim-" is for the simulated controller.
+    // The files that begin with "kvsim-" are for the simulated controller.
     const QRegularExpression plantName(text(R"(\A(?!kvsim-).*\.json\z)"));
     const QStringList names = folder.entryList(QDir::Files).filter(plantName);
     QVERIFY(names.size() >= 2);

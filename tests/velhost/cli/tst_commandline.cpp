@@ -230,8 +230,8 @@ void tst_CommandLine::commands()
              assignments);
 }
 
-/// The parser that finds the command out knows all options at once, so one of them must take a
-/// value with every command or with none.
+/// The parser that finds the command has the options of all commands at once, so an option of
+/// several commands must take a value in all of them or in none.
 void tst_CommandLine::sharedOptionsAgree()
 {
     QMap<QString, QString> values;

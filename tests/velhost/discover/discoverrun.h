@@ -4,7 +4,7 @@
 
 // A short search in 127.0.0.0/28, and what it prints.
 
-/// Runs it with the real plug-in.
+/// Runs the search with the real plug-in.
 inline ProgramRun discover(const QString &udpPorts, const QString &tcpPorts,
                            const QStringList &more = {})
 {
@@ -12,7 +12,7 @@ inline ProgramRun discover(const QString &udpPorts, const QString &tcpPorts,
                                                              tcpPorts, shortSearch() + more));
 }
 
-/// What is told first, for one port each.
+/// The first message of a search with one port for each protocol.
 inline QString searchMessage(int udpAddresses, int tcpAddresses)
 {
     return text("velhost: asking %1 addresses by UDP at 1 ports, then %2 by TCP at 1, for at most "

@@ -6,7 +6,7 @@
 #include <QHostAddress>
 #include <QTest>
 
-// `discover`, mostly by TCP: what it asks, what it takes for a controller, what it refuses.
+// `discover`, mostly by TCP: what it asks, what counts as a controller, which options it refuses.
 
 class tst_Discover : public QObject
 {

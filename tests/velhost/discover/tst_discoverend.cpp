@@ -13,12 +13,12 @@
 
 #include <csignal>
 
-// How `discover` ends: by a signal, by its time, without resources; and what it shows meanwhile.
+// How `discover` ends: by a signal, by its time-out, without free sockets. And its progress line.
 
 namespace {
 
-/// Of each of its eight million addresses one port is asked, which takes longer than any test. No
-/// other program's port is asked: it is taken at 127.0.0.1, so nobody can have it for all.
+/// An area of eight million addresses, which no test searches to the end. The asked port is bound
+/// at 127.0.0.1, so no other program can listen at it on all addresses.
 QStringList largeArea()
 {
     return {text("--interface"), text("lo"), text("--subnet"), text("127.0.0.0/9"),
@@ -102,7 +102,8 @@ void tst_DiscoverEnd::timeLimit()
     QVERIFY2(unasked > 0 && unasked < 8388606, qPrintable(match.captured(1)));
 }
 
-// Connected, but no answer: the probe ends after its own time, not with the search.
+// A controller that accepts but does not answer: the probe ends after its own time-out, not with
+// the search.
 void tst_DiscoverEnd::silentController()
 {
     SimulatorThread controller;
@@ -135,7 +136,7 @@ void tst_DiscoverEnd::outOfSockets_data()
     QTest::addColumn<int>("descriptors");
     QTest::addColumn<bool>("isEnough");
 
-    // 128 probes and what the program has open besides.
+    // 128 probes and the other descriptors of the program.
     QTest::newRow("enough for all at once") << 160 << true;
     QTest::newRow("too few") << 60 << false;
 }
@@ -172,7 +173,7 @@ void tst_DiscoverEnd::progressLine()
     const QByteArray &shown = run.output();
     const QList<QByteArray> states = shown.split('\r');
     QVERIFY2(states.contains("0 of 14 asked by TCP, 0 controllers found\x1b[K"), shown.constData());
-    // The state is gone before the next message.
+    // The progress line is cleared before the next message.
     QVERIFY2(states.contains(
                  "\x1b[Kvelhost: no controller found; check that it has power and an address in "
                  "this network, that its Host Link port is among those asked, and that no "

@@ -15,7 +15,7 @@ Finding finding(quint32 address, quint16 port, const QByteArray &answer, bool by
     return {address, port, identityOf(answer, true), byTcp, byUdp};
 }
 
-/// Two controllers and one that is none, not in order.
+/// Two controllers and one other program, not in order.
 Findings someFindings()
 {
     Findings findings;
@@ -171,7 +171,7 @@ void tst_DiscoverOutput::plant()
 )"));
 }
 
-// Something else answers by UDP than by TCP: two findings, but one device.
+// The answer by UDP differs from the one by TCP: two findings, but one device.
 void tst_DiscoverOutput::differentAnswers()
 {
     Findings findings;
@@ -205,7 +205,7 @@ void tst_DiscoverOutput::maximumFindings()
     Findings findings;
     for (int i = 0; i < answers; ++i)
         findings.add(finding(static_cast<quint32>(i), 8501, "55\r\n", false, true));
-    // One that is there already takes no more room.
+    // A finding that is already there needs no more room.
     findings.add(finding(0, 8501, "55\r\n", true, false));
     QCOMPARE(findings.all().size(), kept);
     QCOMPARE(findings.controllerCount(), kept);

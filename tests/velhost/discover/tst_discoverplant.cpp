@@ -13,7 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-// `discover --plant`: the file that it writes, and what it does not write.
+// `discover --plant`: the file that it writes, and when it writes none.
 
 namespace {
 
@@ -172,7 +172,7 @@ void tst_DiscoverPlant::replaces()
     QCOMPARE(onPlant({text("check")}).exitCode, 0);
 }
 
-// What was found is printed all the same.
+// The controllers are printed even so.
 void tst_DiscoverPlant::cannotBeWritten()
 {
     const SimulatorThread controller;

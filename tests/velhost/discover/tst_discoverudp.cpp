@@ -6,7 +6,7 @@
 #include <QTest>
 #include <QUdpSocket>
 
-// `discover` by UDP: what it takes for a controller.
+// `discover` by UDP: what counts as a controller.
 
 class tst_DiscoverUdp : public QObject
 {
@@ -62,7 +62,7 @@ void tst_DiscoverUdp::udpAnswers()
     QCOMPARE(run.exitCode, model.isEmpty() ? 1 : 0);
 }
 
-// A datagram from a port that was not asked is no answer, whatever it holds.
+// A datagram from a port that was not asked is ignored, whatever its content.
 void tst_DiscoverUdp::otherPort()
 {
     QUdpSocket other;

@@ -117,7 +117,7 @@ void tst_PortList::errors_data()
     outOfRange("0-10", "0-10");
     outOfRange("8501,65535-65536", "65535-65536");
     outOfRange("4294967297", "4294967297");
-    // Also behind as many ports as count.
+    // Also after the 64 ports that are used.
     outOfRange("1-64,65536", "65536");
 
     QTest::newRow("backwards") << text("8000-7000")

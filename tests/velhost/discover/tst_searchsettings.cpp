@@ -10,7 +10,7 @@
 
 Q_DECLARE_METATYPE(DatabaseColumnStructure)
 
-// From the command line and what the plug-in declares to a search.
+// How the command line and the plug-in's columns become a search.
 
 namespace {
 
@@ -259,7 +259,7 @@ void tst_SearchSettings::everyErrorAtOnce()
                        "zeros and the number of shared bits, for example 192.168.0.0/24")}));
 }
 
-// The option that is named is also the way round it.
+// The option that the message names can replace the bad default.
 void tst_SearchSettings::badDefault()
 {
     QList<Column> declared = columns();

@@ -35,15 +35,15 @@ QJsonObject provocations()
     return QJsonDocument::fromJson(contentOf(text(PROVOCATIONS_FILE))).object();
 }
 
-/// What stands between the placeholders.
+/// The parts between the placeholders.
 QStringList pieces(const QString &textTemplate)
 {
     static const QRegularExpression placeholder(text("\\{[a-z]+\\}"));
     return textTemplate.split(placeholder, Qt::SkipEmptyParts);
 }
 
-/// The pieces that all texts of the catalogue are made of, those of the forms and those of the
-/// errors for themselves, as the plug-in joins them.
+/// The parts of all texts of the catalogue: separately those of the forms and of the errors,
+/// because the plug-in joins them.
 QSet<QString> cataloguePieces()
 {
     const QJsonObject root = QJsonDocument::fromJson(contentOf(text(ERRORS_FILE))).object();
@@ -60,8 +60,8 @@ QSet<QString> cataloguePieces()
     return {result.cbegin(), result.cend()};
 }
 
-/// The text literals of a source file. Neighbours are one; comments, includes and single characters
-/// are none.
+/// The string literals of a source file. Adjacent literals are one; comments, includes and
+/// character literals are skipped.
 QStringList literals(const QString &source)
 {
     static const QRegularExpression token(
@@ -88,7 +88,7 @@ QStringList literals(const QString &source)
     return result;
 }
 
-/// All of the plug-in's, each with its file.
+/// All literals of the plug-in, each with its file.
 QList<QPair<QString, QString>> pluginLiterals()
 {
     QList<QPair<QString, QString>> result;
@@ -102,7 +102,7 @@ QList<QPair<QString, QString>> pluginLiterals()
     return result;
 }
 
-/// What the plug-in declares to the host.
+/// The literals that the plug-in declares to the host.
 QSet<QString> declaredTexts()
 {
     RecordingBackend host;
@@ -119,7 +119,7 @@ QSet<QString> declaredTexts()
     return result;
 }
 
-/// What the plug-in uses within.
+/// The literals that the plug-in uses internally.
 QSet<QString> innerTexts()
 {
     QSet<QString> result{ItemData::lettersPattern,
@@ -144,7 +144,7 @@ QSet<QString> innerTexts()
 
 } // namespace
 
-// Whether the catalogue knows every text of the plug-in, and no other.
+// The catalogue has every error text of the plug-in and no other.
 class tst_ErrorCatalogue : public QObject
 {
     Q_OBJECT
@@ -276,7 +276,7 @@ void tst_ErrorCatalogue::unreportedTextsExist_data()
     }
 }
 
-// Those that are reported are provoked by tst_errorprovocation.
+// The reported texts are tested by tst_errorprovocation.
 void tst_ErrorCatalogue::unreportedTextsExist()
 {
     QFETCH(QString, shown);

@@ -32,7 +32,7 @@ namespace {
 
 const QString deviceName = QStringLiteral("Press");
 
-/// A port of loopback that is taken and at which nobody listens.
+/// A port of loopback that is bound, but does not listen.
 class UnheardPort
 {
 public:
@@ -57,7 +57,7 @@ private:
     int m_port = 0;
 };
 
-/// Interrupts what the process waits for by a signal every millisecond, as long as it lives.
+/// Interrupts the waits of this process with a signal every millisecond during its lifetime.
 class Interruption
 {
 public:
@@ -95,7 +95,7 @@ int descriptorConnectedTo(int port)
     return -1;
 }
 
-/// What the provocation's plug-in is to serve, with the port where it says none.
+/// The plant of the provocation, with this port if it has none.
 Plant plantOf(const QJsonObject &provocation, int port)
 {
     QJsonObject parameters = provocation.value(text("parameters")).toObject();
@@ -124,7 +124,7 @@ QStringList texts(const QJsonValue &list)
     return result;
 }
 
-/// The built plug-in, as long as it lives.
+/// The built plug-in, loaded during the lifetime of the object.
 class Plugin
 {
 public:
@@ -170,7 +170,7 @@ QStringList explainedAs(const QString &error)
 
 } // namespace
 
-// Makes every error happen that the catalogue says can happen.
+// Provokes every error that can happen according to the catalogue.
 class tst_ErrorProvocation : public QObject
 {
     Q_OBJECT
@@ -199,7 +199,7 @@ void tst_ErrorProvocation::provoke_data()
     }
 }
 
-/// Lets the plug-in read or write the list, as often as the provocation wants.
+/// Lets the plug-in read or write the list as often as the provocation says.
 void tst_ErrorProvocation::serve(VELInterface *plugin, const QJsonObject &provocation, int port,
                                  LogList *list)
 {
@@ -213,7 +213,7 @@ void tst_ErrorProvocation::serve(VELInterface *plugin, const QJsonObject &provoc
     for (int rest = provocation.value(text("cycles")).toInt(1); rest > 0; --rest) {
         const int descriptor = descriptorConnectedTo(port);
         QVERIFY(plugin->readData(list));
-        // What the peer does to the connection behind the answer must have arrived.
+        // Waits until the peer's close or reset after the answer has arrived.
         pollfd hangUp{descriptor, 0, 0};
         if (rest > 1)
             QCOMPARE(::poll(&hangUp, 1, 10000), 1);

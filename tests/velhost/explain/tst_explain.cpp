@@ -50,7 +50,7 @@ ProgramRun explainInput(const QByteArray &input)
             QString::fromUtf8(process.readAllStandardError())};
 }
 
-/// The pattern again and again, a mebibyte in all.
+/// The pattern repeated, one mebibyte in all.
 QString filler(const QString &pattern)
 {
     return pattern.repeated(mebibyte / pattern.size() + 1).left(mebibyte);
@@ -164,7 +164,7 @@ void tst_Explain::everyTextByItself_data()
     }
 }
 
-// Whatever stands in for what varies.
+// With any text in place of the placeholders.
 void tst_Explain::everyTextByItself()
 {
     QFETCH(QString, id);
@@ -210,8 +210,8 @@ void tst_Explain::longText_data()
         QTest::newRow(pattern) << text(pattern);
 }
 
-// A text is found behind a mebibyte of its own beginnings. A search that went over them again and
-// again would not end within the test's time-out.
+// The text follows a mebibyte of its own beginning. A search of quadratic time would not end within
+// the time-out of the test.
 void tst_Explain::longText()
 {
     QFETCH(QString, pattern);
@@ -353,7 +353,7 @@ void tst_Explain::unknownLongText()
     QCOMPARE(run.exitCode, 1);
 }
 
-// The dynamic linker tells what it opens.
+// The dynamic linker prints the files that it opens.
 void tst_Explain::loadsNoPlugin()
 {
     QProcessEnvironment environment = plainEnvironment();

@@ -124,7 +124,7 @@ void tst_ElfFile::otherFiles()
     QCOMPARE(parsed(bytes).has_value(), false);
 }
 
-// The last field, which says where names lie, is not asked for.
+// The last field, the index of the section names, is not needed.
 void tst_ElfFile::truncatedHeader()
 {
     for (const bool is64Bit : {false, true}) {

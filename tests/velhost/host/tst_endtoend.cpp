@@ -5,7 +5,7 @@
 
 #include <QTest>
 
-// The whole way: the built program, the real plug-in, a simulated controller.
+// All real parts together: the built program, the real plug-in, a simulated controller.
 
 namespace {
 

@@ -19,8 +19,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// A plug-in that cannot be loaded is told with its fault and the remedy. Each file here has one
-// fault; most are copies of a plug-in that loads, with a few bytes changed.
+// The messages for plug-ins that cannot be loaded. Each file has one fault; most are copies of a
+// good plug-in with a few bytes changed.
 
 namespace {
 
@@ -32,7 +32,7 @@ const QString plainLibrary = QStringLiteral(PLAIN_LIBRARY_FILE);
 const QString scriptedPlugin = QStringLiteral(SCRIPTED_PLUGIN_FILE);
 const QString unresolvedPlugin = QStringLiteral(UNRESOLVED_PLUGIN_FILE);
 
-// Where an ELF file says these things, whatever its class.
+// Offsets of header fields that are the same in 32-bit and 64-bit files.
 constexpr int classOffset = 4;
 constexpr int typeOffset = 16;
 constexpr int machineOffset = 18;
@@ -52,7 +52,7 @@ QString processorOf(const QString &fileName)
     return header ? processorText(*header) : QString();
 }
 
-/// The 16-bit number there in an ELF file of this machine, as text.
+/// The 16-bit number at that offset of an ELF file of this machine, as text.
 QString numberAt(const QByteArray &content, int offset)
 {
     quint16 number = 0;
@@ -60,7 +60,7 @@ QString numberAt(const QByteArray &content, int offset)
     return QString::number(number);
 }
 
-/// Where the plug-in says with which Qt it was built: the major version, the minor one, the kind of
+/// The offset of the Qt version in the plug-in's metadata: major version, minor version, kind of
 /// build.
 int qtVersionOffset(const QByteArray &plugin)
 {
@@ -69,7 +69,7 @@ int qtVersionOffset(const QByteArray &plugin)
     return found < 0 ? -1 : found + mark.size() + 1;
 }
 
-/// The file of Qt's core library under the name by which the loader calls it.
+/// The file of Qt's core library with the name that the loader uses.
 QString qtCoreFile()
 {
     Dl_info info{};
@@ -280,8 +280,8 @@ void tst_LoadFailures::qtVersions()
     QCOMPARE(run.exitCode, loads ? 0 : 3);
 }
 
-// The administrator may read everything, unless the program is started without that right. What is
-// started later by this test does not have it either.
+// Root may read every file, so the right is dropped. Programs that this test starts later do not
+// have it either.
 void tst_LoadFailures::unreadableFile()
 {
     const QString fileName = inFolder("secret.so");
@@ -299,7 +299,7 @@ void tst_LoadFailures::unreadableFile()
     QCOMPARE(run.exitCode, 3);
 }
 
-// With the remedy the loader finds the library, and the next fault is that of the class.
+// With the remedy the loader finds the library, so the next error is about the class.
 void tst_LoadFailures::missingLibraryIsTheOnlyFault()
 {
     QProcessEnvironment environment = plainEnvironment();

@@ -11,7 +11,7 @@
 #include <QTcpSocket>
 #include <QTest>
 
-// `plan`: what it shows, and that nothing of it reaches the address in the plant file.
+// `plan`: what it shows, and that it never connects to the address in the plant file.
 
 namespace {
 
@@ -120,7 +120,7 @@ void tst_Plan::opensNoConnection()
     QCOMPARE(controller.connectionCount(), 0);
 }
 
-// The plug-in's own word for what it is given, in init() and in each cycle.
+// The plug-in logs the devices that it gets in init() and in each cycle.
 void tst_Plan::redirectsDevices()
 {
     const ProgramRun run
@@ -131,7 +131,7 @@ void tst_Plan::redirectsDevices()
             "parameters": {"port": "4711", "script": "trace,read-error"}, "items": [{"name": "A"}]}]})");
     QCOMPARE(run.errors.contains(text("init: 1 Press 127.0.0.1 {port=")), true);
     QCOMPARE(run.errors.contains(text("4711")), false);
-    // This plug-in refuses every device, so nothing of the plant is planned.
+    // This plug-in refuses every device, so no item is planned.
     QCOMPARE(run.output, text(R"(Device  Item  Operation  Words  Command  Error
 Press   A     read                       no answer from 127.0.0.1
 Press   A     write                      no answer from 127.0.0.1

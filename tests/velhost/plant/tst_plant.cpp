@@ -9,7 +9,7 @@
 
 namespace {
 
-/// A plant with these members in its first device, which lacks nothing else.
+/// A plant whose first device has these additional members.
 QByteArray withDevice(const QByteArray &members)
 {
     return R"({"devices": [{"id": 1, "name": "Press", "ip": "127.0.0.1", "items": [])" + members

@@ -12,7 +12,7 @@
 #include <QSet>
 #include <QTest>
 
-// The schema of plant files says what `velhost check` says, as far as a schema can.
+// The schema of plant files agrees with `velhost check` as far as a schema can.
 
 namespace {
 
@@ -46,7 +46,8 @@ QJsonObject properties(const QString &definition)
     return object.value(u"properties").toObject();
 }
 
-/// Judges a plant in each line that it reads by the schema: a line with the places of the problems.
+/// Checks the plant in each input line against the schema; prints a line with the places of the
+/// problems.
 const char *const validatorScript = R"(
 import json, sys
 from jsonschema import Draft7Validator
@@ -69,7 +70,7 @@ QStringList sorted(QStringList texts)
     return texts;
 }
 
-/// What may be chosen in a column, nothing where any text may be written.
+/// The choices of a column; empty when it accepts any text.
 QSet<QString> choicesOf(const QJsonObject &column)
 {
     QSet<QString> choices;
@@ -111,7 +112,7 @@ private Q_SLOTS:
     void everyKeyIsDescribed();
 };
 
-// Debian's own Python, to which its package belongs.
+// Debian's own Python, which has the package python3-jsonschema.
 void tst_PlantSchema::initTestCase()
 {
     m_validator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -126,7 +127,7 @@ void tst_PlantSchema::cleanupTestCase()
     QCOMPARE(m_validator.exitCode(), 0);
 }
 
-/// The places at which the schema does not fit the plant.
+/// The places where the plant violates the schema.
 QStringList tst_PlantSchema::problems(QByteArray plant)
 {
     m_validator.write(plant.replace('\n', ' ') + '\n');
@@ -144,7 +145,7 @@ void tst_PlantSchema::examples_data()
 {
     QTest::addColumn<QString>("fileName");
 
-    // What begins with "kvsim-" is for the simulated controller.
+    // The files that begin with "kvsim-" are for the simulated controller.
     const QRegularExpression plantName(text(R"(\A(?!kvsim-).*\.json\z)"));
     const QDir folder(text(EXAMPLES_FOLDER));
     const QStringList plants = folder.entryList(QDir::Files).filter(plantName);
@@ -223,7 +224,7 @@ void tst_PlantSchema::refused_data()
         "$.devices[0].items[0].parameters.data_type");
 }
 
-// Both refuse the good plant with one part replaced.
+// The schema and the program refuse the good plant with one part replaced.
 void tst_PlantSchema::refused()
 {
     QFETCH(QByteArray, part);
@@ -304,7 +305,7 @@ void tst_PlantSchema::knownKeys_data()
         "item") << QByteArray(goodPlant).replace(R"("name": "A")", R"("name": "A", "?": 0)");
 }
 
-// A key that the program learns must be in the schema, and the other way round.
+// The program and the schema must know the same keys.
 void tst_PlantSchema::knownKeys()
 {
     QFETCH(QString, definition);

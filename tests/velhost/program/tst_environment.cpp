@@ -13,8 +13,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-// What the built program does where something outside it is not as it should be: its plug-in, its
-// plant file, its streams, its time.
+// How the built program deals with faults of its environment: plug-in, plant file, output,
+// arguments.
 
 namespace {
 
@@ -23,11 +23,11 @@ const QString scriptedPlugin = QStringLiteral(SCRIPTED_PLUGIN_FILE);
 const QString objectPlugin = QStringLiteral(OBJECT_PLUGIN_FILE);
 const QString silentPlugin = QStringLiteral(SILENT_PLUGIN_FILE);
 
-/// One device with one item, without a time stamp of the plug-in.
+/// One device with one item, for which the plug-in sets no time stamp.
 const char *const smallPlant
     = R"({"devices": [{"id": 1, "name": "Press", "ip": "", "items": [{"name": "A"}]}]})";
 
-/// For a copy of the program, which no longer finds the host's library when it looks beside itself.
+/// The environment of a copied program, which needs the folder of the host's library.
 QProcessEnvironment environmentOfCopy()
 {
     QProcessEnvironment environment = plainEnvironment();
@@ -133,7 +133,7 @@ void tst_Environment::defaultPlugin_data()
     QTest::newRow("then Qt's plug-in folders") << QStringList{qtFolder} << qtFolder;
 }
 
-/// Copies the program, so that nothing but the row's files is around it.
+/// Copies the program, so that only the files of the row are next to it.
 void tst_Environment::defaultPlugin()
 {
     QFETCH(QStringList, places);
@@ -240,7 +240,7 @@ void tst_Environment::fullOutput()
     QCOMPARE(process.exitCode(), 1);
 }
 
-/// The shell hands the program a byte that QProcess would encode.
+/// The shell passes a byte that QProcess would encode.
 void tst_Environment::argumentNotUtf8()
 {
     const ProgramRun run = runProgram(

@@ -6,8 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-// The built program as its user has it: arguments and a plant file in, two streams and an exit code
-// out. "%PLUGIN%" in arguments and texts is the scripted plug-in.
+// The built program: its output, messages and exit code for arguments and a plant file. "%PLUGIN%"
+// in arguments and texts is the scripted plug-in.
 
 namespace {
 
@@ -24,7 +24,7 @@ QStringList words(const char *utf8)
     return expanded(utf8).split(u'|');
 }
 
-/// The press with two items, whose time stamps are set, and its device script.
+/// One device with two items with fixed time stamps, and the script of the device.
 QByteArray pressPlant(const QByteArray &script, const QByteArray &answers = "1")
 {
     return R"({"networkInterfaces": ["eth0", "eth1"],

@@ -43,7 +43,7 @@ QList<DeviceReport> cycleOf(int number, const char *deviceError, const char *val
     return {device};
 }
 
-/// What is let through, as text: the device's error or its end, then the values.
+/// The changes as text: the device's error or its end, then the values.
 QString shown(const QList<DeviceReport> &devices)
 {
     QStringList parts;
@@ -120,7 +120,7 @@ void tst_OnlyChanges::onlyChanges()
     QCOMPARE(run.exitCode, 1);
 }
 
-// Log entries stay out of the values, and what does not change is printed without --only-changes.
+// Log entries are not among the records. Without --only-changes unchanged values are printed, too.
 void tst_OnlyChanges::csv()
 {
     const ProgramRun run = runWithPlant(

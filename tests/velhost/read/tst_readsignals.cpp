@@ -8,14 +8,14 @@
 
 #include <csignal>
 
-// What SIGINT and SIGTERM do to a read: the running cycle ends, the plug-in is stopped, the exit
-// code names the signal.
+// SIGINT and SIGTERM during a read: the running cycle is completed, the plug-in is stopped, the
+// exit code is that of the signal.
 
 namespace {
 
 const QString pluginFile = QStringLiteral(SCRIPTED_PLUGIN_FILE);
 
-/// Two devices of one item each; the script is the first one's.
+/// Two devices of one item each; the first one has the script.
 QByteArray plantWith(const QByteArray &script)
 {
     return R"({"devices": [
@@ -73,7 +73,7 @@ void tst_ReadSignals::betweenCycles_data()
     QTest::newRow("SIGTERM") << SIGTERM << 143;
 }
 
-// Ends long before the day is over that lies between two cycles.
+// Ends immediately: the interval is a day.
 void tst_ReadSignals::betweenCycles()
 {
     QFETCH(int, signal);
@@ -109,7 +109,7 @@ void tst_ReadSignals::duringCycle_data()
         << QByteArray("raise-int,read-error") << QByteArray("2") << 130;
 }
 
-// The signal comes while the first device is read; the second one is read all the same.
+// The signal comes while the first device is read; the second one is still read.
 void tst_ReadSignals::duringCycle()
 {
     QFETCH(QByteArray, script);
@@ -127,7 +127,7 @@ void tst_ReadSignals::duringCycle()
     QCOMPARE(process.readAllStandardError().split('\n').value(3), QByteArray("log debug: stop: A"));
 }
 
-// As a shell starts what shall run on in the background.
+// A shell starts background programs with an ignored SIGINT.
 void tst_ReadSignals::ignoredFromTheStart()
 {
     const QString plant = m_folder.filePath(text("plant.json"));

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Only a failing test takes that long.
+// Reached by failing tests only.
 constexpr int timeoutMs = 10000;
 
 QList<QByteArray> encoded(const QStringList &texts)
@@ -25,7 +25,7 @@ QList<QByteArray> encoded(const QStringList &texts)
     return bytes;
 }
 
-/// As exec() takes them. The texts must outlive the result and not be changed.
+/// The arguments of exec(). The texts must outlive the result and must not change.
 std::vector<char *> pointersTo(QList<QByteArray> *texts)
 {
     std::vector<char *> pointers;
@@ -48,7 +48,7 @@ winsize windowOf(int rows, int columns)
 TerminalRun::TerminalRun(const QString &program, const QStringList &arguments, int rows,
                          int columns, const QProcessEnvironment &environment)
 {
-    // Everything is ready before the fork: other threads of the test may hold locks at that moment.
+    // Nothing may be allocated after the fork: other threads may hold locks at that moment.
     QList<QByteArray> argumentBytes = encoded(QStringList(program) + arguments);
     QList<QByteArray> variableBytes = encoded(environment.toStringList());
     const std::vector<char *> argumentPointers = pointersTo(&argumentBytes);
@@ -115,8 +115,8 @@ int TerminalRun::finish()
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-/// A terminal whose last program has ended cannot be read. One that shows nothing for so long is
-/// ended: its signal fails the test.
+/// Reading fails when the last program of the terminal has ended. A program that shows nothing
+/// until the time-out is killed, which fails the test.
 bool TerminalRun::readMore()
 {
     pollfd descriptor{m_terminal, POLLIN, 0};

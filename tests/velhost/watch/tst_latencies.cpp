@@ -45,7 +45,8 @@ void tst_Latencies::latencies_data()
     row("more than there are buckets", Q_INT64_C(1) << 50, 4'380'866'641'920);
 }
 
-// Between a shorter and a longer one, so that nothing but the bucket decides.
+// The time stands between a shorter and a longer one, so that the result is not limited by the
+// extremes.
 void tst_Latencies::latencies()
 {
     QFETCH(qint64, microseconds);

@@ -17,7 +17,7 @@
 
 #include <csignal>
 
-// `watch` away from a terminal: the built program, the real plug-in, a simulated controller.
+// `watch` without a terminal: the built program, the real plug-in, a simulated controller.
 
 namespace {
 
@@ -77,7 +77,7 @@ private Q_SLOTS:
     void closedOutput();
 };
 
-// Long before the second cycle, but not before the time is over.
+// Ends after its time, long before the second cycle.
 void tst_Watch::endsByItself()
 {
     SimulatorThread controller;
@@ -96,7 +96,8 @@ void tst_Watch::endsByItself()
     QCOMPARE(result.exitCode, 0);
 }
 
-// A line for each change and none between; the value changes as soon as the line before is there.
+// Prints one line for each change. The test changes the value as soon as the previous line is
+// there.
 void tst_Watch::printsChanges()
 {
     SimulatorThread controller;
@@ -193,7 +194,7 @@ void tst_Watch::expected()
     QCOMPARE(result.exitCode, exitCode);
 }
 
-// What cannot be read is no wrong value.
+// A value that cannot be read is an error, not a wrong value.
 void tst_Watch::json()
 {
     SimulatorThread controller;
@@ -263,7 +264,7 @@ void tst_Watch::jsonLogEntries()
     QCOMPARE(result.errors, QString());
 }
 
-// The first line is that of the device itself; the count comes when another entry does.
+// The first line is the device's own. The count is printed when another entry comes.
 void tst_Watch::lostConnection()
 {
     int port = 0;
@@ -295,7 +296,7 @@ void tst_Watch::signalEnds_data()
     QTest::newRow("SIGTERM") << SIGTERM << 143;
 }
 
-// A controller that sees its client go, a day before the next cycle.
+// The controller sees that its client disconnects long before the next cycle.
 void tst_Watch::signalEnds()
 {
     QFETCH(int, signal);
@@ -334,7 +335,7 @@ void tst_Watch::signalEnds()
              text("Press 1 0 1 0 0").split(u' '));
 }
 
-// The plug-in is stopped after the summary, whatever ends the watch.
+// The plug-in is stopped after the summary.
 void tst_Watch::stopsPlugin()
 {
     const QByteArray plant = R"({"devices": [{"id": 1, "name": "A", "ip": "127.0.0.1",
@@ -347,7 +348,7 @@ void tst_Watch::stopsPlugin()
     QCOMPARE(result.exitCode, 130);
 }
 
-// Nobody sees what would come.
+// Without a reader of its output the watch ends.
 void tst_Watch::closedOutput()
 {
     const QByteArray plant

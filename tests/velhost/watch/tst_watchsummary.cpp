@@ -4,7 +4,7 @@
 
 #include <QTest>
 
-// What a watch prints at its end.
+// The summary at the end of a watch.
 class tst_WatchSummary : public QObject
 {
     Q_OBJECT

@@ -6,11 +6,11 @@
 #include <QDateTime>
 #include <QTest>
 
-// What a watch draws, without a process and without a terminal.
+// The table of a watch, tested without a process and a terminal.
 
 namespace {
 
-/// One item that holds a value, and behind it `more` that have none and an error.
+/// One item with a value, followed by `more` items with an error.
 std::vector<WatchedDevice> pressWith(int more)
 {
     WatchedDevice press;
@@ -36,7 +36,7 @@ std::vector<WatchedDevice> pressWith(int more)
     return {press};
 }
 
-/// The screen's lines, of a picture 5 seconds after the values came.
+/// The lines of the screen, 5 seconds after the values were read.
 QStringList screen(const std::vector<WatchedDevice> &devices, ScreenSize size, Marking marking,
                    const QList<CountedEntry> &log = {})
 {
@@ -90,7 +90,7 @@ void tst_WatchTable::age()
     QCOMPARE(ageText(milliseconds), text);
 }
 
-// The error's own control characters are written out.
+// Control characters of the error are escaped.
 void tst_WatchTable::wholeScreen()
 {
     const QStringList lines{
@@ -153,7 +153,7 @@ void tst_WatchTable::screenColumns()
         QVERIFY2(textWidth(any) <= columns, qPrintable(any));
 }
 
-// What stands behind it has its place as long as twenty columns are left for the error.
+// The columns after it are shown as long as the error has twenty columns.
 void tst_WatchTable::errorColumnWidth()
 {
     const QString whole = screen(pressWith(1), {88, 24}, Marking::None).at(4);
@@ -193,7 +193,7 @@ void tst_WatchTable::marks()
     QCOMPARE(line.contains(u'\x1b'), found.contains(u'\x1b'));
 }
 
-// The latest three, above which the table makes room.
+// The latest three entries; the table gets fewer rows.
 void tst_WatchTable::logBelow()
 {
     QList<CountedEntry> log;

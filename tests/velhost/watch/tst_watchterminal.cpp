@@ -11,7 +11,7 @@
 
 #include <csignal>
 
-// `watch` on a terminal: what it draws, and how it leaves the terminal behind.
+// `watch` on a terminal: what it draws, and how it restores the terminal.
 
 namespace {
 
@@ -28,7 +28,7 @@ QProcessEnvironment terminalEnvironment()
     return environment;
 }
 
-/// The lines of the drawing that ends last, without what wipes the rest of a line.
+/// The lines of the last complete drawing, without the sequences that clear the rest of a line.
 QList<QByteArray> lastDrawing(QByteArray output)
 {
     output.truncate(output.lastIndexOf(end));
@@ -36,7 +36,7 @@ QList<QByteArray> lastDrawing(QByteArray output)
     return output.replace("\x1b[K\r", "").split('\n');
 }
 
-/// Everything that came when the terminal was given back.
+/// All output after the terminal was restored.
 QByteArray afterLeaving(const QByteArray &output)
 {
     return output.mid(output.lastIndexOf(leave) + leave.size());
@@ -126,7 +126,7 @@ void tst_WatchTerminal::colour_data()
                                            << QByteArray("Press   Counter  *1234 ") << false;
 }
 
-// The changed value stands out, then no more.
+// The changed value is marked first, later no more.
 void tst_WatchTerminal::colour()
 {
     QFETCH(QByteArray, noColor);
@@ -203,8 +203,7 @@ void tst_WatchTerminal::ages()
     QVERIFY(watch.waitFor("Press   Counter  5      1 s "));
 }
 
-// An entry that comes again and again stands there once, and nowhere but in the drawings; at the
-// end it is printed once.
+// A repeated entry is shown once, and in the drawings only. At the end it is printed once.
 void tst_WatchTerminal::logBelow()
 {
     SimulatorThread controller;
@@ -253,7 +252,7 @@ void tst_WatchTerminal::ends_data()
     QTest::newRow("a fault of the plug-in") << QByteArray() << SIGABRT << -SIGABRT << false;
 }
 
-// The terminal is given back once, and nothing is drawn after it.
+// The terminal is restored once, and nothing is drawn after that.
 void tst_WatchTerminal::ends()
 {
     QFETCH(QByteArray, keys);
@@ -280,12 +279,12 @@ void tst_WatchTerminal::ends()
     QCOMPARE(rest.contains("Press   Counter  5 "), hasSummary);
 }
 
-// A stop gives it back, too; who goes on takes it again.
+// A stop restores the terminal, too. A continued program draws again.
 void tst_WatchTerminal::stoppedAndContinued()
 {
     SimulatorThread controller;
     const QStringList words = arguments(controller, {text("Counter=DM1")});
-    // A shell with job control, without which nothing could be stopped.
+    // A shell with job control, which is needed to stop the program.
     TerminalRun shell(text("/bin/bash"),
                       QStringList{text("--norc"), text("-c"),
                                   text("set -m; \"$@\"; echo stopped; fg"), text("bash"),
@@ -315,7 +314,7 @@ void tst_WatchTerminal::withoutDrawing_data()
     QTest::newRow("unknown terminal") << QByteArray("") << QByteArray("--format=table");
 }
 
-// No drawing: lines that scroll.
+// Prints lines instead of drawing.
 void tst_WatchTerminal::withoutDrawing()
 {
     QFETCH(QByteArray, term);

@@ -6,8 +6,8 @@
 
 #include <QTest>
 
-// What `write` asks for, does and prints: the built program with the scripted plug-in, whose reads
-// are the item's "answers" one after the other, and with the real one.
+// `write` of the built program with the scripted plug-in, whose reads return the item's "answers"
+// one after the other, and with the real plug-in.
 
 namespace {
 
@@ -90,7 +90,7 @@ void tst_Write::confirmation()
                                  .arg(QString::fromLatin1(ip));
     const ProgramRun unconfirmed = runWithPlant(program, plain, plant);
     QCOMPARE(unconfirmed.errors, isAsked ? question : QString());
-    // The plug-in tells of its init(): without that line it was not started.
+    // The plug-in logs its init(): without that line it was not started.
     QCOMPARE(unconfirmed.output.contains(text("init: 1 Press")), !isAsked);
     QCOMPARE(unconfirmed.exitCode, isAsked ? 2 : 0);
 
@@ -108,7 +108,7 @@ void tst_Write::namesEveryDevice()
  {"id": 3, "name": "C", "ip": "10.0.0.3", "items": [{"name": "x"}]},
  {"id": 4, "name": "D", "ip": "10.0.0.4", "items": [{"name": "x"}]}]})";
     const QStringList targets{text("C/x=1"), text("B/x=1"), text("A/x=1"), text("C/x=2")};
-    // The plug-in does not exist, and nobody looks for it.
+    // The plug-in does not exist, but the program does not get so far.
     for (const QStringList &extra : {QStringList(), QStringList(text("--no-verify"))}) {
         const ProgramRun run
             = runWithPlant(program, arguments("none.so", "table", targets + extra), plant);
@@ -219,7 +219,7 @@ void tst_Write::realController()
     QCOMPARE(controller.word("R015"), 1);
 }
 
-// Each failure is its own item's, and the items after it are written.
+// A failure belongs to one item; the items after it are still written.
 void tst_Write::realFailures()
 {
     SimulatorThread controller;
