@@ -1,7 +1,8 @@
 #!/bin/sh
-# fresh.sh [COMMAND...]: runs each command, default README's first two, as the first one ever on a bare Debian 12: in
-# a root folder of its own that holds the smallest system and a clone of what is committed here. At the end it prints
-# exit code and seconds of each. A machine that has seen an earlier run does not show what a script forgets to install.
+# fresh.sh [COMMAND...]: runs each command, default the demonstration and the tests, as the first one ever on a bare
+# Debian 12: in a root folder of its own that holds the smallest system and a clone of what is committed here. At the
+# end it prints exit code and seconds of each. A machine that has seen an earlier run does not show what a script
+# forgets to install.
 #
 # The bare system is kept in build/fresh for the next time. It comes from Debian's own archive, or from the one that
 # FRESH_MIRROR names.
