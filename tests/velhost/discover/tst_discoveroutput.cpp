@@ -45,7 +45,7 @@ private Q_SLOTS:
     void nonControllers();
     void plant();
     void differentAnswers();
-    void limit_data();
+    void maximumFindings_data();
     void maximumFindings();
 };
 
@@ -185,7 +185,7 @@ void tst_DiscoverOutput::differentAnswers()
     QCOMPARE(plantJson({}, findings).count("\"id\""), 1);
 }
 
-void tst_DiscoverOutput::limit_data()
+void tst_DiscoverOutput::maximumFindings_data()
 {
     QTest::addColumn<int>("answers");
     QTest::addColumn<int>("kept");

@@ -155,7 +155,7 @@ private Q_SLOTS:
     void everyLiteralIsKnown();
     void everyCodeIsKnown_data();
     void everyCodeIsKnown();
-    void everyEntryIsWhole_data();
+    void everyEntryIsComplete_data();
     void everyEntryIsComplete();
     void everyProvocationHasItsEntry();
     void unreportedTextsExist_data();
@@ -229,7 +229,7 @@ void tst_ErrorCatalogue::everyCodeIsKnown()
     QCOMPARE(known, QStringList{Errors::errorToString(static_cast<Errors::Error>(code))});
 }
 
-void tst_ErrorCatalogue::everyEntryIsWhole_data()
+void tst_ErrorCatalogue::everyEntryIsComplete_data()
 {
     QTest::addColumn<int>("index");
 

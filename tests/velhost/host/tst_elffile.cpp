@@ -72,7 +72,7 @@ private Q_SLOTS:
     void truncatedHeader();
     void sameProcessor_data();
     void sameProcessor();
-    void cutShort_data();
+    void truncatedFile_data();
     void truncatedFile();
 };
 
@@ -168,7 +168,7 @@ void tst_ElfFile::sameProcessor()
     QCOMPARE(haveSameProcessor(*second, *first), same);
 }
 
-void tst_ElfFile::cutShort_data()
+void tst_ElfFile::truncatedFile_data()
 {
     QTest::addColumn<Fields>("fields");
     QTest::addColumn<qint64>("size");
