@@ -132,9 +132,9 @@ QString takeOperands(const Command &command, QStringList operands, Arguments *ar
 
 OutputFormat formatNamed(const QString &name)
 {
-    if (name == QLatin1String("json"))
+    if (name == u"json")
         return OutputFormat::Json;
-    return name == QLatin1String("csv") ? OutputFormat::Csv : OutputFormat::Table;
+    return name == u"csv" ? OutputFormat::Csv : OutputFormat::Table;
 }
 
 /// QCommandLineParser::value() would warn about an option that the command does not have.

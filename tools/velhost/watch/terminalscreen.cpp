@@ -102,8 +102,7 @@ void TerminalScreen::draw(const QString &lines)
     }
     // Starts at the top, without line wrapping. Each line clears the rest of its line, the last one
     // the rest of the screen.
-    sequence += QLatin1String("\x1b[H\x1b[?7l")
-                + QString(lines).replace(u'\n', QLatin1String("\x1b[K\n"))
-                + QLatin1String("\x1b[J\x1b[?7h");
+    sequence += u"\x1b[H\x1b[?7l" + QString(lines).replace(u'\n', QStringLiteral("\x1b[K\n"))
+                + u"\x1b[J\x1b[?7h";
     print(stdout, sequence);
 }
