@@ -1,9 +1,8 @@
-#include "programrun.h"
-#include "writefile.h"
+#include "plantrun.h"
+#include "text.h"
 
 #include <vel/interfaceid.h>
 
-#include <QTemporaryDir>
 #include <QTest>
 
 // The built program: its output, messages and exit code for arguments and a plant file. "%PLUGIN%"
@@ -13,15 +12,14 @@ namespace {
 
 const QString scriptedPlugin = QStringLiteral(SCRIPTED_PLUGIN_FILE);
 
-/// The text with the path of the scripted plug-in in its places.
-QString expanded(const char *utf8)
+QString withPlugin(const char *literal)
 {
-    return QString::fromUtf8(utf8).replace(QStringLiteral("%PLUGIN%"), scriptedPlugin);
+    return text(literal).replace(QStringLiteral("%PLUGIN%"), scriptedPlugin);
 }
 
-QStringList words(const char *utf8)
+QStringList words(const char *literal)
 {
-    return expanded(utf8).split(u'|');
+    return withPlugin(literal).split(u'|');
 }
 
 /// One device with two items with fixed time stamps, and the script of the device.
@@ -48,42 +46,60 @@ QByteArray twoDevicesPlant()
    "items": [{"name": "A"}, {"name": "B"}]}]})";
 }
 
+void addRunColumns()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("plant");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("errors");
+}
+
+void row(const char *title, const char *arguments, const QByteArray &plant, int exitCode,
+         const char *output, const char *errors)
+{
+    QTest::newRow(title) << words(arguments) << plant << exitCode << withPlugin(output)
+                         << withPlugin(errors);
+}
+
+void checkRun()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, plant);
+    QFETCH(int, exitCode);
+    QFETCH(QString, output);
+    QFETCH(QString, errors);
+
+    const ProgramRun run = runWithPlant(text(VELHOST_FILE), arguments, plant);
+    QCOMPARE(run.errors, errors);
+    QCOMPARE(withoutCurrentTimes(run.output), output);
+    QCOMPARE(run.exitCode, exitCode);
+}
+
 } // namespace
 
 class tst_VelhostProgram : public QObject
 {
     Q_OBJECT
 
-    ProgramRun runPlant(const QStringList &arguments, const QByteArray &plant);
-
-    QTemporaryDir m_folder;
-
 private Q_SLOTS:
-    void initTestCase();
     void columns();
     void columnsAsJson();
-    void runs_data();
-    void runs();
+    void reads_data();
+    void reads();
+    void writes_data();
+    void writes();
+    void sessions_data();
+    void sessions();
+    void usageErrors_data();
+    void usageErrors();
 };
-
-void tst_VelhostProgram::initTestCase()
-{
-    QVERIFY(m_folder.isValid());
-}
-
-/// Runs in a folder with the plant in "plant.json".
-ProgramRun tst_VelhostProgram::runPlant(const QStringList &arguments, const QByteArray &plant)
-{
-    if (!writeFile(m_folder.filePath(QStringLiteral("plant.json")), plant))
-        return {};
-    return runProgram(QStringLiteral(VELHOST_FILE), arguments, m_folder.path());
-}
 
 void tst_VelhostProgram::columns()
 {
-    const ProgramRun run = runPlant(words("columns|--plugin|%PLUGIN%"), {});
+    const ProgramRun run = runWithPlant(text(VELHOST_FILE), words("columns|--plugin|%PLUGIN%"), {});
     QCOMPARE(run.errors, QString());
-    QCOMPARE(run.output, expanded(R"(Plug-in     scripted
+    QCOMPARE(run.output, withPlugin(R"(Plug-in     scripted
 Version     104
 Class       ScriptedPlugin
 Identifier  )" VELInterface_iid R"(
@@ -118,11 +134,12 @@ file    path         0     64   /                                      The path.
 
 void tst_VelhostProgram::columnsAsJson()
 {
-    const ProgramRun run = runPlant(words("columns|--plugin|%PLUGIN%|--format|json"), {});
+    const ProgramRun run
+        = runWithPlant(text(VELHOST_FILE), words("columns|--plugin|%PLUGIN%|--format|json"), {});
     QCOMPARE(run.errors, QString());
     QCOMPARE(
         run.output,
-        expanded(
+        withPlugin(
             R"({"type":"plugin","name":"scripted","version":104,"options":{"unused1":24,"flag2":false,"flag3":false,"unused4":true,"unused5":180,"flag6":true,"flag7":false,"unused8":false,"unused9":false,"text10":"discover","unused11":{"depth":2}},"class":"ScriptedPlugin","identifier":")" VELInterface_iid
             R"("}
 {"type":"column","scope":"plugin","name":"note","type_code":0,"int":64,"default":"","description":"The note.","selection":[]}
@@ -138,19 +155,9 @@ void tst_VelhostProgram::columnsAsJson()
     QCOMPARE(run.exitCode, 0);
 }
 
-void tst_VelhostProgram::runs_data()
+void tst_VelhostProgram::reads_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QByteArray>("plant");
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QString>("errors");
-
-    const auto row = [](const char *title, const char *arguments, const QByteArray &plant,
-                        int exitCode, const char *output, const char *errors) {
-        QTest::newRow(title) << words(arguments) << plant << exitCode << expanded(output)
-                             << expanded(errors);
-    };
+    addRunColumns();
     row("read", "read|--plugin|%PLUGIN%|--plant|plant.json", pressPlant("", R"(-1\r\u0000)"), 0,
         R"(Cycle  Time                           Device  Item     Value     Error
 1      2024-02-29T12:34:56.789+05:30  Press   Counter  -1\r\x00
@@ -227,17 +234,16 @@ Cycle  Time                           Device  Item     Value  Error
 )",
         "");
     row("no devices", "read|--plugin|%PLUGIN%|--plant|plant.json", R"({"devices": []})", 0, "", "");
-    row("columns with a plant hands over its devices",
-        "columns|--plugin|%PLUGIN%|--plant|plant.json|--format|json", pressPlant("init-false"), 3,
-        "", "velhost: the plug-in %PLUGIN% returned false from init()\n");
-    row("stop returns false", "read|--plugin|%PLUGIN%|--plant|plant.json", pressPlant("stop-false"),
-        1,
-        R"(Cycle  Time                           Device  Item     Value  Error
-1      2024-02-29T12:34:56.789+05:30  Press   Counter  1
-1      2024-02-29T12:34:56.789+05:30  Press   Mode     0
-)",
-        "velhost: the plug-in %PLUGIN% returned false from stopPlugin()\n");
+}
 
+void tst_VelhostProgram::reads()
+{
+    checkRun();
+}
+
+void tst_VelhostProgram::writes_data()
+{
+    addRunColumns();
     row("write", "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=a=b ",
         pressPlant(""), 0,
         R"(Cycle  Time                           Device  Item     Value    Error
@@ -292,7 +298,36 @@ Cycle  Time                           Device  Item     Value  Error
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"1","error":""}
 )",
         "");
+}
 
+void tst_VelhostProgram::writes()
+{
+    checkRun();
+}
+
+void tst_VelhostProgram::sessions_data()
+{
+    addRunColumns();
+    row("columns with a plant hands over its devices",
+        "columns|--plugin|%PLUGIN%|--plant|plant.json|--format|json", pressPlant("init-false"), 3,
+        "", "velhost: the plug-in %PLUGIN% returned false from init()\n");
+    row("stop returns false", "read|--plugin|%PLUGIN%|--plant|plant.json", pressPlant("stop-false"),
+        1,
+        R"(Cycle  Time                           Device  Item     Value  Error
+1      2024-02-29T12:34:56.789+05:30  Press   Counter  1
+1      2024-02-29T12:34:56.789+05:30  Press   Mode     0
+)",
+        "velhost: the plug-in %PLUGIN% returned false from stopPlugin()\n");
+}
+
+void tst_VelhostProgram::sessions()
+{
+    checkRun();
+}
+
+void tst_VelhostProgram::usageErrors_data()
+{
+    addRunColumns();
     row("wrong usage", "read|--cycles|0|--plant|plant.json", {}, 2, "",
         "velhost: --cycles needs a whole number from 1 to 1000000000, not \"0\"\n"
         "velhost: try velhost --help\n");
@@ -304,18 +339,9 @@ Cycle  Time                           Device  Item     Value  Error
         "velhost: \"Press/x=1\": device \"Press\" has no such item; it has: Counter, Mode\n");
 }
 
-void tst_VelhostProgram::runs()
+void tst_VelhostProgram::usageErrors()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(QByteArray, plant);
-    QFETCH(int, exitCode);
-    QFETCH(QString, output);
-    QFETCH(QString, errors);
-
-    const ProgramRun run = runPlant(arguments, plant);
-    QCOMPARE(run.errors, errors);
-    QCOMPARE(withoutCurrentTimes(run.output), output);
-    QCOMPARE(run.exitCode, exitCode);
+    checkRun();
 }
 
 QTEST_GUILESS_MAIN(tst_VelhostProgram)
