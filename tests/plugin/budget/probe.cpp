@@ -1,3 +1,4 @@
+#include "allocations.h"
 #include "hostrecords.h"
 #include "recordingbackend.h"
 
@@ -15,39 +16,6 @@
 
 namespace {
 
-long allocations = 0;
-
-} // namespace
-
-// All of the program, the libraries included, gets its memory here.
-extern "C" {
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
-void *__libc_malloc(std::size_t size);
-void *__libc_calloc(std::size_t count, std::size_t size);
-void *__libc_realloc(void *memory, std::size_t size);
-
-void *malloc(std::size_t size)
-{
-    ++allocations;
-    return __libc_malloc(size);
-}
-
-void *calloc(std::size_t count, std::size_t size)
-{
-    ++allocations;
-    return __libc_calloc(count, size);
-}
-
-void *realloc(void *memory, std::size_t size)
-{
-    ++allocations;
-    return __libc_realloc(memory, size);
-}
-// NOLINTEND(bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
-}
-
-namespace {
-
 void serve(VELInterface &plugin, bool isWrite, LogList &list)
 {
     if (isWrite)
@@ -56,12 +24,14 @@ void serve(VELInterface &plugin, bool isWrite, LogList &list)
         plugin.readData(&list);
 }
 
-long allocationsOf(VELInterface &plugin, bool isWrite, LogList &list)
+// Does something between two stops.
+template<typename Action>
+long allocationsOf(Action action)
 {
     std::raise(SIGSTOP);
-    const long before = allocations;
-    serve(plugin, isWrite, list);
-    const long count = allocations - before;
+    const long before = allocationCount();
+    action();
+    const long count = allocationCount() - before;
     std::raise(SIGSTOP);
     return count;
 }
@@ -91,8 +61,9 @@ int main(int /*argc*/, char **argv)
     // The first time, functions are looked up, and tables are filled.
     serve(*plugin, isWrite, none);
     serve(*plugin, isWrite, all);
-    const long ofNone = allocationsOf(*plugin, isWrite, none);
-    const long ofAll = allocationsOf(*plugin, isWrite, all);
+    allocationsOf([] {});
+    const long ofNone = allocationsOf([&] { serve(*plugin, isWrite, none); });
+    const long ofAll = allocationsOf([&] { serve(*plugin, isWrite, all); });
     std::printf("%ld %ld\n", ofNone, ofAll);
     return host.errorLog.isEmpty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
