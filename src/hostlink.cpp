@@ -1,25 +1,37 @@
 #include "hostlink.h"
 
-#include "digits.h"
-
-#include <algorithm>
-
 namespace {
 
-const QMap<int, QString> typeTexts = {
-    {DataTypes::Bit, QStringLiteral("BIT")},
-    {DataTypes::Short, QStringLiteral("Short")},
-    {DataTypes::Long, QStringLiteral("Long")},
-    {DataTypes::Word, QStringLiteral("Word")},
-    {DataTypes::DWord, QStringLiteral("DWord")},
-    {DataTypes::Hex16, QStringLiteral("Hexadecimal 16Bit")},
-    {DataTypes::Hex32, QStringLiteral("Hexadecimal 32Bit")},
-    {DataTypes::Float, QStringLiteral("Float")},
-    {DataTypes::Double, QStringLiteral("Double")},
-    {DataTypes::Ascii, QStringLiteral("ASCII")},
+struct TypeRow
+{
+    QString text;
+    DataTypes::Traits traits;
 };
 
-// The texts stand in logs and error fields on site, the misspelt one included: they do not change.
+template<typename Number>
+DataTypes::Traits wholeNumber(const QString &words, int base)
+{
+    using Limits = std::numeric_limits<Number>;
+    return {words, base, Limits::min(), Limits::max()};
+}
+
+const QMap<int, TypeRow> typeRows = {
+    {DataTypes::Bit, {QStringLiteral("BIT"), {QStringLiteral("0")}}},
+    {DataTypes::Short, {QStringLiteral("Short"), wholeNumber<qint16>(QStringLiteral("1"), 10)}},
+    {DataTypes::Long, {QStringLiteral("Long"), wholeNumber<qint32>(QStringLiteral("2"), 10)}},
+    {DataTypes::Word, {QStringLiteral("Word"), wholeNumber<quint16>(QStringLiteral("1"), 10)}},
+    {DataTypes::DWord, {QStringLiteral("DWord"), wholeNumber<quint32>(QStringLiteral("2"), 10)}},
+    {DataTypes::Hex16,
+     {QStringLiteral("Hexadecimal 16Bit"), wholeNumber<quint16>(QStringLiteral("1"), 16)}},
+    {DataTypes::Hex32,
+     {QStringLiteral("Hexadecimal 32Bit"), wholeNumber<quint32>(QStringLiteral("2"), 16)}},
+    {DataTypes::Float, {QStringLiteral("Float"), {QStringLiteral("2")}}},
+    {DataTypes::Double, {QStringLiteral("Double"), {QStringLiteral("4")}}},
+    {DataTypes::Ascii, {QStringLiteral("ASCII"), {}}},
+};
+
+// Installations have these texts in logs and error fields, so none may change, not even the
+// misspelt one.
 const QMap<Errors::Error, QString> errorTexts = {
     {Errors::Ok, QStringLiteral("OK")},
     {Errors::DataTypeNotBoolean, QStringLiteral("data type not boolean")},
@@ -56,7 +68,14 @@ bool isIpv4Address(QStringView text)
 
 QString DataTypes::typeToString(int type)
 {
-    return typeTexts.value(type, QStringLiteral("Unknown Data Type"));
+    return typeRows.value(type, {QStringLiteral("Unknown Data Type"), {}}).text;
+}
+
+const DataTypes::Traits &DataTypes::traits(int type)
+{
+    static const Traits none;
+    const auto row = typeRows.constFind(type);
+    return row != typeRows.constEnd() ? row->traits : none;
 }
 
 int DataTypes::typeFromString(QString text)

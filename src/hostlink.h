@@ -3,7 +3,10 @@
 #include <QMap>
 #include <QString>
 
+#include <algorithm>
 #include <array>
+#include <charconv>
+#include <limits>
 
 /// The data types of an item. The host stores a type as the decimal text of its number.
 namespace DataTypes {
@@ -22,7 +25,7 @@ enum Type : int {
     UnknownType = 10,
 };
 
-/// Every type that is offered to the user, in this order. The last entry is offered too.
+/// Every type that is offered to the user, in this order; `UnknownType` is one of them.
 inline constexpr std::array<int, 11> types = {
     Bit, Short, Long, Word, DWord, Hex16, Hex32, Float, Double, Ascii, UnknownType,
 };
@@ -30,6 +33,21 @@ inline constexpr std::array<int, 11> types = {
 /// The text under which a type is offered to the user; "Unknown Data Type" for every number outside
 /// 0 to 9.
 QString typeToString(int type);
+
+/// What is known of a type's values.
+struct Traits
+{
+    /// The size in words; empty where the address states it.
+    QString words;
+    /// The base of whole numbers; 0 for a type whose values are none.
+    int base = 0;
+    /// What a whole number may be.
+    qint64 minimum = 0;
+    qint64 maximum = 0;
+};
+
+/// Those of a type; empty and 0 for every number outside 0 to 9.
+const Traits &traits(int type);
 
 /// Reads the stored number of a type, not its name: "7" gives 7. Text that is not a decimal number
 /// gives 0, any other number is returned as it is.
@@ -72,8 +90,8 @@ enum Error : unsigned int {
     UnknownError = 13,
 };
 
-/// The text of a code. A number above the last code gives the text of `UnknownError`, whose number
-/// it shows.
+/// The text of a code. A number above the last code gives the text of `UnknownError`, which has
+/// that code's own number in it.
 QString errorToString(Error code);
 
 } // namespace Errors
@@ -90,19 +108,81 @@ public:
 
     /// The line for an operation on `count` consecutive words (decimal text) from the device
     /// `address` on; `data` holds the words of a write, separated by blanks. More than one word
-    /// makes the continuous form
-    /// ("RDS D200 10\r"), everything else the single form without a count ("RD D100\r").
+    /// makes the continuous form ("RDS D200 10\r"), everything else the single form without a count
+    /// ("RD D100\r").
     ///
     /// The result is empty when the request is incomplete: a negative or empty count, no operation,
     /// no address, a write without data.
     static QString getCommand(QString command, QString address, QString count, QString data);
 };
 
-/// What is known of a controller's end point before anything is connected.
+/// The check of a controller's end point, without a connection.
 class ethernetPLC
 {
 public:
     /// Checks the texts of an address (four decimal numbers up to 255, leading zeros allowed) and a
-    /// port (at least one digit anywhere). A bad port wins over a bad address.
+    /// port (at least one digit anywhere). If both are bad, the port is reported.
     static Errors::Error validate(QString ip, QString port);
 };
+
+// Whole numbers and their texts, without the detour through a locale.
+
+/// The text without the one final line feed that counts for nothing at the end of a pattern.
+inline QStringView withoutLineFeed(QStringView text)
+{
+    return text.endsWith(QLatin1Char('\n')) ? text.chopped(1) : text;
+}
+
+/// The value of a digit: 0 to 9, or in either case A to F; 16 for any other character, also for the
+/// digits of other scripts.
+constexpr int digitValue(QChar character)
+{
+    const int code = character.unicode();
+    if (code >= '0' && code <= '9')
+        return code - '0';
+    const int lowerCase = code | 0x20;
+    return lowerCase >= 'a' && lowerCase <= 'f' ? lowerCase - 'a' + 10 : 16;
+}
+
+/// Whether the character is a digit of decimal numbers.
+constexpr bool isDecimalDigit(QChar character)
+{
+    return digitValue(character) < 10;
+}
+
+/// The number that the digits of a base make. Text that is empty or not only digits gives -1, a
+/// number beyond 32 bits gives the first one beyond.
+inline qint64 numberOfDigits(QStringView text, int base)
+{
+    constexpr qint64 firstBeyond = qint64(std::numeric_limits<quint32>::max()) + 1;
+    qint64 number = text.isEmpty() ? -1 : 0;
+    for (const QChar character : text) {
+        const int digit = digitValue(character);
+        if (digit >= base)
+            return -1;
+        number = std::min(number * base + digit, firstBeyond);
+    }
+    return number;
+}
+
+/// What QString::toInt() and its like make of a text: 0 when it is no number of that type. Nearly
+/// every text is plain digits; what else can be a number, Qt knows.
+template<typename Number>
+Number decimalNumber(QStringView text)
+{
+    static_assert(sizeof(Number) <= sizeof(quint32));
+    qint64 number = numberOfDigits(text, 10);
+    if (number < 0)
+        number = text.toString().toLongLong();
+    using Limits = std::numeric_limits<Number>;
+    const bool fits = number >= Limits::min() && number <= Limits::max();
+    return fits ? static_cast<Number>(number) : Number(0);
+}
+
+/// What QString::number() makes of a number.
+inline QString decimalText(qint64 number)
+{
+    std::array<char, std::numeric_limits<qint64>::digits10 + 2> text;
+    const auto result = std::to_chars(text.begin(), text.end(), number);
+    return QString::fromLatin1(text.data(), static_cast<int>(result.ptr - text.data()));
+}

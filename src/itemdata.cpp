@@ -1,8 +1,5 @@
 #include "itemdata.h"
 
-#include "digits.h"
-
-#include <QMap>
 #include <QRegularExpression>
 #include <QVarLengthArray>
 
@@ -11,55 +8,32 @@
 #include <cstring>
 #include <limits>
 
-const QString ItemData::lettersPattern = QStringLiteral("(\\D)+");
-const QString ItemData::hexPattern = QStringLiteral("^[0-9a-fA-F]+$");
-const QString ItemData::floatPattern = QStringLiteral("^[-+]?[0-9]*\\.?[0-9]+$");
-const QString ItemData::integerPattern = QStringLiteral("-?\\d+");
-const QString ItemData::unsignedIntegerPattern = QStringLiteral("\\d+");
-const QString ItemData::simpleAddressPattern = QStringLiteral("^\\D+[0-9a-fA-F]+$");
-const QString ItemData::dotAddessPattern = QStringLiteral("^\\D+[0-9]+\\.[0-9]+$");
-const QString ItemData::rangeAddressPattern = QStringLiteral("^\\D+[0-9]+-[0-9]+$");
-const QString ItemData::bitPattern = QStringLiteral("^[0-1]$");
-const QString ItemData::stringPattern = QStringLiteral(".*");
-
 namespace {
 
 const QRegularExpression floatExpression(ItemData::floatPattern);
 const QRegularExpression stringExpression(ItemData::stringPattern);
 
-// What the conversions know of a type.
-struct TypeTraits
+// What a value to write must look like. None for whole numbers, and for a type that takes no value:
+// there, only an empty one fits.
+const QRegularExpression *expressionOf(int dataType)
 {
-    // The size in words; empty where the address states it.
-    QString words;
-    // What a value to write must look like. None for whole numbers, and for a type that takes no
-    // value: there, only an empty one fits.
-    const QRegularExpression *expression = nullptr;
-    // What a whole number may be; the base is 0 for a type whose values are none.
-    int base = 0;
-    qint64 minimum = 0;
-    qint64 maximum = 0;
-};
-
-template<typename Number>
-TypeTraits wholeNumber(const QString &words, int base)
-{
-    using Limits = std::numeric_limits<Number>;
-    return {words, nullptr, base, Limits::min(), Limits::max()};
+    if (dataType == DataTypes::Ascii)
+        return &stringExpression;
+    return dataType == DataTypes::Float || dataType == DataTypes::Double ? &floatExpression
+                                                                         : nullptr;
 }
 
-const QMap<int, TypeTraits> typeTraits = {
-    {DataTypes::Bit, {QStringLiteral("0")}},
-    {DataTypes::Short, wholeNumber<qint16>(QStringLiteral("1"), 10)},
-    {DataTypes::Long, wholeNumber<qint32>(QStringLiteral("2"), 10)},
-    {DataTypes::Word, wholeNumber<quint16>(QStringLiteral("1"), 10)},
-    {DataTypes::DWord, wholeNumber<quint32>(QStringLiteral("2"), 10)},
-    {DataTypes::Hex16, wholeNumber<quint16>(QStringLiteral("1"), 16)},
-    {DataTypes::Hex32, wholeNumber<quint32>(QStringLiteral("2"), 16)},
-    {DataTypes::Float, {QStringLiteral("2"), &floatExpression}},
-    {DataTypes::Double, {QStringLiteral("4"), &floatExpression}},
-    {DataTypes::Ascii, {{}, &stringExpression}},
-};
+// The second number is the last one of a range when it is greater than the first, else a count.
+int wordsOf(QStringView firstDigits, QStringView secondDigits)
+{
+    constexpr qint64 greatest = std::numeric_limits<quint32>::max();
+    const qint64 first = numberOfDigits(firstDigits, 10);
+    const qint64 second = numberOfDigits(secondDigits, 10);
+    if (first > greatest || second > greatest || second == 0)
+        return 0;
+    // A number of words beyond the signed range comes out negative, like an address without one.
+    return static_cast<int>(static_cast<quint32>(first < second ? second - first + 1 : second));
+}
 
 bool isBit(QStringView value)
 {
@@ -68,7 +42,7 @@ bool isBit(QStringView value)
 
 // Whether the value is a whole number within the type's range, written in digits alone: no blank,
 // no plus sign, no prefix, no minus sign before zero.
-bool isInRange(QStringView value, const TypeTraits &traits)
+bool isInRange(QStringView value, const DataTypes::Traits &traits)
 {
     const bool isNegative = value.startsWith(QLatin1Char('-'));
     const qint64 size = numberOfDigits(isNegative ? value.mid(1) : value, traits.base);
@@ -102,12 +76,6 @@ QString dataWords(quint64 number)
     for (number >>= 16U; number != 0; number >>= 16U)
         words += QLatin1Char(' ') + decimalText(static_cast<quint16>(number));
     return words;
-}
-
-unsigned int bitMask(unsigned short bit)
-{
-    const unsigned int count = bit & 0xFFU;
-    return count < 16 ? 1U << count : 0U;
 }
 
 // The hexadecimal digits of data words, most significant word first, at least four a word.
@@ -212,7 +180,8 @@ unsigned int latin1Code(QChar character)
 }
 
 // Each word takes two characters, the first one as its low byte. The codes stand one after the
-// other as hexadecimal digits without padding, so a code below 16 shifts its partner.
+// other as hexadecimal digits without padding, so after a code below 16 the next digits
+// move one place.
 QString characterWords(const QString &text)
 {
     QString words;
@@ -238,6 +207,40 @@ int checkedType(int dataType)
 }
 
 } // namespace
+
+ItemAddress readItemAddress(const QString &text)
+{
+    ItemAddress address;
+    address.text = text;
+    const QStringView body = withoutLineFeed(text);
+    const QChar *begin = body.begin();
+    const QChar *end = body.end();
+    const QChar *number = std::find_if(begin, end, isDecimalDigit);
+    if (number == begin || !text.isValidUtf16())
+        return address;
+
+    const QChar *separator = std::find_if_not(number, end, isDecimalDigit);
+    const bool hasSecond = end - separator > 1 && std::all_of(separator + 1, end, isDecimalDigit);
+    const auto isHexDigit = [](QChar character) { return digitValue(character) < 16; };
+    // Without a decimal digit the last letter is the number, in hexadecimal.
+    const QChar *hexNumber = std::min(number, end - 1);
+    // The name of a device may hold points and minus signs, too; it ends at the first one.
+    if (hasSecond && *separator == QLatin1Char('.')) {
+        const int point = text.indexOf(QLatin1Char('.'));
+        const int behind = text.indexOf(QLatin1Char('.'), point + 1);
+        address.form = ItemAddress::Form::Bit;
+        address.device = text.left(point);
+        address.bitNo = decimalNumber<int>(text.midRef(point + 1, behind - point - 1));
+    } else if (hasSecond && *separator == QLatin1Char('-')) {
+        address.form = ItemAddress::Form::Words;
+        address.device = text.left(text.indexOf(QLatin1Char('-')));
+        address.wordCount = wordsOf({number, separator}, {separator + 1, end});
+    } else if (hexNumber != begin && std::all_of(hexNumber, end, isHexDigit)) {
+        address.form = ItemAddress::Form::Simple;
+        address.device = text;
+    }
+    return address;
+}
 
 Errors::Error ItemData::validateItemFields(QString address, QString dataType, QString value,
                                            QString length)
@@ -277,13 +280,13 @@ Errors::Error ItemData::validateItemFields(const ItemAddress &address, int dataT
 
 Errors::Error ItemData::checkDataForItem(QString value, int dataType, QString length)
 {
-    const TypeTraits traits = typeTraits.value(dataType);
+    const DataTypes::Traits &traits = DataTypes::traits(dataType);
     if (traits.base != 0)
         return isInRange(value, traits) ? Errors::Ok : Errors::ValueOutOfRange;
     if (getDataLength(value, dataType, length).isEmpty())
         return Errors::DataLengthInvalid;
-    const QString fitting
-        = traits.expression != nullptr ? traits.expression->match(value).captured() : QString();
+    const QRegularExpression *const expression = expressionOf(dataType);
+    const QString fitting = expression != nullptr ? expression->match(value).captured() : QString();
     return fitting == value ? Errors::Ok : Errors::InvalidFormatForDataType;
 }
 
@@ -331,7 +334,7 @@ QString ItemData::effectiveDataLength(const ItemAddress &address)
 QString ItemData::getDataLength(QString value, int dataType, QString length)
 {
     if (dataType != DataTypes::Ascii)
-        return typeTraits.value(dataType).words;
+        return DataTypes::traits(dataType).words;
     const double needed = std::ceil(static_cast<double>(static_cast<float>(value.size()) / 2.0F));
     return needed > decimalNumber<quint32>(length) ? QString() : length;
 }
@@ -393,19 +396,4 @@ QString ItemData::arrayToHex(QString data)
 QString ItemData::decimalToArray(QString decimal)
 {
     return dataWords(decimal.toULongLong());
-}
-
-unsigned short ItemData::bitSet(unsigned short value, unsigned short bit)
-{
-    return static_cast<unsigned short>(value | bitMask(bit));
-}
-
-unsigned short ItemData::bitClear(unsigned short value, unsigned short bit)
-{
-    return static_cast<unsigned short>(value & ~bitMask(bit));
-}
-
-bool ItemData::bitCheck(unsigned short value, unsigned short bit)
-{
-    return (value & bitMask(bit)) != 0;
 }

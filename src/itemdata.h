@@ -1,12 +1,34 @@
 #pragma once
 
 #include "hostlink.h"
-#include "itemaddress.h"
 
 #include <QByteArray>
 #include <QString>
 
-/// What is known of a data item without a controller: its address, its checks and its conversions.
+/// The address of an item, read once. Addresses are "D201" (simple), "DM100.3" (bit 3 of a word),
+/// "D200-10" (10 words: the second number is not greater than the first) and "D200-209" (D200
+/// through D209).
+struct ItemAddress
+{
+    enum class Form { None, Simple, Bit, Words };
+
+    QString text;
+    Form form = Form::None;
+    /// As the controller spells it, without bit, count or range; empty when there is no form.
+    QString device;
+    /// The number after the point of a bit address, whatever its size; 16 for any other address.
+    int bitNo = 16;
+    /// The words of a count or range, 0 when its numbers cannot be used; negative for any other
+    /// address.
+    int wordCount = -1;
+};
+
+/// Reads an address by the grammar that the patterns of `ItemData` state. That holds for every
+/// text: a final line feed counts for nothing, digits are 0 to 9 alone, and text that is no valid
+/// UTF-16 has no form.
+ItemAddress readItemAddress(const QString &text);
+
+/// The checks and the conversions of a data item, without a connection.
 /// The controller's unit is the unsigned 16-bit word; a text of data words holds decimal numbers
 /// separated by single blanks, the least significant word first.
 ///
@@ -15,22 +37,22 @@
 class ItemData
 {
 public:
-    static const QString lettersPattern;
-    static const QString hexPattern;
-    static const QString floatPattern;
-    static const QString integerPattern;
-    static const QString unsignedIntegerPattern;
-    static const QString simpleAddressPattern;
-    static const QString dotAddessPattern;
-    static const QString rangeAddressPattern;
-    static const QString bitPattern;
-    static const QString stringPattern;
+    static inline const QString lettersPattern = QStringLiteral("(\\D)+");
+    static inline const QString hexPattern = QStringLiteral("^[0-9a-fA-F]+$");
+    static inline const QString floatPattern = QStringLiteral("^[-+]?[0-9]*\\.?[0-9]+$");
+    static inline const QString integerPattern = QStringLiteral("-?\\d+");
+    static inline const QString unsignedIntegerPattern = QStringLiteral("\\d+");
+    static inline const QString simpleAddressPattern = QStringLiteral("^\\D+[0-9a-fA-F]+$");
+    static inline const QString dotAddessPattern = QStringLiteral("^\\D+[0-9]+\\.[0-9]+$");
+    static inline const QString rangeAddressPattern = QStringLiteral("^\\D+[0-9]+-[0-9]+$");
+    static inline const QString bitPattern = QStringLiteral("^[0-1]$");
+    static inline const QString stringPattern = QStringLiteral(".*");
 
     /// Decides whether an item may be read or written. `dataType` is the decimal text of the type's
     /// number (other text counts as 0), `value` the value to write, empty for a read, `length` what
     /// effectiveDataLength() gave for the address.
     ///
-    /// An address that fits no form is let through: getDevice() then finds no device in it.
+    /// An address that fits no form is accepted: getDevice() then finds no device in it.
     static Errors::Error validateItemFields(QString address, QString dataType, QString value,
                                             QString length);
 
@@ -87,9 +109,25 @@ public:
 
     /// The word with the bit set, with the bit cleared, and whether the bit is set. The bit's
     /// number is the low 8 bits of `bit`; 16 to 255 address no bit.
-    static unsigned short bitSet(unsigned short value, unsigned short bit);
-    static unsigned short bitClear(unsigned short value, unsigned short bit);
-    static bool bitCheck(unsigned short value, unsigned short bit);
+    static unsigned short bitSet(unsigned short value, unsigned short bit)
+    {
+        return static_cast<unsigned short>(value | bitMask(bit));
+    }
+    static unsigned short bitClear(unsigned short value, unsigned short bit)
+    {
+        return static_cast<unsigned short>(value & ~bitMask(bit));
+    }
+    static bool bitCheck(unsigned short value, unsigned short bit)
+    {
+        return (value & bitMask(bit)) != 0;
+    }
+
+private:
+    static unsigned int bitMask(unsigned short bit)
+    {
+        const unsigned int count = bit & 0xFFU;
+        return count < 16 ? 1U << count : 0U;
+    }
 };
 
 /// The bit of an address with exactly one point: 0 to 15, or -1 when the part after the point has

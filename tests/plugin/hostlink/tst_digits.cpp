@@ -1,4 +1,4 @@
-#include "digits.h"
+#include "hostlink.h"
 #include "generatedtexts.h"
 #include "hostlink.h"
 #include "text.h"

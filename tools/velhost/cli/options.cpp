@@ -1,9 +1,12 @@
 #include "cli/options.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
 constexpr int defaultIntervalMs = 1000;
+const QString plantName = QStringLiteral("plant");
 const QString onlyChangesName = QStringLiteral("only-changes");
 const QString intervalName = QStringLiteral("interval");
 
@@ -33,9 +36,12 @@ QList<Option> optionsOf(const Command &command)
              QStringLiteral("the plug-in; without it libkeyence.so next to this program, then in "
                             "../lib from there, then where it is installed, then in Qt's plug-in "
                             "folders")});
-        options.append({QStringLiteral("plant"), QStringLiteral("FILE"),
-                        QStringLiteral("the plant, instead of PLANT; with discover the file to "
-                                       "write the controllers to")});
+        const bool hasOwnPlant
+            = std::any_of(options.begin(), options.end(),
+                          [](const Option &option) { return option.name == plantName; });
+        if (!hasOwnPlant)
+            options.append(
+                {plantName, QStringLiteral("FILE"), QStringLiteral("the plant, instead of PLANT")});
     }
     options.append(
         {QStringLiteral("format"), QStringLiteral("FORMAT"), formatHelp(command.formats)});
@@ -51,12 +57,11 @@ Option intervalOption()
             Option::Range{0, maximumIntervalMs}};
 }
 
-Option onlyChangesOption()
+Option onlyChangesOption(const QString &addition)
 {
     return {onlyChangesName,
             {},
-            QStringLiteral("print an item only when its value or its error has changed; watch then "
-                           "prints lines instead of a table")};
+            u"print an item only when its value or its error has changed" + addition};
 }
 
 bool printsOnlyChanges(const Arguments &arguments)

@@ -8,8 +8,8 @@ QList<Option> optionsOf(const Command &command);
 /// `--interval`, for the commands that read repeatedly.
 Option intervalOption();
 
-/// `--only-changes`, for the same commands.
-Option onlyChangesOption();
+/// `--only-changes`, for the same commands; the addition stands behind its help.
+Option onlyChangesOption(const QString &addition = {});
 
 /// Whether `--only-changes` was given.
 bool printsOnlyChanges(const Arguments &arguments);

@@ -36,7 +36,9 @@ QList<ParameterOption> parameterOptions()
 
 QList<Option> discoverOptions()
 {
-    QList<Option> options{{subnetOption, QStringLiteral("NETWORK"),
+    QList<Option> options{{QStringLiteral("plant"), QStringLiteral("FILE"),
+                           QStringLiteral("write the controllers to this plant file")},
+                          {subnetOption, QStringLiteral("NETWORK"),
                            QStringLiteral("ask the addresses of this network, for example "
                                           "192.168.0.0/24, and not all of the interface's")},
                           {forceOption,

@@ -152,7 +152,7 @@ Command watchCommand()
               QStringLiteral("end after that time (default: at Ctrl+C)"),
               Option::Range{1, maximumForSeconds}},
              intervalOption(),
-             onlyChangesOption()},
+             onlyChangesOption(QStringLiteral("; prints lines instead of a table"))},
             {{QStringLiteral("See what arrives, until Ctrl+C"),
               QStringLiteral("velhost watch plant.json")}},
             runWatch};
