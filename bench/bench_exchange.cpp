@@ -10,11 +10,13 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <vector>
 
+#include <modbus/modbus.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sched.h>
@@ -41,16 +43,31 @@ void stayOnOneProcessor()
         std::fprintf(stderr, "not pinned to one processor: expect a wider spread\n");
 }
 
-// Answers whatever is received, on every connection, with the same word.
+// The answer to a request for the register of a Modbus server.
+QByteArray register12345(const char *request)
+{
+    const QByteArray transaction(request, 4);
+    const QByteArray unit(request + 6, 1);
+    return transaction + QByteArray("\0\5", 2) + unit + QByteArray("\3\2\x30\x39", 4);
+}
+
+// Answers every request, on every connection, with the same word.
 [[noreturn]] void answer(int listener)
 {
+    constexpr ssize_t modbusRequestSize = 12;
     std::vector<pollfd> watched = {{listener, POLLIN, 0}};
     std::array<char, 4096> buffer{};
     for (;;) {
         ::poll(watched.data(), watched.size(), -1);
         for (std::size_t i = 1; i < watched.size(); ++i) {
-            if (watched[i].revents != 0 && ::read(watched[i].fd, buffer.data(), buffer.size()) > 0)
-                ::send(watched[i].fd, "12345\r\n", 7, MSG_NOSIGNAL);
+            if (watched[i].revents == 0)
+                continue;
+            const ssize_t size = ::read(watched[i].fd, buffer.data(), buffer.size());
+            const QByteArray reply = size == modbusRequestSize ? register12345(buffer.data())
+                                                               : QByteArray("12345\r\n");
+            if (size > 0)
+                ::send(watched[i].fd, reply.data(), static_cast<std::size_t>(reply.size()),
+                       MSG_NOSIGNAL);
         }
         if (watched[0].revents != 0)
             watched.push_back({::accept(listener, nullptr, nullptr), POLLIN, 0});
@@ -105,6 +122,23 @@ void exchangeBare(int descriptor, int count)
     }
 }
 
+modbus_t *modbusConnected(int port)
+{
+    modbus_t *modbus = modbus_new_tcp("127.0.0.1", port);
+    if (modbus == nullptr || modbus_connect(modbus) != 0)
+        std::abort();
+    return modbus;
+}
+
+void exchangeModbus(modbus_t *modbus, int count)
+{
+    for (; count > 0; --count) {
+        std::uint16_t word = 0;
+        if (modbus_read_registers(modbus, 201, 1, &word) != 1 || word != 12345)
+            std::abort();
+    }
+}
+
 // Microseconds an exchange.
 double timed(const std::function<void()> &list, int items)
 {
@@ -123,33 +157,31 @@ double median(std::vector<double> figures)
     return (figures[figures.size() / 2] + figures[(figures.size() - 1) / 2]) / 2;
 }
 
-void compare(int items, int descriptor, VELInterface &plugin, const DeviceInstancePlugin &device)
+// How many times longer one takes than the other, in the median round, with the spread.
+void printRatio(const std::vector<double> &longer, const std::vector<double> &shorter)
 {
-    LogList list = logList(device, {});
-    for (int i = 0; i < items; ++i)
-        list.dataItems.append(dataItem(QStringLiteral("item"), QStringLiteral("D201"),
-                                       QStringLiteral("1"), QStringLiteral("1")));
-    const auto bareList = [=] { exchangeBare(descriptor, items); };
-    const auto pluginList = [&] { plugin.readData(&list); };
-    std::vector<double> bare;
-    std::vector<double> own;
     std::vector<double> ratios;
-    for (int round = -1; round < rounds; ++round) {
-        const bool bareFirst = round % 2 == 0;
-        const double first = bareFirst ? timed(bareList, items) : timed(pluginList, items);
-        const double second = bareFirst ? timed(pluginList, items) : timed(bareList, items);
-        // The first round warms up.
-        if (round < 0)
-            continue;
-        bare.push_back(bareFirst ? first : second);
-        own.push_back(bareFirst ? second : first);
-        ratios.push_back(bare.back() / own.back());
-    }
-    if (valueOf(list.dataItems.constLast()) != QLatin1String("12345"))
-        std::abort();
+    for (std::size_t round = 0; round < longer.size(); ++round)
+        ratios.push_back(longer[round] / shorter[round]);
     const auto [least, greatest] = std::minmax_element(ratios.cbegin(), ratios.cend());
-    std::printf("%6d  %12.2f  %15.2f  %5.2f  %4.2f to %4.2f\n", items, median(bare), median(own),
-                median(ratios), *least, *greatest);
+    std::printf("   %4.2f (%4.2f to %4.2f)", median(ratios), *least, *greatest);
+}
+
+// The times of all, round by round; each round begins with another one.
+template<std::size_t count>
+std::array<std::vector<double>, count>
+inTurns(const std::array<std::function<void()>, count> &lists, int items)
+{
+    std::array<std::vector<double>, count> times;
+    for (const auto &list : lists)
+        list();
+    for (std::size_t round = 0; round < rounds; ++round) {
+        for (std::size_t turn = 0; turn < count; ++turn) {
+            const std::size_t next = (round + turn) % count;
+            times[next].push_back(timed(lists[next], items));
+        }
+    }
+    return times;
 }
 
 } // namespace
@@ -167,9 +199,29 @@ int main()
         std::fprintf(stderr, "%s\n", qPrintable(loader.errorString()));
         return EXIT_FAILURE;
     }
-    const int descriptor = connected(server.port());
-    std::printf(" items  bare loop us  the plug-in us  ratio  in %d rounds\n", rounds);
-    for (const int items : {1, 10, 100, 1000, 10000})
-        compare(items, descriptor, *plugin, device);
+    const int bare = connected(server.port());
+    modbus_t *modbus = modbusConnected(server.port());
+
+    std::printf("An item in microseconds, and ratios: median of %d rounds (spread).\n", rounds);
+    std::printf(" items   bare  plug-in  libmodbus   bare / plug-in        libmodbus / plug-in\n");
+    for (const int items : {1, 10, 100, 1000, 10000}) {
+        LogList list = logList(device, {});
+        for (int i = 0; i < items; ++i)
+            list.dataItems.append(dataItem(QStringLiteral("item"), QStringLiteral("D201"),
+                                           QStringLiteral("1"), QStringLiteral("1")));
+        const auto times
+            = inTurns<3>({[=] { exchangeBare(bare, items); }, [&] { plugin->readData(&list); },
+                          [=] { exchangeModbus(modbus, items); }},
+                         items);
+        if (valueOf(list.dataItems.constLast()) != QLatin1String("12345"))
+            std::abort();
+        std::printf("%6d %6.2f   %6.2f     %6.2f", items, median(times[0]), median(times[1]),
+                    median(times[2]));
+        printRatio(times[0], times[1]);
+        printRatio(times[2], times[1]);
+        std::printf("\n");
+    }
+    modbus_close(modbus);
+    modbus_free(modbus);
     return EXIT_SUCCESS;
 }
