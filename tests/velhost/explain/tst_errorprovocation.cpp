@@ -108,10 +108,10 @@ Plant plantOf(const QJsonObject &provocation, int port)
         {text("parameters"), parameters},
         {text("items"), provocation.value(text("items"))}};
     const QJsonObject root{{text("devices"), QJsonArray{device}}};
-    QStringList errors;
-    const auto plant = parsePlant(QJsonDocument(root).toJson(), text("plant.json"), &errors);
-    if (!plant)
-        qFatal("%s", qPrintable(errors.join(u' ')));
+    QList<Problem> problems;
+    const auto plant = parsePlantDraft(QJsonDocument(root).toJson(), &problems);
+    if (!problems.isEmpty())
+        qFatal("%s", qPrintable(problemLines(text("plant.json"), problems).join(u' ')));
     return *plant;
 }
 

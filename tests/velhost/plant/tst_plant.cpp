@@ -45,6 +45,15 @@ Plant plantOf(const QList<QPair<QString, QStringList>> &devices)
     return plant;
 }
 
+/// The plant, read as from the file p.json; nothing when anything is wrong with it.
+std::optional<Plant> plantOf(const QByteArray &json, QStringList *errors)
+{
+    QList<Problem> problems;
+    const std::optional<Plant> plant = parsePlantDraft(json, &problems);
+    errors->append(problemLines(QStringLiteral("p.json"), problems));
+    return problems.isEmpty() ? plant : std::nullopt;
+}
+
 } // namespace
 
 class tst_Plant : public QObject
@@ -71,7 +80,7 @@ private Q_SLOTS:
 void tst_Plant::everyField()
 {
     QStringList errors;
-    const std::optional<Plant> plant = parsePlant(
+    const std::optional<Plant> plant = plantOf(
         R"({"networkInterfaces": ["eth0", "wlan0"],
             "devices": [{"id": 7, "name": "Press", "ip": "10.0.0.1",
                          "parameters": {"port": "8501", "timeout": null},
@@ -79,7 +88,7 @@ void tst_Plant::everyField()
                                     "expect": "7"},
                                    {"name": "Täller\u0000", "parameters": {}}]},
                         {"id": 8, "name": "Oven", "ip": "", "items": []}]})",
-        QStringLiteral("p.json"), &errors);
+        &errors);
     QCOMPARE(errors, QStringList());
     QVERIFY(plant.has_value());
     QCOMPARE(plant->networkInterfaces,
@@ -109,8 +118,7 @@ void tst_Plant::everyField()
 void tst_Plant::leavesOut()
 {
     QStringList errors;
-    const std::optional<Plant> plant
-        = parsePlant(withItems(R"([{"name": "Counter"}])"), QStringLiteral("p.json"), &errors);
+    const std::optional<Plant> plant = plantOf(withItems(R"([{"name": "Counter"}])"), &errors);
     QCOMPARE(errors, QStringList());
     QVERIFY(plant.has_value());
     QCOMPARE(plant->networkInterfaces, QStringList());
@@ -215,7 +223,7 @@ void tst_Plant::errors()
     QFETCH(QString, error);
 
     QStringList errors;
-    QCOMPARE(parsePlant(json, QStringLiteral("p.json"), &errors).has_value(), false);
+    QCOMPARE(plantOf(json, &errors).has_value(), false);
     QCOMPARE(errors, QStringList(error));
 }
 
@@ -238,7 +246,7 @@ void tst_Plant::idLimits()
     QFETCH(bool, taken);
 
     QStringList errors;
-    const std::optional<Plant> plant = parsePlant(withId(id), QStringLiteral("p.json"), &errors);
+    const std::optional<Plant> plant = plantOf(withId(id), &errors);
     QCOMPARE(plant.has_value(), taken);
     if (taken)
         QCOMPARE(QByteArray::number(plant->devices.at(0).id), id);
@@ -251,8 +259,7 @@ void tst_Plant::idLimits()
 void tst_Plant::collectsErrors()
 {
     QStringList errors;
-    parsePlant(R"({"devices": [{"id": "1", "ip": "", "items": [{}]}], "x": 1})",
-               QStringLiteral("p.json"), &errors);
+    plantOf(R"({"devices": [{"id": "1", "ip": "", "items": [{}]}], "x": 1})", &errors);
     QCOMPARE(errors,
              QStringList(
                  {QStringLiteral(

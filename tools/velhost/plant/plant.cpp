@@ -138,28 +138,18 @@ Plant readPlant(const QJsonValue &root, QList<Problem> *errors)
             readDevices(object.value(devices), devices, errors)};
 }
 
-/// The plant with its wrong parts empty; nothing when the text is no JSON.
-std::optional<Plant> parseDraft(const QByteArray &json, QList<Problem> *problems)
+} // namespace
+
+std::optional<Plant> parsePlantDraft(const QByteArray &json, QList<Problem> *problems)
 {
     const std::optional<QJsonValue> root = parseJson(json, problems);
     return root ? std::make_optional(readPlant(*root, problems)) : std::nullopt;
 }
 
-} // namespace
-
-std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
-                                QStringList *errors)
-{
-    QList<Problem> problems;
-    std::optional<Plant> plant = parseDraft(json, &problems);
-    errors->append(problemLines(fileName, problems));
-    return problems.isEmpty() ? std::move(plant) : std::nullopt;
-}
-
 std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems)
 {
     const std::optional<QByteArray> json = readJsonBytes(fileName, kindOfFile, problems);
-    return json ? parseDraft(*json, problems) : std::nullopt;
+    return json ? parsePlantDraft(*json, problems) : std::nullopt;
 }
 
 std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors)

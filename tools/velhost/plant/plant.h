@@ -43,16 +43,14 @@ struct Plant
     QList<PlantDevice> devices;
 };
 
-/// Reads a plant from JSON. When anything is wrong, returns nothing and adds a line to `errors` for
-/// each error, which begins with `fileName` and the place. The parameters are not compared with the
+/// Reads a plant from JSON, even one with errors: adds them to `problems` and leaves the wrong
+/// parts empty. Returns nothing when the text is no JSON. The parameters are not compared with the
 /// plug-in's columns here.
-std::optional<Plant> parsePlant(const QByteArray &json, const QString &fileName,
-                                QStringList *errors);
+std::optional<Plant> parsePlantDraft(const QByteArray &json, QList<Problem> *problems);
 
-/// Reads a plant file of at most 16 MiB, even one with errors: adds them to `problems` and leaves
-/// the wrong parts empty. Returns nothing when the file cannot be read or is no JSON; `problems`
-/// then has that reason only.
+/// Reads such a file of at most 16 MiB. Returns nothing also when it cannot be read.
 std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems);
 
-/// Reads a plant file of at most 16 MiB; errors as with parsePlant().
+/// Reads a plant file of at most 16 MiB. When anything is wrong, returns nothing and adds a line to
+/// `errors` for each error, which begins with `fileName` and the place.
 std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors);
