@@ -1,5 +1,4 @@
 #include <host/host.h>
-#include <plant/parameters.h>
 #include <plant/records.h>
 
 #include <QMap>

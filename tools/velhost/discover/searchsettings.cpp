@@ -1,7 +1,7 @@
 #include "discover/searchsettings.h"
 
 #include "discover/portlist.h"
-#include "plant/parameters.h"
+#include "plant/records.h"
 
 #include <common/json/problem.h>
 #include <common/wholenumber.h>
