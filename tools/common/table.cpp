@@ -17,17 +17,21 @@ QVector<int> columnWidths(const QList<QStringList> &rows)
     return widths;
 }
 
+QString tableLine(const QStringList &cells, const QVector<int> &widths)
+{
+    QString text;
+    for (int column = 0; column < cells.size(); ++column)
+        text += paddedToWidth(cells.at(column), widths.value(column) + 2);
+    while (text.endsWith(u' '))
+        text.chop(1);
+    return text + u'\n';
+}
+
 QString tableText(const QList<QStringList> &rows)
 {
     const QVector<int> widths = columnWidths(rows);
     QString text;
-    for (const QStringList &row : rows) {
-        QString line;
-        for (int column = 0; column < row.size(); ++column)
-            line += paddedToWidth(row.at(column), widths.at(column) + 2);
-        while (line.endsWith(u' '))
-            line.chop(1);
-        text += line + u'\n';
-    }
+    for (const QStringList &row : rows)
+        text += tableLine(row, widths);
     return text;
 }

@@ -8,5 +8,8 @@
 /// The width of each column: that of its widest cell, in terminal columns.
 QVector<int> columnWidths(const QList<QStringList> &rows);
 
-/// Rows of equal length as aligned lines, two spaces between columns, none at a line's end.
+/// One row as a line of columns with these widths, two spaces between, none at its end.
+QString tableLine(const QStringList &cells, const QVector<int> &widths);
+
+/// Rows of equal length as aligned lines, each as tableLine() makes it.
 QString tableText(const QList<QStringList> &rows);

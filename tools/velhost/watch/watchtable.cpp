@@ -1,6 +1,5 @@
 #include "watch/watchtable.h"
 
-#include "cycle/changelines.h"
 #include <common/table.h>
 #include <common/textwidth.h>
 
