@@ -1,13 +1,17 @@
 #pragma once
 
 #include "cycle/report.h"
-#include "host/host.h"
+#include "host/session.h"
 #include "plant/assignment.h"
 
 #include <vel/records.h>
 #include <vel/velinterface.h>
 
+#include <QDateTime>
 #include <QList>
+#include <QString>
+
+#include <optional>
 
 /// The lists for reading: one for each device, with all its items.
 QList<LogList> readLists(const QList<DeviceInstancePlugin> &devices);
@@ -26,3 +30,19 @@ DeviceReport readDevice(VELInterface *plugin, LogList *list, qint64 cycle);
 /// report a refused value in the host's error log only, so an entry there during the call is an
 /// error of the device, too.
 DeviceReport writeDevice(VELInterface *plugin, LogList *list, qint64 cycle, const Host &host);
+
+/// The result of reading one item: a value or an error.
+struct ItemRead
+{
+    QDateTime time;
+    std::optional<QString> value;
+    QString error;
+};
+
+/// Reads the item with that index in the device's record, in a cycle of its own.
+ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int item);
+
+/// Writes the item in a cycle of its own. Returns the error, if possible the last entry in the
+/// error log; empty on success.
+QString writeError(const Session &session, const DeviceInstancePlugin &device,
+                   const Assignment &assignment);

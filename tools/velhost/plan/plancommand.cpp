@@ -2,7 +2,6 @@
 
 #include "cli/plantarguments.h"
 #include "cycle/cycle.h"
-#include "cycle/oneitem.h"
 #include "plan/plan.h"
 #include "plan/recorder.h"
 #include "plan/redirection.h"

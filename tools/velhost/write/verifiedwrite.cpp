@@ -1,6 +1,6 @@
 #include "write/verifiedwrite.h"
 
-#include "cycle/oneitem.h"
+#include "cycle/cycle.h"
 #include "plant/samevalue.h"
 
 WriteReport writeVerified(const Session &session, const Assignment &assignment)
