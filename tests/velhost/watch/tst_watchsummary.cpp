@@ -16,10 +16,8 @@ private Q_SLOTS:
 void tst_WatchSummary::summary()
 {
     WatchedItem counter;
-    counter.reads = 3;
     counter.wrong = 2;
     WatchedItem missing;
-    missing.reads = 3;
     missing.errors = 1;
     WatchedDevice press;
     press.name = text("Press");

@@ -5,7 +5,6 @@ namespace {
 void addItemReport(const ItemReport &report, bool isRead, qint64 cycle, qint64 nowMs,
                    WatchedItem *item)
 {
-    ++item->reads;
     if (itemProblem(report) != itemProblem(item->last))
         item->problemCycle = cycle;
     item->last = report;

@@ -28,8 +28,7 @@ struct WatchedItem
     qint64 valueMs = 0;
     /// How often the value changed.
     qint64 changes = 0;
-    /// The number of reads, of failed reads and of unexpected values.
-    qint64 reads = 0;
+    /// The number of failed reads and of unexpected values.
     qint64 errors = 0;
     qint64 wrong = 0;
     /// The cycles in which the value and the problem last changed; 0 for never.

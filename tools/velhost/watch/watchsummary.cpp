@@ -7,22 +7,18 @@
 
 namespace {
 
-struct Counts
+/// Each cycle reads every item.
+qint64 readsOf(const WatchedDevice &device)
 {
-    qint64 reads = 0;
-    qint64 errors = 0;
-    qint64 wrong = 0;
-};
+    return device.latencies.count() * static_cast<qint64>(device.items.size());
+}
 
-Counts countsOf(const WatchedDevice &device)
+qint64 sumOf(const WatchedDevice &device, qint64 WatchedItem::*count)
 {
-    Counts counts;
-    for (const WatchedItem &item : device.items) {
-        counts.reads += item.reads;
-        counts.errors += item.errors;
-        counts.wrong += item.wrong;
-    }
-    return counts;
+    qint64 sum = 0;
+    for (const WatchedItem &item : device.items)
+        sum += item.*count;
+    return sum;
 }
 
 double inMilliseconds(qint64 microseconds)
@@ -32,14 +28,13 @@ double inMilliseconds(qint64 microseconds)
 
 QString summaryJson(const WatchedDevice &device)
 {
-    const Counts counts = countsOf(device);
     const Latencies &latencies = device.latencies;
     return jsonLine("summary", {{"device", device.name},
                                 {"cycles", latencies.count()},
                                 {"failed", device.failedCycles},
-                                {"reads", counts.reads},
-                                {"errors", counts.errors},
-                                {"wrong", counts.wrong},
+                                {"reads", readsOf(device)},
+                                {"errors", sumOf(device, &WatchedItem::errors)},
+                                {"wrong", sumOf(device, &WatchedItem::wrong)},
                                 {"p50_ms", inMilliseconds(latencies.percentile(50))},
                                 {"p99_ms", inMilliseconds(latencies.percentile(99))},
                                 {"max_ms", inMilliseconds(latencies.longest())}});
@@ -47,10 +42,10 @@ QString summaryJson(const WatchedDevice &device)
 
 QStringList summaryRow(const WatchedDevice &device)
 {
-    const Counts counts = countsOf(device);
     QStringList row{visible(device.name), QString::number(device.latencies.count()),
                     QString::number(device.failedCycles)};
-    for (const qint64 count : {counts.reads, counts.errors, counts.wrong})
+    for (const qint64 count :
+         {readsOf(device), sumOf(device, &WatchedItem::errors), sumOf(device, &WatchedItem::wrong)})
         row.append(QString::number(count));
     for (const qint64 time : {device.latencies.percentile(50), device.latencies.percentile(99),
                               device.latencies.longest()})
