@@ -65,8 +65,7 @@ std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *err
         addFailure(fileName, classFailure(className), {}, errors);
         return {};
     }
-    return LoadedPlugin{file.absoluteFilePath(), className, QStringLiteral(VELInterface_iid),
-                        plugin};
+    return LoadedPlugin{file.absoluteFilePath(), className, plugin};
 }
 
 std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStringList *errors)

@@ -12,7 +12,6 @@ struct LoadedPlugin
 {
     QString fileName;
     QString className;
-    QString identifier;
     VELInterface *plugin = nullptr;
 };
 
