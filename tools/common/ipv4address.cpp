@@ -31,11 +31,6 @@ bool isDottedQuad(const QString &text)
     return form.match(text).hasMatch();
 }
 
-bool isLoopback(quint32 address)
-{
-    return address >> 24 == 127;
-}
-
 bool isLoopback(const QString &text)
 {
     return isDottedQuad(text) && text.startsWith(u"127.");

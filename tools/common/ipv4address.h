@@ -13,9 +13,6 @@ std::optional<quint32> ipv4Address(const QString &text);
 /// may have leading zeros: the plug-in accepts such addresses.
 bool isDottedQuad(const QString &text);
 
-/// Whether the address is in 127.0.0.0/8.
-bool isLoopback(quint32 address);
-
-/// As above, for a dotted quad only: a host name or a short form counts as not loopback, because it
-/// is not resolved here.
+/// Whether the text is a dotted quad in 127.0.0.0/8. A host name or a short form counts as not
+/// loopback, because it is not resolved here.
 bool isLoopback(const QString &text);

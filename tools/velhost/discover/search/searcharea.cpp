@@ -1,7 +1,5 @@
 #include "discover/search/searcharea.h"
 
-#include <common/ipv4address.h>
-
 #include <QNetworkInterface>
 
 namespace {
@@ -13,7 +11,7 @@ QList<InterfaceNetwork> chosenNetworks(const QString &interface,
 {
     QList<InterfaceNetwork> chosen;
     for (const InterfaceNetwork &network : networks) {
-        if (interface.isEmpty() ? !isLoopback(network.subnet.first)
+        if (interface.isEmpty() ? !QHostAddress(network.subnet.first).isLoopback()
                                 : network.interface == interface)
             chosen.append(network);
     }
