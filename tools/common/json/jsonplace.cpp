@@ -8,23 +8,14 @@ namespace {
 
 QString kindOf(const QJsonValue &value)
 {
-    switch (value.type()) {
-    case QJsonValue::Null:
-        return QStringLiteral("null");
-    case QJsonValue::Bool:
-        return QStringLiteral("true or false");
-    case QJsonValue::Double:
-        return QStringLiteral("a number");
-    case QJsonValue::String:
-        return QStringLiteral("a text");
-    case QJsonValue::Array:
-        return QStringLiteral("a list");
-    case QJsonValue::Object:
-        return QStringLiteral("an object");
-    case QJsonValue::Undefined:
-        break;
-    }
-    return QStringLiteral("nothing");
+    static const QMap<QJsonValue::Type, QString> kinds{
+        {QJsonValue::Null, QStringLiteral("null")},
+        {QJsonValue::Bool, QStringLiteral("true or false")},
+        {QJsonValue::Double, QStringLiteral("a number")},
+        {QJsonValue::String, QStringLiteral("a text")},
+        {QJsonValue::Array, QStringLiteral("a list")},
+        {QJsonValue::Object, QStringLiteral("an object")}};
+    return kinds.value(value.type(), QStringLiteral("nothing"));
 }
 
 } // namespace

@@ -37,17 +37,11 @@ QString generalOptions()
 
 QString usageOf(const Command &command)
 {
-    switch (command.operands) {
-    case Operands::None:
-        return command.name;
-    case Operands::Plant:
-        return command.name + u" PLANT";
-    case Operands::PlantAndAssignments:
-        return command.name + u" PLANT DEVICE/ITEM=VALUE...";
-    case Operands::Text:
-        break;
-    }
-    return command.name + u" TEXT";
+    static const QMap<Operands, QString> usages{
+        {Operands::Plant, QStringLiteral(" PLANT")},
+        {Operands::PlantAndAssignments, QStringLiteral(" PLANT DEVICE/ITEM=VALUE...")},
+        {Operands::Text, QStringLiteral(" TEXT")}};
+    return command.name + usages.value(command.operands);
 }
 
 QString exampleEntries(const Command &command)

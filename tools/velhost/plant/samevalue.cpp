@@ -106,13 +106,7 @@ bool sameValue(const QString &written, const QString &readBack, ValueKind kind)
 {
     if (written == readBack)
         return true;
-    switch (kind) {
-    case ValueKind::Number:
+    if (kind == ValueKind::Number)
         return sameNumber(parseNumber(written), parseNumber(readBack));
-    case ValueKind::Hexadecimal:
-        return sameHexadecimal(written, readBack);
-    case ValueKind::Text:
-        break;
-    }
-    return false;
+    return kind == ValueKind::Hexadecimal && sameHexadecimal(written, readBack);
 }

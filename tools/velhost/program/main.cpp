@@ -21,18 +21,14 @@ ExitCode run(const QStringList &arguments)
         printError({error, QStringLiteral("try velhost --help")});
         return WrongUsage;
     }
-    switch (request->action) {
-    case Request::Action::Help:
+    if (request->action == Request::Action::Run)
+        return request->command->run(request->arguments);
+    if (request->action == Request::Action::Version)
+        print(stdout, u"velhost " + QCoreApplication::applicationVersion() + u'\n');
+    else
         print(stdout,
               request->command == nullptr ? helpText(commands) : helpText(*request->command));
-        return AllWell;
-    case Request::Action::Version:
-        print(stdout, u"velhost " + QCoreApplication::applicationVersion() + u'\n');
-        return AllWell;
-    case Request::Action::Run:
-        break;
-    }
-    return request->command->run(request->arguments);
+    return AllWell;
 }
 
 /// The arguments as UTF-8 in every locale: a value must not reach the controller changed. Returns
