@@ -36,16 +36,6 @@ Actions delayed(const FaultContext &context)
     return send(context.answer, context.fault.amount + jitter);
 }
 
-Actions silence(const FaultContext & /*context*/)
-{
-    return {};
-}
-
-Actions refusal(const FaultContext &context)
-{
-    return send(context.fault.refusal + lineEnd);
-}
-
 /// There are always two parts: when the answer is too short, its last byte is the second part.
 Actions split(const FaultContext &context)
 {
@@ -59,16 +49,6 @@ Actions dribble(const FaultContext &context)
     for (const char byte : context.answer)
         actions += send(QByteArray(1, byte), actions.isEmpty() ? 0 : context.fault.amount);
     return actions;
-}
-
-Actions withoutTerminator(const FaultContext &context)
-{
-    return send(context.text());
-}
-
-Actions onlyLineEnd(const FaultContext & /*context*/)
-{
-    return send(lineEnd);
 }
 
 /// Random bytes without those that would end the line.
@@ -103,27 +83,12 @@ Actions shortAnswer(const FaultContext &context)
     return send(text.left(std::max(text.lastIndexOf(' '), 0)) + lineEnd);
 }
 
-Actions extraWord(const FaultContext &context)
-{
-    return send(context.text() + " 65535" + lineEnd);
-}
-
 Actions notANumber(const FaultContext &context)
 {
     QByteArray text = context.text();
     std::replace_if(
         text.begin(), text.end(), [](char c) { return c != ' '; }, '*');
     return send(text + lineEnd);
-}
-
-Actions duplicate(const FaultContext &context)
-{
-    return send(context.answer + context.answer);
-}
-
-Actions previousAnswer(const FaultContext &context)
-{
-    return send(context.previous);
 }
 
 QByteArray sentBefore(const FaultContext &context)
@@ -139,14 +104,11 @@ QByteArray sentBefore(const FaultContext &context)
     return context.answer;
 }
 
-Actions close(const FaultContext &context)
+Actions ended(const FaultContext &context)
 {
-    return send(sentBefore(context)) + Actions{{Action::Kind::Close, 0, {}}};
-}
-
-Actions reset(const FaultContext &context)
-{
-    return send(sentBefore(context)) + Actions{{Action::Kind::Reset, 0, {}}};
+    const bool closes = context.fault.kind == FaultKind::Close;
+    const Action end{closes ? Action::Kind::Close : Action::Kind::Reset, 0, {}};
+    return send(sentBefore(context)) + Actions{end};
 }
 
 Actions restart(const FaultContext &context)
@@ -162,23 +124,24 @@ struct Effect
 
 constexpr std::array<Effect, 19> effects{{
     {FaultKind::Delay, delayed},
-    {FaultKind::Silent, silence},
+    {FaultKind::Silent, [](const FaultContext &) { return Actions(); }},
     {FaultKind::Late, delayed},
-    {FaultKind::Refuse, refusal},
+    {FaultKind::Refuse, [](const FaultContext &c) { return send(c.fault.refusal + lineEnd); }},
     {FaultKind::Split, split},
     {FaultKind::Dribble, dribble},
-    {FaultKind::NoTerminator, withoutTerminator},
-    {FaultKind::Empty, onlyLineEnd},
+    {FaultKind::NoTerminator, [](const FaultContext &c) { return send(c.text()); }},
+    {FaultKind::Empty, [](const FaultContext &) { return send(lineEnd); }},
     {FaultKind::Garbage, garbage},
     {FaultKind::Nul, zeroByte},
     {FaultKind::Long, longLine},
     {FaultKind::ShortAnswer, shortAnswer},
-    {FaultKind::ExtraWord, extraWord},
+    {FaultKind::ExtraWord,
+     [](const FaultContext &c) { return send(c.text() + " 65535" + lineEnd); }},
     {FaultKind::NotANumber, notANumber},
-    {FaultKind::Duplicate, duplicate},
-    {FaultKind::PreviousAnswer, previousAnswer},
-    {FaultKind::Close, close},
-    {FaultKind::Reset, reset},
+    {FaultKind::Duplicate, [](const FaultContext &c) { return send(c.answer + c.answer); }},
+    {FaultKind::PreviousAnswer, [](const FaultContext &c) { return send(c.previous); }},
+    {FaultKind::Close, ended},
+    {FaultKind::Reset, ended},
     {FaultKind::Restart, restart},
 }};
 
