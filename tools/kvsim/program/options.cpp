@@ -25,11 +25,11 @@ Options refused(const QString &text)
     return answered(Options::Action::RefuseUsage, text);
 }
 
-Options refusedPort(const QString &option, const QString &port)
+QString portError(const QString &option, const QString &port)
 {
-    return refused(QStringLiteral("'%1' is no port; %2 takes a number from 0 to 65535, 0 picks a "
-                                  "free port.")
-                       .arg(port, option));
+    return QStringLiteral(
+               "'%1' is no port; %2 takes a number from 0 to 65535, 0 picks a free port.")
+        .arg(port, option);
 }
 
 std::optional<quint16> parsePort(const QString &text)
@@ -47,55 +47,49 @@ std::optional<Consecutive> parseConsecutive(const QString &text)
     return std::nullopt;
 }
 
-Options placesFrom(const QHostAddress &address, quint16 port, const QCommandLineParser &parser)
+/// Returns what is wrong, or an empty text, as readListening() does.
+QString readPlaces(const QCommandLineParser &parser, const QHostAddress &address, quint16 port,
+                   QList<Place> *places)
 {
     const QString controllers = parser.value(controllersOption);
     const std::optional<int> count = wholeNumber(controllers, 1, maximumControllers);
     if (!count)
-        return refused(QStringLiteral("'%1' is no number of controllers; --controllers takes a "
-                                      "number from 1 to %2.")
-                           .arg(controllers)
-                           .arg(maximumControllers));
+        return QStringLiteral("'%1' is no number of controllers; --controllers takes a "
+                              "number from 1 to %2.")
+            .arg(controllers)
+            .arg(maximumControllers);
     const QString consecutive = parser.value(consecutiveOption);
     const std::optional<Consecutive> differ = parseConsecutive(consecutive);
     if (!differ)
-        return refused(QStringLiteral("'%1' is wrong; --consecutive takes addresses or ports.")
-                           .arg(consecutive));
+        return QStringLiteral("'%1' is wrong; --consecutive takes addresses or ports.")
+            .arg(consecutive);
     if (parser.isSet(consecutiveOption) && !parser.isSet(controllersOption))
-        return refused(QStringLiteral("--consecutive says nothing without --controllers; write "
-                                      "both, or none."));
+        return QStringLiteral("--consecutive says nothing without --controllers; write "
+                              "both, or none.");
     if (parser.isSet(configOption) && parser.isSet(controllersOption))
-        return refused(
-            QStringLiteral("--controllers and --config exclude each other; the file says "
-                           "how many there are."));
-    const Places places = consecutivePlaces(address, port, *count, *differ);
-    if (!places.error.isEmpty())
-        return refused(places.error);
-    Options options;
-    options.places = places.places;
-    return options;
+        return QStringLiteral("--controllers and --config exclude each other; the file says "
+                              "how many there are.");
+    return addPlaces(address, port, *count, *differ, places);
 }
 
-/// Reads where to listen.
-Options servingOptions(const QCommandLineParser &parser)
+/// Reads where to listen. Returns what is wrong, or an empty text.
+QString readListening(const QCommandLineParser &parser, Options *options)
 {
     const QString bind = parser.value(QStringLiteral("bind"));
     QHostAddress address;
     if (!address.setAddress(bind))
-        return refused(QStringLiteral("'%1' is no IP address; --bind takes one such as 127.0.0.1, "
-                                      "or 0.0.0.0 for all interfaces.")
-                           .arg(bind));
+        return QStringLiteral("'%1' is no IP address; --bind takes one such as 127.0.0.1, "
+                              "or 0.0.0.0 for all interfaces.")
+            .arg(bind);
     const QString port = parser.value(QStringLiteral("port"));
     const std::optional<quint16> number = parsePort(port);
     if (!number)
-        return refusedPort(QStringLiteral("--port"), port);
-    Options options = placesFrom(address, *number, parser);
-
+        return portError(QStringLiteral("--port"), port);
     const QString control = parser.value(QStringLiteral("control"));
-    options.control = parsePort(control);
-    if (parser.isSet(QStringLiteral("control")) && !options.control)
-        return refusedPort(QStringLiteral("--control"), control);
-    return options;
+    options->control = parsePort(control);
+    if (parser.isSet(QStringLiteral("control")) && !options->control)
+        return portError(QStringLiteral("--control"), control);
+    return readPlaces(parser, address, *number, &options->places);
 }
 
 /// The options with their defaults. help.txt explains them.
@@ -136,11 +130,14 @@ Options parseOptions(const QStringList &arguments)
         return refused(QStringLiteral("Unexpected argument '%1'; kvsim takes options only.")
                            .arg(parser.positionalArguments().constFirst()));
 
-    Options options = servingOptions(parser);
     for (const QString &file : {configOption, QStringLiteral("load"), QStringLiteral("dump")}) {
         if (parser.isSet(file) && parser.value(file).isEmpty())
             return refused(QStringLiteral("--%1 takes the name of a file.").arg(file));
     }
+    Options options;
+    const QString error = readListening(parser, &options);
+    if (!error.isEmpty())
+        return refused(error);
     options.config = parser.value(configOption);
     options.load = parser.value(QStringLiteral("load"));
     options.dump = parser.value(QStringLiteral("dump"));

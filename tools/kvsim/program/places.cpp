@@ -40,13 +40,12 @@ QString placesError(const QHostAddress &address, quint16 port, int count, Consec
 
 } // namespace
 
-Places consecutivePlaces(const QHostAddress &address, quint16 port, int count,
-                         Consecutive consecutive)
+QString addPlaces(const QHostAddress &address, quint16 port, int count, Consecutive consecutive,
+                  QList<Place> *places)
 {
-    const QString error = placesError(address, port, count, consecutive);
+    QString error = placesError(address, port, count, consecutive);
     if (!error.isEmpty())
-        return {{}, error};
-    QList<Place> places;
+        return error;
     for (int i = 0; i < count; ++i) {
         const auto offset = static_cast<quint16>(i);
         Place place{QByteArray::number(i + 1), address, port, {}};
@@ -57,7 +56,7 @@ Places consecutivePlaces(const QHostAddress &address, quint16 port, int count,
             place.portOffset = portOffset;
         else
             place.port = static_cast<quint16>(port + portOffset);
-        places.append(place);
+        places->append(place);
     }
-    return {places, {}};
+    return {};
 }
