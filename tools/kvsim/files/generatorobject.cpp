@@ -14,19 +14,17 @@ constexpr qint64 longestPeriod = 86400000; // a day
 
 /// The members of one generator in a file. A wrong member adds a problem and counts as 1, so that
 /// the other members are checked, too.
-class GeneratorFields
+struct GeneratorFields
 {
-public:
-    GeneratorFields(QJsonObject object, DeviceKind kind, QString folder, QString place,
-                    QList<Problem> *errors)
-        : m_object(std::move(object)), m_kind(kind), m_folder(std::move(folder)),
-          m_place(std::move(place)), m_errors(errors)
-    {
-    }
+    QJsonObject object;
+    DeviceKind kind;
+    QString folder;
+    QString place;
+    QList<Problem> *errors;
 
     qint64 number(const QString &key, qint64 minimum, qint64 maximum) const
     {
-        return readWhole(m_object.value(key), minimum, maximum, member(m_place, key), m_errors)
+        return readWhole(object.value(key), minimum, maximum, member(place, key), errors)
             .value_or(1);
     }
 
@@ -35,51 +33,37 @@ public:
     /// A value that the word or bit can hold.
     qint64 level(const QString &key) const { return number(key, lowest(), highest()); }
 
-    qint64 lowest() const { return m_kind == DeviceKind::Bit ? 0 : -32768; }
-    qint64 highest() const { return maximumValue(m_kind); }
+    qint64 lowest() const { return kind == DeviceKind::Bit ? 0 : -32768; }
+    qint64 highest() const { return maximumValue(kind); }
 
-    bool has(const QString &key) const { return m_object.contains(key); }
+    bool has(const QString &key) const { return object.contains(key); }
 
     bool isOnce() const
     {
         const QString name = QStringLiteral("once");
-        const QJsonValue value = m_object.value(name);
+        const QJsonValue value = object.value(name);
         if (has(name) && !value.isBool())
-            addWrongKind(value, QStringLiteral("true or false"), member(m_place, name), m_errors);
+            addWrongKind(value, QStringLiteral("true or false"), member(place, name), errors);
         return value.toBool();
     }
 
     QVector<qint64> levels(const QString &key) const
     {
-        const QString place = member(m_place, key);
-        const QJsonArray list = readList(m_object.value(key), place, m_errors);
+        const QString listPlace = member(place, key);
+        const QJsonArray list = readList(object.value(key), listPlace, errors);
         QVector<qint64> values;
         for (int i = 0; i < list.size(); ++i)
-            values.append(readWhole(list.at(i), lowest(), highest(), element(place, i), m_errors)
+            values.append(readWhole(list.at(i), lowest(), highest(), element(listPlace, i), errors)
                               .value_or(1));
         if (values.isEmpty())
             addProblem(key, QStringLiteral("must have one value at least"));
         return values;
     }
 
-    QString text(const QString &key) const
-    {
-        return readName(m_object.value(key), member(m_place, key), m_errors);
-    }
-
     void addProblem(const QString &key, const QString &text) const
     {
-        addError(member(m_place, key), text, m_errors);
+        addError(member(place, key), text, errors);
     }
-
-    QString path(const QString &fileName) const { return QDir(m_folder).filePath(fileName); }
-
-private:
-    QJsonObject m_object;
-    DeviceKind m_kind;
-    QString m_folder;
-    QString m_place;
-    QList<Problem> *m_errors;
 };
 
 Generator readRamp(const GeneratorFields &fields)
@@ -128,16 +112,18 @@ Generator readSteps(const GeneratorFields &fields)
 
 Generator readCsv(const GeneratorFields &fields)
 {
-    const QString fileName = fields.text(QStringLiteral("file"));
+    const QString key = QStringLiteral("file");
+    const QString fileName
+        = readName(fields.object.value(key), member(fields.place, key), fields.errors);
     const bool once = fields.isOnce();
     const qint64 period
         = fields.has(QStringLiteral("period")) ? fields.time(QStringLiteral("period")) : 0;
     if (fileName.isEmpty())
         return {};
-    const ValuesFile file
-        = readValuesFile(fields.path(fileName), fields.lowest(), fields.highest(), period, once);
+    const ValuesFile file = readValuesFile(QDir(fields.folder).filePath(fileName), fields.lowest(),
+                                           fields.highest(), period, once);
     for (const QString &error : file.errors)
-        fields.addProblem(QStringLiteral("file"), error);
+        fields.addProblem(key, error);
     return file.errors.isEmpty() ? replay(file.timeline) : Generator();
 }
 
@@ -189,6 +175,6 @@ std::optional<Generator> readGenerator(const QJsonValue &value, DeviceKind kind,
         return {};
     }
     checkKeys(object, QString::fromLatin1(known->keys).split(u' '), place, errors);
-    const Generator generator = known->read(GeneratorFields(object, kind, folder, place, errors));
+    const Generator generator = known->read({object, kind, folder, place, errors});
     return errors->size() > before ? std::nullopt : std::make_optional(generator);
 }

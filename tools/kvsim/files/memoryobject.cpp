@@ -7,57 +7,49 @@ namespace {
 /// The most values in a line of the file.
 constexpr int longestRun = 16;
 
-class Reader
+struct Reader
 {
-public:
-    Reader(const Memory &generated, QList<Problem> *errors)
-        : m_generated(generated), m_errors(errors)
-    {
-    }
+    const Memory &generated;
+    QList<Problem> *errors;
+    QVector<StoredValue> stored;
+    QSet<QPair<const Device *, quint32>> seen;
 
     void read(Address address, const QJsonValue &value, const QString &place)
     {
         const QString text = QString::fromLatin1(addressText(address));
         const std::optional<qint64> number
-            = readWhole(value, 0, maximumValue(address.device->kind), place, m_errors);
-        if (m_generated.isGenerated(address))
+            = readWhole(value, 0, maximumValue(address.device->kind), place, errors);
+        if (generated.isGenerated(address))
             addError(place,
                      QStringLiteral("a generator makes the value of %1; leave one of the two out")
                          .arg(text),
-                     m_errors);
-        else if (m_seen.contains({address.device, address.index}))
+                     errors);
+        else if (seen.contains({address.device, address.index}))
             addError(place,
                      QStringLiteral("%1 has a value already; leave one of the two out").arg(text),
-                     m_errors);
+                     errors);
         else if (number)
             stored.append({address, static_cast<quint16>(*number)});
-        m_seen.insert({address.device, address.index});
+        seen.insert({address.device, address.index});
     }
 
     void readRun(Address first, const QJsonArray &values, const QString &place)
     {
         const quint32 room = countToEnd(first);
         if (values.isEmpty())
-            addError(place, QStringLiteral("must not be empty"), m_errors);
+            addError(place, QStringLiteral("must not be empty"), errors);
         if (static_cast<quint32>(values.size()) > room) {
             addError(place,
                      QStringLiteral("%1 values run over the end of the device; write at most %2")
                          .arg(values.size())
                          .arg(room),
-                     m_errors);
+                     errors);
             return;
         }
         for (int i = 0; i < values.size(); ++i)
             read({first.device, first.index + static_cast<quint32>(i)}, values.at(i),
                  element(place, i));
     }
-
-    QVector<StoredValue> stored;
-
-private:
-    const Memory &m_generated;
-    QList<Problem> *m_errors;
-    QSet<QPair<const Device *, quint32>> m_seen;
 };
 
 QByteArray runText(const QVector<StoredValue> &stored, int first, int count)
@@ -102,7 +94,7 @@ QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place,
     if (value.isUndefined())
         return {};
     const QJsonObject object = readObject(value, place, errors);
-    Reader reader(generated, errors);
+    Reader reader{generated, errors, {}, {}};
     for (auto entry = object.begin(); entry != object.end(); ++entry) {
         const QString entryPlace = member(place, entry.key());
         const std::optional<Address> address = readAddress(entry.key(), entryPlace, errors);
