@@ -104,16 +104,6 @@ QString unknownCommand(const QByteArray &name)
         .arg(QString::fromUtf8(name), names.join(QStringLiteral(", ")));
 }
 
-NamedControllers named(const QByteArray &name, const NamedControllers &controllers)
-{
-    NamedControllers found;
-    for (const NamedController &controller : controllers) {
-        if (controller.name == name)
-            found.append(controller);
-    }
-    return found;
-}
-
 QString unknownController(const QByteArray &name, const NamedControllers &controllers)
 {
     QStringList names;
@@ -144,8 +134,9 @@ ControlAnswer answerControl(const QByteArray &line, const ControlTarget &target)
     if (!fields.constFirst().startsWith('@'))
         return answerFields(fields, target);
     const QByteArray name = fields.takeFirst().mid(1);
-    const NamedControllers one = named(name, target.controllers);
-    if (one.isEmpty())
+    const auto one = std::find_if(target.controllers.cbegin(), target.controllers.cend(),
+                                  [&](const NamedController &named) { return named.name == name; });
+    if (one == target.controllers.cend())
         return {okOr(unknownController(name, target.controllers))};
-    return answerFields(fields, {one, target.dump});
+    return answerFields(fields, {{*one}, target.dump});
 }

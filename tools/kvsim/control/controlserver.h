@@ -21,7 +21,6 @@ public:
     bool listen(quint16 port);
 
     QString errorString() const { return m_listener.errorString(); }
-    QHostAddress address() const { return m_listener.serverAddress(); }
     quint16 port() const { return m_listener.serverPort(); }
 
 Q_SIGNALS:
