@@ -212,9 +212,12 @@ QByteArray selectorName(const QByteArray &selector)
     return equals < 0 ? QByteArray("address") : selector.left(equals);
 }
 
-QString readFault(Fault *fault)
+} // namespace
+
+QString parseFault(const QByteArray &text, Fault *fault)
 {
-    QList<QByteArray> parts = fault->text.split('@');
+    fault->text = text;
+    QList<QByteArray> parts = text.split('@');
     QString error = readKind(parts.takeFirst(), fault);
     QList<QByteArray> names;
     for (const QByteArray &selector : qAsConst(parts)) {
@@ -227,16 +230,4 @@ QString readFault(Fault *fault)
         error = readSelector(selector, fault);
     }
     return error.isEmpty() ? conflict(*fault) : error;
-}
-
-} // namespace
-
-ParsedFault parseFault(const QByteArray &text)
-{
-    Fault fault;
-    fault.text = text;
-    const QString error = readFault(&fault);
-    if (!error.isEmpty())
-        return {std::nullopt, error};
-    return {fault, {}};
 }

@@ -72,13 +72,6 @@ constexpr bool strikesClients(FaultKind kind)
     return kind >= FaultKind::RefuseConnect;
 }
 
-/// A fault, or why there is none.
-struct ParsedFault
-{
-    std::optional<Fault> fault;
-    /// What is wrong with the text and what to write instead; empty when there is a fault.
-    QString error;
-};
-
-/// Reads KIND[=ARGUMENTS][@SELECTOR...], for example "split=3,20@DM100@nth=2".
-ParsedFault parseFault(const QByteArray &text);
+/// Reads KIND[=ARGUMENTS][@SELECTOR...], for example "split=3,20@DM100@nth=2". Returns an
+/// empty text, or what is wrong with it and what to write instead.
+QString parseFault(const QByteArray &text, Fault *fault);

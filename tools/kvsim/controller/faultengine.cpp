@@ -34,31 +34,30 @@ bool fits(const Fault &fault, const std::optional<Range> &range)
 
 } // namespace
 
-QString FaultEngine::refusalOf(const ParsedFault &parsed) const
+QString FaultEngine::read(const QByteArray &text, Fault *fault) const
 {
-    if (!parsed.fault)
-        return parsed.error;
-    if (m_entries.size() >= maximumFaults)
+    const QString error = parseFault(text, fault);
+    if (error.isEmpty() && m_entries.size() >= maximumFaults)
         return QStringLiteral("%1 faults are in force already; clear them first")
             .arg(maximumFaults);
-    return {};
+    return error;
 }
 
 QString FaultEngine::refusal(const QByteArray &text) const
 {
     const QMutexLocker locker(&m_mutex);
-    return refusalOf(parseFault(text));
+    Fault fault;
+    return read(text, &fault);
 }
 
 QString FaultEngine::add(const QByteArray &text)
 {
-    const ParsedFault parsed = parseFault(text);
     const QMutexLocker locker(&m_mutex);
-    const QString error = refusalOf(parsed);
-    if (!error.isEmpty())
-        return error;
-    m_entries.append({*parsed.fault, QRandomGenerator(parsed.fault->seed), {text, 0, 0}});
-    return {};
+    Fault fault;
+    const QString error = read(text, &fault);
+    if (error.isEmpty())
+        m_entries.append({fault, QRandomGenerator(fault.seed), {text, 0, 0}});
+    return error;
 }
 
 void FaultEngine::clear()

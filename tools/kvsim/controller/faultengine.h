@@ -59,7 +59,7 @@ private:
         FaultCount count;
     };
 
-    QString refusalOf(const ParsedFault &parsed) const;
+    QString read(const QByteArray &text, Fault *fault) const;
     static bool strikesNow(Entry *entry);
 
     mutable QMutex m_mutex;
