@@ -22,7 +22,7 @@ int SimulatorThread::word(const QByteArray &address) const
 
 bool SimulatorThread::setWord(const QByteArray &address, int value)
 {
-    return store(&m_controller, address, value);
+    return storeText(&m_controller, address, QByteArray::number(value)).isEmpty();
 }
 
 QString SimulatorThread::addFault(const QByteArray &fault)

@@ -9,6 +9,20 @@ bool isRefusal(const QByteArray &bytes)
     return bytes.size() == 4 && bytes.startsWith('E') && bytes.endsWith("\r\n");
 }
 
+QByteArray countersText(const Controller &controller)
+{
+    const auto number = [](quint64 count) { return QByteArray::number(count); };
+    const Counters &counters = controller.counters;
+    QByteArray text = "commands " + number(counters.commands) + ", answers "
+                      + number(counters.answers) + ", refusals " + number(counters.refusals)
+                      + ", clients " + number(counters.clients) + '\n';
+    const QVector<FaultCount> faults = controller.faults.counts();
+    for (const FaultCount &fault : faults)
+        text += "fault " + fault.text + ": seen " + number(fault.seen) + ", applied "
+                + number(fault.applied) + '\n';
+    return text;
+}
+
 } // namespace
 
 Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *interpreter,
@@ -27,20 +41,6 @@ Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *inte
     return reply;
 }
 
-QByteArray countersText(const Controller &controller)
-{
-    const auto number = [](quint64 count) { return QByteArray::number(count); };
-    const Counters &counters = controller.counters;
-    QByteArray text = "commands " + number(counters.commands) + ", answers "
-                      + number(counters.answers) + ", refusals " + number(counters.refusals)
-                      + ", clients " + number(counters.clients) + '\n';
-    const QVector<FaultCount> faults = controller.faults.counts();
-    for (const FaultCount &fault : faults)
-        text += "fault " + fault.text + ": seen " + number(fault.seen) + ", applied "
-                + number(fault.applied) + '\n';
-    return text;
-}
-
 QByteArray countersText(const NamedControllers &controllers)
 {
     QByteArray text;
@@ -56,17 +56,6 @@ std::optional<int> valueAt(const Controller &controller, const QByteArray &addre
 {
     const std::optional<Address> place = parseAddress(address);
     return place ? std::make_optional<int>(controller.memory.value(*place)) : std::nullopt;
-}
-
-bool store(Controller *controller, const QByteArray &address, int value)
-{
-    const std::optional<Address> place = parseAddress(address);
-    if (!place || value < 0 || value > maximumValue(place->device->kind)
-        || controller->memory.isGenerated(*place))
-        return false;
-
-    controller->memory.setValue(*place, static_cast<quint16>(value));
-    return true;
 }
 
 QString storeRefusal(const Controller &controller, const QByteArray &address,
@@ -92,6 +81,6 @@ QString storeText(Controller *controller, const QByteArray &address, const QByte
 {
     const QString error = storeRefusal(*controller, address, value);
     if (error.isEmpty())
-        store(controller, address, value.toInt());
+        controller->memory.setValue(*parseAddress(address), value.toUShort());
     return error;
 }

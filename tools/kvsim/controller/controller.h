@@ -46,27 +46,20 @@ using NamedControllers = QVector<NamedController>;
 Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *interpreter,
               QByteArray *previous);
 
-/// The counters as text: a line "commands 5, answers 4, refusals 1, clients 2", then one for each
-/// fault in force, "fault silent@DM100: seen 2, applied 2".
-QByteArray countersText(const Controller &controller);
-
-/// The counters of all; where there are several controllers, a line "controller 1 127.0.0.1:8501"
-/// stands before those of each.
+/// The counters of all as text: a line "commands 5, answers 4, refusals 1, clients 2", then one for
+/// each fault in force, "fault silent@DM100: seen 2, applied 2". Where there are several
+/// controllers, a line "controller 1 127.0.0.1:8501" stands before those of each.
 QByteArray countersText(const NamedControllers &controllers);
 
 /// The word (0 to 65535) or bit (0 or 1) at `address`, for example "DM100"; nothing when there is
 /// no such address.
 std::optional<int> valueAt(const Controller &controller, const QByteArray &address);
 
-/// Stores a word (0 to 65535) or a bit (0 or 1), in a read-only device too. False, and nothing is
-/// stored, when there is no such address, the value does not fit or a generator makes it.
-bool store(Controller *controller, const QByteArray &address, int value);
-
 /// Why storeText() would store nothing: what is wrong and what to write instead. An empty text when
 /// it would store.
 QString storeRefusal(const Controller &controller, const QByteArray &address,
                      const QByteArray &value);
 
-/// Stores what two texts say, for example "DM100" and "5". Returns an empty text, or what is wrong:
-/// then nothing is stored.
+/// Stores what two texts say, for example "DM100" and "5", in a read-only device too. Returns an
+/// empty text, or what is wrong: then nothing is stored.
 QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value);
