@@ -1,7 +1,6 @@
 #include "text.h"
 
 #include <controller/controller.h>
-#include <controller/interpreter.h>
 #include <controller/linebuffer.h>
 
 #include <QSet>
@@ -69,7 +68,8 @@ public:
 
     Reply reply(const QByteArray &line, const QByteArray &previous = {})
     {
-        return m_controller.faults.reply({line, false}, previous, &m_interpreter);
+        return m_controller.faults.reply({line}, previous, m_controller.profile,
+                                         &m_controller.memory);
     }
 
     const Controller &controller() const { return m_controller; }
@@ -77,7 +77,6 @@ public:
 
 private:
     Controller m_controller;
-    CommandInterpreter m_interpreter{&m_controller.memory};
     QString m_errors;
 };
 

@@ -5,7 +5,6 @@
 #include <network/connection.h>
 #include <network/server.h>
 
-#include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
 
@@ -149,10 +148,10 @@ void tst_Server::clientThatDoesNotRead()
 
     qint64 mostUnsent = 0;
     int answers = 0;
-    connect(&server, &Server::answered, this, [&] {
+    controller.answered = [&](const QByteArray &, const Line &, const Reply &) {
         ++answers;
         mostUnsent = std::max(mostUnsent, server.findChild<QTcpSocket *>()->bytesToWrite());
-    });
+    };
 
     QTcpSocket client;
     client.setReadBufferSize(1);
@@ -178,7 +177,11 @@ void tst_Server::answeredCommands()
     Controller controller;
     Server server(&controller);
     QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
-    QSignalSpy answered(&server, &Server::answered);
+    QList<QByteArrayList> answered;
+    controller.answered = [&](const QByteArray &client, const Line &line, const Reply &reply) {
+        answered.append(
+            {client, line.text, line.ended ? "ended" : "cut", reply.bytes(), reply.fault});
+    };
 
     QTcpSocket client;
     client.connectToHost(server.address(), server.port());
@@ -187,11 +190,9 @@ void tst_Server::answeredCommands()
     QCOMPARE(answered.size(), 2);
 
     const QByteArray name = "127.0.0.1:" + QByteArray::number(client.localPort());
-    const QVariantList first{name, QByteArray("RD DM1\r"), QByteArray("00001\r\n"), QByteArray()};
-    QCOMPARE(answered.at(0), first);
+    QCOMPARE(answered.at(0), QByteArrayList({name, "RD DM1", "ended", "00001\r\n", ""}));
     const QByteArray beginning(LineBuffer::shownLength, 'A');
-    const QVariantList second{name, beginning, QByteArray("E1\r\n"), QByteArray()};
-    QCOMPARE(answered.at(1), second);
+    QCOMPARE(answered.at(1), QByteArrayList({name, beginning, "cut", "E1\r\n", ""}));
 }
 
 void tst_Server::memoryAccess_data()

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <controller/interpreter.h>
+#include <controller/linebuffer.h>
+#include <controller/profile.h>
+#include <memory/memory.h>
 
 /// What the simulated controller answers with this memory, without a network.
 inline QByteArray ask(Memory *memory, const QByteArray &command)
 {
-    return CommandInterpreter(memory).answer(command);
+    return answerTo({command}, {}, memory);
 }
 
 /// The same with fresh memory.

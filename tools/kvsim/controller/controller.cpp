@@ -25,10 +25,10 @@ QByteArray countersText(const Controller &controller)
 
 } // namespace
 
-Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *interpreter,
-              QByteArray *previous)
+Reply replyTo(const Line &line, Controller *controller, QByteArray *previous)
 {
-    const Reply reply = controller->faults.reply(line, *previous, interpreter);
+    const Reply reply
+        = controller->faults.reply(line, *previous, controller->profile, &controller->memory);
     if (!reply.answer.isEmpty())
         *previous = reply.answer;
     const QByteArray bytes = reply.bytes();

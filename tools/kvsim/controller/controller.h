@@ -1,10 +1,12 @@
 #pragma once
 
 #include "controller/faultengine.h"
+#include "controller/linebuffer.h"
 #include "controller/profile.h"
 #include "memory/memory.h"
 
 #include <atomic>
+#include <functional>
 
 /// What all clients together have done so far. Safe to use from several threads.
 struct Counters
@@ -27,6 +29,10 @@ struct Controller
     Memory memory;
     FaultEngine faults;
     Counters counters;
+    /// Called for each command, once its answer is decided; set it before clients come. `client` is
+    /// the client's address and port, with "/udp" behind for a datagram.
+    std::function<void(const QByteArray &client, const Line &line, const Reply &reply)> answered
+        = [](const QByteArray &, const Line &, const Reply &) {};
 };
 
 /// One of the controllers of a program.
@@ -43,8 +49,7 @@ using NamedControllers = QVector<NamedController>;
 /// Executes one client's command unless a fault prevents it, counts it and says what to send.
 /// `previous` is the proper answer to the client's command before, or empty; it becomes the one to
 /// this command.
-Reply replyTo(const Line &line, Controller *controller, CommandInterpreter *interpreter,
-              QByteArray *previous);
+Reply replyTo(const Line &line, Controller *controller, QByteArray *previous);
 
 /// The counters of all as text: a line "commands 5, answers 4, refusals 1, clients 2", then one for
 /// each fault in force, "fault silent@DM100: seen 2, applied 2". Where there are several

@@ -88,8 +88,8 @@ bool FaultEngine::strikesNow(Entry *entry)
     return fault.percent == 100 || entry->random.bounded(100U) < fault.percent;
 }
 
-Reply FaultEngine::reply(const Line &line, const QByteArray &previous,
-                         CommandInterpreter *interpreter)
+Reply FaultEngine::reply(const Line &line, const QByteArray &previous, const Profile &profile,
+                         Memory *memory)
 {
     const QMutexLocker locker(&m_mutex);
     const std::optional<Range> range = rangeOf(line.text);
@@ -103,16 +103,10 @@ Reply FaultEngine::reply(const Line &line, const QByteArray &previous,
     }
 
     QByteArray answer;
-    if (line.tooLong)
-        answer = CommandInterpreter::refusalOfLine();
-    else if (!struck || executesCommand(struck->fault))
-        answer = interpreter->answer(line.text);
-    if (!struck) {
-        Reply reply;
-        reply.actions.append({Action::Kind::Send, 0, answer});
-        reply.answer = answer;
-        return reply;
-    }
+    if (!struck || executesCommand(struck->fault))
+        answer = answerTo(line, profile, memory);
+    if (!struck)
+        return {{{Action::Kind::Send, 0, answer}}, false, answer, {}};
     ++struck->count.applied;
     return faultyReply(struck->fault, answer, previous, &struck->random);
 }

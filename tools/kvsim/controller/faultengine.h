@@ -6,8 +6,9 @@
 #include <QRandomGenerator>
 #include <QVector>
 
-class CommandInterpreter;
+class Memory;
 struct Line;
+struct Profile;
 
 /// How often a fault could have struck, and how often it did.
 struct FaultCount
@@ -43,10 +44,12 @@ public:
     /// The counts of every fault in force, in the order in which they were added.
     QVector<FaultCount> counts() const;
 
-    /// What happens to a command: `interpreter` executes it unless the fault prevents that.
-    /// `previous` is the proper answer to the same client's command before, empty when it is its
-    /// first. Every fault that the command fits sees it; the first one that strikes is applied.
-    Reply reply(const Line &line, const QByteArray &previous, CommandInterpreter *interpreter);
+    /// What happens to a command: the controller with such a memory executes it unless the fault
+    /// prevents that. `previous` is the proper answer to the same client's command before, empty
+    /// when it is its first. Every fault that the command fits sees it; the first one that strikes
+    /// is applied.
+    Reply reply(const Line &line, const QByteArray &previous, const Profile &profile,
+                Memory *memory);
 
     /// What happens to a new client while `connected` others are there.
     Welcome welcome(int connected);

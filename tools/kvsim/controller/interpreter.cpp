@@ -1,11 +1,11 @@
 #include "controller/interpreter.h"
 
+#include "controller/linebuffer.h"
+#include "controller/profile.h"
+#include "memory/memory.h"
 #include "memory/number.h"
 
-#include <QVector>
-
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -13,16 +13,8 @@ constexpr const char *noSuchDevice = "E0";
 constexpr const char *malformed = "E1";
 constexpr const char *writeProtected = "E4";
 
-struct Query
-{
-    const char *command;
-    const char *answer;
-};
-
-constexpr std::array<Query, 2> queries{{
-    {"?M", "1"},   // RUN
-    {"?E", "000"}, // no error
-}};
+/// The most words or bits that one RDS or WRS moves.
+constexpr quint32 maximumCount = 1000;
 
 bool hasLowerCase(const QByteArray &line)
 {
@@ -53,19 +45,13 @@ std::optional<quint16> parseWord(const QByteArray &text)
     return static_cast<quint16>(negative ? 65536 - *magnitude : *magnitude);
 }
 
-std::optional<quint16> parseValue(DeviceKind kind, const QByteArray &text)
-{
-    const std::optional<quint16> value = parseWord(text);
-    return value && *value <= maximumValue(kind) ? value : std::nullopt;
-}
-
 std::optional<QVector<quint16>> parseValues(DeviceKind kind, const QList<QByteArray> &texts)
 {
     QVector<quint16> values;
     values.reserve(texts.size());
     for (const QByteArray &text : texts) {
-        const std::optional<quint16> value = parseValue(kind, text);
-        if (!value)
+        const std::optional<quint16> value = parseWord(text);
+        if (!value || *value > maximumValue(kind))
             return std::nullopt;
         values.append(*value);
     }
@@ -84,92 +70,35 @@ bool overlapsAny(const QVector<Range> &ranges, const Range &range)
                        [&](const Range &other) { return overlap(range, other); });
 }
 
-} // namespace
-
-CommandInterpreter::CommandInterpreter(Memory *memory, Profile profile)
-    : m_memory(memory), m_profile(std::move(profile))
-{
-}
-
-QByteArray CommandInterpreter::answer(const QByteArray &line)
-{
-    return execute(line) + "\r\n";
-}
-
-QByteArray CommandInterpreter::refusalOfLine()
-{
-    return QByteArray(malformed) + "\r\n";
-}
-
-QByteArray CommandInterpreter::execute(const QByteArray &line)
-{
-    const QList<QByteArray> fields = fieldsOf(line);
-    if (fields.isEmpty() || hasLowerCase(line))
-        return malformed;
-
-    const QByteArray &command = fields.first();
-    if (command == "RD" && fields.size() == 2)
-        return read(fields.at(1), 1);
-    if (command == "RDS" && fields.size() == 3)
-        return readMany(fields.at(1), fields.at(2));
-    if (command == "WR" && fields.size() == 3)
-        return write(fields.at(1), fields.mid(2));
-    if (command == "WRS" && fields.size() > 3)
-        return writeMany(fields);
-
-    if (command == "?K" && fields.size() == 1)
-        return m_profile.model;
-    const auto *query = std::find_if(queries.cbegin(), queries.cend(),
-                                     [&](Query q) { return command == q.command; });
-    return query != queries.cend() && fields.size() == 1 ? query->answer : malformed;
-}
-
-QByteArray CommandInterpreter::readMany(const QByteArray &start, const QByteArray &countText) const
-{
-    const std::optional<quint32> count = parseCount(countText);
-    return count ? read(start, *count) : malformed;
-}
-
-QByteArray CommandInterpreter::writeMany(const QList<QByteArray> &fields)
-{
-    const QList<QByteArray> texts = fields.mid(3);
-    const std::optional<quint32> count = parseCount(fields.at(2));
-    if (!count || *count != static_cast<quint32>(texts.size()))
-        return malformed;
-    return write(fields.at(1), texts);
-}
-
 /// The address that `start` names. Nothing when one of so many words or bits does not exist.
-std::optional<Address> CommandInterpreter::existingAddress(const QByteArray &start,
-                                                           quint32 count) const
+std::optional<Address> existingAddress(const Profile &profile, const QByteArray &start,
+                                       quint32 count)
 {
     const std::optional<Address> address = parseAddress(start);
-    if (!address || countToEnd(*address) < count
-        || overlapsAny(m_profile.missing, {*address, count}))
+    if (!address || countToEnd(*address) < count || overlapsAny(profile.missing, {*address, count}))
         return std::nullopt;
     return address;
 }
 
-QByteArray CommandInterpreter::read(const QByteArray &start, quint32 count) const
+QByteArray read(const Profile &profile, const Memory &memory, const QByteArray &start,
+                quint32 count)
 {
-    const std::optional<Address> address = existingAddress(start, count);
+    const std::optional<Address> address = existingAddress(profile, start, count);
     if (!address)
         return noSuchDevice;
 
-    QByteArray text;
-    const QVector<quint16> values = m_memory->values({*address, count});
-    for (const quint16 value : values) {
-        if (!text.isEmpty())
-            text += ' ';
-        text += valueText(address->device->kind, value);
-    }
-    return text;
+    QList<QByteArray> texts;
+    const QVector<quint16> values = memory.values({*address, count});
+    for (const quint16 value : values)
+        texts.append(valueText(address->device->kind, value));
+    return texts.join(' ');
 }
 
-QByteArray CommandInterpreter::write(const QByteArray &start, const QList<QByteArray> &texts)
+QByteArray write(const Profile &profile, Memory *memory, const QByteArray &start,
+                 const QList<QByteArray> &texts)
 {
     const auto count = static_cast<quint32>(texts.size());
-    const std::optional<Address> address = existingAddress(start, count);
+    const std::optional<Address> address = existingAddress(profile, start, count);
     if (!address)
         return noSuchDevice;
 
@@ -177,11 +106,52 @@ QByteArray CommandInterpreter::write(const QByteArray &start, const QList<QByteA
     const std::optional<QVector<quint16>> values = parseValues(device->kind, texts);
     if (!values)
         return malformed;
-    if (device->access == Access::ReadOnly || overlapsAny(m_profile.readOnly, {*address, count}))
+    if (device->access == Access::ReadOnly || overlapsAny(profile.readOnly, {*address, count}))
         return writeProtected;
 
     quint32 index = address->index;
     for (const quint16 value : *values)
-        m_memory->setValue({device, index++}, value);
+        memory->setValue({device, index++}, value);
     return "OK";
+}
+
+QByteArray query(const Profile &profile, const QByteArray &command)
+{
+    if (command == "?K")
+        return profile.model;
+    if (command == "?M")
+        return "1"; // RUN
+    if (command == "?E")
+        return "000"; // no error
+    return malformed;
+}
+
+QByteArray execute(const QByteArray &line, const Profile &profile, Memory *memory)
+{
+    const QList<QByteArray> fields = fieldsOf(line);
+    if (fields.isEmpty() || hasLowerCase(line))
+        return malformed;
+
+    const QByteArray &command = fields.first();
+    if (fields.size() == 1)
+        return query(profile, command);
+    if (command == "RD" && fields.size() == 2)
+        return read(profile, *memory, fields.at(1), 1);
+    if (command == "WR" && fields.size() == 3)
+        return write(profile, memory, fields.at(1), fields.mid(2));
+
+    const std::optional<quint32> count = parseCount(fields.value(2));
+    if (command == "RDS" && fields.size() == 3 && count)
+        return read(profile, *memory, fields.at(1), *count);
+    const QList<QByteArray> texts = fields.mid(3);
+    if (command == "WRS" && count && *count == static_cast<quint32>(texts.size()))
+        return write(profile, memory, fields.at(1), texts);
+    return malformed;
+}
+
+} // namespace
+
+QByteArray answerTo(const Line &line, const Profile &profile, Memory *memory)
+{
+    return (line.tooLong ? malformed : execute(line.text, profile, memory)) + "\r\n";
 }

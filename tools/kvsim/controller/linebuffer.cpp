@@ -14,12 +14,12 @@ std::optional<Line> LineBuffer::next()
     const int length = end < 0 ? m_bytes.size() : end;
     if (length > maximumLength) {
         m_dropping = true;
-        return Line{m_bytes.left(shownLength), true};
+        return Line{m_bytes.left(shownLength), true, false};
     }
     if (end < 0)
         return std::nullopt;
 
-    Line line{m_bytes.left(end), false};
+    Line line{m_bytes.left(end)};
     m_bytes.remove(0, end + 1);
     return line;
 }

@@ -11,6 +11,8 @@ struct Line
     /// first bytes, to show.
     QByteArray text;
     bool tooLong = false;
+    /// It has a carriage return of its own.
+    bool ended = true;
 };
 
 /// Cuts one client's stream of bytes into command lines. A line ends at a carriage return; line

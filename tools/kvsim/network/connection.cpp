@@ -2,7 +2,6 @@
 
 #include "controller/controller.h"
 #include "controller/endpoint.h"
-#include "controller/interpreter.h"
 
 #include <QHostAddress>
 #include <QTcpSocket>
@@ -18,9 +17,8 @@ constexpr int lateOverhead = 256;
 
 } // namespace
 
-Connection::Connection(QTcpSocket *socket, Controller *controller, CommandInterpreter *interpreter,
-                       QObject *parent)
-    : QObject(parent), m_socket(socket), m_controller(controller), m_interpreter(interpreter),
+Connection::Connection(QTcpSocket *socket, Controller *controller, QObject *parent)
+    : QObject(parent), m_socket(socket), m_controller(controller),
       m_client(endpointText(socket->peerAddress(), socket->peerPort())), m_nextActionTimer(this)
 {
     socket->setParent(this);
@@ -88,7 +86,7 @@ bool Connection::canReadMore() const
 
 void Connection::reply(const Line &line)
 {
-    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previousAnswer);
+    const Reply reply = replyTo(line, m_controller, &m_previousAnswer);
     if (reply.detached) {
         for (const Action &action : reply.actions)
             scheduleAnswer(action);
@@ -96,8 +94,7 @@ void Connection::reply(const Line &line)
         m_pendingActions = reply.actions;
         performPending();
     }
-    Q_EMIT answered(m_client, line.tooLong ? line.text : QByteArray(line.text + '\r'),
-                    reply.bytes(), reply.fault);
+    m_controller->answered(m_client, line, reply);
 }
 
 void Connection::performPending()
@@ -139,16 +136,11 @@ void Connection::scheduleAnswer(const Action &action)
     m_lateBytes += size;
     QTimer::singleShot(action.milliseconds, Qt::PreciseTimer, this, [this, action, size] {
         m_lateBytes -= size;
-        queueAnswer(action);
+        // It is not sent into the middle of another answer.
+        if (isConnected())
+            m_pendingActions.append({Action::Kind::Send, 0, action.bytes});
         serve();
     });
-}
-
-/// The answer is not sent into the middle of another one.
-void Connection::queueAnswer(const Action &action)
-{
-    if (isConnected())
-        m_pendingActions.append({Action::Kind::Send, 0, action.bytes});
 }
 
 void resetConnection(QTcpSocket *socket)

@@ -8,7 +8,6 @@
 
 class QTcpSocket;
 
-class CommandInterpreter;
 struct Controller;
 
 /// The connection of one client. It answers the commands in their order, carries out faults, and
@@ -21,9 +20,8 @@ public:
     /// While more bytes than this wait to be sent, the client's commands are left unread.
     static constexpr int unsentLimit = 256 * 1024;
 
-    /// Takes over `socket`; `controller` and `interpreter` must outlive the connection.
-    Connection(QTcpSocket *socket, Controller *controller, CommandInterpreter *interpreter,
-               QObject *parent);
+    /// Takes over `socket`; `controller` must outlive the connection.
+    Connection(QTcpSocket *socket, Controller *controller, QObject *parent);
 
     /// Throws away everything that the client sends from now on.
     void ignoreInput();
@@ -32,13 +30,6 @@ public:
     void abort();
 
 Q_SIGNALS:
-    /// A command was received, and its answer is decided. `client` is its address and port;
-    /// `command` ends in its carriage return, save for one that was too long, of which only the
-    /// beginning is there. `answer` is every byte that is sent for it, now or later; `fault` the
-    /// fault that was applied, or empty.
-    void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
-                  const QByteArray &fault);
-
     /// A fault wants the controller to be away for so long.
     void restartWanted(int milliseconds);
 
@@ -51,11 +42,9 @@ private:
     void performPending();
     void perform(const Action &action);
     void scheduleAnswer(const Action &action);
-    void queueAnswer(const Action &action);
 
     QTcpSocket *m_socket;
     Controller *m_controller;
-    CommandInterpreter *m_interpreter;
     LineBuffer m_lines;
     QByteArray m_client;
     /// The proper answer to the last command.

@@ -2,7 +2,6 @@
 
 #include "controller/controller.h"
 #include "controller/endpoint.h"
-#include "controller/interpreter.h"
 
 #include <QTimer>
 #include <QUdpSocket>
@@ -24,22 +23,26 @@ bool wantsRestart(const Reply &reply)
     return !reply.actions.isEmpty() && reply.actions.constFirst().kind == Action::Kind::Restart;
 }
 
-} // namespace
-
-DatagramLines linesOf(const QByteArray &datagram)
+/// Cuts a datagram into command lines, as LineBuffer does with a stream, but the end of the
+/// datagram ends a line too. More than DatagramServer::maximumCommands are no commands: they are
+/// one line that is too long.
+QList<Line> linesOf(const QByteArray &datagram)
 {
-    QList<QByteArray> texts = QByteArray(datagram).replace("\n", "").split('\r');
-    const bool isLastUnterminated = !texts.constLast().isEmpty();
-    if (!isLastUnterminated)
-        texts.removeLast();
-    if (texts.size() > DatagramServer::maximumCommands)
-        return {{{datagram.left(LineBuffer::shownLength), true}}, true};
+    const QList<QByteArray> texts = QByteArray(datagram).replace("\n", "").split('\r');
     QList<Line> lines;
-    for (const QByteArray &text : qAsConst(texts))
-        lines.append({text, false});
-    return {lines, isLastUnterminated};
+    for (const QByteArray &text : texts)
+        lines.append({text});
+    if (lines.constLast().text.isEmpty())
+        lines.removeLast();
+    else
+        lines.last().ended = false;
+    if (lines.size() > DatagramServer::maximumCommands)
+        return {{datagram.left(LineBuffer::shownLength), true, false}};
+    return lines;
 }
 
+/// Adds the `actions` of one command to the datagrams of the answer. Each action of the kind Send
+/// is a datagram; when the first one has no delay, it goes into the last datagram that is there.
 void appendDatagrams(const QList<Action> &actions, QList<Action> *datagrams)
 {
     bool first = true;
@@ -54,9 +57,10 @@ void appendDatagrams(const QList<Action> &actions, QList<Action> *datagrams)
     }
 }
 
-DatagramServer::DatagramServer(Controller *controller, CommandInterpreter *interpreter,
-                               QObject *parent)
-    : QObject(parent), m_controller(controller), m_interpreter(interpreter)
+} // namespace
+
+DatagramServer::DatagramServer(Controller *controller, QObject *parent)
+    : QObject(parent), m_controller(controller)
 {
 }
 
@@ -88,12 +92,11 @@ void DatagramServer::receive()
     const QByteArray client
         = endpointText(question.senderAddress(), static_cast<quint16>(question.senderPort()))
           + "/udp";
-    const DatagramLines commands = linesOf(question.data());
+    const QList<Line> lines = linesOf(question.data());
     QList<Action> datagrams;
-    for (int i = 0; i < commands.lines.size(); ++i) {
-        const bool last = i == commands.lines.size() - 1;
-        const Reply answer
-            = reply(commands.lines.at(i), client, last && commands.isLastUnterminated);
+    for (const Line &line : lines) {
+        const Reply answer = replyTo(line, m_controller, &m_previousAnswer);
+        m_controller->answered(client, line, answer);
         if (wantsRestart(answer)) {
             Q_EMIT restartWanted(answer.actions.constFirst().milliseconds);
             break;
@@ -104,14 +107,6 @@ void DatagramServer::receive()
             appendDatagrams(answer.actions, &datagrams);
     }
     schedule(question, datagrams);
-}
-
-Reply DatagramServer::reply(const Line &line, const QByteArray &client, bool isUnterminated)
-{
-    const Reply reply = replyTo(line, m_controller, m_interpreter, &m_previousAnswer);
-    Q_EMIT answered(client, isUnterminated ? line.text : QByteArray(line.text + '\r'),
-                    reply.bytes(), reply.fault);
-    return reply;
 }
 
 void DatagramServer::schedule(const QNetworkDatagram &question, const QList<Action> &datagrams)

@@ -5,17 +5,13 @@
 #include "network/datagramserver.h"
 
 #include <QTcpSocket>
+#include <QTimer>
 
 Server::Server(Controller *controller, QObject *parent)
-    : QObject(parent), m_controller(controller),
-      m_interpreter(&controller->memory, controller->profile), m_listener(new QTcpServer(this)),
-      m_datagrams(new DatagramServer(controller, &m_interpreter, this)), m_restartTimer(this)
+    : QObject(parent), m_controller(controller), m_listener(new QTcpServer(this)),
+      m_datagrams(new DatagramServer(controller, this))
 {
-    m_restartTimer.setSingleShot(true);
-    m_restartTimer.setTimerType(Qt::PreciseTimer);
-    connect(&m_restartTimer, &QTimer::timeout, this, &Server::listenAgain);
     connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
-    connect(m_datagrams, &DatagramServer::answered, this, &Server::answered);
     // Queued: the server is still busy with the datagram.
     connect(m_datagrams, &DatagramServer::restartWanted, this, &Server::restart,
             Qt::QueuedConnection);
@@ -75,9 +71,8 @@ void Server::accept(QTcpSocket *socket)
         return;
     }
 
-    auto *connection = new Connection(socket, m_controller, &m_interpreter, this);
+    auto *connection = new Connection(socket, m_controller, this);
     m_connections.append(connection);
-    connect(connection, &Connection::answered, this, &Server::answered);
     // Queued: the connection is still busy with the command.
     connect(connection, &Connection::restartWanted, this, &Server::restart, Qt::QueuedConnection);
     connect(socket, &QTcpSocket::disconnected, this,
@@ -97,17 +92,14 @@ void Server::restart(int milliseconds)
     // Two clients may cause a restart at the same time.
     if (!m_listener->isListening())
         return;
-    m_restartAddress = address();
-    m_restartPort = port();
+    const QHostAddress restartAddress = address();
+    const quint16 restartPort = port();
     close();
     const QList<Connection *> connections = m_connections;
     for (Connection *connection : connections)
         connection->abort();
-    m_restartTimer.start(milliseconds);
-}
-
-void Server::listenAgain()
-{
-    if (!listen(m_restartAddress, m_restartPort))
-        Q_EMIT restartFailed();
+    QTimer::singleShot(milliseconds, Qt::PreciseTimer, this, [this, restartAddress, restartPort] {
+        if (!listen(restartAddress, restartPort))
+            Q_EMIT restartFailed();
+    });
 }

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "controller/interpreter.h"
-
 #include <QHostAddress>
 #include <QTcpServer>
-#include <QTimer>
 
 class Connection;
 class DatagramServer;
@@ -33,10 +30,6 @@ public:
     quint16 port() const;
 
 Q_SIGNALS:
-    /// As Connection::answered() and DatagramServer::answered().
-    void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
-                  const QByteArray &fault);
-
     /// After a restart the server could not listen again, `errorString()` tells why.
     void restartFailed();
 
@@ -44,17 +37,10 @@ private:
     void acceptClients();
     void accept(QTcpSocket *socket);
     void restart(int milliseconds);
-    void listenAgain();
 
     Controller *m_controller;
-    CommandInterpreter m_interpreter;
     QTcpServer *m_listener;
     DatagramServer *m_datagrams;
     QString m_errorString;
     QList<Connection *> m_connections;
-    /// Runs while a restart keeps the server from listening.
-    QTimer m_restartTimer;
-    /// Where the server listened before the restart and listens after it.
-    QHostAddress m_restartAddress;
-    quint16 m_restartPort = 0;
 };

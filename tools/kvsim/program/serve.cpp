@@ -17,11 +17,21 @@
 
 namespace {
 
-void traceExchange(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
-                   const QByteArray &fault)
+/// Writes what clients ask and get to standard error. Where there are several controllers, the name
+/// of the one that was asked stands before the client.
+void traceCommands(const NamedControllers &controllers)
 {
-    const QDateTime now = QDateTime::currentDateTime();
-    std::fputs(traceText(now, client, command, answer, fault).constData(), stderr);
+    for (const NamedController &named : controllers) {
+        const QByteArray prefix = controllers.size() > 1 ? named.name + ' ' : QByteArray();
+        named.controller->answered
+            = [prefix](const QByteArray &client, const Line &line, const Reply &reply) {
+                  const QDateTime now = QDateTime::currentDateTime();
+                  const QByteArray command = line.ended ? line.text + '\r' : line.text;
+                  const QByteArray text
+                      = traceText(now, prefix + client, command, reply.bytes(), reply.fault);
+                  std::fputs(text.constData(), stderr);
+              };
+    }
 }
 
 /// Carries out --fault and --set. Returns what is wrong with them, or an empty text.
@@ -100,7 +110,7 @@ ExitCode fillControllers(const Options &options, const NamedControllers &control
 ExitCode run(const Options &options, Simulation *simulation, const std::function<void()> &report)
 {
     if (options.trace)
-        QObject::connect(simulation, &Simulation::answered, simulation, traceExchange);
+        traceCommands(simulation->controllers());
     QObject::connect(simulation, &Simulation::restartFailed, simulation, [](const QString &reason) {
         printError(QStringLiteral("cannot listen again after a restart: %1. End what listens on "
                                   "that port.")

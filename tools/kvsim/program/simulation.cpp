@@ -25,12 +25,6 @@ Simulation::Simulation(const QList<Setup> &setups, QObject *parent) : QObject(pa
     for (const Setup &setup : setups) {
         m_controllers.push_back(std::make_unique<ServedController>(setup));
         Server *server = &m_controllers.back()->server;
-        const QByteArray prefix = setups.size() > 1 ? setup.place.name + ' ' : QByteArray();
-        connect(server, &Server::answered, this,
-                [this, prefix](const QByteArray &client, const QByteArray &command,
-                               const QByteArray &answer, const QByteArray &fault) {
-                    Q_EMIT answered(prefix + client, command, answer, fault);
-                });
         connect(server, &Server::restartFailed, this,
                 [this, server] { Q_EMIT restartFailed(server->errorString()); });
     }

@@ -29,11 +29,6 @@ public:
     NamedControllers controllers() const;
 
 Q_SIGNALS:
-    /// As Server::answered(). Where there are several controllers, the name of the one that was
-    /// asked stands before the client.
-    void answered(const QByteArray &client, const QByteArray &command, const QByteArray &answer,
-                  const QByteArray &fault);
-
     /// A controller could not listen again after a restart, `reason` tells why.
     void restartFailed(const QString &reason);
 
