@@ -5,6 +5,7 @@
 #include "plan/plan.h"
 #include "plan/recorder.h"
 #include "plan/redirection.h"
+#include "plant/rules.h"
 
 #include <algorithm>
 
@@ -24,9 +25,7 @@ QString refusal(VELInterface *plugin, const DeviceInstancePlugin &device, quint1
     if (!report.error.isEmpty())
         return report.error;
     const QString port = device.parameters.value(QStringLiteral("port"));
-    // The plug-in also takes a sign, and spaces around the number. Other texts give 0.
-    const int number = port.toInt();
-    if (number >= 1 && number <= 65535)
+    if (isUsablePort(port))
         return {};
     return QStringLiteral("the port \"%1\" is no number from 1 to 65535: no connection is possible")
         .arg(port);

@@ -1,34 +1,15 @@
 #include "plant/plantcheck.h"
 
 #include "plant/records.h"
+#include "plant/rules.h"
 
 #include <common/ipv4address.h>
-#include <common/wholenumber.h>
 
-#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
-#include <limits>
 
 namespace {
-
-bool isPort(const QString &text)
-{
-    return wholeNumber(text, 1, 65535).has_value();
-}
-
-bool isTimeout(const QString &text)
-{
-    return wholeNumber(text, 1, std::numeric_limits<int>::max()).has_value();
-}
-
-bool isMemoryAddress(const QString &text)
-{
-    static const QRegularExpression form(
-        QStringLiteral("\\A[A-Za-z]+([0-9A-Fa-f]+|[0-9]+[.-][0-9]+)\\z"));
-    return form.match(text).hasMatch();
-}
 
 // The rule for the text of a parameter, if the plug-in declares that parameter.
 struct Rule

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+// What the texts of a plant must be, whoever asks.
+
+/// A TCP port, 1 to 65535 in plain digits.
+bool isPort(const QString &text);
+
+/// Whether a connection is possible to what the plug-in makes of the text: it also takes a sign,
+/// and spaces around the number.
+bool isUsablePort(const QString &text);
+
+/// Milliseconds, 1 or more in plain digits.
+bool isTimeout(const QString &text);
+
+/// A device of a controller and its number, with a bit or a range behind it where there is one.
+bool isMemoryAddress(const QString &text);
