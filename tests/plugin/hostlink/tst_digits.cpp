@@ -1,4 +1,3 @@
-#include "hostlink.h"
 #include "generatedtexts.h"
 #include "hostlink.h"
 #include "text.h"

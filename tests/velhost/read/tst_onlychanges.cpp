@@ -27,7 +27,8 @@ QStringList arguments(const char *format, bool onlyChanges)
 QByteArray plantWith(const QByteArray &answers, const QByteArray &script = "")
 {
     return plantJson("127.0.0.1",
-                     R"("time_stamp": "2024-02-29T12:34:56.789+00:00", "script": ")" + script + R"(")",
+                     R"("time_stamp": "2024-02-29T12:34:56.789+00:00", "script": ")" + script
+                         + R"(")",
                      {R"({"name": "A", "parameters": {"answers": ")" + answers + R"("}})",
                       R"({"name": "B", "parameters": {"answers": "same"}})"});
 }

@@ -17,9 +17,9 @@ const QString program = QStringLiteral(VELHOST_FILE);
 QByteArray scriptedPlant(const QByteArray &answers, const QByteArray &script = "",
                          const QByteArray &ip = "127.0.0.1")
 {
-    return plantJson(ip,
-                     R"("time_stamp": "2024-02-29T12:34:56.789+05:30", "script": ")" + script + R"(")",
-                     {R"({"name": "Counter", "parameters": {"answers": ")" + answers + R"("}})"});
+    return plantJson(
+        ip, R"("time_stamp": "2024-02-29T12:34:56.789+05:30", "script": ")" + script + R"(")",
+        {R"({"name": "Counter", "parameters": {"answers": ")" + answers + R"("}})"});
 }
 
 /// A controller at `port` of loopback with an item for each kind of value.
