@@ -5,12 +5,14 @@
 #include "network/datagramserver.h"
 
 #include <QTcpSocket>
-#include <QTimer>
 
 Server::Server(Controller *controller, QObject *parent)
     : QObject(parent), m_controller(controller), m_listener(new QTcpServer(this)),
-      m_datagrams(new DatagramServer(controller, this))
+      m_datagrams(new DatagramServer(controller, this)), m_restartTimer(this)
 {
+    m_restartTimer.setSingleShot(true);
+    m_restartTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_restartTimer, &QTimer::timeout, this, &Server::listenAgain);
     connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
     // Queued: the server is still busy with the datagram.
     connect(m_datagrams, &DatagramServer::restartWanted, this, &Server::restart,
@@ -92,14 +94,17 @@ void Server::restart(int milliseconds)
     // Two clients may cause a restart at the same time.
     if (!m_listener->isListening())
         return;
-    const QHostAddress restartAddress = address();
-    const quint16 restartPort = port();
+    m_restartAddress = address();
+    m_restartPort = port();
     close();
     const QList<Connection *> connections = m_connections;
     for (Connection *connection : connections)
         connection->abort();
-    QTimer::singleShot(milliseconds, Qt::PreciseTimer, this, [this, restartAddress, restartPort] {
-        if (!listen(restartAddress, restartPort))
-            Q_EMIT restartFailed();
-    });
+    m_restartTimer.start(milliseconds);
+}
+
+void Server::listenAgain()
+{
+    if (!listen(m_restartAddress, m_restartPort))
+        Q_EMIT restartFailed();
 }

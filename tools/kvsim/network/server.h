@@ -2,6 +2,7 @@
 
 #include <QHostAddress>
 #include <QTcpServer>
+#include <QTimer>
 
 class Connection;
 class DatagramServer;
@@ -37,10 +38,16 @@ private:
     void acceptClients();
     void accept(QTcpSocket *socket);
     void restart(int milliseconds);
+    void listenAgain();
 
     Controller *m_controller;
     QTcpServer *m_listener;
     DatagramServer *m_datagrams;
     QString m_errorString;
     QList<Connection *> m_connections;
+    /// Runs while a restart keeps the server from listening.
+    QTimer m_restartTimer;
+    /// Where the server listened before the restart and listens after it.
+    QHostAddress m_restartAddress;
+    quint16 m_restartPort = 0;
 };
