@@ -24,7 +24,7 @@ bool print(FILE *stream, const QString &text);
 /// texts that the caller of the program waits for.
 ExitCode printOutput(const QString &text);
 
-/// Writes the program's resource help.txt for --help. The manual page is made of the same file.
+/// Writes the program's resource help.txt, for --help. The manual page is made of what is written.
 ExitCode printHelp();
 
 /// Writes a message of the program itself to standard error, as visible() makes it.
