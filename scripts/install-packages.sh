@@ -13,7 +13,7 @@ packages_for() {
     lint) packages_for test && echo clang-format clang-tidy clazy git ;;
     cross-compiler) echo g++-arm-linux-gnueabihf ;;
     emulator) echo qemu-user ;;
-    package) packages_for build && echo dpkg-dev git ;;
+    package) packages_for build && echo dpkg-dev git python3-pyelftools ;;
     package-test) packages_for programs && echo binutils dpkg-dev lintian python3-pyelftools ;;
     bare-system) echo git mmdebstrap ;;
     *)
