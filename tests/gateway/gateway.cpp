@@ -1,6 +1,7 @@
 #include "gateway.h"
 
 #include "text.h"
+#include "writefile.h"
 
 #include <QDir>
 #include <QFile>
@@ -33,12 +34,6 @@ GatewayRoot gatewayMoved(const QString &from, const QString &to)
     GatewayRoot root = completeGateway();
     root.insert(to, root.take(from));
     return root;
-}
-
-bool writeFile(const QString &fileName, const QByteArray &content)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
 bool buildLibrary(const QString &folder, const QString &name, const QString &soname,

@@ -35,5 +35,3 @@ bool buildGateway(const QString &folder);
 
 /// Lays the root out in `rootFolder`, of copies of the libraries in `folder`.
 bool layGateway(const QString &folder, const QString &rootFolder, const GatewayRoot &root);
-
-bool writeFile(const QString &fileName, const QByteArray &content);

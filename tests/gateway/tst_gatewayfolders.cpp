@@ -1,5 +1,6 @@
 #include "gateway.h"
 #include "text.h"
+#include "writefile.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include <programrun.h>
 #include <text.h>
+#include <writefile.h>
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
@@ -213,8 +213,7 @@ void tst_Help::completes()
     QFETCH(QString, words);
 
     QTemporaryDir folder;
-    QFile plant(folder.filePath(text("plant.json")));
-    QVERIFY(plant.open(QIODevice::WriteOnly));
+    QVERIFY(writeFile(folder.filePath(text("plant.json")), {}));
     const QString name = line.section(QLatin1Char(' '), 0, 0);
     const Tool tool = toolNamed(name);
     // Completes the line as bash does when the tab key is pressed.

@@ -2,9 +2,9 @@
 #include "plantrun.h"
 #include "simulatorthread.h"
 #include "text.h"
+#include "writefile.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QHostAddress>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -103,13 +103,12 @@ void tst_Watch::printsChanges()
     SimulatorThread controller;
     QVERIFY(controller.setWord("DM1", 0));
     QTemporaryDir folder;
-    QFile file(folder.filePath(text("plant.json")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(plantAt(controller.port(), {item("Counter", "DM1"), item("Constant", "DM2")}));
-    file.close();
+    const QString plant = folder.filePath(text("plant.json"));
+    QVERIFY(writeFile(
+        plant, plantAt(controller.port(), {item("Counter", "DM1"), item("Constant", "DM2")})));
     QProcess process;
     process.setProcessEnvironment(plainEnvironment());
-    process.start(text(VELHOST_FILE), {text("watch"), file.fileName(), text("--plugin"),
+    process.start(text(VELHOST_FILE), {text("watch"), plant, text("--plugin"),
                                        text(KEYENCE_PLUGIN_FILE), text("--interval"), text("5")});
     QString output;
     for (int value = 1; value <= 3; ++value) {
@@ -305,14 +304,12 @@ void tst_Watch::signalEnds()
     QTcpServer controller;
     QVERIFY(controller.listen(QHostAddress(QHostAddress::LocalHost)));
     QTemporaryDir folder;
-    QFile file(folder.filePath(text("plant.json")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(plantAt(controller.serverPort(), {item("Counter", "DM1")}));
-    file.close();
+    const QString plant = folder.filePath(text("plant.json"));
+    QVERIFY(writeFile(plant, plantAt(controller.serverPort(), {item("Counter", "DM1")})));
     QProcess process;
     process.setProcessEnvironment(plainEnvironment());
     process.start(text(VELHOST_FILE),
-                  {text("watch"), text("--plant"), file.fileName(), text("--plugin"),
+                  {text("watch"), text("--plant"), plant, text("--plugin"),
                    text(KEYENCE_PLUGIN_FILE), text("--interval"), text("86400000")});
     QVERIFY(controller.waitForNewConnection(10000));
     QTcpSocket *const client = controller.nextPendingConnection();

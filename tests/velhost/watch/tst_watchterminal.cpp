@@ -3,8 +3,8 @@
 #include "simulatorthread.h"
 #include "terminalrun.h"
 #include "text.h"
+#include "writefile.h"
 
-#include <QFile>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <QTest>
@@ -78,12 +78,12 @@ QStringList tst_WatchTerminal::arguments(const SimulatorThread &controller,
     for (const QString &item : items)
         json.append(itemJson(item.section(u'=', 0, 0).toUtf8(), item.section(u'=', 1).toUtf8(), "1",
                              "Short", R"(, "expect": "5")"));
-    QFile file(m_folder.filePath(text("plant.json")));
-    if (!file.open(QIODevice::WriteOnly))
+    const QString plant = m_folder.filePath(text("plant.json"));
+    if (!writeFile(plant, plantJson("127.0.0.1", portParameter(controller.port()), json)))
         return {};
-    file.write(plantJson("127.0.0.1", portParameter(controller.port()), json));
-    return {text("watch"),  file.fileName(),  text("--interval"),
-            text(interval), text("--plugin"), text(KEYENCE_PLUGIN_FILE)};
+    return {text("watch"),      plant,
+            text("--interval"), text(interval),
+            text("--plugin"),   text(KEYENCE_PLUGIN_FILE)};
 }
 
 void tst_WatchTerminal::redraws()
@@ -220,14 +220,14 @@ void tst_WatchTerminal::logBelow()
 
 void tst_WatchTerminal::controlCharacters()
 {
-    QFile file(m_folder.filePath(text("plant.json")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(R"({"devices": [{"id": 1, "name": "P\u001b]0;x\u0007", "ip": "127.0.0.1",
- "items": [{"name": "A\u001b[2J", "parameters": {"answers": "1\u001b[2J\u009b2J|!\u001b[2J"}}]}]})");
-    file.close();
+    const QString plant = m_folder.filePath(text("plant.json"));
+    const QByteArray json
+        = R"({"devices": [{"id": 1, "name": "P\u001b]0;x\u0007", "ip": "127.0.0.1",
+ "items": [{"name": "A\u001b[2J", "parameters": {"answers": "1\u001b[2J\u009b2J|!\u001b[2J"}}]}]})";
+    QVERIFY(writeFile(plant, json));
     TerminalRun watch(text(VELHOST_FILE),
-                      {text("watch"), file.fileName(), text("--interval"), text("150"),
-                       text("--plugin"), text(SCRIPTED_PLUGIN_FILE)},
+                      {text("watch"), plant, text("--interval"), text("150"), text("--plugin"),
+                       text(SCRIPTED_PLUGIN_FILE)},
                       24, 150, terminalEnvironment());
     QVERIFY(watch.waitFor("P\\x1b]0;x\\x07  A\\x1b[2J  1\\x1b[2J\\x9b2J  "));
     QVERIFY(watch.waitFor("30;43m\\x1b[2J\x1b[0m"));
