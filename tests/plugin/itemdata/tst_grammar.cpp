@@ -202,7 +202,7 @@ void tst_Grammar::wholeNumbers()
 
 void tst_Grammar::bits()
 {
-    const QRegularExpression expression(ItemData::bitPattern);
+    static const QRegularExpression expression(ItemData::bitPattern);
     GeneratedTexts texts(strangeTexts + QVector<QString>{text("0"), text("1"), text("2")});
     constexpr int count = 50000;
     int accepted = 0;

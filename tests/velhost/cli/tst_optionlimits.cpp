@@ -25,7 +25,8 @@ void tst_OptionLimits::numbers_data()
 
     const auto rows = [](const char *command, const char *option, const char *range,
                          const QStringList &right, const QStringList &wrong) {
-        for (const QString &text : right + wrong)
+        const QStringList texts = right + wrong;
+        for (const QString &text : texts)
             QTest::addRow("%s %s", option, qPrintable(text))
                 << QString::fromLatin1(command) << QString::fromLatin1(option)
                 << QString::fromLatin1(range) << text << right.contains(text);
