@@ -33,7 +33,11 @@ Connection::Connection(QTcpSocket *socket, Controller *controller, QObject *pare
     connect(socket, &QTcpSocket::readyRead, this, &Connection::serve);
     // A client that reads again makes room for more answers. Queued, because flush() emits the
     // signal too, but not again for what the slot writes.
-    connect(socket, &QTcpSocket::bytesWritten, this, &Connection::serve, Qt::QueuedConnection);
+    connect(socket, &QTcpSocket::bytesWritten, this, [this] {
+        if (m_inputWaits)
+            Q_EMIT roomMade();
+    });
+    connect(this, &Connection::roomMade, this, &Connection::serve, Qt::QueuedConnection);
     connect(socket, &QTcpSocket::disconnected, this, &Connection::deleteLater);
 }
 
@@ -60,6 +64,7 @@ void Connection::serve()
 
 void Connection::answerCommands()
 {
+    m_inputWaits = false;
     while (canReadMore()) {
         const std::optional<Line> line = m_lines.next();
         if (line) {
@@ -71,6 +76,7 @@ void Connection::answerCommands()
             return;
         m_lines.append(bytes);
     }
+    m_inputWaits = true;
 }
 
 bool Connection::isConnected() const

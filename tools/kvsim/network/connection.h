@@ -33,6 +33,9 @@ Q_SIGNALS:
     /// A fault wants the controller to be away for so long.
     void restartWanted(int milliseconds);
 
+    /// Answers have gone, and commands wait that were left unread.
+    void roomMade();
+
 private:
     void serve();
     void answerCommands();
@@ -51,6 +54,8 @@ private:
     QByteArray m_previousAnswer;
     /// What is left to do for the last command. The next command waits for it.
     QList<Action> m_pendingActions;
+    /// Commands were left unread, because something must be done first.
+    bool m_inputWaits = false;
     /// Runs until the first of `m_pendingActions` is due.
     QTimer m_nextActionTimer;
     /// Memory taken by answers that come late.
