@@ -92,7 +92,7 @@ Reply FaultEngine::reply(const Line &line, const QByteArray &previous, const Pro
                          Memory *memory)
 {
     const QMutexLocker locker(&m_mutex);
-    const std::optional<Range> range = rangeOf(line.text);
+    const std::optional<Range> range = m_entries.isEmpty() ? std::nullopt : rangeOf(line.text);
     Entry *struck = nullptr;
     for (Entry &entry : m_entries) {
         if (!fits(entry.fault, range) || !strikesNow(&entry) || struck)

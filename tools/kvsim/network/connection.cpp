@@ -6,12 +6,13 @@
 #include <QHostAddress>
 #include <QTcpSocket>
 
+#include <array>
+
 #include <sys/socket.h>
 
 namespace {
 
 constexpr int receiveLimit = 64 * 1024;
-constexpr int chunkSize = 4096;
 /// What an answer that comes late takes beside its bytes, so that many short ones are limited too.
 constexpr int lateOverhead = 256;
 
@@ -71,10 +72,11 @@ void Connection::answerCommands()
             reply(*line);
             continue;
         }
-        const QByteArray bytes = m_socket->read(chunkSize);
-        if (bytes.isEmpty())
+        std::array<char, 4096> chunk; // NOLINT(cppcoreguidelines-pro-type-member-init)
+        const qint64 size = m_socket->read(chunk.data(), chunk.size());
+        if (size <= 0)
             return;
-        m_lines.append(bytes);
+        m_lines.append({chunk.data(), static_cast<int>(size)});
     }
     m_inputWaits = true;
 }
