@@ -2,23 +2,43 @@
 
 #include <QDateTime>
 
+#include <array>
+#include <cstdio>
+#include <ctime>
+
 namespace {
 
-QByteArray escapedByte(char byte)
+void appendEscaped(char byte, QByteArray *text)
 {
     switch (byte) {
     case '\r':
-        return "\\r";
+        *text += "\\r";
+        return;
     case '\n':
-        return "\\n";
+        *text += "\\n";
+        return;
     case '\\':
-        return "\\\\";
+        *text += "\\\\";
+        return;
     default:
         break;
     }
     if (byte >= ' ' && byte <= '~')
-        return {1, byte};
-    return "\\x" + QByteArray(1, byte).toHex();
+        *text += byte;
+    else
+        *text += "\\x" + QByteArray(1, byte).toHex();
+}
+
+/// As QDateTime::toString(Qt::ISODateWithMs) writes a local time, in a fraction of its time.
+QByteArray timeText(const QDateTime &time)
+{
+    const QDate day = time.date();
+    const QTime clock = time.time();
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.%03d", day.year(),
+                  day.month(), day.day(), clock.hour(), clock.minute(), clock.second(),
+                  clock.msec());
+    return text.data();
 }
 
 } // namespace
@@ -28,14 +48,23 @@ QByteArray escaped(const QByteArray &bytes)
     QByteArray text;
     text.reserve(bytes.size());
     for (const char byte : bytes)
-        text += escapedByte(byte);
+        appendEscaped(byte, &text);
     return text;
+}
+
+QDateTime localTime()
+{
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    const auto seconds = static_cast<std::time_t>(now / 1000);
+    std::tm local{};
+    ::localtime_r(&seconds, &local);
+    return QDateTime::fromMSecsSinceEpoch(now + qint64(local.tm_gmtoff) * 1000, Qt::UTC);
 }
 
 QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByteArray &command,
                      const QByteArray &answer, const QByteArray &fault)
 {
-    const QByteArray prefix = time.toString(Qt::ISODateWithMs).toLatin1() + ' ' + client;
+    const QByteArray prefix = timeText(time) + ' ' + client;
     QByteArray text = prefix + " > " + escaped(command) + '\n';
     if (!fault.isEmpty())
         text += prefix + " ! " + fault + '\n';

@@ -8,8 +8,8 @@
 
 int main(int argc, char *argv[])
 {
-    // GLib's event loop wakes itself, with a system call, each time that a socket begins or ceases to
-    // wait until it can send.
+    // GLib's event loop wakes itself, with a system call, each time that a socket begins or ceases
+    // to wait until it can send.
     qputenv("QT_NO_GLIB", "1");
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("kvsim"));

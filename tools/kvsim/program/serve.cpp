@@ -25,10 +25,9 @@ void traceCommands(const NamedControllers &controllers)
         const QByteArray prefix = controllers.size() > 1 ? named.name + ' ' : QByteArray();
         named.controller->answered
             = [prefix](const QByteArray &client, const Line &line, const Reply &reply) {
-                  const QDateTime now = QDateTime::currentDateTime();
                   const QByteArray command = line.ended ? line.text + '\r' : line.text;
-                  const QByteArray text
-                      = traceText(now, prefix + client, command, reply.bytes(), reply.fault);
+                  const QByteArray text = traceText(localTime(), prefix + client, command,
+                                                    reply.bytes(), reply.fault);
                   std::fputs(text.constData(), stderr);
               };
     }
