@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QTest>
 
+#include <ctime>
+
 // How the simulated controller shows what it receives and sends.
 class tst_Trace : public QObject
 {
@@ -11,6 +13,8 @@ class tst_Trace : public QObject
 private Q_SLOTS:
     void escapes_data();
     void escapes();
+    void localTime_data();
+    void localTime();
     void trace();
 };
 
@@ -34,6 +38,30 @@ void tst_Trace::escapes()
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, text);
     QCOMPARE(escaped(bytes), text);
+}
+
+void tst_Trace::localTime_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<int>("minutes");
+
+    QTest::newRow("Greenwich") << QByteArray("UTC0") << 0;
+    QTest::newRow("east") << QByteArray("NPT-5:45") << 345;
+    QTest::newRow("west") << QByteArray("NST3:30") << -210;
+    QTest::newRow("summer time") << QByteArray("CET-1CEST,0/0,J365/25") << 120;
+}
+
+void tst_Trace::localTime()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(int, minutes);
+
+    QVERIFY(qputenv("TZ", zone));
+    ::tzset();
+    const qint64 before = QDateTime::currentMSecsSinceEpoch();
+    const qint64 shown = ::localTime().toMSecsSinceEpoch() - qint64(minutes) * 60 * 1000;
+    QVERIFY(shown >= before);
+    QVERIFY(shown <= QDateTime::currentMSecsSinceEpoch());
 }
 
 void tst_Trace::trace()
