@@ -35,13 +35,14 @@ QString changeLineHeader(const QVector<int> &widths)
 QString changeLines(const QList<DeviceReport> &devices, const QVector<int> &widths)
 {
     QString lines;
+    TimeTexts times;
     for (const DeviceReport &device : devices) {
         const QString name = visible(device.device);
         if (device.hasMessage())
             lines += tableLine(
-                {timeText(device.time), name, {}, {}, visible(deviceMessage(device))}, widths);
+                {times.text(device.time), name, {}, {}, visible(deviceMessage(device))}, widths);
         for (const ItemReport &item : device.values)
-            lines += tableLine({timeText(item.time), name, visible(item.item), valueText(item),
+            lines += tableLine({times.text(item.time), name, visible(item.item), valueText(item),
                                 visible(itemProblem(item))},
                                widths);
     }
@@ -53,7 +54,8 @@ QString changeLines(const QList<DeviceReport> &devices, const QVector<int> &widt
 CyclePrinter::CyclePrinter(OutputFormat format, Content content,
                            const QList<DeviceInstancePlugin> &devices)
     : m_format(format), m_hasLines(content == Content::ChangeLines),
-      m_onlyChanges(content != Content::Everything), m_lineWidths(changeLineWidths(devices))
+      m_onlyChanges(content != Content::Everything),
+      m_lineWidths(changeLineWidths(devices))
 {
     if (m_format == OutputFormat::Csv)
         print(stdout, cycleCsvHeader());

@@ -10,15 +10,19 @@ namespace {
 QString deviceJsonLines(const DeviceReport &device)
 {
     QString lines;
+    TimeTexts times;
+    const JsonMember cycle("cycle", device.cycle);
+    const JsonMember name("device", device.device);
     if (device.hasMessage())
-        lines += jsonLine("device", {{"cycle", device.cycle},
-                                     {"time", timeText(device.time)},
-                                     {"device", device.device},
-                                     {"error", device.error}});
+        lines += jsonLine(
+            "device", {cycle, {"time", times.text(device.time)}, name, {"error", device.error}});
     for (const ItemReport &item : device.values) {
-        QList<JsonMember> members{{"cycle", device.cycle},   {"time", timeText(item.time)},
-                                  {"device", device.device}, {"item", item.item},
-                                  {"value", item.value},     {"error", item.error}};
+        QList<JsonMember> members{cycle,
+                                  {"time", times.text(item.time)},
+                                  name,
+                                  {"item", item.item},
+                                  {"value", item.value},
+                                  {"error", item.error}};
         if (item.expected)
             members.append({"expected", *item.expected});
         lines += jsonLine("value", members);
@@ -30,10 +34,12 @@ void appendDeviceRows(const DeviceReport &device, QList<QStringList> *rows)
 {
     const QString cycle = QString::number(device.cycle);
     const QString name = visible(device.device);
+    TimeTexts times;
     if (device.hasMessage())
-        rows->append({cycle, timeText(device.time), name, {}, {}, visible(deviceMessage(device))});
+        rows->append(
+            {cycle, times.text(device.time), name, {}, {}, visible(deviceMessage(device))});
     for (const ItemReport &item : device.values)
-        rows->append({cycle, timeText(item.time), name, visible(item.item), valueText(item),
+        rows->append({cycle, times.text(item.time), name, visible(item.item), valueText(item),
                       visible(item.error)});
 }
 
@@ -50,15 +56,16 @@ QString cycleTable(const QList<DeviceReport> &devices)
 QString cycleCsv(const QList<DeviceReport> &devices)
 {
     QString records;
+    TimeTexts times;
     for (const DeviceReport &device : devices) {
         const QString cycle = QString::number(device.cycle);
         if (device.hasMessage())
             records += csvRecord(
-                {cycle, timeText(device.time), device.device, {}, {}, {}, device.error});
+                {cycle, times.text(device.time), device.device, {}, {}, {}, device.error});
         for (const ItemReport &item : device.values) {
             const QString isOld = item.isOld ? QStringLiteral("old") : QString();
-            records += csvRecord({cycle, timeText(item.time), device.device, item.item, item.value,
-                                  isOld, item.error});
+            records += csvRecord({cycle, times.text(item.time), device.device, item.item,
+                                  item.value, isOld, item.error});
         }
     }
     return records;

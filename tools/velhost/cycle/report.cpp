@@ -34,6 +34,18 @@ QString timeText(const QDateTime &time)
     return text;
 }
 
+QString TimeTexts::text(const QDateTime &time)
+{
+    // Equal times of other kinds can have different offsets.
+    const bool isSame
+        = m_time.timeSpec() == Qt::LocalTime && time.timeSpec() == Qt::LocalTime && m_time == time;
+    if (!isSame || m_text.isEmpty()) {
+        m_time = time;
+        m_text = timeText(time);
+    }
+    return m_text;
+}
+
 QString itemProblem(const ItemReport &item)
 {
     if (item.expected)

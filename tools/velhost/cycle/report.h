@@ -54,3 +54,15 @@ QString itemProblem(const ItemReport &item);
 
 /// ISO 8601 with milliseconds and the offset from UTC, in the time's own zone.
 QString timeText(const QDateTime &time);
+
+/// Makes the texts of the times of one cycle as timeText() does. A text is made once for all items
+/// that have the same time: the system looks up its time zone in a file each time.
+class TimeTexts
+{
+public:
+    QString text(const QDateTime &time);
+
+private:
+    QDateTime m_time;
+    QString m_text;
+};
