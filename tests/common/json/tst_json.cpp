@@ -10,6 +10,7 @@ class tst_Json : public QObject
 private Q_SLOTS:
     void json_data();
     void json();
+    void textsAsQtWritesThem();
     void jsonOrder();
     void lines();
 };
@@ -40,6 +41,21 @@ void tst_Json::json()
     QFETCH(QJsonValue, value);
     QFETCH(QString, expected);
     QCOMPARE(jsonText(value), expected);
+}
+
+// Of plain texts no tree is made. What is plain is compared with Qt for every code unit, alone and
+// within a text; a surrogate is so also alone and half of a pair.
+void tst_Json::textsAsQtWritesThem()
+{
+    for (int unit = 0; unit <= 0xffff; ++unit) {
+        const QChar character(unit);
+        for (const QString &text :
+             {QString(character), QString(u'a' + character + u'z'),
+              QString(QChar(0xd83d) + character), QString(character + QChar(0xde00))}) {
+            if (jsonText(text) != jsonText(QJsonValue(text)))
+                QFAIL(qPrintable(QStringLiteral("differs at %1").arg(unit, 4, 16)));
+        }
+    }
 }
 
 void tst_Json::jsonOrder()

@@ -2,7 +2,26 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QStringList>
+
+#include <algorithm>
+
+namespace {
+
+/// Whether the text stands in JSON as it is. A single surrogate does not.
+bool isPlain(const QString &text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar character) {
+        return character >= u' ' && character != u'"' && character != u'\\'
+               && !character.isSurrogate();
+    });
+}
+
+} // namespace
+
+JsonMember::JsonMember(const char *memberKey, const QString &text)
+    : key(QString::fromLatin1(memberKey)), json(jsonText(text))
+{
+}
 
 JsonMember::JsonMember(const char *memberKey, const QJsonValue &value)
     : key(QString::fromLatin1(memberKey)), json(jsonText(value))
@@ -22,16 +41,26 @@ QString jsonText(const QJsonValue &value)
     return QString::fromUtf8(list.mid(1, list.size() - 2));
 }
 
+QString jsonText(const QString &text)
+{
+    // QJsonDocument makes a tree of several allocations for each text; most need no more than
+    // quotes.
+    return isPlain(text) ? u'"' + text + u'"' : jsonText(QJsonValue(text));
+}
+
 QString jsonObject(const QList<JsonMember> &members)
 {
-    QStringList texts;
-    for (const JsonMember &member : members)
-        texts.append(jsonText(member.key) + u':' + member.json);
-    return u'{' + texts.join(u',') + u'}';
+    QString object(u'{');
+    for (const JsonMember &member : members) {
+        if (object.size() > 1)
+            object += u',';
+        object += jsonText(member.key) + u':' + member.json;
+    }
+    return object + u'}';
 }
 
 QString jsonLine(const char *type, const QList<JsonMember> &members)
 {
-    const QList<JsonMember> typeMember{{"type", QLatin1String(type)}};
+    const QList<JsonMember> typeMember{{"type", QString::fromLatin1(type)}};
     return jsonObject(typeMember + members) + u'\n';
 }

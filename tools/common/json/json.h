@@ -7,6 +7,7 @@
 /// One member of a JSON object.
 struct JsonMember
 {
+    JsonMember(const char *memberKey, const QString &text);
     JsonMember(const char *memberKey, const QJsonValue &value);
     JsonMember(const char *memberKey, const QList<JsonMember> &members);
 
@@ -17,6 +18,7 @@ struct JsonMember
 
 /// The value as compact JSON text.
 QString jsonText(const QJsonValue &value);
+QString jsonText(const QString &text);
 
 /// An object with its members in the order given, which QJsonObject would sort.
 QString jsonObject(const QList<JsonMember> &members);
