@@ -55,7 +55,7 @@ CyclePrinter::CyclePrinter(OutputFormat format, Content content,
                            const QList<DeviceInstancePlugin> &devices)
     : m_format(format), m_hasLines(content == Content::ChangeLines),
       m_onlyChanges(content != Content::Everything),
-      m_lineWidths(changeLineWidths(devices))
+      m_lineWidths(m_hasLines ? changeLineWidths(devices) : QVector<int>())
 {
     if (m_format == OutputFormat::Csv)
         print(stdout, cycleCsvHeader());
