@@ -19,8 +19,9 @@ QString csvField(QString field)
 
 QString csvRecord(const QStringList &fields)
 {
-    QStringList quoted;
+    QString record;
     for (const QString &field : fields)
-        quoted.append(csvField(field));
-    return quoted.join(u',') + u"\r\n";
+        record += csvField(field) + u',';
+    record.chop(1);
+    return record + u"\r\n";
 }

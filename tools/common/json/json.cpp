@@ -7,6 +7,9 @@
 
 namespace {
 
+// More than the line of an item has.
+constexpr int usualSize = 256;
+
 /// Whether the text stands in JSON as it is. A single surrogate does not.
 bool isPlain(const QString &text)
 {
@@ -51,6 +54,7 @@ QString jsonText(const QString &text)
 QString jsonObject(const QList<JsonMember> &members)
 {
     QString object(u'{');
+    object.reserve(usualSize);
     for (const JsonMember &member : members) {
         if (object.size() > 1)
             object += u',';
@@ -61,6 +65,7 @@ QString jsonObject(const QList<JsonMember> &members)
 
 QString jsonLine(const char *type, const QList<JsonMember> &members)
 {
-    const QList<JsonMember> typeMember{{"type", QString::fromLatin1(type)}};
-    return jsonObject(typeMember + members) + u'\n';
+    const QString comma = members.isEmpty() ? QString() : QStringLiteral(",");
+    return u"{\"type\":" + jsonText(QString::fromLatin1(type)) + comma
+           + jsonObject(members).midRef(1) + u'\n';
 }
