@@ -30,11 +30,17 @@ bool isKey(const QByteArray &json, int endOfString)
     return next < json.size() && json.at(next) == ':';
 }
 
-/// The text of a JSON string that still has its quotes. Keys are compared without their escapes:
-/// "a" and "\u0061" are the same key.
-QString unescaped(const QByteArray &string)
+/// The key that stands with its quotes from `offset` to `end`. Keys are compared without their
+/// escapes: "a" and "\u0061" are the same key.
+QString keyAt(const QByteArray &json, int offset, int end)
 {
-    return QJsonDocument::fromJson('[' + string + ']').array().at(0).toString();
+    const bool isPlain = std::all_of(json.begin() + offset, json.begin() + end, [](char character) {
+        return character >= ' ' && character <= '~' && character != '\\';
+    });
+    if (isPlain)
+        return QString::fromLatin1(json.constData() + offset + 1, end - offset - 2);
+    const QByteArray list = '[' + json.mid(offset, end - offset) + ']';
+    return QJsonDocument::fromJson(list).array().at(0).toString();
 }
 
 } // namespace
@@ -53,10 +59,12 @@ QList<DuplicateKey> findDuplicateKeys(const QByteArray &json)
             continue;
         const int end = endOfString(json, offset);
         if (isKey(json, end) && !keysOfOpenObjects.isEmpty()) {
-            const QString key = unescaped(json.mid(offset, end - offset));
-            if (keysOfOpenObjects.last().contains(key))
+            const QString key = keyAt(json, offset, end);
+            QSet<QString> &keys = keysOfOpenObjects.last();
+            const int countBefore = keys.size();
+            keys.insert(key);
+            if (keys.size() == countBefore)
                 duplicates.append({key, offset});
-            keysOfOpenObjects.last().insert(key);
         }
         offset = end - 1;
     }

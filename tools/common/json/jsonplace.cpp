@@ -1,5 +1,6 @@
 #include <common/json/jsonplace.h>
 
+#include <QHash>
 #include <QMap>
 
 #include <cmath>
@@ -27,7 +28,7 @@ QString member(const QString &place, const QString &key)
 
 QString element(const QString &place, int index)
 {
-    return QStringLiteral("%1[%2]").arg(place).arg(index);
+    return place + u'[' + QString::number(index) + u']';
 }
 
 void addError(const QString &place, const QString &text, QList<Problem> *errors)
@@ -105,17 +106,18 @@ void checkKeys(const QJsonObject &object, const QStringList &known, const QStrin
 void checkUnique(const QStringList &texts, const QString &key, const QString &place,
                  QList<Problem> *errors)
 {
-    QMap<QString, int> firstIndex;
+    QHash<QString, int> firstIndex;
     for (int i = 0; i < texts.size(); ++i) {
         const QString &text = texts.at(i);
         if (text.isEmpty())
             continue;
-        if (firstIndex.contains(text))
+        const auto first = firstIndex.constFind(text);
+        if (first == firstIndex.constEnd())
+            firstIndex.insert(text, i);
+        else
             addError(member(element(place, i), key),
                      QStringLiteral("\"%1\" is already the %2 of %3; write another one")
-                         .arg(text, key, element(place, firstIndex.value(text))),
+                         .arg(text, key, element(place, *first)),
                      errors);
-        else
-            firstIndex.insert(text, i);
     }
 }
