@@ -1,52 +1,54 @@
 #include "plant/records.h"
 
+#include <common/json/jsonplace.h>
+
 #include <algorithm>
-#include <iterator>
 
 namespace {
 
 using Column = DatabaseColumnStructure;
 using Choice = DatabaseColumnStructure::SelectionValue;
 
-QList<Choice> choicesOf(const Column &column)
+bool isChoice(const Choice &entry)
 {
-    QList<Choice> choices;
-    std::copy_if(column.selectionValues.begin(), column.selectionValues.end(),
-                 std::back_inserter(choices),
-                 [](const Choice &entry) { return !entry.text.startsWith(u"__vel_"); });
-    return choices;
+    return !entry.text.startsWith(u"__vel_");
 }
 
-bool takesFreeText(const Column &column, const QList<Choice> &choices)
+bool takesFreeText(const Column &column)
 {
-    return choices.isEmpty()
-           || std::any_of(
-               column.selectionValues.begin(), column.selectionValues.end(),
-               [](const Choice &entry) { return entry.text == u"__vel_discovery_editable"; });
+    const QList<Choice> &entries = column.selectionValues;
+    return std::none_of(entries.begin(), entries.end(), isChoice)
+           || std::any_of(entries.begin(), entries.end(), [](const Choice &entry) {
+                  return entry.text == u"__vel_discovery_editable";
+              });
 }
 
 std::optional<QString> valueFor(const QString &text, const Column &column)
 {
-    const QList<Choice> choices = choicesOf(column);
-    for (const Choice &choice : choices) {
-        if (choice.value == text)
-            return choice.value;
+    for (const auto field : {&Choice::value, &Choice::text}) {
+        for (const Choice &entry : column.selectionValues) {
+            if (entry.*field == text && isChoice(entry))
+                return entry.value;
+        }
     }
-    for (const Choice &choice : choices) {
-        if (choice.text == text)
-            return choice.value;
-    }
-    return takesFreeText(column, choices) ? std::optional(text) : std::nullopt;
+    return takesFreeText(column) ? std::optional(text) : std::nullopt;
 }
 
 QString notOfferedError(const QString &text, const Column &column)
 {
     QStringList offered;
-    const QList<Choice> choices = choicesOf(column);
-    for (const Choice &choice : choices)
-        offered.append(QStringLiteral("\"%1\" (%2)").arg(choice.text, choice.value));
+    for (const Choice &entry : column.selectionValues) {
+        if (isChoice(entry))
+            offered.append(QStringLiteral("\"%1\" (%2)").arg(entry.text, entry.value));
+    }
     return QStringLiteral("\"%1\" is not offered; use one of: %2")
         .arg(text, offered.join(QStringLiteral(", ")));
+}
+
+bool isDeclared(const QString &parameter, const QList<Column> &columns)
+{
+    return std::any_of(columns.begin(), columns.end(),
+                       [&](const Column &column) { return column.name == parameter; });
 }
 
 QString unknownParameterError(const QList<Column> &columns, const QString &scope)
@@ -64,11 +66,11 @@ QList<ItemInstancePlugin> itemRecords(const QList<PlantItem> &items,
 {
     QList<ItemInstancePlugin> records;
     for (int i = 0; i < items.size(); ++i) {
-        const QString parameters = QStringLiteral("%1[%2].parameters").arg(place).arg(i);
         ItemInstancePlugin record;
         record.name = items.at(i).name;
-        record.parameters = resolveParameters(items.at(i).parameters, columns,
-                                              QStringLiteral("item"), parameters, errors);
+        record.parameters
+            = resolveParameters(items.at(i).parameters, columns, QStringLiteral("item"),
+                                element(place, i) + u".parameters", errors);
         records.append(record);
     }
     return records;
@@ -82,24 +84,22 @@ QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
                                          QList<Problem> *errors)
 {
     QMap<QString, QString> record;
-    ParameterTexts rest = parameters;
     for (const Column &column : columns) {
-        if (!parameters.contains(column.name)) {
+        const auto text = parameters.constFind(column.name);
+        if (text == parameters.constEnd())
             record.insert(column.name, column.defaultValue);
+        else if (!*text)
             continue;
-        }
-        rest.remove(column.name);
-        const std::optional<QString> text = parameters.value(column.name);
-        if (!text)
-            continue;
-        if (const std::optional<QString> value = valueFor(*text, column))
+        else if (const std::optional<QString> value = valueFor(**text, column))
             record.insert(column.name, *value);
         else
-            errors->append({{}, place + u'.' + column.name, notOfferedError(*text, column)});
+            errors->append({{}, place + u'.' + column.name, notOfferedError(**text, column)});
     }
-    const QStringList unknown = rest.keys();
-    for (const QString &name : unknown)
-        errors->append({{}, place + u'.' + name, unknownParameterError(columns, scope)});
+    for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter) {
+        const QString &name = parameter.key();
+        if (!isDeclared(name, columns))
+            errors->append({{}, place + u'.' + name, unknownParameterError(columns, scope)});
+    }
     return record;
 }
 
