@@ -4,19 +4,13 @@
 #include "discover/discoveroutput.h"
 #include "discover/searchoptions.h"
 #include "discover/searchsettings.h"
+#include "host/progressline.h"
 #include "host/stopsignals.h"
 
-#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QSaveFile>
 
-#include <unistd.h>
-
 namespace {
-
-constexpr int redrawMs = 200;
-const QString lineStart = QStringLiteral("\r");
-const QString clearLine = QStringLiteral("\x1b[K");
 
 /// Why the plant file must not be written; empty when it may be written.
 QString plantFileError(const Arguments &arguments)
@@ -32,19 +26,13 @@ QString plantFileError(const Arguments &arguments)
 SearchResult searchAndShow(const SearchPlan &plan, int *signal)
 {
     StopSignals stopSignals;
-    const bool showsProgress = ::isatty(STDERR_FILENO) == 1;
-    QDeadlineTimer redraw(0);
-    const SearchResult result = runSearch(plan, [&](const SearchProgress &progress) {
-        if (showsProgress && redraw.hasExpired()) {
-            print(stderr, lineStart + progressText(progress) + clearLine);
-            redraw.setRemainingTime(redrawMs);
-        }
+    ProgressLine line(0);
+    return runSearch(plan, [&](const SearchProgress &progress) {
+        if (line.isDue())
+            line.show(progressText(progress));
         *signal = stopSignals.wait(0);
         return *signal == 0;
     });
-    if (showsProgress)
-        print(stderr, lineStart + clearLine);
-    return result;
 }
 
 bool writePlant(const Arguments &arguments, const SearchArea &area, const Findings &findings)

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QString>
+
+#include <optional>
+
+/// One line of progress on the terminal of standard error, which each text overwrites. Shows
+/// nothing where standard error is no terminal.
+class ProgressLine
+{
+public:
+    /// The first text is due `firstMs` milliseconds after isDue() was asked first.
+    explicit ProgressLine(int firstMs) : m_firstMs(firstMs) {}
+    ~ProgressLine() { clear(); }
+    ProgressLine(const ProgressLine &) = delete;
+    ProgressLine &operator=(const ProgressLine &) = delete;
+
+    /// Whether a text should be shown now.
+    bool isDue();
+
+    void show(const QString &text);
+
+    /// Removes the text. Must be called before anything else is printed on the terminal.
+    void clear();
+
+private:
+    int m_firstMs;
+    std::optional<QDeadlineTimer> m_due;
+    bool m_isShown = false;
+};
