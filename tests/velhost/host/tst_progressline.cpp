@@ -1,6 +1,7 @@
 #include <text.h>
 
 #include <common/console.h>
+#include <host/logoutput.h>
 #include <host/progressline.h>
 
 #include <QTest>
@@ -83,6 +84,7 @@ private Q_SLOTS:
     void isClearedAtTheEnd();
     void isNotDueAtFirst();
     void isNotDueWithoutATerminal();
+    void isClearedBeforeLogEntries();
 };
 
 void tst_ProgressLine::overwritesItself()
@@ -132,6 +134,22 @@ void tst_ProgressLine::isNotDueWithoutATerminal()
     }
     ::close(pipe.front());
     ::close(pipe.back());
+}
+
+void tst_ProgressLine::isClearedBeforeLogEntries()
+{
+    const Terminal terminal;
+    const ReplacedErrors errors(terminal.inside());
+    ProgressLine line(0);
+    LogOutput log(OutputFormat::Table, &line);
+    line.show(text("1"));
+    log.add({LogEntry::Level::Error, text("a")});
+    log.add({LogEntry::Level::Error, text("a")});
+    line.show(text("2"));
+    log.add({LogEntry::Level::Error, text("b")});
+    QCOMPARE(terminal.shown(), QByteArray("\r1\x1b[K\r\x1b[Klog error: a\r\n"
+                                          "\r2\x1b[K\r\x1b[Klog error: a (x 2)\r\n"
+                                          "log error: b\r\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_ProgressLine)

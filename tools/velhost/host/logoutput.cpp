@@ -36,7 +36,7 @@ QString countedText(const CountedEntry &counted)
 void LogOutput::add(const LogEntry &entry)
 {
     if (m_format == OutputFormat::Json) {
-        print(stdout, logText(m_format, entry));
+        printEntry(stdout, logText(m_format, entry));
         return;
     }
     if (!m_latest.isEmpty() && isSame(m_latest.last().entry, entry)) {
@@ -50,14 +50,14 @@ void LogOutput::add(const LogEntry &entry)
         m_latest.removeFirst();
     m_printedCount = m_isPaused ? 0 : 1;
     if (!m_isPaused)
-        print(stderr, countedText(m_latest.last()));
+        printEntry(stderr, countedText(m_latest.last()));
 }
 
 void LogOutput::printPendingCount()
 {
     if (m_latest.isEmpty() || m_latest.last().count == m_printedCount)
         return;
-    print(stderr, countedText(m_latest.last()));
+    printEntry(stderr, countedText(m_latest.last()));
     m_printedCount = m_latest.last().count;
 }
 
@@ -74,6 +74,13 @@ void LogOutput::resume()
         return;
     m_isPaused = false;
     for (const CountedEntry &counted : std::as_const(m_latest))
-        print(stderr, countedText(counted));
+        printEntry(stderr, countedText(counted));
     m_printedCount = m_latest.isEmpty() ? 0 : m_latest.last().count;
+}
+
+void LogOutput::printEntry(FILE *stream, const QString &text) const
+{
+    if (m_progress != nullptr)
+        m_progress->clear();
+    print(stream, text);
 }

@@ -2,8 +2,11 @@
 
 #include "host/host.h"
 #include "host/outputformat.h"
+#include "host/progressline.h"
 
 #include <QList>
+
+#include <cstdio>
 
 /// One log entry as a line. In CSV it is the same as in a table.
 QString logText(OutputFormat format, const LogEntry &entry);
@@ -24,7 +27,11 @@ QString countedText(const CountedEntry &counted);
 class LogOutput
 {
 public:
-    explicit LogOutput(OutputFormat format) : m_format(format) {}
+    /// `progress` is cleared before an entry is printed; a null pointer when there is none.
+    explicit LogOutput(OutputFormat format, ProgressLine *progress = nullptr)
+        : m_format(format), m_progress(progress)
+    {
+    }
 
     /// Prints or counts a new entry.
     void add(const LogEntry &entry);
@@ -43,7 +50,10 @@ public:
     const QList<CountedEntry> &latest() const { return m_latest; }
 
 private:
+    void printEntry(FILE *stream, const QString &text) const;
+
     OutputFormat m_format;
+    ProgressLine *m_progress;
     bool m_isPaused = false;
     /// The count of the last of `m_latest` that was printed.
     qint64 m_printedCount = 0;

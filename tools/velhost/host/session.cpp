@@ -46,7 +46,7 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
         printError(errors);
         return NotLoaded;
     }
-    LogOutput log(setup.format);
+    LogOutput log(setup.format, setup.progress);
     const Host host(
         setup.plant, [&log](const LogEntry &entry) { log.add(entry); }, setup.redirection);
     const bool initDone = loaded->plugin->init();

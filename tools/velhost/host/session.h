@@ -26,6 +26,8 @@ struct SessionSetup
     QString plantFile;
     /// See Host.
     Redirection redirection = {};
+    /// See LogOutput.
+    ProgressLine *progress = nullptr;
 };
 
 /// A plug-in between its init() and its stopPlugin(), and its host.

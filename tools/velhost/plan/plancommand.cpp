@@ -2,6 +2,7 @@
 
 #include "cli/plantarguments.h"
 #include "cycle/cycle.h"
+#include "host/progressline.h"
 #include "plan/plan.h"
 #include "plan/recorder.h"
 #include "plan/redirection.h"
@@ -13,6 +14,8 @@ namespace {
 
 constexpr int maximumRttMs = 60 * 1000;
 constexpr int defaultRttMs = 1;
+// A plan that is ready sooner shows no progress.
+constexpr int quietMs = 500;
 const QString rttOption = QStringLiteral("rtt");
 const QString writeOption = QStringLiteral("write");
 
@@ -39,38 +42,71 @@ DeviceBudget budgetOf(const DeviceInstancePlugin &device, const QString &error)
     return {device.name, 0, isKnown ? std::optional(timeout) : std::nullopt, error};
 }
 
-Plan makePlan(const Session &session, const QList<Assignment> &assignments, Recorder *recorder)
+/// The plug-in, what it is asked for, and the plan so far.
+struct Planning
 {
-    VELInterface *const plugin = session.loaded.plugin;
-    Plan plan;
-    for (const DeviceInstancePlugin &device : session.devices) {
-        DeviceBudget budget = budgetOf(device, refusal(plugin, device, recorder->port()));
-        const DeviceInstancePlugin target = redirected(device, recorder->port());
-        for (int i = 0; i < device.items.size(); ++i) {
-            PlannedItem item{device.name, device.items.at(i).name, false, {}, budget.error};
-            if (budget.error.isEmpty()) {
-                item.error = readItem(plugin, target, i).error;
-                item.lines = recorder->takeLines();
-            }
-            budget.exchanges += item.lines.size();
-            plan.items.append(item);
+    const Session &session;
+    Recorder *recorder = nullptr;
+    ProgressLine *progress = nullptr;
+    /// How many items the plan will have.
+    int total = 0;
+    Plan plan = {};
+};
+
+void addItem(const PlannedItem &item, Planning *planning)
+{
+    QList<PlannedItem> &items = planning->plan.items;
+    items.append(item);
+    if (planning->progress->isDue())
+        planning->progress->show(
+            QStringLiteral("planned %1 of %2 items").arg(items.size()).arg(planning->total));
+}
+
+void addReads(const DeviceInstancePlugin &device, Planning *planning)
+{
+    VELInterface *const plugin = planning->session.loaded.plugin;
+    const quint16 port = planning->recorder->port();
+    DeviceBudget budget = budgetOf(device, refusal(plugin, device, port));
+    const DeviceInstancePlugin target = redirected(device, port);
+    for (int i = 0; i < device.items.size(); ++i) {
+        PlannedItem item{device.name, device.items.at(i).name, false, {}, budget.error};
+        if (budget.error.isEmpty()) {
+            item.error = readItem(plugin, target, i).error;
+            item.lines = planning->recorder->takeLines();
         }
-        plan.budgets.append(budget);
+        budget.exchanges += item.lines.size();
+        addItem(item, planning);
     }
-    for (const Assignment &assignment : assignments) {
-        const DeviceInstancePlugin &device = session.devices.at(assignment.device);
-        PlannedItem item{device.name,
-                         device.items.at(assignment.item).name,
-                         true,
-                         {},
-                         plan.budgets.at(assignment.device).error};
-        if (item.error.isEmpty()) {
-            item.error = writeError(session, redirected(device, recorder->port()), assignment);
-            item.lines = recorder->takeLines();
-        }
-        plan.items.append(item);
+    planning->plan.budgets.append(budget);
+}
+
+void addWrite(const Assignment &assignment, Planning *planning)
+{
+    const DeviceInstancePlugin &device = planning->session.devices.at(assignment.device);
+    const QString itemName = device.items.at(assignment.item).name;
+    PlannedItem item{
+        device.name, itemName, true, {}, planning->plan.budgets.at(assignment.device).error};
+    if (item.error.isEmpty()) {
+        item.error = writeError(planning->session, redirected(device, planning->recorder->port()),
+                                assignment);
+        item.lines = planning->recorder->takeLines();
     }
-    return plan;
+    addItem(item, planning);
+}
+
+Plan makePlan(const Session &session, const QList<Assignment> &assignments, Recorder *recorder,
+              ProgressLine *progress)
+{
+    int total = assignments.size();
+    for (const DeviceInstancePlugin &device : session.devices)
+        total += device.items.size();
+    Planning planning{session, recorder, progress, total};
+    for (const DeviceInstancePlugin &device : session.devices)
+        addReads(device, &planning);
+    for (const Assignment &assignment : assignments)
+        addWrite(assignment, &planning);
+    progress->clear();
+    return planning.plan;
 }
 
 bool hasError(const Plan &plan)
@@ -97,12 +133,14 @@ ExitCode runPlan(const Arguments &arguments)
         printError(QStringLiteral("plan cannot listen on 127.0.0.1"));
         return ErrorFound;
     }
+    ProgressLine progress(quietMs);
     SessionSetup setup = sessionSetup(arguments, *plant);
+    setup.progress = &progress;
     setup.redirection = [port = recorder.port()](const DeviceInstancePlugin &device) {
         return redirected(device, port);
     };
     return runSession(setup, [&](const Session &session) {
-        const Plan plan = makePlan(session, *assignments, &recorder);
+        const Plan plan = makePlan(session, *assignments, &recorder, &progress);
         print(stdout, planText(arguments.format, plan, arguments.number(rttOption, defaultRttMs)));
         return hasError(plan) ? ErrorFound : AllWell;
     });
