@@ -16,7 +16,8 @@ namespace {
 QString plantFileError(const Arguments &arguments)
 {
     const QFileInfo file(arguments.plantFile);
-    if (arguments.plantFile.isEmpty() || searchOptions(arguments).isForced || !file.exists())
+    const bool isForced = arguments.has(QStringLiteral("force"));
+    if (arguments.plantFile.isEmpty() || isForced || !file.exists())
         return {};
     return arguments.plantFile + u": is already there; add --force to replace it";
 }
