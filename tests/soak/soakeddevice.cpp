@@ -149,7 +149,8 @@ void SoakedDevice::noteConnection()
 
 void SoakedDevice::endFault(Tally *tally)
 {
-    for (const FaultCount &count : m_simulator.faultCounts())
+    const QVector<FaultCount> counts = m_simulator.faultCounts();
+    for (const FaultCount &count : counts)
         tally->applied[count.text.left(count.text.indexOf('@'))] += count.applied;
     m_simulator.clearFaults();
     if (m_fault->harm != Harm::Stream)
