@@ -2,9 +2,22 @@
 
 #include <network/server.h>
 
+#include <QMutexLocker>
+
+#include <utility>
+
+void SimulatorErrands::waitForResume()
+{
+    paused.release();
+    resumed.acquire();
+}
+
 SimulatorThread::SimulatorThread(const QHostAddress &address, quint16 port, QObject *parent)
     : QThread(parent), m_address(address), m_port(port)
 {
+    m_controller.answered
+        = [this](const QByteArray &, const Line &line, const Reply &) { recordCommand(line); };
+    m_errands.moveToThread(this);
     start();
     m_started.acquire();
 }
@@ -38,6 +51,37 @@ void SimulatorThread::clearFaults()
 QVector<FaultCount> SimulatorThread::faultCounts() const
 {
     return m_controller.faults.counts();
+}
+
+void SimulatorThread::recordCommand(const Line &line)
+{
+    const QMutexLocker locker(&m_commandsMutex);
+    m_commands.append(line.text);
+}
+
+QByteArrayList SimulatorThread::takeCommands()
+{
+    const QMutexLocker locker(&m_commandsMutex);
+    return std::exchange(m_commands, {});
+}
+
+// What was ready when the first round began is seen in the second one, and what that leaves to be
+// done is done before the third one ends.
+void SimulatorThread::settle()
+{
+    for (int round = 0; round < 3; ++round)
+        QMetaObject::invokeMethod(&m_errands, "doNothing", Qt::BlockingQueuedConnection);
+}
+
+void SimulatorThread::pause()
+{
+    QMetaObject::invokeMethod(&m_errands, "waitForResume", Qt::QueuedConnection);
+    m_errands.paused.acquire();
+}
+
+void SimulatorThread::resume()
+{
+    m_errands.resumed.release();
 }
 
 void SimulatorThread::run()

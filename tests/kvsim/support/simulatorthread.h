@@ -2,10 +2,25 @@
 
 #include <controller/controller.h>
 
+#include <QByteArrayList>
 #include <QHostAddress>
+#include <QMutex>
 #include <QSemaphore>
 #include <QString>
 #include <QThread>
+
+/// What the simulator's thread does on request: it lives there.
+class SimulatorErrands final : public QObject
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE void doNothing() {}
+    Q_INVOKABLE void waitForResume();
+
+    QSemaphore paused;
+    QSemaphore resumed;
+};
 
 /// A simulated controller that runs in a thread of its own, for tests whose own thread blocks. It
 /// listens when the constructor returns; it is gone, with its connections, when the destructor
@@ -52,12 +67,30 @@ public:
     /// What all clients together have done. May be called from any thread at any time.
     const Counters &counters() const { return m_controller.counters; }
 
+    /// The commands since the last call, without their line ends, in the order in which they were
+    /// answered. May be called from any thread at any time.
+    QByteArrayList takeCommands();
+
+    /// Returns when all that has reached the simulator is dealt with, new clients too, and what
+    /// that sends at once is sent. Call it from another thread than the simulator's.
+    void settle();
+
+    /// The simulator does nothing until resume(), as if its processor was busy elsewhere. Call both
+    /// from another thread than the simulator's.
+    void pause();
+    void resume();
+
 protected:
     void run() override;
 
 private:
+    void recordCommand(const Line &line);
+
     QHostAddress m_address;
     Controller m_controller;
+    QMutex m_commandsMutex;
+    QByteArrayList m_commands;
+    SimulatorErrands m_errands;
     /// Released when `m_port` and `m_errorString` are set.
     QSemaphore m_started;
     quint16 m_port;
