@@ -20,7 +20,7 @@ constexpr std::chrono::seconds timeout{10};
 
 ScriptedPeer::ScriptedPeer(QList<Answer> script) : m_script(std::move(script))
 {
-    m_listener = listenOnLoopback(16, &m_port);
+    m_listener = listenOnLoopback(SOMAXCONN, &m_port);
     m_wake = ::eventfd(0, EFD_CLOEXEC);
     if (m_wake < 0)
         qFatal("the scripted peer cannot be started");
