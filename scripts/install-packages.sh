@@ -7,7 +7,7 @@ packages_for() {
     case $1 in
     programs) echo g++ cmake ninja-build qtbase5-dev ;;
     build) packages_for programs && echo help2man ;;
-    test) packages_for build && echo bash-completion groff-base libbenchmark-dev libmodbus-dev libqt5serialbus5-dev python3-jinja2 python3-jsonschema python3-pyelftools ;;
+    test) packages_for build && echo bash-completion groff-base libbenchmark-dev libmodbus-dev libqt5serialbus5-dev locales python3-jinja2 python3-jsonschema python3-pyelftools ;;
     documents) packages_for test && echo iproute2 iputils-ping python3 ;;
     bench) packages_for test && echo gnuplot-nox ;;
     coverage) packages_for test && echo gcovr ;;
