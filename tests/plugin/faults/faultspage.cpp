@@ -4,24 +4,26 @@
 
 namespace {
 
-// Every text that ends an error, and what the page calls it.
+// How an error ends, and what the page calls it.
+struct ErrorName
+{
+    const char *end;
+    const char *shown;
+};
+
+constexpr std::array<ErrorName, 7> errorNames{{
+    {"(2000ms)", "time-out"},
+    {"No data received - Success", "closed"},
+    {"No data received - Connection reset by peer", "reset"},
+    {":Connection reset by peer", "reset at sending"},
+    {":Broken pipe", "broken pipe"},
+    {":Bad file descriptor", "bad descriptor"},
+    {":invalid address", "refused"},
+}};
+
 QString shortError(const QString &error)
 {
-    struct Name
-    {
-        const char *end;
-        const char *shown;
-    };
-    static constexpr std::array<Name, 7> names{{
-        {"(20ms)", "time-out"},
-        {"No data received - Success", "closed"},
-        {"No data received - Connection reset by peer", "reset"},
-        {":Connection reset by peer", "reset at sending"},
-        {":Broken pipe", "broken pipe"},
-        {":Bad file descriptor", "bad descriptor"},
-        {":invalid address", "refused"},
-    }};
-    for (const Name &name : names) {
+    for (const ErrorName &name : errorNames) {
         if (error.endsWith(QLatin1String(name.end)))
             return QString::fromLatin1(name.shown);
     }
@@ -30,7 +32,7 @@ QString shortError(const QString &error)
 
 FaultCourse course(const FaultEffect &effect, FaultMoment moment, bool isWrite)
 {
-    return courseOf(effect, moment, isWrite, 20);
+    return courseOf(effect, moment, isWrite, 2000);
 }
 
 QString goodAgain(const FaultEffect &effect, FaultMoment moment, bool isWrite)
@@ -108,6 +110,28 @@ QStringList readTable()
     return table;
 }
 
+// The errors of Second.
+QStringList errorTable()
+{
+    QMap<QString, QString> errors;
+    for (const FaultEffect &effect : faultEffects()) {
+        for (const FaultMoment moment : {FaultMoment::FirstItem, FaultMoment::MiddleItem}) {
+            if (!whyNot(effect, moment, false).isEmpty())
+                continue;
+            const QString error = course(effect, moment, false).struck.errors.at(1);
+            errors.insert(shortError(error), error);
+        }
+    }
+    QStringList table = tableOf({QStringLiteral("In the tables"), QStringLiteral("Is the error")});
+    for (const ErrorName &name : errorNames) {
+        const QString shown = QString::fromLatin1(name.shown);
+        QString error = errors.value(shown);
+        error.replace(QLatin1Char('\r'), QStringLiteral("\\r"));
+        table.append(row({shown, QLatin1Char('`') + error + QLatin1Char('`')}));
+    }
+    return table;
+}
+
 QStringList writeTable()
 {
     QStringList table
@@ -159,5 +183,5 @@ QStringList connectTable()
 
 QList<QStringList> faultTables()
 {
-    return {readTable(), writeTable(), connectTable()};
+    return {readTable(), errorTable(), writeTable(), connectTable()};
 }
