@@ -3,13 +3,14 @@
 #include "simulatorthread.h"
 #include "text.h"
 
-#include <network/server.h>
 #include <vel/velinterface.h>
 
 #include <QPluginLoader>
 #include <QTest>
 
-// The results of the built plug-in for every fault of the simulator.
+// The results of the built plug-in for every fault of the simulator that strikes a read, with
+// nothing in between that orders what both ends do. tst_faultmatrix has every moment of a cycle,
+// and the rest.
 class tst_FaultyController : public QObject
 {
     Q_OBJECT
@@ -17,10 +18,6 @@ class tst_FaultyController : public QObject
 private Q_SLOTS:
     void read_data();
     void read();
-    void turnedAway_data();
-    void turnedAway();
-    void writeIsExecutedOrNot_data();
-    void writeIsExecutedOrNot();
     void restart();
 };
 
@@ -127,74 +124,6 @@ void tst_FaultyController::read()
     QCOMPARE(plant.value(1), value);
     QCOMPARE(plant.error(1), error);
     QCOMPARE(simulator.faultCounts().constFirst().seen, quint64(1));
-    QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(1));
-}
-
-void tst_FaultyController::turnedAway_data()
-{
-    QTest::addColumn<QByteArray>("fault");
-    QTest::addColumn<QString>("error");
-
-    const QString reset = text("[RD D7\r ] socket write data error from <First> :Connection reset "
-                               "by peer");
-    QTest::newRow("refuse-connect") << QByteArray("refuse-connect") << reset;
-    QTest::newRow("max-clients") << QByteArray("max-clients=0") << reset;
-    QTest::newRow("accept-then-silent") << QByteArray("accept-then-silent")
-                                        << text("[RD D7\r ] socket read data error from <First> "
-                                                ":Timeout reading (1000ms)");
-}
-
-// The server runs in this thread. The system connects the plug-in before the server accepts, and
-// the reset arrives before the plug-in sends.
-void tst_FaultyController::turnedAway()
-{
-    QFETCH(QByteArray, fault);
-    QFETCH(QString, error);
-
-    Controller controller;
-    Server server(&controller);
-    QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
-    QCOMPARE(controller.faults.add(fault), QString());
-    Plant plant(server.port());
-    QVERIFY2(plant.plugin, qPrintable(plant.loader.errorString()));
-    QVERIFY(plant.plugin->init());
-    const auto applied = [&] { return controller.faults.counts().constFirst().applied > 0; };
-    QVERIFY(QTest::qWaitFor(applied));
-    QVERIFY(plant.plugin->readData(&plant.list));
-    QCOMPARE(plant.host.errorLog.value(0), error);
-    QCOMPARE(plant.value(0), text("old"));
-    QCOMPARE(plant.value(1), text("old"));
-}
-
-void tst_FaultyController::writeIsExecutedOrNot_data()
-{
-    QTest::addColumn<QByteArray>("fault");
-    QTest::addColumn<QString>("error");
-    QTest::addColumn<int>("word");
-
-    const QString noAnswer = text("[WR D100 0005\r ] socket read data error from <Second> "
-                                  ":Timeout reading (1000ms)");
-    const QString refused = text("[WR D100 0005\r] <Second> :invalid address");
-    QTest::newRow("no answer, yet executed") << QByteArray("silent@DM100") << noAnswer << 5;
-    QTest::newRow("refused, not executed") << QByteArray("refuse=E4@DM100") << refused << 100;
-}
-
-void tst_FaultyController::writeIsExecutedOrNot()
-{
-    QFETCH(QByteArray, fault);
-    QFETCH(QString, error);
-    QFETCH(int, word);
-
-    SimulatorThread simulator;
-    QCOMPARE(simulator.addFault(fault), QString());
-    Plant plant(simulator.port());
-    QVERIFY2(plant.plugin, qPrintable(plant.loader.errorString()));
-    QVERIFY(plant.plugin->init());
-    plant.list.dataItems[0].values[text("value")] = text("1");
-    plant.list.dataItems[1].values[text("value")] = text("5");
-    QVERIFY(plant.plugin->writeData(&plant.list));
-    QCOMPARE(plant.host.errorLog, QStringList{error});
-    QCOMPARE(simulator.word("DM100"), word);
     QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(1));
 }
 
