@@ -1,4 +1,4 @@
-#include "../faults/faulttable.h"
+#include "faults/faulttable.h"
 #include "fullqueue.h"
 #include "programrun.h"
 #include "scriptedpeer.h"
