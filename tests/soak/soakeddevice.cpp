@@ -96,6 +96,8 @@ void SoakedDevice::runCycle(VELInterface *plugin, RecordingBackend *host, bool s
     m_allGood = true;
     read(plugin, host, tally);
     write(plugin, host, tally);
+    // Otherwise the simulator keeps them all.
+    m_simulator.takeCommands();
     if (m_struck) {
         endFault(tally);
     } else if (m_recovery >= 0) {
