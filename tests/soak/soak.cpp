@@ -24,7 +24,7 @@ namespace {
 
 constexpr int deviceCount = 4;
 // What the allocator and the tables of the soak itself may take more.
-constexpr qint64 heapTolerance = 65536;
+constexpr qint64 heapTolerance = 131072;
 constexpr qint64 residentTolerance = 1048576;
 // So many exchanges that every kind of fault strikes.
 constexpr quint64 allKindsStrike = 50000;
