@@ -10,6 +10,7 @@ packages_for() {
     test) packages_for build && echo bash-completion groff-base libbenchmark-dev libmodbus-dev libqt5serialbus5-dev locales python3-jinja2 python3-jsonschema python3-pyelftools ;;
     documents) packages_for test && echo iproute2 iputils-ping python3 ;;
     bench) packages_for test && echo gnuplot-nox ;;
+    memcheck) packages_for test && echo valgrind ;;
     coverage) packages_for test && echo gcovr ;;
     lint) packages_for test && echo clang-format clang-tidy clazy git ;;
     cross-compiler) echo g++-arm-linux-gnueabihf ;;
