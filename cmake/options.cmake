@@ -32,6 +32,10 @@ option(KEYENCE_WERROR "Treat compiler warnings in our own code as errors." OFF)
 option(KEYENCE_SANITIZE
     "Build with AddressSanitizer and UndefinedBehaviorSanitizer; the first finding ends the program." OFF)
 
+cmake_dependent_option(KEYENCE_FUZZ
+    "Make programs of libFuzzer of the fuzz targets; the target fuzz-targets builds them. Needs clang." OFF
+    "KEYENCE_BUILD_TOOLS;KEYENCE_SANITIZE" OFF)
+
 option(KEYENCE_COVERAGE "Build with line coverage counters (g++ and gcovr)." OFF)
 
 option(KEYENCE_REPRODUCIBLE

@@ -35,6 +35,6 @@ echo "clazy"
 checks=level0,level1,level2,qt-keywords
 checks=$checks,no-function-args-by-ref,no-non-pod-global-static,no-ctor-missing-parent-argument
 on_each "$sources" clazy-standalone -p build/dev --checks=$checks \
-    --header-filter='.*/(vel|src|tools|tests)/.*\.h$'
+    --header-filter='.*/(vel|src|tools|tests|fuzz)/.*\.h$'
 
 echo "no findings"
