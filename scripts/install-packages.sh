@@ -13,6 +13,7 @@ packages_for() {
     memcheck) packages_for test && echo valgrind ;;
     coverage) packages_for test && echo gcovr ;;
     lint) packages_for test && echo clang-format clang-tidy clazy git ;;
+    fuzz) packages_for programs && echo clang libclang-rt-dev llvm ;;
     cross-compiler) echo g++-arm-linux-gnueabihf ;;
     emulator) echo qemu-user ;;
     package) packages_for build && echo dpkg-dev git python3-pyelftools ;;

@@ -1,0 +1,113 @@
+// The simulator's control port, line by line. A line that begins with '>' is a client's command to
+// the first controller instead, and one that begins with '<' a new client, with as many connected
+// as bytes follow.
+
+#include "input.h"
+#include "require.h"
+
+#include <control/control.h>
+#include <files/memoryobject.h>
+
+#include <QList>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int mostLines = 40;
+
+// All that a control command could change.
+QByteArray stateOf(const NamedControllers &controllers)
+{
+    QByteArray state = countersText(controllers);
+    for (const NamedController &named : controllers)
+        state += memoryText(named.controller->memory.stored(), {}) + '\n';
+    return state;
+}
+
+void checkTakenFault(const QByteArray &fault, const NamedControllers &controllers)
+{
+    require(std::any_of(controllers.begin(), controllers.end(),
+                        [&](const NamedController &named) {
+                            const QVector<FaultCount> counts = named.controller->faults.counts();
+                            return !counts.isEmpty() && counts.constLast().text == fault
+                                   && counts.constLast().seen == 0;
+                        }),
+            "a fault that was taken is the last one in force");
+}
+
+void checkDone(const QByteArray &line, const ControlTarget &target)
+{
+    QList<QByteArray> fields = line.simplified().split(' ');
+    const bool isOne = fields.constFirst().startsWith('@');
+    const QByteArray name = isOne ? fields.takeFirst() + ' ' : QByteArray();
+    if (fields.constFirst() == "fault")
+        checkTakenFault(fields.at(1), target.controllers);
+    if (fields.constFirst() != "set")
+        return;
+    const QByteArray value = QByteArray::number(fields.at(2).toUInt());
+    const QByteArray both = isOne ? value : value + ' ' + value;
+    requireSame(answerControl(name + "get " + fields.at(1), target).text, QByteArray(both + '\n'),
+                "a value reads back as it was set");
+}
+
+void checkControl(const QByteArray &line, const ControlTarget &target)
+{
+    const QByteArray before = stateOf(target.controllers);
+    const ControlAnswer answer = answerControl(line, target);
+    const QByteArray &text = answer.text;
+    const bool isCounters = text.startsWith("c");
+    require(text.endsWith(isCounters ? "\n\n" : "\n"), "an answer has its end");
+    require(isCounters || text.count('\n') == 1, "an answer is one line");
+    if (text == "ok\n")
+        checkDone(line, target);
+    else
+        requireSame(stateOf(target.controllers), before, "only what is ok changes anything");
+    require(!answer.quit || text == "ok\n", "the end of the program is ok");
+}
+
+void checkReply(const QByteArray &command, Controller *controller, QByteArray *previous)
+{
+    constexpr int mostBytes = 1024 * 1024 + 16;
+    constexpr int longestTime = 2 * 600000;
+    const quint64 commands = controller->counters.commands;
+    const Reply reply = replyTo({command}, controller, previous);
+    requireSame<quint64>(controller->counters.commands, commands + 1, "a command is counted");
+    require(reply.bytes().size() <= mostBytes + 2 * reply.answer.size(), "a reply has an end");
+    for (const Action &action : reply.actions) {
+        require(action.milliseconds >= 0 && action.milliseconds <= longestTime,
+                "an action waits a time that a fault can state");
+        require((action.kind == Action::Kind::Send) != action.bytes.isEmpty(),
+                "what is sent has bytes");
+    }
+}
+
+void checkCounts(const Controller &controller)
+{
+    const QVector<FaultCount> counts = controller.faults.counts();
+    require(counts.size() <= FaultEngine::maximumFaults, "no more faults than allowed");
+    for (const FaultCount &count : counts)
+        require(count.applied <= count.seen, "a fault strikes what it has seen");
+}
+
+} // namespace
+
+void check(Input input)
+{
+    Controller press;
+    Controller oven(Profile{"53", {{*parseAddress("DM1000"), 100}}, {{*parseAddress("EM0"), 9}}});
+    const ControlTarget target{
+        {{"press", "127.0.0.1:8501", &press}, {"oven", "127.0.0.2:8501", &oven}},
+        [] { return QString(); }};
+    QByteArray previous;
+    const QList<QByteArray> lines = input.rest().split('\n').mid(0, mostLines);
+    for (const QByteArray &line : lines) {
+        if (line.startsWith('>'))
+            checkReply(line.mid(1), &press, &previous);
+        else if (line.startsWith('<'))
+            press.faults.welcome(line.size() - 1);
+        else
+            checkControl(line, target);
+        checkCounts(press);
+    }
+}
