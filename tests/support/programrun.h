@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
+
+#include <csignal>
 
 /// The result of running a program.
 struct ProgramRun
@@ -39,6 +42,18 @@ inline ProgramRun runProgram(const QString &program, const QStringList &argument
     const bool ended = process.exitStatus() == QProcess::NormalExit;
     return {ended ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
+}
+
+/// Presses Ctrl+C until the program has ended, ten seconds at most. Returns how often.
+inline int interruptUntilEnd(QProcess *process)
+{
+    const QDeadlineTimer deadline(10000);
+    int presses = 0;
+    do {
+        ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+        ++presses;
+    } while (!process->waitForFinished(10) && !deadline.hasExpired());
+    return presses;
 }
 
 /// Replaces every time by "T", except those of 2024, which come from a plant file.

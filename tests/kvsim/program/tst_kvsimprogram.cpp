@@ -1,14 +1,21 @@
 #include "programrun.h"
+#include "testfolder.h"
 #include "textclient.h"
 
+#include <QFile>
 #include <QHostAddress>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
 #include <QTest>
 
+#include <cerrno>
 #include <csignal>
 #include <list>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 // The built program, started as a user starts it.
 class tst_KvsimProgram : public QObject
@@ -18,6 +25,8 @@ class tst_KvsimProgram : public QObject
 private Q_SLOTS:
     void servesAndEndsOnSignal_data();
     void servesAndEndsOnSignal();
+    void secondInterrupt();
+    void startedByNohup();
     void trace();
     void noTraceUnlessAsked();
     void faultsAndValues();
@@ -76,6 +85,7 @@ void tst_KvsimProgram::servesAndEndsOnSignal_data()
 
     QTest::newRow("SIGINT") << SIGINT;
     QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
 }
 
 void tst_KvsimProgram::servesAndEndsOnSignal()
@@ -95,6 +105,41 @@ void tst_KvsimProgram::servesAndEndsOnSignal()
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
     QCOMPARE(process.readAllStandardError(),
              QByteArray("commands 1, answers 1, refusals 0, clients 1\n"));
+}
+
+// Nobody takes the counters that the simulator prints at its orderly end.
+void tst_KvsimProgram::secondInterrupt()
+{
+    const TestFolder folder;
+    const QByteArray errors = QFile::encodeName(folder.path(QStringLiteral("errors")));
+    QCOMPARE(::mkfifo(errors.constData(), 0600), 0);
+    const int reader = ::open(errors.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    const QByteArray filling(4096, 'x');
+    while (::write(reader, filling.constData(), static_cast<std::size_t>(filling.size())) > 0) {
+    }
+    QCOMPARE(errno, EAGAIN);
+    QProcess process;
+    process.setStandardErrorFile(QFile::decodeName(errors));
+    QVERIFY(startServing(&process) != 0);
+    const int presses = interruptUntilEnd(&process);
+    QVERIFY2(presses > 1, QByteArray::number(presses).constData());
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(process.exitCode(), SIGINT);
+    ::close(reader);
+}
+
+// A SIGHUP that is not ignored ends the program before the second answer.
+void tst_KvsimProgram::startedByNohup()
+{
+    QProcess process;
+    process.start(
+        QStringLiteral("/bin/sh"),
+        {QStringLiteral("-c"), QStringLiteral("trap '' HUP; exec \"$0\" --port 0"), program});
+    TextClient client(listeningPort(&process));
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGHUP), 0);
+    QCOMPARE(client.ask("?K\r"), QByteArray("55\r\n"));
+    QCOMPARE(client.ask("?K\r"), QByteArray("55\r\n"));
+    end(&process);
 }
 
 void tst_KvsimProgram::trace()

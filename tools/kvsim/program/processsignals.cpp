@@ -1,18 +1,49 @@
 #include "program/processsignals.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QSocketNotifier>
 
 #include <csignal>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+namespace {
+
+// timeout(1) sends its signal twice, to the program and to its group.
+constexpr int togetherMs = 300;
+
+QElapsedTimer sinceInterrupt;
+
+/// The first SIGINT counts as SIGTERM. The second one ends the program even while it writes to a
+/// pipe or a file that takes nothing.
+void interrupt(int signal)
+{
+    if (!sinceInterrupt.isValid()) {
+        sinceInterrupt.start();
+        ::kill(::getpid(), SIGTERM);
+    } else if (sinceInterrupt.hasExpired(togetherMs)) {
+        std::signal(signal, SIG_DFL);
+        ::raise(signal);
+    }
+}
+
+} // namespace
+
 bool handleSignals(QCoreApplication *application, const std::function<void()> &report)
 {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int signal : {SIGINT, SIGTERM, SIGUSR1})
+    for (const int signal : {SIGTERM, SIGUSR1})
         sigaddset(&signals, signal);
+    struct sigaction hangUp = {};
+    sigaction(SIGHUP, nullptr, &hangUp);
+    if (hangUp.sa_handler != SIG_IGN)
+        sigaddset(&signals, SIGHUP);
+    struct sigaction action = {};
+    action.sa_handler = interrupt;
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
     if (sigprocmask(SIG_BLOCK, &signals, nullptr) != 0)
         return false;
 
