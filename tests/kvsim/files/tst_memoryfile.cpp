@@ -5,7 +5,11 @@
 #include "textclient.h"
 
 #include <QDir>
+#include <QHostAddress>
+#include <QTcpServer>
 #include <QTest>
+
+#include <csignal>
 
 // Memory that is kept over a restart of the program.
 class tst_MemoryFile : public QObject
@@ -19,6 +23,11 @@ private Q_SLOTS:
     void everythingOfADevice();
     void dumpOnCommand();
     void filesThatCannotBeWritten();
+    void triedAtTheStart_data();
+    void triedAtTheStart();
+    void killed();
+    void signalEnds_data();
+    void signalEnds();
     void faults_data();
     void faults();
 };
@@ -146,11 +155,14 @@ void tst_MemoryFile::dumpOnCommand()
     QCOMPARE(folder.read(text("memory.json")), one("\n    \"DM7\": [70, 80]\n  "));
 }
 
+// The folder is gone when the file is to be written.
 void tst_MemoryFile::filesThatCannotBeWritten()
 {
     const TestFolder folder;
-    const QString file = folder.path(text("none/memory.json"));
+    QVERIFY(QDir(folder.path({})).mkdir(text("gone")));
+    const QString file = folder.path(text("gone/memory.json"));
     KvsimProcess simulator(started({text("--dump"), file, text("--control"), text("0")}), 2);
+    QVERIFY(QDir(folder.path({})).rmdir(text("gone")));
     const QByteArray error = file.toUtf8() + ": cannot be written: No such file or directory\n";
     QCOMPARE(TextClient(simulator.port(1)).ask("dump\n"), QByteArray("error " + error));
     simulator.process()->terminate();
@@ -158,6 +170,73 @@ void tst_MemoryFile::filesThatCannotBeWritten()
     QCOMPARE(simulator.process()->exitCode(), 1);
     QCOMPARE(simulator.errors(),
              QByteArray("commands 0, answers 0, refusals 0, clients 0\nkvsim: " + error));
+}
+
+void tst_MemoryFile::triedAtTheStart_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("error");
+
+    QTest::newRow("no such folder")
+        << text("none/memory.json") << text("No such file or directory");
+    QTest::newRow("a folder") << text(".") << text("Filename refers to a directory");
+}
+
+// The port is taken: the program ends before it listens.
+void tst_MemoryFile::triedAtTheStart()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, error);
+
+    QTcpServer owner;
+    QVERIFY(owner.listen(QHostAddress(QHostAddress::LocalHost), 0));
+    const TestFolder folder;
+    const ProgramRun result
+        = runProgram(text(KVSIM_PROGRAM),
+                     {text("--port"), QString::number(owner.serverPort()), text("--dump"), file},
+                     folder.path({}));
+    QCOMPARE(result.errors, text("kvsim: %1: cannot be written: %2\n").arg(file, error));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, 2);
+}
+
+// The attempt leaves no trace, even if the program never comes to its end.
+void tst_MemoryFile::killed()
+{
+    const TestFolder folder;
+    const QString file = folder.write(text("memory.json"), "mine");
+    KvsimProcess simulator(started({text("--dump"), file}));
+    QVERIFY(simulator.port() != 0);
+    simulator.process()->kill();
+    QVERIFY(simulator.process()->waitForFinished(KvsimProcess::timeout));
+    QCOMPARE(folder.read(text("memory.json")), QByteArray("mine"));
+    QCOMPARE(QDir(folder.path({})).entryList(QDir::Files), QStringList(text("memory.json")));
+}
+
+void tst_MemoryFile::signalEnds_data()
+{
+    QTest::addColumn<QList<int>>("received");
+
+    QTest::newRow("SIGINT") << QList<int>{SIGINT};
+    QTest::newRow("SIGINT twice together") << QList<int>{SIGINT, SIGINT};
+    QTest::newRow("SIGHUP") << QList<int>{SIGHUP};
+    QTest::newRow("SIGHUP twice") << QList<int>{SIGHUP, SIGHUP};
+}
+
+void tst_MemoryFile::signalEnds()
+{
+    QFETCH(QList<int>, received);
+
+    const TestFolder folder;
+    const QString file = folder.path(text("memory.json"));
+    KvsimProcess simulator(started({text("--dump"), file, text("--set"), text("DM7=70")}));
+    QVERIFY(simulator.port() != 0);
+    for (const int signal : std::as_const(received))
+        QCOMPARE(::kill(static_cast<pid_t>(simulator.process()->processId()), signal), 0);
+    QVERIFY(simulator.process()->waitForFinished(KvsimProcess::timeout));
+    QCOMPARE(simulator.process()->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(simulator.process()->exitCode(), 0);
+    QCOMPARE(folder.read(text("memory.json")), one("\n    \"DM7\": 70\n  "));
 }
 
 void tst_MemoryFile::faults_data()

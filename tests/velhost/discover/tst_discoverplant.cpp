@@ -10,6 +10,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QScopedPointer>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -62,6 +64,7 @@ private Q_SLOTS:
     void nothingFound();
     void isThereAlready();
     void replaces();
+    void triedBeforeTheSearch();
     void cannotBeWritten();
 };
 
@@ -172,13 +175,34 @@ void tst_DiscoverPlant::replaces()
     QCOMPARE(onPlant({text("check")}).exitCode, 0);
 }
 
-// The controllers are printed even so.
-void tst_DiscoverPlant::cannotBeWritten()
+void tst_DiscoverPlant::triedBeforeTheSearch()
 {
     const SimulatorThread controller;
     QVERIFY(controller.isListening());
     const QString file = m_folder->filePath(text("none/plant.json"));
-    const QString port = QString::number(controller.port());
+    const ProgramRun run = runBesideLoop(
+        text(VELHOST_FILE),
+        searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), QString::number(controller.port()),
+                        shortSearch() + QStringList{text("--plant"), file}));
+    QCOMPARE(run.errors,
+             text("velhost: %1: cannot be written: No such file or directory\n").arg(file));
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(static_cast<int>(controller.counters().clients), 0);
+}
+
+// The folder goes during the search. The controllers are printed even so.
+void tst_DiscoverPlant::cannotBeWritten()
+{
+    QVERIFY(QDir(m_folder->path()).mkdir(text("gone")));
+    const QString file = m_folder->filePath(text("gone/plant.json"));
+    QTcpServer controller;
+    QVERIFY(controller.listen(QHostAddress(QHostAddress::LocalHost)));
+    connect(&controller, &QTcpServer::newConnection, this, [&] {
+        QVERIFY(QDir(m_folder->path()).rmdir(text("gone")));
+        controller.nextPendingConnection()->write("55\r\n");
+    });
+    const QString port = QString::number(controller.serverPort());
     const ProgramRun run = runBesideLoop(
         text(VELHOST_FILE), searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(), port,
                                             shortSearch() + QStringList{text("--plant"), file}));

@@ -3,8 +3,7 @@
 #include "files/memoryobject.h"
 
 #include <common/json/jsonfile.h>
-
-#include <QSaveFile>
+#include <common/outputfile.h>
 
 namespace {
 
@@ -85,9 +84,5 @@ QString saveMemory(const QString &fileName, const NamedControllers &controllers)
     QList<QByteArray> texts;
     for (const NamedController &named : controllers)
         texts.append(controllerText(named));
-    QSaveFile file(fileName);
-    const bool written = file.open(QIODevice::WriteOnly)
-                         && file.write("{\"controllers\": [\n" + texts.join(",\n") + "\n]}\n") >= 0
-                         && file.commit();
-    return written ? QString() : fileName + u": cannot be written: " + file.errorString();
+    return writeOutputFile(fileName, "{\"controllers\": [\n" + texts.join(",\n") + "\n]}\n");
 }

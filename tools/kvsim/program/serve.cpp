@@ -9,6 +9,8 @@
 #include "program/processsignals.h"
 #include "program/simulation.h"
 
+#include <common/outputfile.h>
+
 #include <QCoreApplication>
 #include <QDateTime>
 
@@ -156,6 +158,11 @@ ExitCode serve(const Options &options)
     if (!handleSignals(QCoreApplication::instance(), report)) {
         printError(u"cannot catch signals: " + qt_error_string(errno));
         return ErrorFound;
+    }
+    const QString dumpError = options.dump.isEmpty() ? QString() : outputFileError(options.dump);
+    if (!dumpError.isEmpty()) {
+        printError(dumpError);
+        return WrongUsage;
     }
     const ExitCode filled = fillControllers(options, simulation.controllers());
     return filled == AllWell ? run(options, &simulation, report) : filled;

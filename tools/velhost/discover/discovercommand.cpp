@@ -7,8 +7,9 @@
 #include "host/progressline.h"
 #include "host/stopsignals.h"
 
+#include <common/outputfile.h>
+
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace {
 
@@ -17,9 +18,11 @@ QString plantFileError(const Arguments &arguments)
 {
     const QFileInfo file(arguments.plantFile);
     const bool isForced = arguments.has(QStringLiteral("force"));
-    if (arguments.plantFile.isEmpty() || isForced || !file.exists())
+    if (arguments.plantFile.isEmpty())
         return {};
-    return arguments.plantFile + u": is already there; add --force to replace it";
+    if (file.exists() && !isForced)
+        return arguments.plantFile + u": is already there; add --force to replace it";
+    return outputFileError(arguments.plantFile);
 }
 
 /// Runs the search until its end or a signal, whose number is then in `signal`. On a terminal it
@@ -39,12 +42,8 @@ SearchResult searchAndShow(const SearchPlan &plan, int *signal)
 bool writePlant(const Arguments &arguments, const SearchArea &area, const Findings &findings)
 {
     QString error = plantFileError(arguments);
-    if (error.isEmpty()) {
-        const QByteArray json = plantJson(area, findings);
-        QSaveFile file(arguments.plantFile);
-        if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size() || !file.commit())
-            error = arguments.plantFile + u": cannot be written: " + file.errorString();
-    }
+    if (error.isEmpty())
+        error = writeOutputFile(arguments.plantFile, plantJson(area, findings));
     if (!error.isEmpty()) {
         printError(error);
         return false;
