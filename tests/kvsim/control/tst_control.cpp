@@ -19,6 +19,7 @@ private Q_SLOTS:
     void lines_data();
     void lines();
     void changesTheController();
+    void searchForControllers();
     void lineTooLong();
     void program();
     void quitEndsTheProgram();
@@ -116,6 +117,18 @@ void tst_Control::changesTheController()
                         "fault silent: seen 0, applied 0\n\n"));
     QCOMPARE(answer("clear", &controller), QByteArray("ok\n"));
     QCOMPARE(controller.faults.counts().size(), 0);
+}
+
+// Host Link has no line feed; what searches for controllers is not left without an answer.
+void tst_Control::searchForControllers()
+{
+    Simulator simulator;
+    TextClient client(simulator.control());
+    client.send("?K\r");
+    QCOMPARE(client.receiveToEnd(), QByteArray("error this is the control port of kvsim\n"));
+    QCOMPARE(TextClient(simulator.control()).ask("?K\r\n").left(6), QByteArray("error "));
+    QCOMPARE(TextClient(simulator.control()).ask("get DM7\n"), QByteArray("7\n"));
+    QVERIFY(simulator.terminate());
 }
 
 void tst_Control::lineTooLong()

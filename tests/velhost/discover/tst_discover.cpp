@@ -1,4 +1,5 @@
 #include "discoverrun.h"
+#include "kvsimprocess.h"
 #include "scriptedpeer.h"
 #include "simulatorthread.h"
 #include "udppeer.h"
@@ -19,6 +20,8 @@ private Q_SLOTS:
     void tcpAnswers();
     void answerInPieces();
     void tcpAndUdp();
+    void udpAnswersTcpDoesNot();
+    void controlPort();
     void severalControllers();
     void nothingAnswers();
     void wideRange();
@@ -97,6 +100,38 @@ void tst_Discover::tcpAndUdp()
     QCOMPARE(run.output,
              tableHead + tableRow("127.0.0.1", controller.port(), "TCP, UDP", "KV-7500"));
     QCOMPARE(run.exitCode, 0);
+}
+
+// What answers as a controller by one protocol is no stranger by the other.
+void tst_Discover::udpAnswersTcpDoesNot()
+{
+    ScriptedPeer silent({{"", Answer::Close}});
+    const UdpPeer peer({"55\r\n"}, QHostAddress(QHostAddress::LocalHost),
+                       static_cast<quint16>(silent.port()));
+    const QString port = QString::number(silent.port());
+    QCOMPARE(QString::number(peer.port()), port);
+    const ProgramRun run = discover(port, port);
+    QCOMPARE(silent.finish(), QByteArray("?K\r"));
+    QCOMPARE(run.errors, searchMessage(14, 14));
+    QCOMPARE(run.output, tableHead + tableRow("127.0.0.1", silent.port(), "UDP", "KV-7500"));
+    QCOMPARE(run.exitCode, 0);
+}
+
+// The simulator's own control port is neither a controller nor a stranger.
+void tst_Discover::controlPort()
+{
+    KvsimProcess simulator({text("--port"), text("0"), text("--control"), text("0")}, 2);
+    QVERIFY(simulator.port() != 0 && simulator.port(1) != 0);
+    const ProgramRun run
+        = runBesideLoop(text(VELHOST_FILE),
+                        searchArguments(KEYENCE_PLUGIN_FILE, m_nobody.udp(),
+                                        text("%1,%2").arg(simulator.port()).arg(simulator.port(1)),
+                                        shortSearch(), {text("--subnet"), text("127.0.0.1")}));
+    QCOMPARE(run.errors, text("velhost: asking 1 addresses by UDP at 1 ports, then 1 by TCP at 2, "
+                              "for at most 1600 ms\n"));
+    QCOMPARE(run.output, tableHead + tableRow("127.0.0.1", simulator.port(), "TCP", "KV-7500"));
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY(simulator.terminate());
 }
 
 // Sorted by number, not by text.

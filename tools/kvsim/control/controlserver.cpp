@@ -43,6 +43,12 @@ void ControlServer::serve(QTcpSocket *socket)
             return;
         }
     }
+    // A search for controllers, which would wait in vain: Host Link has no line feed.
+    if (socket->peek(4) == "?K\r") {
+        socket->write("error this is the control port of kvsim\n");
+        socket->disconnectFromHost();
+        return;
+    }
     if (socket->bytesAvailable() >= maximumLine && !socket->canReadLine()) {
         socket->write("error the line is too long; write at most 4095 bytes\n");
         socket->disconnectFromHost();

@@ -4,7 +4,8 @@
 
 #include <QTcpServer>
 
-/// Lets programs on the same machine look into controllers and change them, see answerControl().
+/// Lets programs on the same machine look into controllers and change them, see answerControl(). A
+/// search for controllers, the command "?K" of Host Link, is told that this port is none.
 class ControlServer : public QObject
 {
     Q_OBJECT

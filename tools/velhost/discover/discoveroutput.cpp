@@ -69,9 +69,14 @@ QString controllersText(OutputFormat format, const Findings &findings)
 
 QStringList nonControllerTexts(const Findings &findings)
 {
-    QStringList texts;
+    QStringList places;
     for (const Finding &finding : findings.all()) {
         if (finding.isController())
+            places.append(finding.place());
+    }
+    QStringList texts;
+    for (const Finding &finding : findings.all()) {
+        if (finding.identity.text == simulatorControl || places.contains(finding.place()))
             continue;
         const QString answer = finding.identity.text.isEmpty()
                                    ? QStringLiteral("nothing")

@@ -10,7 +10,8 @@
 /// The controllers among the findings, as table or JSON; empty when there is none.
 QString controllersText(OutputFormat format, const Findings &findings);
 
-/// A line for each finding that is no controller.
+/// A line for each finding that is no controller, unless a controller answered there by the other
+/// protocol or kvsim takes its control commands there.
 QStringList nonControllerTexts(const Findings &findings);
 
 /// What the search will ask, printed before it starts.

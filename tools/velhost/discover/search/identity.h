@@ -6,6 +6,9 @@
 /// The command that a controller answers with its model code.
 inline const QByteArray identityQuestion = QByteArrayLiteral("?K\r");
 
+/// What kvsim answers at the port of its control commands.
+inline const QString simulatorControl = QStringLiteral("error this is the control port of kvsim");
+
 /// The rest of a longer answer is ignored.
 constexpr int maximumIdentity = 64;
 
