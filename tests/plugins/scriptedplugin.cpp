@@ -14,6 +14,16 @@ bool hasWord(const DeviceInstancePlugin &device, const QString &word)
     return device.parameters.value(QStringLiteral("script")).split(u',').contains(word);
 }
 
+void raiseSignals(const DeviceInstancePlugin &device)
+{
+    if (hasWord(device, QStringLiteral("raise-int")))
+        ::raise(SIGINT);
+    if (hasWord(device, QStringLiteral("raise-term")))
+        ::raise(SIGTERM);
+    if (hasWord(device, QStringLiteral("raise-hup")))
+        ::raise(SIGHUP);
+}
+
 QString parametersText(const QMap<QString, QString> &parameters)
 {
     QStringList texts;
@@ -94,10 +104,7 @@ void ScriptedPlugin::trace(const QString &operation, const LogList &list)
 bool ScriptedPlugin::readData(LogList *list)
 {
     trace(QStringLiteral("read"), *list);
-    if (hasWord(*list, QStringLiteral("raise-int")))
-        ::raise(SIGINT);
-    if (hasWord(*list, QStringLiteral("raise-term")))
-        ::raise(SIGTERM);
+    raiseSignals(*list);
     if (hasWord(*list, QStringLiteral("read-error")))
         list->setLastError(QStringLiteral("no answer from %1").arg(list->ipAddress));
     const QString timeStamp = list->parameters.value(QStringLiteral("time_stamp"));
@@ -118,6 +125,7 @@ bool ScriptedPlugin::readData(LogList *list)
 bool ScriptedPlugin::writeData(LogList *list)
 {
     trace(QStringLiteral("write"), *list);
+    raiseSignals(*list);
     for (DataItem &dataItem : list->dataItems) {
         if (dataItem.values.value(QStringLiteral("value")) == u"refused")
             m_host.logError(QStringLiteral("%1: value refused").arg(dataItem.item.name));

@@ -15,9 +15,9 @@
 ///
 /// Device, parameter "script": words separated by commas. "init-false", "read-false", "write-false"
 /// and "stop-false" let that operation return false, "read-error" sets the device's last error on a
-/// read, "trace" tells the debug log what each operation was given, "raise-int" and "raise-term"
-/// send the process that signal in the middle of a read. Parameter "time_stamp": the time stamp of
-/// all items read, ISO 8601; empty for none.
+/// read, "trace" tells the debug log what each operation was given, "raise-int", "raise-term" and
+/// "raise-hup" send the process that signal in the middle of a read or a write. Parameter
+/// "time_stamp": the time stamp of all items read, ISO 8601; empty for none.
 class ScriptedPlugin : public QObject, public VELInterface
 {
     Q_OBJECT

@@ -11,6 +11,7 @@ enum ExitCode {
     ErrorFound = 1,
     WrongUsage = 2,
     NotLoaded = 3,
+    HungUp = 129,
     Interrupted = 130,
     Terminated = 143
 };

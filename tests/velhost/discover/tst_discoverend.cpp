@@ -51,6 +51,7 @@ void tst_DiscoverEnd::signal_data()
 
     QTest::newRow("SIGINT") << SIGINT << 130;
     QTest::newRow("SIGTERM") << SIGTERM << 143;
+    QTest::newRow("SIGHUP") << SIGHUP << 129;
 }
 
 // The controller's connection is closed when its answer has been taken.

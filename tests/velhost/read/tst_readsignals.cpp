@@ -1,15 +1,19 @@
+#include "plantjson.h"
 #include "programrun.h"
 #include "text.h"
 #include "writefile.h"
 
+#include <QHostAddress>
 #include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
 
-// SIGINT and SIGTERM during a read: the running cycle is completed, the plug-in is stopped, the
-// exit code is that of the signal.
+// SIGINT, SIGTERM and SIGHUP during a read: the running cycle is completed, the plug-in is stopped,
+// the exit code is that of the signal.
 
 namespace {
 
@@ -49,7 +53,10 @@ private Q_SLOTS:
     void betweenCycles();
     void duringCycle_data();
     void duringCycle();
+    void ignoredFromTheStart_data();
     void ignoredFromTheStart();
+    void twoTogether();
+    void secondInterrupt();
     void stopFails();
 };
 
@@ -71,6 +78,7 @@ void tst_ReadSignals::betweenCycles_data()
 
     QTest::newRow("SIGINT") << SIGINT << 130;
     QTest::newRow("SIGTERM") << SIGTERM << 143;
+    QTest::newRow("SIGHUP") << SIGHUP << 129;
 }
 
 // Ends immediately: the interval is a day.
@@ -103,6 +111,8 @@ void tst_ReadSignals::duringCycle_data()
         << QByteArray("raise-int") << QByteArray("2") << 130;
     QTest::newRow("SIGTERM in the first of two")
         << QByteArray("raise-term") << QByteArray("2") << 143;
+    QTest::newRow("SIGHUP in the first of two")
+        << QByteArray("raise-hup") << QByteArray("2") << 129;
     QTest::newRow("SIGINT in the only one") << QByteArray("raise-int") << QByteArray("1") << 130;
     QTest::newRow("both at once") << QByteArray("raise-term,raise-int") << QByteArray("2") << 130;
     QTest::newRow("also when an item has an error")
@@ -127,20 +137,69 @@ void tst_ReadSignals::duringCycle()
     QCOMPARE(process.readAllStandardError().split('\n').value(3), QByteArray("log debug: stop: A"));
 }
 
-// A shell starts background programs with an ignored SIGINT.
+void tst_ReadSignals::ignoredFromTheStart_data()
+{
+    QTest::addColumn<QString>("signal");
+    QTest::addColumn<QByteArray>("script");
+
+    QTest::newRow("background program of a shell") << text("INT") << QByteArray("raise-int");
+    QTest::newRow("nohup") << text("HUP") << QByteArray("raise-hup");
+}
+
 void tst_ReadSignals::ignoredFromTheStart()
 {
+    QFETCH(QString, signal);
+    QFETCH(QByteArray, script);
+
     const QString plant = m_folder.filePath(text("plant.json"));
-    QVERIFY(writeFile(plant, plantWith("raise-int")));
+    QVERIFY(writeFile(plant, plantWith(script)));
     const ProgramRun run = runProgram(
         text("/bin/sh"),
         {text("-c"),
-         text("trap '' INT; exec \"$0\" read --plugin \"$1\" --plant plant.json --cycles 2 "
+         text("trap '' $2; exec \"$0\" read --plugin \"$1\" --plant plant.json --cycles 2 "
               "--interval 0 --format csv --only-changes"),
-         text(VELHOST_FILE), pluginFile},
+         text(VELHOST_FILE), pluginFile, signal},
         m_folder.path());
     QCOMPARE(run.output, QString::fromLatin1(csvOfCycle()));
     QCOMPARE(run.exitCode, 0);
+}
+
+// As timeout(1) sends them.
+void tst_ReadSignals::twoTogether()
+{
+    QProcess process;
+    startRead(&process, "", "3");
+    QVERIFY(process.waitForReadyRead(10000));
+    const auto identifier = static_cast<pid_t>(process.processId());
+    QCOMPARE(::kill(identifier, SIGINT), 0);
+    QCOMPARE(::kill(identifier, SIGINT), 0);
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 130);
+}
+
+// The controller never answers, and its time-out is a day. Ctrl+C is pressed until the program
+// ends; the first one alone does not end it.
+void tst_ReadSignals::secondInterrupt()
+{
+    QTcpServer controller;
+    QVERIFY(controller.listen(QHostAddress(QHostAddress::LocalHost)));
+    const QString plant = m_folder.filePath(text("plant.json"));
+    const QByteArray parameters
+        = portParameter(controller.serverPort()) + R"(, "timeout": "86400000")";
+    QVERIFY(writeFile(plant, plantJson("127.0.0.1", parameters, {itemJson("x", "DM1")})));
+    QProcess process;
+    process.setProcessEnvironment(plainEnvironment());
+    process.start(text(VELHOST_FILE),
+                  {text("read"), plant, text("--plugin"), text(KEYENCE_PLUGIN_FILE)});
+    QVERIFY(controller.waitForNewConnection(10000));
+    QTcpSocket *const client = controller.nextPendingConnection();
+    QVERIFY(client->waitForReadyRead(10000));
+    QCOMPARE(client->readAll(), QByteArray("RD DM1\r"));
+    const int presses = interruptUntilEnd(&process);
+    QVERIFY2(presses > 1, QByteArray::number(presses).constData());
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(process.exitCode(), SIGINT);
 }
 
 void tst_ReadSignals::stopFails()

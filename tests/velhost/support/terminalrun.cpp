@@ -104,6 +104,15 @@ void TerminalRun::sendSignal(int signal) const
     ::kill(m_process, signal);
 }
 
+void TerminalRun::interruptUntilEnd()
+{
+    const QDeadlineTimer deadline(timeoutMs);
+    pollfd descriptor{m_terminal, POLLIN, 0};
+    do {
+        sendSignal(SIGINT);
+    } while (!deadline.hasExpired() && (::poll(&descriptor, 1, 10) == 0 || readMore()));
+}
+
 int TerminalRun::finish()
 {
     while (readMore()) {

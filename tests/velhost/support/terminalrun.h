@@ -31,6 +31,9 @@ public:
     void type(const QByteArray &bytes) const;
     void sendSignal(int signal) const;
 
+    /// Sends SIGINT again and again until the program ends, at most ten seconds.
+    void interruptUntilEnd();
+
     /// Reads until the program ends, at most ten seconds after the last output. Returns the exit
     /// code, or the negative number of the signal that ended the program.
     int finish();

@@ -293,6 +293,7 @@ void tst_Watch::signalEnds_data()
 
     QTest::newRow("SIGINT") << SIGINT << 130;
     QTest::newRow("SIGTERM") << SIGTERM << 143;
+    QTest::newRow("SIGHUP") << SIGHUP << 129;
 }
 
 // The controller sees that its client disconnects long before the next cycle.

@@ -5,7 +5,10 @@
 #include "text.h"
 #include "writefile.h"
 
+#include <QHostAddress>
 #include <QProcessEnvironment>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -66,6 +69,7 @@ private Q_SLOTS:
     void controlCharacters();
     void ends_data();
     void ends();
+    void secondInterrupt();
     void stoppedAndContinued();
     void withoutDrawing_data();
     void withoutDrawing();
@@ -248,7 +252,7 @@ void tst_WatchTerminal::ends_data()
     QTest::newRow("Ctrl+C") << QByteArray("\x03") << 0 << 130 << true;
     QTest::newRow("SIGTERM") << QByteArray() << SIGTERM << 143 << true;
     QTest::newRow("SIGQUIT") << QByteArray() << SIGQUIT << -SIGQUIT << false;
-    QTest::newRow("SIGHUP") << QByteArray() << SIGHUP << -SIGHUP << false;
+    QTest::newRow("SIGHUP") << QByteArray() << SIGHUP << 129 << true;
     QTest::newRow("a fault of the plug-in") << QByteArray() << SIGABRT << -SIGABRT << false;
 }
 
@@ -277,6 +281,32 @@ void tst_WatchTerminal::ends()
     QVERIFY2(!rest.contains('\x1b'), rest.constData());
     QCOMPARE(rest.contains("\r\n\r\nDevice  Cycles  Failed  Reads "), hasSummary);
     QCOMPARE(rest.contains("Press   Counter  5 "), hasSummary);
+}
+
+// The controller gives one answer, and the time-out is a day.
+void tst_WatchTerminal::secondInterrupt()
+{
+    QTcpServer controller;
+    QVERIFY(controller.listen(QHostAddress(QHostAddress::LocalHost)));
+    const QString plant = m_folder.filePath(text("plant.json"));
+    const QByteArray parameters
+        = portParameter(controller.serverPort()) + R"(, "timeout": "86400000")";
+    QVERIFY(writeFile(plant, plantJson("127.0.0.1", parameters, {itemJson("Counter", "DM1")})));
+    TerminalRun watch(text(VELHOST_FILE),
+                      {text("watch"), plant, text("--interval"), text("20"), text("--plugin"),
+                       text(KEYENCE_PLUGIN_FILE)},
+                      24, 100, terminalEnvironment());
+    QVERIFY(controller.waitForNewConnection(10000));
+    QTcpSocket *const client = controller.nextPendingConnection();
+    QVERIFY(client->waitForReadyRead(10000));
+    client->write("00005\r\n");
+    QVERIFY(client->waitForBytesWritten(10000));
+    QVERIFY(watch.waitFor("Press   Counter  5 "));
+    QVERIFY(client->waitForReadyRead(10000));
+    watch.interruptUntilEnd();
+    QCOMPARE(watch.finish(), -SIGINT);
+    const QByteArray rest = watch.output().mid(watch.output().indexOf(leave) + leave.size());
+    QCOMPARE(rest, QByteArray());
 }
 
 // A stop restores the terminal, too. A continued program draws again.

@@ -82,7 +82,8 @@ Exit status:
        text is not known, or discover found nothing or could not finish
   2    wrong usage or plant file
   3    the plug-in cannot be loaded
-  130  a read, a watch or a search was ended by SIGINT; 143 by SIGTERM
+  130  a read, a watch, a write or a search was ended by SIGINT; 143 by
+       SIGTERM, 129 by SIGHUP
 
 Examples:
 )") + examples;

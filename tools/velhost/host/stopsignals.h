@@ -2,19 +2,24 @@
 
 #include <common/console.h>
 
-#include <QtGlobal>
+#include <QElapsedTimer>
 
+#include <condition_variable>
 #include <csignal>
+#include <mutex>
+#include <thread>
 
 /// Whether the program ignores the signal, for example because it was started so.
 bool isIgnored(int signal);
 
-/// The exit code after SIGINT or SIGTERM.
+/// The exit code after SIGINT, SIGTERM or SIGHUP.
 ExitCode exitCodeOf(int signal);
 
-/// Blocks SIGINT and SIGTERM in this thread and in those that it starts. A signal stays pending
-/// until wait() returns it, so no signal interrupts the plug-in's own waits, and no handler is
-/// needed. A signal that the program was started to ignore stays ignored.
+/// Blocks SIGINT, SIGTERM and SIGHUP in this thread and in those that it starts. A signal stays
+/// pending until a thread that waits for nothing else takes it, so no signal interrupts the
+/// plug-in's own waits. A second SIGINT ends the program at once, as if it were not blocked;
+/// several that come together count as one. A signal that the program was started to ignore stays
+/// ignored.
 class StopSignals
 {
 public:
@@ -29,6 +34,17 @@ public:
     int wait(qint64 milliseconds);
 
 private:
+    void watch();
+    void takePending();
+
     sigset_t m_signals{};
     sigset_t m_maskBefore{};
+    int m_pending = -1;
+    int m_end = -1;
+    /// Guards what follows. Held while a signal is taken, so that wait() never misses one.
+    std::mutex m_mutex;
+    std::condition_variable m_taken;
+    int m_signal = 0;
+    QElapsedTimer m_sinceInterrupt;
+    std::thread m_watcher;
 };

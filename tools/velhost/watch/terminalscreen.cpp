@@ -20,7 +20,7 @@ constexpr std::string_view enterSequence = "\x1b[?1049h\x1b[?25l";
 // Resets the colour, switches line wrapping and the cursor on, and returns to the normal screen.
 constexpr std::string_view leaveSequence = "\x1b[0m\x1b[?7h\x1b[?25h\x1b[?1049l";
 
-constexpr std::array<int, 8> caughtSignals{SIGHUP, SIGQUIT, SIGTSTP, SIGABRT,
+constexpr std::array<int, 8> caughtSignals{SIGINT, SIGQUIT, SIGTSTP, SIGABRT,
                                            SIGBUS, SIGFPE,  SIGILL,  SIGSEGV};
 
 /// Whether the terminal shows the alternate screen. Changed by the signal handler, too.
