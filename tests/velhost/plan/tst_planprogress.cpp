@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
+
 // `plan` on a terminal shows its progress, unless it is ready at once.
 
 namespace {
@@ -35,6 +37,8 @@ class tst_PlanProgress : public QObject
 
 private Q_SLOTS:
     void terminal();
+    void ended_data();
+    void ended();
     void readyAtOnce();
     void pipe();
 };
@@ -46,6 +50,29 @@ void tst_PlanProgress::terminal()
     TerminalRun plan(text(VELHOST_FILE), planOf(plant), 25, 80, plainEnvironment());
     QVERIFY2(plan.waitFor("\rplanned "), plan.output().constData());
     QVERIFY2(plan.waitFor(" of 5000 items\x1b[K\rplanned "), plan.output().constData());
+}
+
+void tst_PlanProgress::ended_data()
+{
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("Ctrl+C") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGQUIT") << SIGQUIT;
+}
+
+// The line is removed, and nothing follows.
+void tst_PlanProgress::ended()
+{
+    QFETCH(int, signal);
+
+    const QString plant = m_folder.filePath(text("plant.json"));
+    QVERIFY(writeFile(plant, plantWith(5'000)));
+    TerminalRun plan(text(VELHOST_FILE), planOf(plant), 25, 80, plainEnvironment());
+    QVERIFY2(plan.waitFor("\rplanned "), plan.output().constData());
+    plan.sendSignal(signal);
+    QCOMPARE(plan.finish(), -signal);
+    QVERIFY2(plan.output().endsWith(" of 5000 items\x1b[K\r\x1b[K"), plan.output().constData());
 }
 
 // The first item is the last one.

@@ -1,6 +1,9 @@
 #include "host/progressline.h"
 
+#include "host/stopsignals.h"
 #include <common/console.h>
+
+#include <string_view>
 
 #include <unistd.h>
 
@@ -9,6 +12,27 @@ namespace {
 constexpr int redrawMs = 200;
 const QString lineStart = QStringLiteral("\r");
 const QString clearRest = QStringLiteral("\x1b[K");
+
+/// The signal ends the program: its handler is removed before this is called.
+void clearAtSignal(int signal)
+{
+    constexpr std::string_view sequence = "\r\x1b[K";
+    // After an error the terminal has gone, and the signal ends the program all the same.
+    const ssize_t written = ::write(STDERR_FILENO, sequence.data(), sequence.size());
+    static_cast<void>(written);
+    ::raise(signal);
+}
+
+void handleEndingSignals(void (*handler)(int))
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGQUIT}) {
+        struct sigaction action = {};
+        action.sa_handler = handler;
+        action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+        if (!isIgnored(signal))
+            sigaction(signal, &action, nullptr);
+    }
+}
 
 } // namespace
 
@@ -21,6 +45,8 @@ bool ProgressLine::isDue()
 
 void ProgressLine::show(const QString &text)
 {
+    if (!m_isShown)
+        handleEndingSignals(clearAtSignal);
     print(stderr, lineStart + text + clearRest);
     m_due.emplace(redrawMs);
     m_isShown = true;
@@ -28,7 +54,9 @@ void ProgressLine::show(const QString &text)
 
 void ProgressLine::clear()
 {
-    if (m_isShown)
-        print(stderr, lineStart + clearRest);
+    if (!m_isShown)
+        return;
+    print(stderr, lineStart + clearRest);
+    handleEndingSignals(SIG_DFL);
     m_isShown = false;
 }

@@ -6,7 +6,8 @@
 #include <optional>
 
 /// One line of progress on the terminal of standard error, which each text overwrites. Shows
-/// nothing where standard error is no terminal.
+/// nothing where standard error is no terminal. A signal that ends the program removes the text
+/// first. There must be only one object at a time.
 class ProgressLine
 {
 public:
