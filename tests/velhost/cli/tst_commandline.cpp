@@ -278,8 +278,8 @@ void tst_CommandLine::errors_data()
     row("velhost|columns|--interval|1", "columns has no use for --interval");
     row("velhost|write|A/b=1|--plant|p|--cycles|1", "write has no use for --cycles");
     row("velhost|columns|--format|csv", "--format of columns is table or json, not \"csv\"");
-    row("velhost|write|A/b=1|--plant|p|--format|csv",
-        "--format of write is table or json, not \"csv\"");
+    row("velhost|write|A/b=1|--plant|p|--format|xml",
+        "--format of write is table, json or csv, not \"xml\"");
     row("velhost|write|A/b=1|--plant|p|--only-changes", "write has no use for --only-changes");
     row("velhost|check", "check needs a plant file: check PLANT");
     row("velhost|check|p.json|--plant|p", "check takes no argument \"p.json\"");

@@ -251,9 +251,8 @@ void tst_VelhostProgram::writes_data()
 )",
         "");
     row("write to two devices in the order given",
-        "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|--format|json|Oven/B=1|Press/"
-        "C=|Oven/A=3|Oven/"
-        "B=4",
+        "write|--no-verify|--yes|--allow-empty|--plugin|%PLUGIN%|--plant|plant.json|--format|json|"
+        "Oven/B=1|Press/C=|Oven/A=3|Oven/B=4",
         twoDevicesPlant(), 0,
         R"({"type":"log","level":"debug","text":"init: 1 Press  {port=8501 script=trace time_stamp=2024-02-29T12:34:56.789+05:30} interfaces "}
 {"type":"log","level":"debug","text":"init: A {answers=0 editable= flagged= memory_type=0}"}
@@ -263,10 +262,10 @@ void tst_VelhostProgram::writes_data()
 {"type":"log","level":"debug","text":"init: A {answers=0 editable= flagged= memory_type=0}"}
 {"type":"log","level":"debug","text":"init: B {answers=0 editable= flagged= memory_type=0}"}
 {"type":"log","level":"debug","text":"write: Oven error \"\" of 2 items: Oven/B=\"1\" error \"\", Oven/A=\"3\" error \"\", Oven/B=\"4\" error \"\""}
-{"type":"log","level":"debug","text":"write: Press error \"\" of 3 items: Press/C=\"\" error \"\""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Oven","item":"B","value":"1","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Oven","item":"A","value":"3","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Oven","item":"B","value":"4","error":""}
+{"type":"log","level":"debug","text":"write: Press error \"\" of 3 items: Press/C=\"\" error \"\""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"C","value":"","error":""}
 {"type":"log","level":"debug","text":"stop: Press"}
 {"type":"log","level":"debug","text":"stop: Oven"}

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void records_data();
     void records();
     void table();
+    void csv();
     void realController();
     void realFailures();
     void twiceTheSameItem();
@@ -164,9 +165,9 @@ void tst_Write::records()
     QFETCH(int, exitCode);
 
     const QString target = u"Press/Counter=" + value;
-    const ProgramRun run
-        = runWithPlant(program, arguments(SCRIPTED_PLUGIN_FILE, "json", QStringList(target)),
-                       scriptedPlant(answers, script));
+    const ProgramRun run = runWithPlant(
+        program, arguments(SCRIPTED_PLUGIN_FILE, "json", {target, text("--allow-empty")}),
+        scriptedPlant(answers, script));
     QCOMPARE(run.output, text(R"({"type":"write","cycle":1,"time":"2024-02-29T12:34:56.789+05:30",)"
                               R"("device":"Press","item":"Counter",%1})"
                               "\n")
@@ -184,11 +185,22 @@ void tst_Write::table()
     QCOMPARE(
         run.output,
         text(
-            R"(Cycle  Time                           Device  Item     Old  New      Read back  Error
-1      2024-02-29T12:34:56.789+05:30  Press   Counter  1\r  refused  2\x20      write failed: Counter: value refused
+            R"(Cycle  Time                           Device  Item     Old      New      Read back  Error
+1      2024-02-29T12:34:56.789+05:30  Press   Counter  1\r      refused  2\x20      write failed: Counter: value refused
 )"));
     QCOMPARE(run.errors, text("log error: Counter: value refused\n"));
     QCOMPARE(run.exitCode, 1);
+}
+
+void tst_Write::csv()
+{
+    const ProgramRun run
+        = runWithPlant(program, arguments(SCRIPTED_PLUGIN_FILE, "csv", {text("Press/Counter=2,5")}),
+                       scriptedPlant(R"(1\n|2,5)"));
+    QCOMPARE(run.output, text("cycle,time,device,item,old,new,readback,error\r\n"
+                              "1,2024-02-29T12:34:56.789+05:30,Press,Counter,\"1\n\",\"2,5\","
+                              "\"2,5\",\r\n"));
+    QCOMPARE(run.exitCode, 0);
 }
 
 void tst_Write::realController()
@@ -233,12 +245,12 @@ void tst_Write::realFailures()
     QCOMPARE(
         withoutTimes(run.output),
         text(
-            R"(Cycle  Time                           Device  Item     Old  New    Read back  Error
-1      T  Press   Wrong         1                 not written, the old value cannot be read: [RD QQ1\r] <Wrong> :invalid address
-1      T  Press   Clock    700  1      700        write failed: [WR CM700 0001\r] <Clock> :invalid address
-1      T  Press   Counter  201  40000  201        write failed: [write data] item error from <Counter> :value out of range
-1      T  Press   Running  0    7      1          the value read back is not the one written
-1      T  Press   Mask     DC   1      1
+            R"(Cycle  Time                           Device  Item     Old    New    Read back  Error
+1      T  Press   Wrong           1                 not written, the old value cannot be read: [RD QQ1\r] <Wrong> :invalid address
+1      T  Press   Clock    700    1      700        write failed: [WR CM700 0001\r] <Clock> :invalid address
+1      T  Press   Counter  201    40000  201        write failed: [write data] item error from <Counter> :value out of range
+1      T  Press   Running  0      7      1          the value read back is not the one written
+1      T  Press   Mask     DC     1      1
 )"));
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(controller.word("CM700"), 700);

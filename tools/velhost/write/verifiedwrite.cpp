@@ -3,12 +3,21 @@
 #include "cycle/cycle.h"
 #include "plant/samevalue.h"
 
+WriteReport unwritten(const Session &session, const Assignment &assignment)
+{
+    const DeviceInstancePlugin &device = session.devices.at(assignment.device);
+    const ItemInstancePlugin &item = device.items.at(assignment.item);
+    return {QDateTime::currentDateTime(), device.name, item.name, {}, assignment.value, {}, {}};
+}
+
 WriteReport writeVerified(const Session &session, const Assignment &assignment)
 {
     const DeviceInstancePlugin &device = session.devices.at(assignment.device);
     const ItemInstancePlugin &item = device.items.at(assignment.item);
     const ItemRead before = readItem(session.loaded.plugin, device, assignment.item);
-    WriteReport report{before.time, device.name, item.name, before.value, assignment.value, {}, {}};
+    WriteReport report = unwritten(session, assignment);
+    report.time = before.time;
+    report.oldValue = before.value;
     if (!before.value) {
         report.error = u"not written, the old value cannot be read: " + before.error;
         return report;

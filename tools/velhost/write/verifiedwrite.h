@@ -24,6 +24,9 @@ struct WriteReport
     QString error;
 };
 
+/// The report of an item before it is read and written.
+WriteReport unwritten(const Session &session, const Assignment &assignment);
+
 /// Reads the item, writes it and reads it back. Each is a cycle with that item only, so that an
 /// error belongs to this item. An item that cannot be read is not written.
 WriteReport writeVerified(const Session &session, const Assignment &assignment);

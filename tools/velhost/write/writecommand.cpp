@@ -2,24 +2,28 @@
 
 #include "cli/plantarguments.h"
 #include "cycle/cycle.h"
-#include "cycle/cycletext.h"
+#include "cycle/cycleprinter.h"
+#include "host/stopsignals.h"
 #include "write/verifiedwrite.h"
 
+#include <common/csv.h>
 #include <common/ipv4address.h>
 #include <common/json/json.h>
 #include <common/table.h>
 #include <common/visibletext.h>
 
-#include <algorithm>
+#include <cstring>
+#include <functional>
 
 namespace {
 
 const QString yesOption = QStringLiteral("yes");
+const QString allowEmptyOption = QStringLiteral("allow-empty");
 const QString noVerifyOption = QStringLiteral("no-verify");
 
 /// Why the assignments need --yes; empty when all devices are on this machine. Every address that
 /// is not loopback counts as a real controller.
-QString confirmationError(const Plant &plant, const QList<Assignment> &assignments)
+QStringList confirmationErrors(const Plant &plant, const QList<Assignment> &assignments)
 {
     QStringList targets;
     for (const Assignment &assignment : assignments) {
@@ -30,22 +34,93 @@ QString confirmationError(const Plant &plant, const QList<Assignment> &assignmen
     targets.removeDuplicates();
     if (targets.isEmpty())
         return {};
-    return QStringLiteral("write would change devices that are not on this machine: %1; add --yes "
-                          "to write to them")
-        .arg(targets.join(QStringLiteral(", ")));
+    return {QStringLiteral("write would change devices that are not on this machine: %1; add "
+                           "--yes to write to them")
+                .arg(targets.join(QStringLiteral(", ")))};
+}
+
+/// Why the values must not be written; empty when they may be. A script whose variable is not set
+/// gives an empty one.
+QStringList emptyValueErrors(const QStringList &texts, const QList<Assignment> &assignments)
+{
+    QStringList errors;
+    for (int i = 0; i < assignments.size(); ++i) {
+        if (assignments.at(i).value.isEmpty())
+            errors.append(QStringLiteral("\"%1\": no value behind the \"=\"; write one, or add "
+                                         "--allow-empty to write an empty text")
+                              .arg(texts.at(i)));
+    }
+    return errors;
+}
+
+QString endedText(int signal)
+{
+    return QStringLiteral("not written, SIG%1 ended the program before")
+        .arg(QString::fromLatin1(sigabbrev_np(signal)));
+}
+
+/// Calls `writeNext` so many times, with the number of the signal that came before or with 0. It
+/// returns whether all is well.
+ExitCode writeUntilSignal(int count, const std::function<bool(int index, int signal)> &writeNext)
+{
+    StopSignals stopSignals;
+    ExitCode result = AllWell;
+    int signal = 0;
+    for (int i = 0; i < count; ++i) {
+        if (!writeNext(i, signal))
+            result = ErrorFound;
+        if (signal == 0)
+            signal = stopSignals.wait(0);
+    }
+    return signal == 0 ? result : exitCodeOf(signal);
+}
+
+DeviceReport unwrittenDevice(const LogList &list, const QString &error)
+{
+    DeviceReport report;
+    report.device = list.name;
+    report.time = QDateTime::currentDateTime();
+    for (const DataItem &dataItem : list.dataItems)
+        report.values.append({report.time, dataItem.item.name,
+                              dataItem.values.value(QStringLiteral("value")), error});
+    return report;
 }
 
 ExitCode writeOnly(const Session &session, const QList<Assignment> &assignments,
                    OutputFormat format)
 {
     QList<LogList> lists = writeLists(session.devices, assignments);
-    QList<DeviceReport> reports;
-    for (LogList &list : lists)
-        reports.append(writeDevice(session.loaded.plugin, &list, 1, session.host));
-    print(stdout, cycleText(format, reports));
-    const bool failed = std::any_of(reports.begin(), reports.end(),
-                                    [](const DeviceReport &device) { return device.hasError(); });
-    return failed ? ErrorFound : AllWell;
+    CyclePrinter printer(format, CyclePrinter::Content::Everything, session.devices);
+    return writeUntilSignal(lists.size(), [&](int index, int signal) {
+        const DeviceReport report
+            = signal == 0 ? writeDevice(session.loaded.plugin, &lists[index], 1, session.host)
+                          : unwrittenDevice(lists.at(index), endedText(signal));
+        printer.printCycle({report});
+        return !report.hasError();
+    });
+}
+
+const QString columns = QStringLiteral("Cycle,Time,Device,Item,Old,New,Read back,Error");
+const QString csvHeader = QStringLiteral("cycle,time,device,item,old,new,readback,error\r\n");
+
+QStringList fields(const WriteReport &write)
+{
+    return {QStringLiteral("1"),
+            timeText(write.time),
+            write.device,
+            write.item,
+            write.oldValue.value_or(QString()),
+            write.newValue,
+            write.readBack.value_or(QString()),
+            write.error};
+}
+
+QStringList row(const WriteReport &write)
+{
+    QStringList cells = fields(write);
+    for (QString &cell : cells)
+        cell = visible(cell);
+    return cells;
 }
 
 QJsonValue optionalJson(const std::optional<QString> &text)
@@ -65,35 +140,45 @@ QString writeJson(const WriteReport &write)
                               {"error", write.error}});
 }
 
-/// The verified writes in the order given, a line for each.
-QString writesText(OutputFormat format, const QList<WriteReport> &writes)
+/// Prints the header, if there is one. Returns the widths of a table's columns, which fit the
+/// assignments; an old value that is longer than the new one is not known before.
+QVector<int> printHeader(OutputFormat format, const Session &session,
+                         const QList<Assignment> &assignments)
 {
-    QString lines;
-    QList<QStringList> rows{{QStringLiteral("Cycle"), QStringLiteral("Time"),
-                             QStringLiteral("Device"), QStringLiteral("Item"),
-                             QStringLiteral("Old"), QStringLiteral("New"),
-                             QStringLiteral("Read back"), QStringLiteral("Error")}};
-    for (const WriteReport &write : writes) {
-        lines += writeJson(write);
-        rows.append({QStringLiteral("1"), timeText(write.time), visible(write.device),
-                     visible(write.item), visible(write.oldValue.value_or(QString())),
-                     visible(write.newValue), visible(write.readBack.value_or(QString())),
-                     visible(write.error)});
+    QList<QStringList> rows{columns.split(u',')};
+    for (const Assignment &assignment : assignments) {
+        WriteReport write = unwritten(session, assignment);
+        write.oldValue = write.readBack = write.newValue;
+        rows.append(row(write));
     }
-    return format == OutputFormat::Json ? lines : tableText(rows);
+    const QVector<int> widths = columnWidths(rows);
+    if (format == OutputFormat::Table)
+        print(stdout, tableLine(rows.first(), widths));
+    if (format == OutputFormat::Csv)
+        print(stdout, csvHeader);
+    return widths;
+}
+
+QString writeText(OutputFormat format, const WriteReport &write, const QVector<int> &widths)
+{
+    if (format == OutputFormat::Json)
+        return writeJson(write);
+    return format == OutputFormat::Csv ? csvRecord(fields(write)) : tableLine(row(write), widths);
 }
 
 ExitCode writeAndVerify(const Session &session, const QList<Assignment> &assignments,
                         OutputFormat format)
 {
-    QList<WriteReport> reports;
-    for (const Assignment &assignment : assignments)
-        reports.append(writeVerified(session, assignment));
-    print(stdout, writesText(format, reports));
-    const bool failed = std::any_of(reports.begin(), reports.end(), [](const WriteReport &report) {
-        return !report.error.isEmpty();
+    const QVector<int> widths = printHeader(format, session, assignments);
+    return writeUntilSignal(assignments.size(), [&](int index, int signal) {
+        const Assignment &assignment = assignments.at(index);
+        WriteReport write
+            = signal == 0 ? writeVerified(session, assignment) : unwritten(session, assignment);
+        if (signal != 0)
+            write.error = endedText(signal);
+        print(stdout, writeText(format, write, widths));
+        return write.error.isEmpty();
     });
-    return failed ? ErrorFound : AllWell;
 }
 
 ExitCode runWrite(const Arguments &arguments)
@@ -104,12 +189,14 @@ ExitCode runWrite(const Arguments &arguments)
     const auto assignments = readAssignments(arguments.operands, *plant);
     if (!assignments)
         return WrongUsage;
-    const QString refusal
-        = arguments.has(yesOption) ? QString() : confirmationError(*plant, *assignments);
-    if (!refusal.isEmpty()) {
-        printError(refusal);
+    QStringList refusals;
+    if (!arguments.has(allowEmptyOption))
+        refusals = emptyValueErrors(arguments.operands, *assignments);
+    if (!arguments.has(yesOption))
+        refusals += confirmationErrors(*plant, *assignments);
+    printError(refusals);
+    if (!refusals.isEmpty())
         return WrongUsage;
-    }
     const auto write = arguments.has(noVerifyOption) ? writeOnly : writeAndVerify;
     return runSession(sessionSetup(arguments, *plant), [&](const Session &session) {
         return write(session, *assignments, arguments.format);
@@ -123,8 +210,9 @@ Command writeCommand()
     return {QStringLiteral("write"),
             Operands::PlantAndAssignments,
             QStringLiteral("read, write and read back the named items, in the order given"),
-            {QStringLiteral("table"), QStringLiteral("json")},
+            {QStringLiteral("table"), QStringLiteral("json"), QStringLiteral("csv")},
             {{yesOption, {}, QStringLiteral("change devices that are not on this machine, too")},
+             {allowEmptyOption, {}, QStringLiteral("take a value without a character, too")},
              {noVerifyOption, {}, QStringLiteral("only write, read nothing before or after")}},
             {{QStringLiteral("Write a value and read it back"),
               QStringLiteral("velhost write plant.json 'Press/Set point=250'")}},
