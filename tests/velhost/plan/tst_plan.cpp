@@ -61,6 +61,8 @@ private Q_SLOTS:
     void wordCounts_data();
     void wordCounts();
     void recorderAnswers();
+    void longAnswers_data();
+    void longAnswers();
     void recorderEndsEndlessLine();
     void redirectsWhereValid_data();
     void redirectsWhereValid();
@@ -258,12 +260,40 @@ void tst_Plan::recorderAnswers()
     QCOMPARE(ask(&socket, "RD DM100\r", 7), QByteArray("00000\r\n"));
     QCOMPARE(ask(&socket, "RDS DM100 3\r", 19), QByteArray("00000 00000 00000\r\n"));
     QCOMPARE(ask(&socket, "WR DM1 1\rWR DM2 2\r", 8), QByteArray("OK\r\nOK\r\n"));
+    recorder.setWord("65535");
+    QCOMPARE(ask(&socket, "RDS DM3 2\r", 13), QByteArray("65535 65535\r\n"));
+    recorder.setWord("00000");
     socket.write("RD D");
     QVERIFY(socket.waitForBytesWritten(10000));
     QCOMPARE(ask(&socket, "M7\r", 7), QByteArray("00000\r\n"));
     QCOMPARE(recorder.takeLines(), (QList<QByteArray>{"RD DM100\r", "RDS DM100 3\r", "WR DM1 1\r",
-                                                      "WR DM2 2\r", "RD DM7\r"}));
+                                                      "WR DM2 2\r", "RDS DM3 2\r", "RD DM7\r"}));
     QCOMPARE(recorder.takeLines(), QList<QByteArray>());
+}
+
+void tst_Plan::longAnswers_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<int>("size");
+
+    QTest::newRow("1999 words") << QByteArray("RDS DM0 1999\r") << 11995;
+    QTest::newRow("2000 words") << QByteArray("RDS DM0 2000\r") << 12001;
+    QTest::newRow("2001 words") << QByteArray("RDS DM0 2001\r") << 12001;
+    QTest::newRow("more than there are") << QByteArray("RDS DM0 9999900\r") << 12001;
+}
+
+// Nothing of a long answer is left for the next command.
+void tst_Plan::longAnswers()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(int, size);
+
+    Recorder recorder;
+    QTcpSocket socket;
+    socket.connectToHost(text("127.0.0.1"), recorder.port());
+    QVERIFY(socket.waitForConnected(10000));
+    QCOMPARE(ask(&socket, line, size).size(), size);
+    QCOMPARE(ask(&socket, "RD DM7\r", 7), QByteArray("00000\r\n"));
 }
 
 void tst_Plan::recorderEndsEndlessLine()

@@ -3,22 +3,25 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
 // The connection of a plug-in that sends a longer line is closed.
 constexpr qint64 maximumLine = 65'536;
-// More than any controller gives in one answer.
 constexpr int maximumWords = 65536;
+// More than any controller gives in one answer, and few enough to arrive in one piece: what arrives
+// later, a plug-in may take for the answer to its next command.
+constexpr int maximumAnswer = 2000;
 
-QByteArray answerTo(const QByteArray &line)
+QByteArray answerTo(const QByteArray &line, const QByteArray &word)
 {
     if (!line.startsWith("RD"))
         return "OK\r\n";
-    QByteArray words = "00000";
-    for (int i = 1; i < wordCount(line); ++i)
-        words += " 00000";
+    QByteArray words = word;
+    for (int i = 1; i < std::min(wordCount(line), maximumAnswer); ++i)
+        words += ' ' + word;
     return words + "\r\n";
 }
 
@@ -40,6 +43,12 @@ QList<QByteArray> Recorder::takeLines()
 {
     const QMutexLocker locker(&m_mutex);
     return std::exchange(m_lines, {});
+}
+
+void Recorder::setWord(const QByteArray &word)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_word = word;
 }
 
 void Recorder::run()
@@ -68,11 +77,13 @@ void Recorder::answer(QTcpSocket *socket)
             return;
         }
         const QByteArray line = socket->read(end + 1);
+        QByteArray word;
         {
             const QMutexLocker locker(&m_mutex);
             m_lines.append(line);
+            word = m_word;
         }
-        socket->write(answerTo(line));
+        socket->write(answerTo(line, word));
     }
 }
 
