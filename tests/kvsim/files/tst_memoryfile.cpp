@@ -247,7 +247,7 @@ void tst_MemoryFile::faults_data()
     const auto row = [](const char *name, const QByteArray &content, const char *errors) {
         QTest::newRow(name) << content << QByteArray(errors);
     };
-    row("empty", "", ":1:1: not valid JSON: illegal value");
+    row("empty", "", ": is empty");
     row("cut off", one(R"("DM1": 5, "DM2": 6)").left(50),
         ":2:33: not valid JSON: unterminated string");
     row("wrong value and address", one(R"("DM1": 5, "DM2": 65536, "QQ3": 1)"),

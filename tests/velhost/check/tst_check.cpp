@@ -33,6 +33,7 @@ class tst_Check : public QObject
 
 private Q_SLOTS:
     void everyKindOfProblem();
+    void notJson_data();
     void notJson();
     void json_data();
     void json();
@@ -92,10 +93,50 @@ void tst_Check::everyKindOfProblem()
     QCOMPARE(run.exitCode, 2);
 }
 
+void tst_Check::notJson_data()
+{
+    QTest::addColumn<QByteArray>("plant");
+    QTest::addColumn<QString>("error");
+
+    const auto row = [](const char *name, const QByteArray &plant, const char *error) {
+        QTest::newRow(name) << plant << text(error);
+    };
+    const char *const isUtf16 = ": is UTF-16, save it as UTF-8";
+    const auto comment = [&](const char *name, const char *plant, const char *place) {
+        QTest::newRow(name)
+            << QByteArray(plant)
+            << text(":%1: has comments, which JSON does not know; remove them").arg(text(place));
+    };
+    row("cut off", "{\n \"devices\": [", ":2:14: not valid JSON: unterminated array");
+    row("empty", "", ": is empty");
+    row("blanks alone", " \r\n\t", ": is empty");
+    row("UTF-16 with mark", QByteArray("\xff\xfe{\0}\0", 6), isUtf16);
+    row("UTF-16 with mark, high byte first", QByteArray("\xfe\xff\0{\0}", 6), isUtf16);
+    row("UTF-16 without mark", QByteArray("{\0}\0", 4), isUtf16);
+    row("UTF-16 without mark, high byte first", QByteArray("\0{\0}", 4), isUtf16);
+    row("zeros", QByteArray(4, '\0'), ":1:1: not valid JSON: illegal value");
+    row("slashes within a text", R"({"devices": ["a" "//b"]})",
+        ":1:19: not valid JSON: missing value separator");
+    row("quote missing before a text with slashes", R"({"devices: "http://a"})",
+        ":1:14: not valid JSON: missing name separator");
+    row("slash alone", R"({"devices": /2})", ":1:13: not valid JSON: illegal number");
+    comment("comment at the start", "// a\n{}", "1:1");
+    comment("comment of scripts", "# a\n{}", "1:1");
+    comment("comment in a line", "{\n \"devices\": [] // a\n}", "2:16");
+    comment("comment in an object", "{ /* a */ }", "1:3");
+    comment("comment in a list", R"({"devices": [ // a)", "1:15");
+    comment("comment before a value", R"({"devices": /* a */ []})", "1:13");
+    comment("comment behind a comma", "{\"devices\": [],\n// a\n\"a\": 1}", "2:1");
+    comment("comment at the end", "{} // a", "1:4");
+}
+
 void tst_Check::notJson()
 {
-    const ProgramRun run = runCheck("none.so", "{\n \"devices\": [");
-    QCOMPARE(run.errors, text("velhost: plant.json:2:14: not valid JSON: unterminated array\n"));
+    QFETCH(QByteArray, plant);
+    QFETCH(QString, error);
+
+    const ProgramRun run = runCheck("none.so", plant);
+    QCOMPARE(run.errors, u"velhost: plant.json" + error + u'\n');
     QCOMPARE(run.exitCode, 2);
 }
 

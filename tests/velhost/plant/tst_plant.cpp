@@ -135,7 +135,7 @@ void tst_Plant::errors_data()
         QTest::newRow(name) << json << QString::fromUtf8(error);
     };
 
-    row("empty file", "", "p.json:1:1: not valid JSON: illegal value");
+    row("empty file", "", "p.json: is empty");
     row("text", "devices", "p.json:1:2: not valid JSON: illegal value");
     row("fault in the third line", "{\n \"devices\": [\n  {\"id\": 1,,}\n]}",
         "p.json:3:13: not valid JSON: unterminated object");

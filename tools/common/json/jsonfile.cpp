@@ -7,6 +7,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+
 namespace {
 
 /// The line and the column of an offset in bytes, both from 1, as LINE:COLUMN; columns count
@@ -17,6 +19,33 @@ QString lineAndColumn(const QByteArray &json, int offset)
     const int line = before.count('\n') + 1;
     const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
     return QStringLiteral("%1:%2").arg(line).arg(column);
+}
+
+bool isUtf16(const QByteArray &text)
+{
+    const QByteArray start = text.left(2);
+    return start == "\xff\xfe" || start == "\xfe\xff" || start.count('\0') == 1;
+}
+
+/// What is wrong with a text that is no JSON, in words that help where the fault is a usual one.
+Problem syntaxProblem(const QByteArray &json, QJsonParseError syntax)
+{
+    if (json.trimmed().isEmpty())
+        return {{}, {}, QStringLiteral("is empty")};
+    if (isUtf16(json))
+        return {{}, {}, QStringLiteral("is UTF-16, save it as UTF-8")};
+    // The parser stops at the first character of a comment or behind it. What follows a quote is in
+    // a text.
+    for (const int start : {std::max(syntax.offset - 1, 0), syntax.offset}) {
+        const QByteArray found = json.mid(start, 2);
+        if (found == "//" || found == "/*" || found.startsWith('#'))
+            return {lineAndColumn(json, start),
+                    {},
+                    QStringLiteral("has comments, which JSON does not know; remove them")};
+        if (found.startsWith('"'))
+            break;
+    }
+    return {lineAndColumn(json, syntax.offset), {}, u"not valid JSON: " + syntax.errorString()};
 }
 
 } // namespace
@@ -37,8 +66,7 @@ std::optional<QJsonValue> parseJson(const QByteArray &json, QList<Problem> *prob
     QJsonParseError syntax{};
     const QJsonDocument document = QJsonDocument::fromJson(json, &syntax);
     if (syntax.error != QJsonParseError::NoError) {
-        problems->append(
-            {lineAndColumn(json, syntax.offset), {}, u"not valid JSON: " + syntax.errorString()});
+        problems->append(syntaxProblem(json, syntax));
         return {};
     }
     const QList<DuplicateKey> duplicates = findDuplicateKeys(json);
