@@ -147,6 +147,13 @@ void tst_Check::json_data()
     QTest::addColumn<int>("exitCode");
 
     QTest::newRow("no problem") << plantAt("10.0.0.1", "") << QString() << 0;
+    QTest::newRow("warning")
+        << plantJson("10.0.0.1", "", {itemJson("A", "d1")})
+        << text(R"({"type":"warning","file":"plant.json","position":"",)"
+                R"("path":"devices[0].items[0].parameters.memory_address","message":"\"d1\" is )"
+                R"(sent in small letters, which a controller may refuse; write \"D1\""})"
+                "\n")
+        << 0;
     QTest::newRow("fault in the JSON")
         << QByteArray("{\n]")
         << text(R"({"type":"problem","file":"plant.json","position":"2:2","path":"",)"
@@ -233,17 +240,18 @@ void tst_Check::duplicateKeys()
 void tst_Check::memoryAddresses_data()
 {
     QTest::addColumn<QByteArray>("address");
+    QTest::addColumn<QByteArray>("dataType");
     QTest::addColumn<bool>("isRight");
 
-    const auto row = [](const char *address, bool isRight) {
-        QTest::newRow(address) << QByteArray(address) << isRight;
+    const auto row = [](const char *address, bool isRight, const char *dataType = "Short") {
+        QTest::newRow(address) << QByteArray(address) << QByteArray(dataType) << isRight;
     };
     row("D201", true);
-    row("dm0", true);
+    row("DM0", true);
     row("W1F", true);
-    row("DM100.3", true);
-    row("D200-10", true);
-    row("D200-209", true);
+    row("DM100.3", true, "BIT");
+    row("D200-10", true, "ASCII");
+    row("D200-209", true, "ASCII");
     row("D", false);
     row("201", false);
     row("", false);
@@ -260,13 +268,11 @@ void tst_Check::memoryAddresses_data()
 void tst_Check::memoryAddresses()
 {
     QFETCH(QByteArray, address);
+    QFETCH(QByteArray, dataType);
     QFETCH(bool, isRight);
 
-    const QByteArray item
-        = R"([{"name": "A", "parameters": {"memory_address": ")" + address + "\"}}]";
     const ProgramRun run = runCheck(
-        KEYENCE_PLUGIN_FILE,
-        R"({"devices": [{"id": 1, "name": "P", "ip": "10.0.0.1", "items": )" + item + "}]}");
+        KEYENCE_PLUGIN_FILE, plantJson("10.0.0.1", "", {itemJson("A", address, "1", dataType)}));
     QCOMPARE(run.output, isRight ? text("plant.json: no problems\n") : QString());
     QCOMPARE(run.errors.count(text("parameters.memory_address: \"")), isRight ? 0 : 1);
     QCOMPARE(run.exitCode, isRight ? 0 : 2);

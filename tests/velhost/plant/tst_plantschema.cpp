@@ -220,6 +220,25 @@ void tst_PlantSchema::refused_data()
         "$.devices[0].items[0].parameters.memory_address");
     row("memory type not offered", R"("memory_type": "1")", R"("memory_type": "2")",
         "$.devices[0].items[0].parameters.memory_type");
+    const char *const item = R"("memory_address": "D1", "memory_type": "1", "data_type": "Short")";
+    const char *const address = "$.devices[0].items[0].parameters.memory_address";
+    row("bit as Short", item, R"("memory_address": "D1.3", "data_type": "Short")", address);
+    row("bit as number 1", item, R"("memory_address": "D1.3", "data_type": "1")", address);
+    row("bit of a bit device", item, R"("memory_address": "R1.3", "memory_type": "0")", address);
+    row("bit 16", item, R"("memory_address": "D1.16", "data_type": "BIT")", address);
+    row("bit of three digits", item, R"("memory_address": "D1.007", "data_type": "BIT")", address);
+    row("length as Short", item, R"("memory_address": "D1-5", "data_type": "Short")", address);
+    row("length without data type", item, R"("memory_address": "D1-5")", address);
+    row("length of a bit device", item,
+        R"("memory_address": "R1-5", "memory_type": "Bit device", "data_type": "ASCII")", address);
+    row("length 0", item, R"("memory_address": "D1-0", "data_type": "ASCII")", address);
+    row("ASCII without length", item, R"("memory_address": "D1", "data_type": "ASCII")", address);
+    row("ASCII as 9 without length", item, R"("memory_address": "D1", "data_type": "9")", address);
+    row("Unknown Data Type", item,
+        R"("memory_address": "D1", "memory_type": "1", "data_type": "Unknown Data Type")",
+        "$.devices[0].items[0].parameters.data_type");
+    row("Unknown Data Type as 10", item, R"("memory_address": "D1", "data_type": "10")",
+        "$.devices[0].items[0].parameters.data_type");
     row("data type in other letters", R"("Short")", R"("short")",
         "$.devices[0].items[0].parameters.data_type");
 }
@@ -277,6 +296,17 @@ void tst_PlantSchema::limits_data()
     row(timeout, R"("timeout": "2147483648")", false);
     row(timeout, R"("timeout": "3000000000")", false);
     row(timeout, R"("timeout": "10000000000")", false);
+    const char *const item = R"("memory_address": "D1", "memory_type": "1", "data_type": "Short")";
+    row(item, R"("memory_address": "D1.0", "data_type": "BIT")", true);
+    row(item, R"("memory_address": "D1.15", "data_type": "0")", true);
+    row(item, R"("memory_address": "D1.3")", true);
+    row(item, R"("memory_address": "D1.3", "memory_type": null, "data_type": null)", true);
+    row(item, R"("memory_address": "D1")", true);
+    row(item, R"("memory_address": "D1-1", "data_type": "ASCII")", true);
+    row(item, R"("memory_address": "D1-10", "memory_type": "Word device", "data_type": "9")", true);
+    row(item, R"("memory_address": "R1", "memory_type": "0", "data_type": "ASCII")", true);
+    row(item, R"("memory_address": "R1", "memory_type": "0", "data_type": "10")", true);
+    row(item, R"("memory_address": "R1", "memory_type": "Bit device")", true);
 }
 
 void tst_PlantSchema::limits()

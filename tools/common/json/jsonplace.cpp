@@ -36,6 +36,11 @@ void addError(const QString &place, const QString &text, QList<Problem> *errors)
     errors->append({{}, place, text});
 }
 
+void addWarning(const QString &place, const QString &text, QList<Problem> *problems)
+{
+    problems->append({{}, place, text, true});
+}
+
 void addWrongKind(const QJsonValue &found, const QString &expected, const QString &place,
                   QList<Problem> *errors)
 {

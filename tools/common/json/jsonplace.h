@@ -18,6 +18,7 @@ QString member(const QString &place, const QString &key);
 QString element(const QString &place, int index);
 
 void addError(const QString &place, const QString &text, QList<Problem> *errors);
+void addWarning(const QString &place, const QString &text, QList<Problem> *problems);
 
 /// Adds the error that `found` is missing or is not `expected`.
 void addWrongKind(const QJsonValue &found, const QString &expected, const QString &place,

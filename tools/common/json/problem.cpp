@@ -2,6 +2,14 @@
 
 #include <common/json/json.h>
 
+#include <algorithm>
+
+bool hasError(const QList<Problem> &problems)
+{
+    return std::any_of(problems.begin(), problems.end(),
+                       [](const Problem &problem) { return !problem.isWarning; });
+}
+
 QStringList problemLines(const QString &fileName, const QList<Problem> &problems)
 {
     QStringList lines;
@@ -9,7 +17,8 @@ QStringList problemLines(const QString &fileName, const QList<Problem> &problems
         const QString file
             = problem.position.isEmpty() ? fileName : QString(fileName + u':' + problem.position);
         const QString place = problem.place.isEmpty() ? QString() : QString(problem.place + u": ");
-        lines.append(file + u": " + place + problem.text);
+        const QString kind = problem.isWarning ? QStringLiteral("warning: ") : QString();
+        lines.append(file + u": " + place + kind + problem.text);
     }
     return lines;
 }
@@ -18,9 +27,10 @@ QString problemsJson(const QString &fileName, const QList<Problem> &problems)
 {
     QString lines;
     for (const Problem &problem : problems)
-        lines += jsonLine("problem", {{"file", fileName},
-                                      {"position", problem.position},
-                                      {"path", problem.place},
-                                      {"message", problem.text}});
+        lines
+            += jsonLine(problem.isWarning ? "warning" : "problem", {{"file", fileName},
+                                                                    {"position", problem.position},
+                                                                    {"path", problem.place},
+                                                                    {"message", problem.text}});
     return lines;
 }

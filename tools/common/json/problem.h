@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-/// One error in a file.
+/// One error in a file, or a warning: what works, but hardly as it is meant, or was not checked.
 struct Problem
 {
     /// LINE:COLUMN in the file; set when there is no place.
@@ -13,10 +13,14 @@ struct Problem
     QString place;
     /// What is wrong and, where that is not obvious, what to write instead.
     QString text;
+    bool isWarning = false;
 };
+
+/// Whether one of the problems is no mere warning.
+bool hasError(const QList<Problem> &problems);
 
 /// The problems as lines of text, each beginning with the file and the place in it.
 QStringList problemLines(const QString &fileName, const QList<Problem> &problems);
 
-/// The problems as one JSON object a line.
+/// The problems as one JSON object a line, with the type "problem" or "warning".
 QString problemsJson(const QString &fileName, const QList<Problem> &problems);

@@ -1,21 +1,38 @@
 #include "check/checkcommand.h"
 
+#include "check/dryrun.h"
 #include "cli/plantarguments.h"
+#include "plan/recorder.h"
+#include "plan/redirection.h"
 #include "plant/plantcheck.h"
+
+#include <common/json/jsonplace.h>
 
 namespace {
 
-ExitCode report(const Arguments &arguments, const QList<Problem> &problems)
+QString summary(const QList<Problem> &problems)
 {
-    const bool isJson = arguments.format == OutputFormat::Json;
-    if (isJson)
+    if (problems.isEmpty())
+        return QStringLiteral("no problems");
+    return problems.size() == 1 ? QStringLiteral("no errors, 1 warning")
+                                : QStringLiteral("no errors, %1 warnings").arg(problems.size());
+}
+
+void printProblems(const Arguments &arguments, const QList<Problem> &problems)
+{
+    if (arguments.format == OutputFormat::Json)
         print(stdout, problemsJson(arguments.plantFile, problems));
     else
         printError(problemLines(arguments.plantFile, problems));
-    if (!problems.isEmpty())
+}
+
+ExitCode report(const Arguments &arguments, const QList<Problem> &problems)
+{
+    printProblems(arguments, problems);
+    if (hasError(problems))
         return WrongUsage;
-    if (!isJson)
-        print(stdout, arguments.plantFile + u": no problems\n");
+    if (arguments.format != OutputFormat::Json)
+        print(stdout, arguments.plantFile + u": " + summary(problems) + u'\n');
     return AllWell;
 }
 
@@ -25,12 +42,29 @@ ExitCode runCheck(const Arguments &arguments)
     const std::optional<Plant> draft = readPlantDraft(arguments.plantFile, &problems);
     if (!draft)
         return report(arguments, problems);
-    // The plug-in gets the interfaces, which it offers in a column, but no device to connect to.
-    Plant empty;
-    empty.networkInterfaces = draft->networkInterfaces;
-    return runSession(sessionSetup(arguments, empty), [&](const Session &session) {
-        return report(arguments, plantProblems(*draft, session.registration, problems));
+    Recorder recorder;
+    // No device of the plant is contacted: the plug-in gets the recorder in place of each.
+    SessionSetup setup = sessionSetup(arguments, devicesOnly(*draft));
+    setup.redirection = [port = recorder.port()](const DeviceInstancePlugin &device) {
+        return redirected(device, port);
+    };
+    bool isChecked = false;
+    const ExitCode result = runSession(setup, [&](const Session &session) {
+        isChecked = true;
+        problems = plantProblems(*draft, session.registration, problems);
+        if (recorder.port() == 0)
+            addWarning({},
+                       QStringLiteral("items were not checked: velhost cannot listen on 127.0.0.1"),
+                       &problems);
+        else
+            problems += dryRunProblems(session, *draft, &recorder, problems);
+        return report(arguments, problems);
     });
+    if (!isChecked) {
+        addWarning({}, QStringLiteral("items were not checked: no plug-in"), &problems);
+        printProblems(arguments, problems);
+    }
+    return result;
 }
 
 } // namespace

@@ -4,12 +4,19 @@
 #include "plant/rules.h"
 
 #include <common/ipv4address.h>
+#include <common/json/jsonplace.h>
 
+#include <QHash>
+#include <QPair>
 #include <QSet>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
+
+const QString memoryAddress = QStringLiteral("memory_address");
+const QString memoryType = QStringLiteral("memory_type");
 
 // The rule for the text of a parameter, if the plug-in declares that parameter.
 struct Rule
@@ -33,7 +40,7 @@ const QList<Rule> &deviceRules()
 const QList<Rule> &itemRules()
 {
     static const QList<Rule> rules{
-        {QStringLiteral("memory_address"), isMemoryAddress,
+        {memoryAddress, isMemoryAddress,
          QStringLiteral("no address in a controller; write a device and its number, for example "
                         "D201, DM100.3, D200-10 or D200-209")}};
     return rules;
@@ -75,6 +82,50 @@ void checkParameters(const QMap<QString, QString> &parameters, const QList<Rule>
     }
 }
 
+/// Warns of a memory type that is another than that of the address.
+void checkMemoryType(const ItemInstancePlugin &item, const QList<DatabaseColumnStructure> &columns,
+                     const QString &parametersPlace, Review *review)
+{
+    const auto column = std::find_if(columns.begin(), columns.end(), [](const auto &candidate) {
+        return candidate.name == memoryType;
+    });
+    const QString place = parametersPlace + memoryType;
+    if (column == columns.end() || review->faultyPlaces.contains(place))
+        return;
+    const QString address = item.parameters.value(memoryAddress);
+    const bool isBitDevice
+        = displayText(item.parameters.value(memoryType), *column).startsWith(u"Bit");
+    if (!isBitDevice && holdsBits(address))
+        addWarning(place,
+                   QStringLiteral("\"%1\" is a bit in the controller and not a word; choose \"Bit "
+                                  "device\"")
+                       .arg(address),
+                   &review->problems);
+    if (isBitDevice && holdsWords(address))
+        addWarning(place,
+                   QStringLiteral("\"%1\" is a word in the controller: a write would leave nothing "
+                                  "but 0 or 1 in it; choose \"Word device\"")
+                       .arg(address),
+                   &review->problems);
+}
+
+/// Warns of an address that is sent, but hardly means what was wanted.
+void checkAddress(const ItemInstancePlugin &item, const QList<DatabaseColumnStructure> &columns,
+                  const QString &parametersPlace, Review *review)
+{
+    const QString address = item.parameters.value(memoryAddress);
+    const QString place = parametersPlace + memoryAddress;
+    if (!isMemoryAddress(address) || review->faultyPlaces.contains(place))
+        return;
+    if (address != address.toUpper())
+        addWarning(place,
+                   QStringLiteral("\"%1\" is sent in small letters, which a controller may refuse; "
+                                  "write \"%2\"")
+                       .arg(address, address.toUpper()),
+                   &review->problems);
+    checkMemoryType(item, columns, parametersPlace, review);
+}
+
 void checkDevice(const DeviceInstancePlugin &device, const PluginRegistration &registration,
                  const QString &place, Review *review)
 {
@@ -87,9 +138,32 @@ void checkDevice(const DeviceInstancePlugin &device, const PluginRegistration &r
     checkParameters(device.parameters, deviceRules(), registration.deviceColumns, place, review);
     for (int i = 0; i < device.items.size(); ++i) {
         const QString itemPlace = QStringLiteral("%1.items[%2]").arg(place).arg(i);
-        if (!review->faultyPlaces.contains(itemPlace))
-            checkParameters(device.items.at(i).parameters, itemRules(), registration.itemColumns,
-                            itemPlace, review);
+        if (review->faultyPlaces.contains(itemPlace))
+            continue;
+        checkParameters(device.items.at(i).parameters, itemRules(), registration.itemColumns,
+                        itemPlace, review);
+        checkAddress(device.items.at(i), registration.itemColumns, itemPlace + u".parameters.",
+                     review);
+    }
+}
+
+/// Warns of each device that has the address and the port of one before it.
+void checkEndpoints(const QList<DeviceInstancePlugin> &devices, Review *review)
+{
+    QHash<QPair<quint32, int>, int> firstIndex;
+    for (int i = 0; i < devices.size(); ++i) {
+        const std::optional<quint32> address = ipv4Address(devices.at(i).ipAddress);
+        const QString port = devices.at(i).parameters.value(QStringLiteral("port"));
+        if (!address || !isPort(port))
+            continue;
+        const int first = firstIndex.value({*address, port.toInt()}, i);
+        firstIndex.insert({*address, port.toInt()}, first);
+        if (first != i)
+            addWarning(element(QStringLiteral("devices"), i),
+                       QStringLiteral("devices[%1] has the same address and port; one device can "
+                                      "have the items of both")
+                           .arg(first),
+                       &review->problems);
     }
 }
 
@@ -107,5 +181,6 @@ QList<Problem> plantProblems(const Plant &draft, const PluginRegistration &regis
         if (!review.faultyPlaces.contains(place))
             checkDevice(devices.at(i), registration, place, &review);
     }
+    checkEndpoints(devices, &review);
     return review.problems;
 }

@@ -103,6 +103,15 @@ QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
     return record;
 }
 
+QString displayText(const QString &value, const DatabaseColumnStructure &column)
+{
+    for (const Choice &entry : column.selectionValues) {
+        if (isChoice(entry) && entry.value == value)
+            return entry.text;
+    }
+    return value;
+}
+
 QList<DeviceInstancePlugin>
 deviceRecords(const Plant &plant, const PluginRegistration &registration, QList<Problem> *errors)
 {

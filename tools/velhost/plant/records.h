@@ -23,6 +23,9 @@ QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
                                          const QString &scope, const QString &place,
                                          QList<Problem> *errors);
 
+/// What the host shows for a parameter: the display text of its value, or else the value itself.
+QString displayText(const QString &value, const DatabaseColumnStructure &column);
+
 /// The plant's devices as records, their parameters resolved with the registered columns. Adds an
 /// error with its place in the plant file for each parameter that does not resolve.
 QList<DeviceInstancePlugin>

@@ -3,12 +3,20 @@
 #include <common/wholenumber.h>
 
 #include <QRegularExpression>
+#include <QStringList>
 
 #include <limits>
 
 namespace {
 
 constexpr int largestPort = 65535;
+
+/// Whether the device's name, which ends at the first digit, is one of the names.
+bool isNamed(const QString &memoryAddress, const QStringList &names)
+{
+    static const QRegularExpression digit(QStringLiteral("[0-9]"));
+    return names.contains(memoryAddress.section(digit, 0, 0), Qt::CaseInsensitive);
+}
 
 } // namespace
 
@@ -34,4 +42,16 @@ bool isMemoryAddress(const QString &text)
     static const QRegularExpression form(
         QStringLiteral("\\A[A-Za-z]+([0-9A-Fa-f]+|[0-9]+[.-][0-9]+)\\z"));
     return form.match(text).hasMatch();
+}
+
+bool holdsBits(const QString &memoryAddress)
+{
+    static const QStringList names = QStringLiteral("R MR M LR L CR B").split(u' ');
+    return isNamed(memoryAddress, names);
+}
+
+bool holdsWords(const QString &memoryAddress)
+{
+    static const QStringList names = QStringLiteral("DM D EM E FM F ZF W TM CM VM Z").split(u' ');
+    return isNamed(memoryAddress, names);
 }

@@ -16,3 +16,8 @@ bool isTimeout(const QString &text);
 
 /// A device of a controller and its number, with a bit or a range behind it where there is one.
 bool isMemoryAddress(const QString &text);
+
+/// Whether the address names a device that holds single bits in every controller of the series, or
+/// words of 16 bits. Both are false for a name that is not known, or that has either.
+bool holdsBits(const QString &memoryAddress);
+bool holdsWords(const QString &memoryAddress);
