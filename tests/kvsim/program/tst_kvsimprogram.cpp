@@ -11,7 +11,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <list>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -32,7 +31,6 @@ private Q_SLOTS:
     void faultsAndValues();
     void countersOnSignal();
     void portTakenDuringRestart();
-    void moreClientsThanDescriptors();
     void usageErrors_data();
     void usageErrors();
     void portTaken();
@@ -235,29 +233,6 @@ void tst_KvsimProgram::portTakenDuringRestart()
                         "commands 1, answers 0, refusals 0, clients 1\n"
                         "fault restart=1000: seen 1, applied 1\n"));
     QCOMPARE(process.exitCode(), 1);
-}
-
-void tst_KvsimProgram::moreClientsThanDescriptors()
-{
-#ifdef __SANITIZE_ADDRESS__
-    QSKIP("The sanitizer's own checks need a file descriptor and fail when there is none.");
-#endif
-    QProcess process;
-    process.start(
-        QStringLiteral("/bin/sh"),
-        {QStringLiteral("-c"), QStringLiteral("ulimit -n 16; exec \"$0\" --port 0"), program});
-    const quint16 port = listeningPort(&process);
-    QVERIFY(port != 0);
-
-    // The last clients are connected by the system, but not served before others go.
-    std::list<TextClient> clients;
-    while (clients.size() < 20)
-        clients.emplace_back(port);
-    QCOMPARE(clients.front().ask("?K\r"), QByteArray("55\r\n"));
-    while (clients.size() > 1)
-        clients.pop_front();
-    QCOMPARE(clients.back().ask("?K\r"), QByteArray("55\r\n"));
-    end(&process);
 }
 
 void tst_KvsimProgram::usageErrors_data()

@@ -10,10 +10,18 @@ class KvsimProcess
 public:
     static constexpr int timeout = 10000;
 
-    /// Waits for so many lines of output.
-    explicit KvsimProcess(const QStringList &arguments, int lines = 1)
+    /// Waits for so many lines of output. `before` is what a shell does first, in the same process,
+    /// for example "ulimit -n 64".
+    explicit KvsimProcess(const QStringList &arguments, int lines = 1, const QString &before = {})
     {
-        m_process.start(QStringLiteral(KVSIM_PROGRAM), arguments);
+        const QString program = QStringLiteral(KVSIM_PROGRAM);
+        if (before.isEmpty())
+            m_process.start(program, arguments);
+        else
+            m_process.start(QStringLiteral("/bin/sh"),
+                            QStringList{QStringLiteral("-c"),
+                                        before + QStringLiteral("; exec \"$0\" \"$@\""), program}
+                                + arguments);
         for (int i = 0; i < lines; ++i)
             m_lines.append(nextLine());
     }

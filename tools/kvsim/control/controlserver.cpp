@@ -13,7 +13,7 @@ constexpr int unsentLimit = 64 * 1024;
 ControlServer::ControlServer(ControlTarget target, QObject *parent)
     : QObject(parent), m_target(std::move(target))
 {
-    connect(&m_listener, &QTcpServer::newConnection, this, &ControlServer::acceptClients);
+    connect(&m_listener, &Listener::clientCame, this, &ControlServer::accept);
 }
 
 bool ControlServer::listen(quint16 port)
@@ -21,15 +21,13 @@ bool ControlServer::listen(quint16 port)
     return m_listener.listen(QHostAddress(QHostAddress::LocalHost), port);
 }
 
-void ControlServer::acceptClients()
+void ControlServer::accept(QTcpSocket *socket)
 {
-    while (QTcpSocket *socket = m_listener.nextPendingConnection()) {
-        socket->setReadBufferSize(maximumLine);
-        const auto serveIt = [this, socket] { serve(socket); };
-        connect(socket, &QTcpSocket::readyRead, socket, serveIt);
-        connect(socket, &QTcpSocket::bytesWritten, socket, serveIt, Qt::QueuedConnection);
-        connect(socket, &QTcpSocket::disconnected, socket, &QTcpSocket::deleteLater);
-    }
+    socket->setReadBufferSize(maximumLine);
+    const auto serveIt = [this, socket] { serve(socket); };
+    connect(socket, &QTcpSocket::readyRead, socket, serveIt);
+    connect(socket, &QTcpSocket::bytesWritten, socket, serveIt, Qt::QueuedConnection);
+    connect(socket, &QTcpSocket::disconnected, socket, &QTcpSocket::deleteLater);
 }
 
 void ControlServer::serve(QTcpSocket *socket)

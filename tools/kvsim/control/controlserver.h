@@ -1,8 +1,7 @@
 #pragma once
 
 #include "control/control.h"
-
-#include <QTcpServer>
+#include "network/listener.h"
 
 /// Lets programs on the same machine look into controllers and change them, see answerControl(). A
 /// search for controllers, the command "?K" of Host Link, is told that this port is none.
@@ -22,16 +21,16 @@ public:
     bool listen(quint16 port);
 
     QString errorString() const { return m_listener.errorString(); }
-    quint16 port() const { return m_listener.serverPort(); }
+    quint16 port() const { return m_listener.port(); }
 
 Q_SIGNALS:
     /// A client wants the simulator to end. Its answer is sent.
     void quitWanted();
 
 private:
-    void acceptClients();
+    void accept(QTcpSocket *socket);
     void serve(QTcpSocket *socket);
 
     ControlTarget m_target;
-    QTcpServer m_listener;
+    Listener m_listener;
 };

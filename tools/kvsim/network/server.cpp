@@ -3,17 +3,18 @@
 #include "controller/controller.h"
 #include "network/connection.h"
 #include "network/datagramserver.h"
+#include "network/listener.h"
 
 #include <QTcpSocket>
 
 Server::Server(Controller *controller, QObject *parent)
-    : QObject(parent), m_controller(controller), m_listener(new QTcpServer(this)),
+    : QObject(parent), m_controller(controller), m_listener(new Listener(this)),
       m_datagrams(new DatagramServer(controller, this)), m_restartTimer(this)
 {
     m_restartTimer.setSingleShot(true);
     m_restartTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_restartTimer, &QTimer::timeout, this, &Server::listenAgain);
-    connect(m_listener, &QTcpServer::newConnection, this, &Server::acceptClients);
+    connect(m_listener, &Listener::clientCame, this, &Server::accept);
     // Queued: the server is still busy with the datagram.
     connect(m_datagrams, &DatagramServer::restartWanted, this, &Server::restart,
             Qt::QueuedConnection);
@@ -28,7 +29,7 @@ bool Server::listen(const QHostAddress &address, quint16 port)
             m_errorString = m_listener->errorString();
             return false;
         }
-        if (m_datagrams->listen(m_listener->serverAddress(), m_listener->serverPort()))
+        if (m_datagrams->listen(m_listener->address(), m_listener->port()))
             return true;
         m_errorString = m_datagrams->errorString() + u" (UDP)";
         m_listener->close();
@@ -49,18 +50,12 @@ bool Server::isListening() const
 
 QHostAddress Server::address() const
 {
-    return m_listener->serverAddress();
+    return m_listener->address();
 }
 
 quint16 Server::port() const
 {
-    return m_listener->serverPort();
-}
-
-void Server::acceptClients()
-{
-    while (QTcpSocket *socket = m_listener->nextPendingConnection())
-        accept(socket);
+    return m_listener->port();
 }
 
 void Server::accept(QTcpSocket *socket)
@@ -79,12 +74,6 @@ void Server::accept(QTcpSocket *socket)
     connect(connection, &Connection::restartWanted, this, &Server::restart, Qt::QueuedConnection);
     connect(socket, &QTcpSocket::disconnected, this,
             [this, connection] { m_connections.removeOne(connection); });
-    // When file descriptors run out, Qt may stop accepting until it is told to resume. A closed
-    // listener must not be told.
-    connect(connection, &Connection::destroyed, m_listener, [this] {
-        if (m_listener->isListening())
-            m_listener->resumeAccepting();
-    });
     if (welcome == Welcome::Ignore)
         connection->ignoreInput();
 }

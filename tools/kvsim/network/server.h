@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QHostAddress>
-#include <QTcpServer>
 #include <QTimer>
 
 class Connection;
 class DatagramServer;
+class Listener;
+class QTcpSocket;
 struct Controller;
 
 /// Serves one controller to any number of TCP clients, and over UDP on the same port.
@@ -35,13 +36,12 @@ Q_SIGNALS:
     void restartFailed();
 
 private:
-    void acceptClients();
     void accept(QTcpSocket *socket);
     void restart(int milliseconds);
     void listenAgain();
 
     Controller *m_controller;
-    QTcpServer *m_listener;
+    Listener *m_listener;
     DatagramServer *m_datagrams;
     QString m_errorString;
     QList<Connection *> m_connections;
