@@ -21,7 +21,8 @@ QString outputFileError(const QString &fileName)
 QString writeOutputFile(const QString &fileName, const QByteArray &content)
 {
     QSaveFile file(fileName);
-    const bool isWritten
-        = file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+    // commit() alone misses that the rest of what is buffered cannot be written.
+    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(content) == content.size()
+                           && file.flush() && file.commit();
     return isWritten ? QString() : errorOf(file);
 }

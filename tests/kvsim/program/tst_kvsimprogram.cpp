@@ -35,7 +35,6 @@ private Q_SLOTS:
     void usageErrors();
     void portTaken();
     void foreignAddress();
-    void outputThatCannotBeWritten();
     void version();
 };
 
@@ -327,17 +326,6 @@ void tst_KvsimProgram::foreignAddress()
                         "available. Choose another --bind or --port.\n"));
     QCOMPARE(result.output.toUtf8(), QByteArray());
     QCOMPARE(result.exitCode, 1);
-}
-
-void tst_KvsimProgram::outputThatCannotBeWritten()
-{
-    QProcess process;
-    process.setStandardOutputFile(QStringLiteral("/dev/full"));
-    process.start(program, {QStringLiteral("--port"), QStringLiteral("0")});
-    QVERIFY(process.waitForFinished(timeout));
-    QCOMPARE(process.readAllStandardError(),
-             QByteArray("kvsim: cannot write to standard output: No space left on device\n"));
-    QCOMPARE(process.exitCode(), 1);
 }
 
 void tst_KvsimProgram::version()

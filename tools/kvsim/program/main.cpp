@@ -6,6 +6,8 @@
 
 #include <QCoreApplication>
 
+#include <cstdio>
+
 int main(int argc, char *argv[])
 {
     // GLib's event loop wakes itself, with a system call, each time that a socket begins or ceases
@@ -31,5 +33,8 @@ int main(int argc, char *argv[])
     case Options::Action::Serve:
         break;
     }
-    return serve(options);
+    const ExitCode result = serve(options);
+    // A trace that lacks lines must not pass for a whole one.
+    const bool isTraceWhole = !options.trace || std::ferror(stderr) == 0;
+    return result == AllWell && !isTraceWhole ? ErrorFound : result;
 }
