@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <cstdio>
 
 namespace {
 
@@ -39,6 +40,9 @@ ExitCode readCycles(const Session &session, const Arguments &arguments)
         printer.printCycle(reports);
         if (hasError(reports))
             result = ErrorFound;
+        // Nobody would see what the other cycles read.
+        if (std::ferror(stdout) != 0)
+            return result;
         const bool isLast = cycle == cycles;
         const int signal
             = stopSignals.wait(isLast ? 0 : intervalMs(arguments) - sinceStart.elapsed());
