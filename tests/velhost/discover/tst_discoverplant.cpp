@@ -66,6 +66,7 @@ private Q_SLOTS:
     void replaces();
     void triedBeforeTheSearch();
     void cannotBeWritten();
+    void diskIsFull();
 };
 
 void tst_DiscoverPlant::init()
@@ -210,6 +211,26 @@ void tst_DiscoverPlant::cannotBeWritten()
              text("velhost: %1: cannot be written: No such file or directory\n").arg(file));
     QVERIFY(run.output.contains(port));
     QCOMPARE(run.exitCode, 1);
+}
+
+// What was there before is not lost. No file can grow; writing tells so, as on a full disk.
+void tst_DiscoverPlant::diskIsFull()
+{
+    const SimulatorThread controller;
+    QVERIFY(controller.isListening());
+    QVERIFY(writeFile(plant(), "mine"));
+    const ProgramRun run = runBesideLoop(
+        text("/bin/sh"),
+        QStringList{text("-c"), text(R"(trap '' XFSZ; ulimit -f 0; exec "$0" "$@")"),
+                    text(VELHOST_FILE)}
+            + searchArguments(
+                KEYENCE_PLUGIN_FILE, m_nobody.udp(), QString::number(controller.port()),
+                shortSearch() + QStringList{text("--plant"), plant(), text("--force")}));
+    QCOMPARE(run.errors.section(u'\n', 1),
+             text("velhost: %1: cannot be written: File too large\n").arg(plant()));
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(contents(plant()), QByteArray("mine"));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList(text("plant.json")));
 }
 
 QTEST_GUILESS_MAIN(tst_DiscoverPlant)
