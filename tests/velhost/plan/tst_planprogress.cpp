@@ -61,7 +61,7 @@ void tst_PlanProgress::ended_data()
     QTest::newRow("SIGQUIT") << SIGQUIT;
 }
 
-// The line is removed, and nothing follows.
+// The line is removed, and nothing of the program follows; an emulator tells of some signals there.
 void tst_PlanProgress::ended()
 {
     QFETCH(int, signal);
@@ -72,7 +72,11 @@ void tst_PlanProgress::ended()
     QVERIFY2(plan.waitFor("\rplanned "), plan.output().constData());
     plan.sendSignal(signal);
     QCOMPARE(plan.finish(), -signal);
-    QVERIFY2(plan.output().endsWith(" of 5000 items\x1b[K\r\x1b[K"), plan.output().constData());
+    const QByteArray removed = " of 5000 items\x1b[K\r\x1b[K";
+    const int end = plan.output().lastIndexOf(removed);
+    QVERIFY2(end > 0, plan.output().constData());
+    const QByteArray rest = plan.output().mid(end + removed.size());
+    QVERIFY2(rest.isEmpty() || rest.startsWith("qemu: "), plan.output().constData());
 }
 
 // The first item is the last one.
