@@ -45,9 +45,7 @@ ExitCode runCheck(const Arguments &arguments)
     Recorder recorder;
     // No device of the plant is contacted: the plug-in gets the recorder in place of each.
     SessionSetup setup = sessionSetup(arguments, devicesOnly(*draft));
-    setup.redirection = [port = recorder.port()](const DeviceInstancePlugin &device) {
-        return redirected(device, port);
-    };
+    setup.redirection = redirectionTo(recorder.port());
     bool isChecked = false;
     const ExitCode result = runSession(setup, [&](const Session &session) {
         isChecked = true;

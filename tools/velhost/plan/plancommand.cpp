@@ -136,9 +136,7 @@ ExitCode runPlan(const Arguments &arguments)
     ProgressLine progress(quietMs);
     SessionSetup setup = sessionSetup(arguments, *plant);
     setup.progress = &progress;
-    setup.redirection = [port = recorder.port()](const DeviceInstancePlugin &device) {
-        return redirected(device, port);
-    };
+    setup.redirection = redirectionTo(recorder.port());
     return runSession(setup, [&](const Session &session) {
         const Plan plan = makePlan(session, *assignments, &recorder, &progress);
         print(stdout, planText(arguments.format, plan, arguments.number(rttOption, defaultRttMs)));

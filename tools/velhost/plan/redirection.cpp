@@ -21,6 +21,11 @@ DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port)
     return device;
 }
 
+Redirection redirectionTo(quint16 port)
+{
+    return [port](const DeviceInstancePlugin &device) { return redirected(device, port); };
+}
+
 DeviceInstancePlugin redirectedWhereValid(const DeviceInstancePlugin &device, quint16 port)
 {
     static const QRegularExpression digit(QStringLiteral("[0-9]"));
