@@ -1,5 +1,7 @@
 #include "program/processsignals.h"
 
+#include <common/stopsignal.h>
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSocketNotifier>
@@ -10,9 +12,6 @@
 
 namespace {
 
-// timeout(1) sends its signal twice, to the program and to its group.
-constexpr int togetherMs = 300;
-
 QElapsedTimer sinceInterrupt;
 
 /// The first SIGINT counts as SIGTERM. The second one ends the program even while it writes to a
@@ -22,7 +21,7 @@ void interrupt(int signal)
     if (!sinceInterrupt.isValid()) {
         sinceInterrupt.start();
         ::kill(::getpid(), SIGTERM);
-    } else if (sinceInterrupt.hasExpired(togetherMs)) {
+    } else if (sinceInterrupt.hasExpired(oneInterruptMs)) {
         std::signal(signal, SIG_DFL);
         ::raise(signal);
     }
@@ -36,9 +35,7 @@ bool handleSignals(QCoreApplication *application, const std::function<void()> &r
     sigemptyset(&signals);
     for (const int signal : {SIGTERM, SIGUSR1})
         sigaddset(&signals, signal);
-    struct sigaction hangUp = {};
-    sigaction(SIGHUP, nullptr, &hangUp);
-    if (hangUp.sa_handler != SIG_IGN)
+    if (!isIgnored(SIGHUP))
         sigaddset(&signals, SIGHUP);
     struct sigaction action = {};
     action.sa_handler = interrupt;

@@ -1,8 +1,9 @@
 #include "host/progressline.h"
 
-#include "host/stopsignals.h"
 #include <common/console.h>
+#include <common/stopsignal.h>
 
+#include <csignal>
 #include <string_view>
 
 #include <unistd.h>
@@ -25,13 +26,8 @@ void clearAtSignal(int signal)
 
 void handleEndingSignals(void (*handler)(int))
 {
-    for (const int signal : {SIGINT, SIGTERM, SIGQUIT}) {
-        struct sigaction action = {};
-        action.sa_handler = handler;
-        action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-        if (!isIgnored(signal))
-            sigaction(signal, &action, nullptr);
-    }
+    for (const int signal : {SIGINT, SIGTERM, SIGQUIT})
+        catchOnce(signal, handler);
 }
 
 } // namespace

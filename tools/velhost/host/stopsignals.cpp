@@ -1,5 +1,7 @@
 #include "host/stopsignals.h"
 
+#include <common/stopsignal.h>
+
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -9,20 +11,6 @@
 #include <sys/eventfd.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
-
-namespace {
-
-// timeout(1) sends its signal twice, to the program and to its group.
-constexpr int togetherMs = 300;
-
-} // namespace
-
-bool isIgnored(int signal)
-{
-    struct sigaction action = {};
-    sigaction(signal, nullptr, &action);
-    return action.sa_handler == SIG_IGN;
-}
 
 ExitCode exitCodeOf(int signal)
 {
@@ -85,7 +73,7 @@ void StopSignals::takePending()
         return;
     if (signal == SIGINT && !m_sinceInterrupt.isValid()) {
         m_sinceInterrupt.start();
-    } else if (signal == SIGINT && m_sinceInterrupt.hasExpired(togetherMs)) {
+    } else if (signal == SIGINT && m_sinceInterrupt.hasExpired(oneInterruptMs)) {
         // Ends the program, after a handler that restores the terminal.
         pthread_sigmask(SIG_UNBLOCK, &m_signals, nullptr);
         ::raise(SIGINT);

@@ -9,9 +9,6 @@
 #include <mutex>
 #include <thread>
 
-/// Whether the program ignores the signal, for example because it was started so.
-bool isIgnored(int signal);
-
 /// The exit code after SIGINT, SIGTERM or SIGHUP.
 ExitCode exitCodeOf(int signal);
 

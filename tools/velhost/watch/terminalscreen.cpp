@@ -1,7 +1,7 @@
 #include "watch/terminalscreen.h"
 
-#include "host/stopsignals.h"
 #include <common/console.h>
+#include <common/stopsignal.h>
 
 #include <algorithm>
 #include <array>
@@ -26,17 +26,6 @@ constexpr std::array<int, 8> caughtSignals{SIGINT, SIGQUIT, SIGTSTP, SIGABRT,
 /// Whether the terminal shows the alternate screen. Changed by the signal handler, too.
 volatile sig_atomic_t isEntered = 0;
 
-void catchSignal(int signal);
-
-/// The handler is removed as soon as the signal is caught.
-void install(int signal, void (*handler)(int))
-{
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND | SA_NODEFER);
-    sigaction(signal, &action, nullptr);
-}
-
 /// Called by the signal handler, so it must not use the stdout stream.
 void leave()
 {
@@ -55,7 +44,7 @@ void catchSignal(int signal)
     ::raise(signal);
     // Reached only when a stopped program continues. The next draw() switches to the alternate
     // screen again.
-    install(signal, catchSignal);
+    catchOnce(signal, catchSignal);
     errno = errorBefore;
 }
 
@@ -69,19 +58,15 @@ bool TerminalScreen::isUsable()
 
 TerminalScreen::TerminalScreen()
 {
-    for (const int signal : caughtSignals) {
-        if (!isIgnored(signal))
-            install(signal, catchSignal);
-    }
+    for (const int signal : caughtSignals)
+        catchOnce(signal, catchSignal);
 }
 
 TerminalScreen::~TerminalScreen()
 {
     leave();
-    for (const int signal : caughtSignals) {
-        if (!isIgnored(signal))
-            install(signal, SIG_DFL);
-    }
+    for (const int signal : caughtSignals)
+        catchOnce(signal, SIG_DFL);
 }
 
 ScreenSize TerminalScreen::size()
