@@ -14,8 +14,6 @@ constexpr int timeoutMs = 50;
 struct Item
 {
     const char *address;
-    // What the simulator calls the word, or the bit, that the item touches first.
-    const char *touched;
     const char *memoryType;
     const char *dataType;
     const char *expected;
@@ -23,21 +21,21 @@ struct Item
 
 // Memory that nobody wrote: word n holds n, the bits of channel n are the digits of n.
 constexpr std::array<Item, 8> readItems = {{
-    {"DM7", "DM7", "1", "3", "7"},
-    {"D100", "D100", "1", "1", "100"},
-    {"DM40000", "DM40000", "1", "1", "-25536"},
-    {"DM200", "DM200", "1", "4", "13172936"}, // 200 + 201 * 65536
-    {"W1F", "W1F", "1", "3", "31"},
-    {"DM300.2", "DM300", "1", "0", "1"}, // 300 is 100101100 in binary digits
-    {"DM301.4", "DM301", "1", "0", "0"}, // 301 is 100101101
-    {"R601", "R601", "0", "0", "1"},     // 6 is 110
+    {"DM7", "1", "3", "7"},
+    {"D100", "1", "1", "100"},
+    {"DM40000", "1", "1", "-25536"},
+    {"DM200", "1", "4", "13172936"}, // 200 + 201 * 65536
+    {"W1F", "1", "3", "31"},
+    {"DM300.2", "1", "0", "1"}, // 300 is 100101100 in binary digits
+    {"DM301.4", "1", "0", "0"}, // 301 is 100101101
+    {"R601", "0", "0", "1"},    // 6 is 110
 }};
 
 // Each of them changes with every cycle.
 constexpr std::array<Item, 3> writeItems = {{
-    {"DM5000", "DM5000", "1", "3", ""},
-    {"DM5001.3", "DM5001", "1", "0", ""},
-    {"MR105", "MR105", "0", "0", ""},
+    {"DM5000", "1", "3", ""},
+    {"DM5001.3", "1", "0", ""},
+    {"MR105", "0", "0", ""},
 }};
 constexpr int writtenBit = 1 << 3;
 constexpr int wordAroundBit = 5001;
@@ -55,11 +53,17 @@ QList<DataItem> dataItems(const Items &items, const QString &value)
     return list;
 }
 
+// What the simulator calls the word, or the bit of a bit device, that the item touches first.
+QByteArray touchedBy(const Item &item)
+{
+    return QByteArray(item.address).split('.').constFirst();
+}
+
 template<typename Items>
 int indexOf(const Items &items, const QByteArray &touched)
 {
     const auto found = std::find_if(items.begin(), items.end(), [&touched](const Item &item) {
-        return touched == item.touched;
+        return touched == touchedBy(item);
     });
     return static_cast<int>(found - items.begin());
 }
@@ -85,12 +89,12 @@ void SoakedDevice::runCycle(VELInterface *plugin, RecordingBackend *host, bool s
 {
     const auto oneOf = [random](unsigned int count) { return (*random)() % count == 0; };
     if (m_shifted && m_fault == nullptr && (!strike || oneOf(4)))
-        addFault(&restartConnection, readItems.front().touched);
+        addFault(&restartConnection, touchedBy(readItems.front()));
     if (strike && isWell() && oneOf(8)) {
         const std::size_t item = (*random)() % (readItems.size() + writeItems.size());
         const PlannedFault &fault = plannedFaults[(*random)() % plannedFaults.size()];
-        addFault(&fault, item < readItems.size() ? readItems[item].touched
-                                                 : writeItems[item - readItems.size()].touched);
+        addFault(&fault, touchedBy(item < readItems.size() ? readItems[item]
+                                                           : writeItems[item - readItems.size()]));
     }
     ++m_cycle;
     m_allGood = true;

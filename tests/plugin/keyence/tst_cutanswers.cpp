@@ -101,6 +101,25 @@ Outcome outcomeOf(const QByteArray &answer, const TypedItem &item)
     return {ItemData::getUserText(answer, item.type, text(item.address)), {}};
 }
 
+// The item that clears bit 3 of D201.
+DataItem clearedBit()
+{
+    return dataItem(text("Bit"), text("D201.3"), text("1"), text("0"), text("0"));
+}
+
+// Writes the items to a controller that the peer plays; returns the error log.
+QStringList errorsOfWrite(const ScriptedPeer &peer, const QList<DataItem> &items)
+{
+    RecordingBackend host;
+    host.configuredDevices = {deviceRecord(1, text("Press"), peer.port(), 10000)};
+    Keyence plugin;
+    plugin.init();
+    LogList list = logList(host.configuredDevices.at(0), items);
+    plugin.writeData(&list);
+    plugin.stopPlugin();
+    return host.errorLog;
+}
+
 // How many cuts were tried, over all types.
 int positions = 0;
 
@@ -190,17 +209,8 @@ void tst_CutAnswers::answerToAWrite()
     QFETCH(QByteArray, rest);
     QFETCH(QByteArray, written);
     ScriptedPeer peer(script({piece, rest + "00201\r\n", "OK\r\n"}));
-    RecordingBackend host;
-    host.configuredDevices = {deviceRecord(1, text("Press"), peer.port(), 10000)};
-    Keyence plugin;
-    plugin.init();
-    LogList list
-        = logList(host.configuredDevices.at(0),
-                  {dataItem(text("Word"), text("D7"), text("1"), text("3"), text("1")),
-                   dataItem(text("Bit"), text("D201.3"), text("1"), text("0"), text("0"))});
-    plugin.writeData(&list);
-    QCOMPARE(host.errorLog, QStringList());
-    plugin.stopPlugin();
+    const DataItem word = dataItem(text("Word"), text("D7"), text("1"), text("3"), text("1"));
+    QCOMPARE(errorsOfWrite(peer, {word, clearedBit()}), QStringList());
     QCOMPARE(peer.finish(), "WR D7 0001\rRD D201\r" + written);
     ++positions;
 }
@@ -225,16 +235,7 @@ void tst_CutAnswers::readBeforeABitWrite()
     QFETCH(QByteArray, written);
     const QByteArray answer = "00201\r\n";
     ScriptedPeer peer(script({answer.left(cut), answer.mid(cut) + "OK\r\n"}));
-    RecordingBackend host;
-    host.configuredDevices = {deviceRecord(1, text("Press"), peer.port(), 10000)};
-    Keyence plugin;
-    plugin.init();
-    LogList list
-        = logList(host.configuredDevices.at(0),
-                  {dataItem(text("Bit"), text("D201.3"), text("1"), text("0"), text("0"))});
-    plugin.writeData(&list);
-    QCOMPARE(host.errorLog, QStringList());
-    plugin.stopPlugin();
+    QCOMPARE(errorsOfWrite(peer, {clearedBit()}), QStringList());
     QCOMPARE(peer.finish(), "RD D201\rWR D201 " + written + '\r');
     ++positions;
 }
