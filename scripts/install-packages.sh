@@ -12,7 +12,7 @@ packages_for() {
     bench) packages_for test && echo gnuplot-nox ;;
     memcheck) packages_for test && echo valgrind ;;
     coverage) packages_for test && echo gcovr ;;
-    lint) packages_for test && echo clang-format clang-tidy clazy git ;;
+    lint) packages_for test && echo clang-format clang-tidy clazy git libclang-dev llvm-dev ;;
     fuzz) packages_for programs && echo clang libclang-rt-dev llvm ;;
     cross-compiler) echo g++-arm-linux-gnueabihf ;;
     emulator) echo qemu-user ;;
