@@ -100,7 +100,8 @@ void tst_Explain::finds_data()
     row("item, carriage return written out", "[RD D1\\r] <A> :invalid address", refused);
     row("item, carriage return lost", "[RD D1] <A> :invalid address", refused);
     row("item, carriage return become a line", "[RD D1\n] <A> :invalid address", refused);
-    row("log of velhost", "log error: [RD D1\\r] <A> :invalid address", refused);
+    row("log of velhost", "log error: Press, cycle 3: [RD D1\\r] <A> :invalid address (x 3)",
+        refused);
     row("log with a time", "2026-11-21 08:47:57 ERR [RD D1\r] <A> :invalid address\n", refused);
     row("row of a table", "1  Press  A  [RD D1\\r] <A> :invalid address", refused);
     row("within JSON", R"({"error":"[RD D1\r] <A> :invalid address"})", refused);

@@ -70,8 +70,10 @@ void tst_EndToEnd::reads()
     QVERIFY(controller.setWord("DM501", 0x4443));
 
     const ProgramRun result = run({text("read")}, plantAt(controller.port()));
-    QCOMPARE(withoutTimes(result.output),
-             text(R"json({"type":"log","level":"error","text":"[RD QQ1\r] <Wrong> :invalid address"}
+    QCOMPARE(
+        withoutTimes(result.output),
+        text(
+            R"json({"type":"log","level":"error","time":"T","device":"Press","cycle":1,"text":"[RD QQ1\r] <Wrong> :invalid address"}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Running","value":"1","error":""}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Counter","value":"-1","error":""}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Total","value":"-126412","error":""}
@@ -124,8 +126,8 @@ void tst_EndToEnd::failedWrite()
     QCOMPARE(
         withoutTimes(result.output),
         text(
-            R"json({"type":"log","level":"error","text":"[write data] item error from <Counter> :value out of range"}
-{"type":"log","level":"error","text":"[WR QQ1 0001\r] <Wrong> :invalid address"}
+            R"json({"type":"log","level":"error","time":"T","device":"Press","cycle":1,"text":"[write data] item error from <Counter> :value out of range"}
+{"type":"log","level":"error","time":"T","device":"Press","cycle":1,"text":"[WR QQ1 0001\r] <Wrong> :invalid address"}
 {"type":"device","cycle":1,"time":"T","device":"Press","error":"write failed: 2 entries in the error log"}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Counter","value":"32768","error":""}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Wrong","value":"1","error":""}
@@ -144,8 +146,10 @@ void tst_EndToEnd::notConnected()
         port = controller.port();
     }
     const ProgramRun result = run({text("read")}, plantAt(port));
-    QCOMPARE(withoutTimes(result.output),
-             text(R"json({"type":"log","level":"error","text":"Not connected to PLC"}
+    QCOMPARE(
+        withoutTimes(result.output),
+        text(
+            R"json({"type":"log","level":"error","time":"T","device":"Press","cycle":1,"text":"Not connected to PLC"}
 {"type":"device","cycle":1,"time":"T","device":"Press","error":"Not connected to PLC"}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Running","value":"","error":""}
 {"type":"value","cycle":1,"time":"T","device":"Press","item":"Counter","value":"","error":""}

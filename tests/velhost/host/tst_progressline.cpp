@@ -146,6 +146,7 @@ void tst_ProgressLine::isClearedBeforeLogEntries()
     log.add({LogEntry::Level::Error, text("a")});
     log.add({LogEntry::Level::Error, text("a")});
     line.show(text("2"));
+    log.printPendingCounts();
     log.add({LogEntry::Level::Error, text("b")});
     QCOMPARE(terminal.shown(), QByteArray("\r1\x1b[K\r\x1b[Klog error: a\r\n"
                                           "\r2\x1b[K\r\x1b[Klog error: a (x 2)\r\n"

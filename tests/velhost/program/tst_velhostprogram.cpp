@@ -219,18 +219,18 @@ Cycle  Time                           Device  Item     Value  Error
     row("what the plug-in is given, cleared errors and kept values",
         "read|--plugin|%PLUGIN%|--plant|plant.json|--cycles|2|--interval|0|--format|json",
         pressPlant("trace,read-error", "7|!no answer"), 1,
-        R"({"type":"log","level":"debug","text":"init: 1 Press 10.0.0.1 {port=8501 script=trace,read-error time_stamp=2024-02-29T12:34:56.789+05:30} interfaces eth0,eth1"}
-{"type":"log","level":"debug","text":"init: Counter {answers=7|!no answer editable= flagged= memory_type=1}"}
-{"type":"log","level":"debug","text":"init: Mode {answers=0 flagged= memory_type=0}"}
-{"type":"log","level":"debug","text":"read: Press error \"\" of 2 items: Press/Counter=\"\" error \"\", Press/Mode=\"\" error \"\""}
+        R"({"type":"log","level":"debug","time":"T","text":"init: 1 Press 10.0.0.1 {port=8501 script=trace,read-error time_stamp=2024-02-29T12:34:56.789+05:30} interfaces eth0,eth1"}
+{"type":"log","level":"debug","time":"T","text":"init: Counter {answers=7|!no answer editable= flagged= memory_type=1}"}
+{"type":"log","level":"debug","time":"T","text":"init: Mode {answers=0 flagged= memory_type=0}"}
+{"type":"log","level":"debug","time":"T","device":"Press","cycle":1,"text":"read: Press error \"\" of 2 items: Press/Counter=\"\" error \"\", Press/Mode=\"\" error \"\""}
 {"type":"device","cycle":1,"time":"T","device":"Press","error":"no answer from 10.0.0.1"}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"7","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
-{"type":"log","level":"debug","text":"read: Press error \"\" of 2 items: Press/Counter=\"7\" error \"\", Press/Mode=\"0\" error \"\""}
+{"type":"log","level":"debug","time":"T","device":"Press","cycle":2,"text":"read: Press error \"\" of 2 items: Press/Counter=\"7\" error \"\", Press/Mode=\"0\" error \"\""}
 {"type":"device","cycle":2,"time":"T","device":"Press","error":"no answer from 10.0.0.1"}
 {"type":"value","cycle":2,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"7","error":"no answer"}
 {"type":"value","cycle":2,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
-{"type":"log","level":"debug","text":"stop: Press"}
+{"type":"log","level":"debug","time":"T","text":"stop: Press"}
 )",
         "");
     row("no devices", "read|--plugin|%PLUGIN%|--plant|plant.json", R"({"devices": []})", 0, "", "");
@@ -254,21 +254,21 @@ void tst_VelhostProgram::writes_data()
         "write|--no-verify|--yes|--allow-empty|--plugin|%PLUGIN%|--plant|plant.json|--format|json|"
         "Oven/B=1|Press/C=|Oven/A=3|Oven/B=4",
         twoDevicesPlant(), 0,
-        R"({"type":"log","level":"debug","text":"init: 1 Press  {port=8501 script=trace time_stamp=2024-02-29T12:34:56.789+05:30} interfaces "}
-{"type":"log","level":"debug","text":"init: A {answers=0 editable= flagged= memory_type=0}"}
-{"type":"log","level":"debug","text":"init: B {answers=0 editable= flagged= memory_type=0}"}
-{"type":"log","level":"debug","text":"init: C {answers=0 editable= flagged= memory_type=0}"}
-{"type":"log","level":"debug","text":"init: 2 Oven  {port=8501 script=trace time_stamp=2024-02-29T12:34:56.789+05:30} interfaces "}
-{"type":"log","level":"debug","text":"init: A {answers=0 editable= flagged= memory_type=0}"}
-{"type":"log","level":"debug","text":"init: B {answers=0 editable= flagged= memory_type=0}"}
-{"type":"log","level":"debug","text":"write: Oven error \"\" of 2 items: Oven/B=\"1\" error \"\", Oven/A=\"3\" error \"\", Oven/B=\"4\" error \"\""}
+        R"({"type":"log","level":"debug","time":"T","text":"init: 1 Press  {port=8501 script=trace time_stamp=2024-02-29T12:34:56.789+05:30} interfaces "}
+{"type":"log","level":"debug","time":"T","text":"init: A {answers=0 editable= flagged= memory_type=0}"}
+{"type":"log","level":"debug","time":"T","text":"init: B {answers=0 editable= flagged= memory_type=0}"}
+{"type":"log","level":"debug","time":"T","text":"init: C {answers=0 editable= flagged= memory_type=0}"}
+{"type":"log","level":"debug","time":"T","text":"init: 2 Oven  {port=8501 script=trace time_stamp=2024-02-29T12:34:56.789+05:30} interfaces "}
+{"type":"log","level":"debug","time":"T","text":"init: A {answers=0 editable= flagged= memory_type=0}"}
+{"type":"log","level":"debug","time":"T","text":"init: B {answers=0 editable= flagged= memory_type=0}"}
+{"type":"log","level":"debug","time":"T","device":"Oven","cycle":1,"text":"write: Oven error \"\" of 2 items: Oven/B=\"1\" error \"\", Oven/A=\"3\" error \"\", Oven/B=\"4\" error \"\""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Oven","item":"B","value":"1","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Oven","item":"A","value":"3","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Oven","item":"B","value":"4","error":""}
-{"type":"log","level":"debug","text":"write: Press error \"\" of 3 items: Press/C=\"\" error \"\""}
+{"type":"log","level":"debug","time":"T","device":"Press","cycle":1,"text":"write: Press error \"\" of 3 items: Press/C=\"\" error \"\""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"C","value":"","error":""}
-{"type":"log","level":"debug","text":"stop: Press"}
-{"type":"log","level":"debug","text":"stop: Oven"}
+{"type":"log","level":"debug","time":"T","text":"stop: Press"}
+{"type":"log","level":"debug","time":"T","text":"stop: Oven"}
 )",
         "");
     row("refused write",
@@ -278,13 +278,13 @@ void tst_VelhostProgram::writes_data()
 1      T  Press                     write failed: 1 entry in the error log
 1      2024-02-29T12:34:56.789+05:30  Press   Counter  refused
 )",
-        "log error: Counter: value refused\n");
+        "log error: Press, cycle 1: Counter: value refused\n");
     row("two refused writes, json",
         "write|--no-verify|--yes|--plugin|%PLUGIN%|--plant|plant.json|Press/Counter=refused|Press/"
         "Mode=refused|--format|json",
         pressPlant("write-false"), 1,
-        R"({"type":"log","level":"error","text":"Counter: value refused"}
-{"type":"log","level":"error","text":"Mode: value refused"}
+        R"({"type":"log","level":"error","time":"T","device":"Press","cycle":1,"text":"Counter: value refused"}
+{"type":"log","level":"error","time":"T","device":"Press","cycle":1,"text":"Mode: value refused"}
 {"type":"device","cycle":1,"time":"T","device":"Press","error":"write failed: 2 entries in the error log"}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"refused","error":""}
 {"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"refused","error":""}

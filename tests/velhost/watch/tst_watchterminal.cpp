@@ -179,7 +179,7 @@ void tst_WatchTerminal::smallWindow()
     QCOMPARE(lines.at(0), QByteArray("velhost watch, cycle…"));
     QCOMPARE(lines.at(3), QByteArray("… 3 more, 3 of them …"));
     QCOMPARE(lines.at(4), QByteArray(""));
-    QCOMPARE(lines.at(5), QByteArray("log error: [RD DM700…"));
+    QCOMPARE(lines.at(5), QByteArray("log error: Press, cy…"));
     for (const QByteArray &line : lines)
         QVERIFY2(QString::fromUtf8(line).size() <= 21, line.constData());
 }
@@ -213,9 +213,11 @@ void tst_WatchTerminal::logBelow()
     SimulatorThread controller;
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("A=DM70000")}), 24, 100,
                       terminalEnvironment());
-    const QByteArray entry = "log error: [RD DM70000\\r] <A> :invalid address";
-    QVERIFY(watch.waitFor("\x1b[K\r\n\x1b[K\r\n" + entry + end));
-    QVERIFY(watch.waitFor("\x1b[K\r\n\x1b[K\r\n" + entry + " (x "));
+    const QByteArray above = "\x1b[K\r\n\x1b[K\r\nlog error: Press, cycle ";
+    const QByteArray entry = ": [RD DM70000\\r] <A> :invalid address";
+    QVERIFY(watch.waitFor(above + '1' + entry + end));
+    QVERIFY(watch.waitFor(above));
+    QVERIFY(watch.waitFor(entry + " (x "));
     watch.type("\x03");
     QCOMPARE(watch.finish(), 130);
     QCOMPARE(watch.output().count(entry), watch.output().count(top) + 1);

@@ -188,7 +188,7 @@ void tst_Write::table()
             R"(Cycle  Time                           Device  Item     Old      New      Read back  Error
 1      2024-02-29T12:34:56.789+05:30  Press   Counter  1\r      refused  2\x20      write failed: Counter: value refused
 )"));
-    QCOMPARE(run.errors, text("log error: Counter: value refused\n"));
+    QCOMPARE(run.errors, text("log error: Press, cycle 1: Counter: value refused\n"));
     QCOMPARE(run.exitCode, 1);
 }
 

@@ -57,7 +57,7 @@ ItemRead readWith(const QByteArray &word, const DeviceInstancePlugin &device, in
     dryRun->recorder->takeLines();
     dryRun->recorder->setWord(word);
     const int errorsBefore = dryRun->listener.errorCount();
-    ItemRead read = readItem(dryRun->session.loaded.plugin, device, item);
+    ItemRead read = readItem(dryRun->session, device, item);
     // The log tells more than the item's own error.
     if (!read.error.isEmpty() && dryRun->listener.errorCount() > errorsBefore)
         read.error = dryRun->listener.lastError();
@@ -120,7 +120,7 @@ QList<Problem> dryRunProblems(const Session &session, const Plant &draft, Record
         DeviceInstancePlugin device = redirected(devices.at(i), recorder->port());
         device.id = i;
         LogList withoutItems{device, {}};
-        const QString error = readDevice(session.loaded.plugin, &withoutItems, 1).error;
+        const QString error = readDevice(session, &withoutItems, 1).error;
         if (!error.isEmpty())
             addWarning(place, u"its items were not checked, the plug-in says: " + error,
                        &dryRun.problems);

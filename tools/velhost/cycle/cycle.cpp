@@ -88,13 +88,15 @@ QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
     return lists;
 }
 
-DeviceReport readDevice(VELInterface *plugin, LogList *list, qint64 cycle)
+DeviceReport readDevice(const Session &session, LogList *list, qint64 cycle)
 {
     beginCycle(list);
+    session.host.beginCall(list->name, cycle);
     QElapsedTimer sinceCall;
     sinceCall.start();
-    const bool done = plugin->readData(list);
+    const bool done = session.loaded.plugin->readData(list);
     const qint64 nanoseconds = sinceCall.nsecsElapsed();
+    session.host.endCall();
     DeviceReport result = report(*list, cycle);
     result.microseconds = nanoseconds / 1000;
     if (!done && result.error.isEmpty())
@@ -107,12 +109,14 @@ DeviceReport readDevice(VELInterface *plugin, LogList *list, qint64 cycle)
     return result;
 }
 
-DeviceReport writeDevice(VELInterface *plugin, LogList *list, qint64 cycle, const Host &host)
+DeviceReport writeDevice(const Session &session, LogList *list, qint64 cycle)
 {
     beginCycle(list);
-    const int errorsBefore = host.errorCount();
-    const bool done = plugin->writeData(list);
-    const int errors = host.errorCount() - errorsBefore;
+    const int errorsBefore = session.host.errorCount();
+    session.host.beginCall(list->name, cycle);
+    const bool done = session.loaded.plugin->writeData(list);
+    session.host.endCall();
+    const int errors = session.host.errorCount() - errorsBefore;
     DeviceReport result = report(*list, cycle);
     if (result.error.isEmpty() && errors > 0)
         result.error = QStringLiteral("write failed: %1 in the error log")
@@ -123,10 +127,10 @@ DeviceReport writeDevice(VELInterface *plugin, LogList *list, qint64 cycle, cons
     return result;
 }
 
-ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int item)
+ItemRead readItem(const Session &session, const DeviceInstancePlugin &device, int item)
 {
     LogList list = listOf(device, item, {});
-    const DeviceReport report = readDevice(plugin, &list, 1);
+    const DeviceReport report = readDevice(session, &list, 1);
     const ItemReport &itemReport = report.values.first();
     const QString error = report.error.isEmpty() ? itemReport.error : report.error;
     if (!error.isEmpty())
@@ -139,6 +143,6 @@ QString writeError(const Session &session, const DeviceInstancePlugin &device,
 {
     LogList list = listOf(device, assignment.item, assignment.value);
     const int errorsBefore = session.host.errorCount();
-    const DeviceReport report = writeDevice(session.loaded.plugin, &list, 1, session.host);
+    const DeviceReport report = writeDevice(session, &list, 1);
     return session.host.errorCount() > errorsBefore ? session.host.lastError() : report.error;
 }

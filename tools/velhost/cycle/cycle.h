@@ -5,7 +5,6 @@
 #include "plant/assignment.h"
 
 #include <vel/records.h>
-#include <vel/velinterface.h>
 
 #include <QDateTime>
 #include <QList>
@@ -24,12 +23,12 @@ QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
 /// Clears the errors of the last cycle, lets the plug-in read the list and reports the result. The
 /// items keep the values of the last cycle until the plug-in replaces them. The device has an error
 /// when the plug-in set one or readData() returned false.
-DeviceReport readDevice(VELInterface *plugin, LogList *list, qint64 cycle);
+DeviceReport readDevice(const Session &session, LogList *list, qint64 cycle);
 
 /// Lets the plug-in write the list and reports the result as readDevice() does. The plug-in can
 /// report a refused value in the host's error log only, so an entry there during the call is an
 /// error of the device, too.
-DeviceReport writeDevice(VELInterface *plugin, LogList *list, qint64 cycle, const Host &host);
+DeviceReport writeDevice(const Session &session, LogList *list, qint64 cycle);
 
 /// The result of reading one item: a value or an error.
 struct ItemRead
@@ -40,7 +39,7 @@ struct ItemRead
 };
 
 /// Reads the item with that index in the device's record, in a cycle of its own.
-ItemRead readItem(VELInterface *plugin, const DeviceInstancePlugin &device, int item);
+ItemRead readItem(const Session &session, const DeviceInstancePlugin &device, int item);
 
 /// Writes the item in a cycle of its own. Returns the error, if possible the last entry in the
 /// error log; empty on success.

@@ -24,16 +24,6 @@ QString deviceMessage(const DeviceReport &device)
     return device.errorEnded ? QStringLiteral("no error any more") : device.error;
 }
 
-QString timeText(const QDateTime &time)
-{
-    QString text = time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODateWithMs);
-    if (text.endsWith(u'Z')) {
-        text.chop(1);
-        text += u"+00:00";
-    }
-    return text;
-}
-
 QString TimeTexts::text(const QDateTime &time)
 {
     // Equal times of other kinds can have different offsets.

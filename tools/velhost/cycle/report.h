@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/timetext.h"
+
 #include <QDateTime>
 #include <QList>
 #include <QString>
@@ -51,9 +53,6 @@ QString deviceMessage(const DeviceReport &device);
 /// What is wrong with an item that was read: its error or the expected value. Empty when nothing is
 /// wrong.
 QString itemProblem(const ItemReport &item);
-
-/// ISO 8601 with milliseconds and the offset from UTC, in the time's own zone.
-QString timeText(const QDateTime &time);
 
 /// Makes the texts of the times of one cycle as timeText() does. A text is made once for all items
 /// that have the same time: the system looks up its time zone in a file each time.

@@ -8,6 +8,12 @@ Host::Host(Plant plant, std::function<void(const LogEntry &)> log, Redirection r
     install(this);
 }
 
+void Host::beginCall(const QString &device, qint64 cycle)
+{
+    m_calledDevice = device;
+    m_calledCycle = cycle;
+}
+
 void Host::registerPlugin(const PluginRegistration &registration)
 {
     m_registration = registration;
@@ -37,12 +43,17 @@ QList<NetworkInterfaceInstance> Host::networkInterfaces()
 
 void Host::logDebug(const QString &message)
 {
-    m_log({LogEntry::Level::Debug, message});
+    log(LogEntry::Level::Debug, message);
 }
 
 void Host::logError(const QString &message)
 {
     ++m_errorCount;
     m_lastError = message;
-    m_log({LogEntry::Level::Error, message});
+    log(LogEntry::Level::Error, message);
+}
+
+void Host::log(LogEntry::Level level, const QString &message) const
+{
+    m_log({level, message, m_calledDevice, m_calledCycle, QDateTime::currentDateTime()});
 }

@@ -4,6 +4,7 @@
 
 #include <vel/hostbackend.h>
 
+#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -16,6 +17,11 @@ struct LogEntry
     enum class Level { Debug, Error };
     Level level = Level::Debug;
     QString text;
+    /// The device whose call the plug-in was in, and the cycle of that call; empty and 0 outside of
+    /// such a call, as during init().
+    QString device = {};
+    qint64 cycle = 0;
+    QDateTime time = {};
 };
 
 /// Changes a device record before the plug-in gets it.
@@ -39,6 +45,10 @@ public:
     /// The text of the latest of them.
     const QString &lastError() const { return m_lastError; }
 
+    /// Between the two, log entries are those of a call for that device in that cycle.
+    void beginCall(const QString &device, qint64 cycle);
+    void endCall() { beginCall({}, 0); }
+
     void registerPlugin(const PluginRegistration &registration) override;
     /// The devices of the plant. Empty when a parameter does not resolve: the plug-in must not
     /// connect with wrong parameters.
@@ -48,10 +58,14 @@ public:
     void logError(const QString &message) override;
 
 private:
+    void log(LogEntry::Level level, const QString &message) const;
+
     Plant m_plant;
     std::function<void(const LogEntry &)> m_log;
     Redirection m_redirection;
     std::optional<PluginRegistration> m_registration;
     int m_errorCount = 0;
     QString m_lastError;
+    QString m_calledDevice;
+    qint64 m_calledCycle = 0;
 };

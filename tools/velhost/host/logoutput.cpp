@@ -1,16 +1,29 @@
 #include "host/logoutput.h"
 
+#include "host/timetext.h"
+
 #include <common/console.h>
 #include <common/json/json.h>
 #include <common/visibletext.h>
 
+#include <algorithm>
+
 namespace {
 
-constexpr int maximumKept = 5;
+constexpr int maximumKept = 1000;
+// What a pause held back is printed at its end.
+constexpr int maximumResumed = 5;
 
 bool isSame(const LogEntry &left, const LogEntry &right)
 {
-    return left.level == right.level && left.text == right.text;
+    return left.level == right.level && left.text == right.text && left.device == right.device;
+}
+
+QString placeText(const LogEntry &entry)
+{
+    return entry.device.isEmpty() ? QString()
+                                  : QStringLiteral("%1, cycle %2: ")
+                                        .arg(visible(entry.device), QString::number(entry.cycle));
 }
 
 } // namespace
@@ -20,8 +33,12 @@ QString logText(OutputFormat format, const LogEntry &entry)
     const QString level
         = entry.level == LogEntry::Level::Error ? QStringLiteral("error") : QStringLiteral("debug");
     if (format != OutputFormat::Json)
-        return u"log " + level + u": " + visible(entry.text) + u'\n';
-    return jsonLine("log", {{"level", level}, {"text", entry.text}});
+        return u"log " + level + u": " + placeText(entry) + visible(entry.text) + u'\n';
+    QList<JsonMember> members{{"level", level}, {"time", timeText(entry.time)}};
+    if (!entry.device.isEmpty())
+        members += {{"device", entry.device}, {"cycle", entry.cycle}};
+    members.append({"text", entry.text});
+    return jsonLine("log", members);
 }
 
 QString countedText(const CountedEntry &counted)
@@ -39,31 +56,29 @@ void LogOutput::add(const LogEntry &entry)
         printEntry(stdout, logText(m_format, entry));
         return;
     }
-    if (!m_latest.isEmpty() && isSame(m_latest.last().entry, entry)) {
-        ++m_latest.last().count;
-        return;
+    CountedEntry counted = takeKept(entry);
+    counted.entry = entry;
+    ++counted.count;
+    if (counted.count == 1 && !m_isPaused) {
+        printEntry(stderr, countedText(counted));
+        counted.printedCount = 1;
     }
-    if (!m_isPaused)
-        printPendingCount();
-    m_latest.append({entry, 1});
-    if (m_latest.size() > maximumKept)
-        m_latest.removeFirst();
-    m_printedCount = m_isPaused ? 0 : 1;
-    if (!m_isPaused)
-        printEntry(stderr, countedText(m_latest.last()));
+    if (m_latest.size() == maximumKept)
+        printPendingCount(m_latest.takeFirst());
+    m_latest.append(counted);
 }
 
-void LogOutput::printPendingCount()
+void LogOutput::printPendingCounts()
 {
-    if (m_latest.isEmpty() || m_latest.last().count == m_printedCount)
-        return;
-    printEntry(stderr, countedText(m_latest.last()));
-    m_printedCount = m_latest.last().count;
+    for (CountedEntry &counted : m_latest) {
+        printPendingCount(counted);
+        counted.printedCount = counted.count;
+    }
 }
 
 void LogOutput::pause()
 {
-    printPendingCount();
+    printPendingCounts();
     m_latest.clear();
     m_isPaused = true;
 }
@@ -73,9 +88,27 @@ void LogOutput::resume()
     if (!m_isPaused)
         return;
     m_isPaused = false;
-    for (const CountedEntry &counted : std::as_const(m_latest))
+    m_latest = m_latest.mid(std::max(m_latest.size() - maximumResumed, 0));
+    printPendingCounts();
+}
+
+CountedEntry LogOutput::takeKept(const LogEntry &entry)
+{
+    const auto kept
+        = std::find_if(m_latest.rbegin(), m_latest.rend(), [&entry](const CountedEntry &counted) {
+              return isSame(counted.entry, entry);
+          });
+    if (kept == m_latest.rend())
+        return {entry};
+    const CountedEntry counted = *kept;
+    m_latest.erase(kept.base() - 1);
+    return counted;
+}
+
+void LogOutput::printPendingCount(const CountedEntry &counted) const
+{
+    if (!m_isPaused && counted.count != counted.printedCount)
         printEntry(stderr, countedText(counted));
-    m_printedCount = m_latest.isEmpty() ? 0 : m_latest.last().count;
 }
 
 void LogOutput::printEntry(FILE *stream, const QString &text) const

@@ -11,19 +11,22 @@
 /// One log entry as a line. In CSV it is the same as in a table.
 QString logText(OutputFormat format, const LogEntry &entry);
 
-/// An entry and how often it was repeated in succession.
+/// An entry, as it came last, and how often it came.
 struct CountedEntry
 {
     LogEntry entry;
-    qint64 count = 1;
+    qint64 count = 0;
+    /// The count that was printed last.
+    qint64 printedCount = 0;
 };
 
 /// The entry as text, followed by its count if that is not 1. Ends with a line feed.
 QString countedText(const CountedEntry &counted);
 
 /// Prints the plug-in's log entries. In JSON every entry goes to standard output. Otherwise they go
-/// to standard error, where an entry that is repeated is printed once, and again with its count
-/// when another one comes.
+/// to standard error, where an entry that a device repeats is printed once, whatever comes between,
+/// and again with its count at the end. Of more than a thousand entries the one that came longest
+/// ago is printed with its count and forgotten.
 class LogOutput
 {
 public:
@@ -36,26 +39,28 @@ public:
     /// Prints or counts a new entry.
     void add(const LogEntry &entry);
 
-    /// Prints the last entry with its count if it was repeated since it was printed. Must be called
-    /// at the end, too.
-    void printPendingCount();
+    /// Prints the entries that came again since they were printed, with their counts. Must be
+    /// called at the end.
+    void printPendingCounts();
 
-    /// Stops printing; the latest entries are kept.
+    /// Stops printing.
     void pause();
 
-    /// Prints the kept entries and continues printing. Does nothing without pause().
+    /// Prints the latest five entries of the pause, forgets the others and continues printing. Does
+    /// nothing without pause().
     void resume();
 
-    /// At most five latest entries, the newest one last. Repeated entries count as one.
+    /// The entries, the one that came last at the end. Repeated entries count as one.
     const QList<CountedEntry> &latest() const { return m_latest; }
 
 private:
+    /// The kept entry of the same device with the same text, which is removed; else a new one.
+    CountedEntry takeKept(const LogEntry &entry);
+    void printPendingCount(const CountedEntry &counted) const;
     void printEntry(FILE *stream, const QString &text) const;
 
     OutputFormat m_format;
     ProgressLine *m_progress;
     bool m_isPaused = false;
-    /// The count of the last of `m_latest` that was printed.
-    qint64 m_printedCount = 0;
     QList<CountedEntry> m_latest;
 };

@@ -9,11 +9,11 @@
 namespace {
 
 /// The part of a session between init() and stopPlugin().
-ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, const Host &host,
+ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, Host *host,
                         bool initDone, LogOutput *log,
                         const std::function<ExitCode(const Session &)> &work)
 {
-    const std::optional<PluginRegistration> &registration = host.registration();
+    const std::optional<PluginRegistration> &registration = host->registration();
     if (!registration) {
         printError(
             QStringLiteral("the plug-in %1 did not register during init()").arg(loaded.fileName));
@@ -30,7 +30,7 @@ ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, c
             QStringLiteral("the plug-in %1 returned false from init()").arg(loaded.fileName));
         return NotLoaded;
     }
-    return work({loaded, host, *registration, devices, log});
+    return work({loaded, *host, *registration, devices, log});
 }
 
 } // namespace
@@ -47,12 +47,12 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
         return NotLoaded;
     }
     LogOutput log(setup.format, setup.progress);
-    const Host host(
+    Host host(
         setup.plant, [&log](const LogEntry &entry) { log.add(entry); }, setup.redirection);
     const bool initDone = loaded->plugin->init();
-    ExitCode result = runInitialised(setup, *loaded, host, initDone, &log, work);
+    ExitCode result = runInitialised(setup, *loaded, &host, initDone, &log, work);
     const bool isStopped = loaded->plugin->stopPlugin();
-    log.printPendingCount();
+    log.printPendingCounts();
     if (!isStopped) {
         printError(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
                        .arg(loaded->fileName));

@@ -34,7 +34,7 @@ struct SessionSetup
 struct Session
 {
     const LoadedPlugin &loaded;
-    const Host &host;
+    Host &host;
     const PluginRegistration &registration;
     /// The records of the plant, not redirected.
     QList<DeviceInstancePlugin> devices;

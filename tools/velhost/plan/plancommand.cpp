@@ -21,10 +21,10 @@ const QString writeOption = QStringLiteral("write");
 
 /// Why the plug-in never serves the device; empty when it can. The plug-in itself is asked first,
 /// with a list without items.
-QString refusal(VELInterface *plugin, const DeviceInstancePlugin &device, quint16 recorderPort)
+QString refusal(const Session &session, const DeviceInstancePlugin &device, quint16 recorderPort)
 {
     LogList list{redirectedWhereValid(device, recorderPort), {}};
-    const DeviceReport report = readDevice(plugin, &list, 1);
+    const DeviceReport report = readDevice(session, &list, 1);
     if (!report.error.isEmpty())
         return report.error;
     const QString port = device.parameters.value(QStringLiteral("port"));
@@ -64,14 +64,14 @@ void addItem(const PlannedItem &item, Planning *planning)
 
 void addReads(const DeviceInstancePlugin &device, Planning *planning)
 {
-    VELInterface *const plugin = planning->session.loaded.plugin;
+    const Session &session = planning->session;
     const quint16 port = planning->recorder->port();
-    DeviceBudget budget = budgetOf(device, refusal(plugin, device, port));
+    DeviceBudget budget = budgetOf(device, refusal(session, device, port));
     const DeviceInstancePlugin target = redirected(device, port);
     for (int i = 0; i < device.items.size(); ++i) {
         PlannedItem item{device.name, device.items.at(i).name, false, {}, budget.error};
         if (budget.error.isEmpty()) {
-            item.error = readItem(plugin, target, i).error;
+            item.error = readItem(session, target, i).error;
             item.lines = planning->recorder->takeLines();
         }
         budget.exchanges += item.lines.size();

@@ -36,7 +36,7 @@ ExitCode readCycles(const Session &session, const Arguments &arguments)
         sinceStart.start();
         QList<DeviceReport> reports;
         for (LogList &list : lists)
-            reports.append(readDevice(session.loaded.plugin, &list, cycle));
+            reports.append(readDevice(session, &list, cycle));
         printer.printCycle(reports);
         if (hasError(reports))
             result = ErrorFound;

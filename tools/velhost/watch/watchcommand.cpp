@@ -74,7 +74,7 @@ public:
     void finish()
     {
         m_view.reset();
-        m_session.log->printPendingCount();
+        m_session.log->printPendingCounts();
         const OutputFormat format = m_arguments.format;
         print(format == OutputFormat::Json ? stdout : stderr, summaryText(format, m_devices));
     }
@@ -86,7 +86,7 @@ private:
     {
         QList<DeviceReport> reports;
         for (int i = 0; i < m_lists.size(); ++i) {
-            DeviceReport report = readDevice(m_session.loaded.plugin, &m_lists[i], cycle);
+            DeviceReport report = readDevice(m_session, &m_lists[i], cycle);
             addReport(&report, m_clock.elapsed(), &m_devices.at(static_cast<std::size_t>(i)));
             m_isAllWell = m_isAllWell && isFaultless(report);
             reports.append(report);

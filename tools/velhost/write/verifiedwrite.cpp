@@ -14,7 +14,7 @@ WriteReport writeVerified(const Session &session, const Assignment &assignment)
 {
     const DeviceInstancePlugin &device = session.devices.at(assignment.device);
     const ItemInstancePlugin &item = device.items.at(assignment.item);
-    const ItemRead before = readItem(session.loaded.plugin, device, assignment.item);
+    const ItemRead before = readItem(session, device, assignment.item);
     WriteReport report = unwritten(session, assignment);
     report.time = before.time;
     report.oldValue = before.value;
@@ -25,7 +25,7 @@ WriteReport writeVerified(const Session &session, const Assignment &assignment)
     const QString failure = writeError(session, device, assignment);
     if (!failure.isEmpty())
         report.error = u"write failed: " + failure;
-    const ItemRead after = readItem(session.loaded.plugin, device, assignment.item);
+    const ItemRead after = readItem(session, device, assignment.item);
     report.time = after.time;
     report.readBack = after.value;
     if (!report.error.isEmpty())

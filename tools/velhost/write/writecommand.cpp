@@ -92,9 +92,9 @@ ExitCode writeOnly(const Session &session, const QList<Assignment> &assignments,
     QList<LogList> lists = writeLists(session.devices, assignments);
     CyclePrinter printer(format, CyclePrinter::Content::Everything, session.devices);
     return writeUntilSignal(lists.size(), [&](int index, int signal) {
-        const DeviceReport report
-            = signal == 0 ? writeDevice(session.loaded.plugin, &lists[index], 1, session.host)
-                          : unwrittenDevice(lists.at(index), endedText(signal));
+        const DeviceReport report = signal == 0
+                                        ? writeDevice(session, &lists[index], 1)
+                                        : unwrittenDevice(lists.at(index), endedText(signal));
         printer.printCycle({report});
         return !report.hasError();
     });
