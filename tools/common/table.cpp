@@ -21,7 +21,7 @@ QString tableLine(const QStringList &cells, const QVector<int> &widths)
 {
     QString text;
     for (int column = 0; column < cells.size(); ++column)
-        text += paddedToWidth(cells.at(column), widths.value(column) + 2);
+        text += paddedToWidth(cells.at(column) + u"  ", widths.value(column) + 2);
     while (text.endsWith(u' '))
         text.chop(1);
     return text + u'\n';

@@ -57,7 +57,7 @@ void tst_CycleText::cycleAsJson()
     const QString lines = text(
         R"({"type":"value","cycle":12,"time":"2024-02-29T12:34:56.007-03:30","device":"Press","item":"Counter","value":"-1","error":""})"
         "\n"
-        R"({"type":"value","cycle":12,"time":"2024-02-29T12:34:56.007-03:30","device":"Press","item":"M","value":"\"\\\r","error":"no\nanswer"})"
+        R"({"type":"value","cycle":12,"time":"2024-02-29T12:34:56.007-03:30","device":"Press","item":"M","value":"\"\\\r","old":true,"error":"no\nanswer"})"
         "\n"
         R"({"type":"device","cycle":12,"time":"2024-02-29T12:34:56.007-03:30","device":"Oven 2","error":"not connected"})"
         "\n"

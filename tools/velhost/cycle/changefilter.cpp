@@ -12,10 +12,13 @@ QList<DeviceReport> ChangeFilter::filter(const QList<DeviceReport> &devices)
             change.error.clear();
         printed.error = device.error;
         for (const ItemReport &item : device.values) {
-            const auto last = printed.items.constFind(item.item);
-            if (last != printed.items.constEnd() && last->value == item.value
-                && last->error == item.error)
+            const auto last = printed.items.find(item.item);
+            const bool isSame = last != printed.items.end() && last->value == item.value
+                                && last->error == item.error && (item.isOld || !last->isOld);
+            if (isSame) {
+                last->isOld = item.isOld;
                 continue;
+            }
             printed.items.insert(item.item, item);
             change.values.append(item);
         }

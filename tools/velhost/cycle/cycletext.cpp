@@ -21,8 +21,10 @@ QString deviceJsonLines(const DeviceReport &device)
                                   {"time", times.text(item.time)},
                                   name,
                                   {"item", item.item},
-                                  {"value", item.value},
-                                  {"error", item.error}};
+                                  {"value", item.value}};
+        if (item.isOld)
+            members.append({"old", true});
+        members.append({"error", item.error});
         if (item.expected)
             members.append({"expected", *item.expected});
         lines += jsonLine("value", members);
@@ -61,11 +63,12 @@ QString cycleCsv(const QList<DeviceReport> &devices)
         const QString cycle = QString::number(device.cycle);
         if (device.hasMessage())
             records += csvRecord(
-                {cycle, times.text(device.time), device.device, {}, {}, {}, device.error});
+                {cycle, times.text(device.time), device.device, {}, {}, {}, device.error, {}});
         for (const ItemReport &item : device.values) {
             const QString isOld = item.isOld ? QStringLiteral("old") : QString();
-            records += csvRecord({cycle, times.text(item.time), device.device, item.item,
-                                  item.value, isOld, item.error});
+            records
+                += csvRecord({cycle, times.text(item.time), device.device, item.item, item.value,
+                              isOld, item.error, item.expected.value_or(QString())});
         }
     }
     return records;
@@ -77,7 +80,7 @@ QString cycleCsvHeader()
 {
     return csvRecord({QStringLiteral("cycle"), QStringLiteral("time"), QStringLiteral("device"),
                       QStringLiteral("item"), QStringLiteral("value"), QStringLiteral("old"),
-                      QStringLiteral("error")});
+                      QStringLiteral("error"), QStringLiteral("expected")});
 }
 
 QString cycleText(OutputFormat format, const QList<DeviceReport> &devices)
