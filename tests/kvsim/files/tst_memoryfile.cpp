@@ -21,6 +21,9 @@ private Q_SLOTS:
     void nothingWritten();
     void loadAndDump();
     void everythingOfADevice();
+    void state();
+    void stateThatIsNoFile_data();
+    void stateThatIsNoFile();
     void dumpOnCommand();
     void filesThatCannotBeWritten();
     void triedAtTheStart_data();
@@ -133,6 +136,55 @@ void tst_MemoryFile::everythingOfADevice()
     QCOMPARE(TextClient(second.port()).ask("RDS FM31998 4\r"),
              QByteArray("00009 00009 32000 32001\r\n"));
     QVERIFY(second.terminate());
+}
+
+// The file is not there at first.
+void tst_MemoryFile::state()
+{
+    const TestFolder folder;
+    const QStringList arguments = started({text("--state"), folder.path(text("memory.json"))});
+    for (const int before : {7, 8, 9}) {
+        KvsimProcess simulator(arguments);
+        TextClient client(simulator.port());
+        QCOMPARE(client.ask("RD DM7\r"), "0000" + QByteArray::number(before) + "\r\n");
+        const QByteArray after = QByteArray::number(before + 1);
+        QCOMPARE(client.ask("WR DM7 " + after + '\r'), QByteArray("OK\r\n"));
+        QVERIFY(simulator.terminate());
+        QCOMPARE(folder.read(text("memory.json")), one("\n    \"DM7\": " + after + "\n  "));
+    }
+}
+
+void tst_MemoryFile::stateThatIsNoFile_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("error");
+
+    const auto row = [](const char *name, const char *arguments, const char *error) {
+        QTest::newRow(name) << text(arguments) << text(error);
+    };
+    const char *both = "--state loads and dumps; write it without --load and --dump. See kvsim "
+                       "--help.";
+    row("with --load", "--state|a.json|--load|b.json", both);
+    row("with --dump", "--dump|a.json|--state|a.json", both);
+    row("no name", "--state|", "--state takes the name of a file. See kvsim --help.");
+    row("no such folder", "--state|none/memory.json",
+        "none/memory.json: cannot be written: No such file or directory");
+    row("a folder", "--state|.", ".: cannot be written: Filename refers to a directory");
+    row("no JSON", "--state|notes.txt", "notes.txt: is empty");
+}
+
+void tst_MemoryFile::stateThatIsNoFile()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, error);
+
+    const TestFolder folder;
+    folder.write(text("notes.txt"), {});
+    const ProgramRun result
+        = runProgram(text(KVSIM_PROGRAM), started(arguments.split(u'|')), folder.path({}));
+    QCOMPARE(result.errors, QString(text("kvsim: ") + error + u'\n'));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, 2);
 }
 
 void tst_MemoryFile::dumpOnCommand()

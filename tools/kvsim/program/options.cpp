@@ -5,11 +5,15 @@
 #include <common/wholenumber.h>
 
 #include <QCommandLineParser>
+#include <QFile>
 
 namespace {
 
 const QString controllersOption = QStringLiteral("controllers");
 const QString configOption = QStringLiteral("config");
+const QString loadOption = QStringLiteral("load");
+const QString dumpOption = QStringLiteral("dump");
+const QString stateOption = QStringLiteral("state");
 const QString consecutiveOption = QStringLiteral("consecutive");
 
 Options answered(Options::Action action, const QString &text)
@@ -72,7 +76,27 @@ QString readPlaces(const QCommandLineParser &parser, const QHostAddress &address
     return addPlaces(address, port, *count, *differ, places);
 }
 
-/// Reads where to listen. Returns what is wrong, or an empty text.
+/// Reads the names of files. Returns what is wrong, or an empty text.
+QString readFiles(const QCommandLineParser &parser, Options *options)
+{
+    for (const QString &file : {configOption, loadOption, dumpOption, stateOption}) {
+        if (parser.isSet(file) && parser.value(file).isEmpty())
+            return QStringLiteral("--%1 takes the name of a file.").arg(file);
+    }
+    options->config = parser.value(configOption);
+    options->load = parser.value(loadOption);
+    options->dump = parser.value(dumpOption);
+    if (!parser.isSet(stateOption))
+        return {};
+    if (parser.isSet(loadOption) || parser.isSet(dumpOption))
+        return QStringLiteral("--state loads and dumps; write it without --load and --dump.");
+    options->dump = parser.value(stateOption);
+    if (QFile::exists(options->dump))
+        options->load = options->dump;
+    return {};
+}
+
+/// The same for where to listen.
 QString readListening(const QCommandLineParser &parser, Options *options)
 {
     const QString bind = parser.value(QStringLiteral("bind"));
@@ -106,8 +130,9 @@ void addOptions(QCommandLineParser *parser)
         {controllersOption, {}, value, QStringLiteral("1")},
         {consecutiveOption, {}, value, QStringLiteral("addresses")},
         {configOption, {}, value},
-        {QStringLiteral("load"), {}, value},
-        {QStringLiteral("dump"), {}, value},
+        {loadOption, {}, value},
+        {dumpOption, {}, value},
+        {stateOption, {}, value},
         {QStringLiteral("control"), {}, value},
         {QStringLiteral("fault"), {}, value},
         {QStringLiteral("set"), {}, value},
@@ -130,17 +155,12 @@ Options parseOptions(const QStringList &arguments)
         return refused(QStringLiteral("Unexpected argument '%1'; kvsim takes options only.")
                            .arg(parser.positionalArguments().constFirst()));
 
-    for (const QString &file : {configOption, QStringLiteral("load"), QStringLiteral("dump")}) {
-        if (parser.isSet(file) && parser.value(file).isEmpty())
-            return refused(QStringLiteral("--%1 takes the name of a file.").arg(file));
-    }
     Options options;
-    const QString error = readListening(parser, &options);
-    if (!error.isEmpty())
-        return refused(error);
-    options.config = parser.value(configOption);
-    options.load = parser.value(QStringLiteral("load"));
-    options.dump = parser.value(QStringLiteral("dump"));
+    for (const auto read : {readFiles, readListening}) {
+        const QString error = read(parser, &options);
+        if (!error.isEmpty())
+            return refused(error);
+    }
     options.trace = parser.isSet(QStringLiteral("trace"));
     options.faults = parser.values(QStringLiteral("fault"));
     options.values = parser.values(QStringLiteral("set"));
