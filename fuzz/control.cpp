@@ -43,9 +43,9 @@ void checkDone(const QByteArray &line, const ControlTarget &target)
     const QByteArray name = isOne ? fields.takeFirst() + ' ' : QByteArray();
     if (fields.constFirst() == "fault")
         checkTakenFault(fields.at(1), target.controllers);
-    if (fields.constFirst() != "set")
+    if (fields.constFirst() != "set" || fields.size() > 3)
         return;
-    const QByteArray value = QByteArray::number(fields.at(2).toUInt());
+    const QByteArray value = QByteArray::number(static_cast<quint16>(fields.at(2).toInt()));
     const QByteArray both = isOne ? value : value + ' ' + value;
     requireSame(answerControl(name + "get " + fields.at(1), target).text, QByteArray(both + '\n'),
                 "a value reads back as it was set");

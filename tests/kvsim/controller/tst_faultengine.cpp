@@ -179,7 +179,7 @@ void tst_FaultEngine::memoryAfterWrite()
     Engine engine({fault});
     engine.reply("WR DM100 5");
     QCOMPARE(engine.count().applied, quint64(1));
-    QCOMPARE(valueAt(engine.controller(), "DM100").value_or(-1), word);
+    QCOMPARE(int(engine.controller().memory.value(*parseAddress("DM100"))), word);
 }
 
 void tst_FaultEngine::selection_data()

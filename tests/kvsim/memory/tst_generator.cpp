@@ -161,9 +161,12 @@ void tst_Generator::writesAreLost()
     QCOMPARE(ask(&controller.memory, "RDS DM6 3"), QByteArray("00001 00070 00003\r\n"));
     QCOMPARE(controller.memory.stored().size(), 2);
     QCOMPARE(storeText(&controller, "D7", "5"),
-             text("a generator makes the value of 'D7'; choose another address"));
+             text("a generator makes the value of 'DM7'; choose another address"));
     QVERIFY(!storeText(&controller, "DM7", "5").isEmpty());
-    QCOMPARE(valueAt(controller, "DM7"), std::make_optional(70));
+    QCOMPARE(storeText(&controller, "DM6", "2 Long"),
+             text("a generator makes the value of 'DM7'; choose another address"));
+    QCOMPARE(int(controller.memory.value(*parseAddress("DM6"))), 1);
+    QCOMPARE(int(controller.memory.value(*parseAddress("DM7"))), 70);
 }
 
 // Memory's own clock starts when the memory is made.

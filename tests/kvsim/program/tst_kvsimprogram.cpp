@@ -176,10 +176,13 @@ void tst_KvsimProgram::faultsAndValues()
     const quint16 port = startServing(
         &process,
         {QStringLiteral("--trace"), QStringLiteral("--set"), QStringLiteral("DM100=5"),
-         QStringLiteral("--set"), QStringLiteral("CR000=1"), QStringLiteral("--fault"),
-         QStringLiteral("refuse=E5@DM7"), QStringLiteral("--fault"), QStringLiteral("silent@DM8")});
+         QStringLiteral("--set"), QStringLiteral("DM200=-2"), QStringLiteral("--set"),
+         QStringLiteral("DM201=3.14 Float"), QStringLiteral("--set"), QStringLiteral("CR000=1"),
+         QStringLiteral("--fault"), QStringLiteral("refuse=E5@DM7"), QStringLiteral("--fault"),
+         QStringLiteral("silent@DM8")});
     TextClient client(port);
     QCOMPARE(client.ask("RD DM100\r"), QByteArray("00005\r\n"));
+    QCOMPARE(client.ask("RDS DM200 3\r"), QByteArray("65534 62915 16456\r\n"));
     QCOMPARE(client.ask("RD CR000\r"), QByteArray("1\r\n"));
     QCOMPARE(client.ask("RD DM7\r"), QByteArray("E5\r\n"));
     QCOMPARE(client.ask("RD DM8\rRD DM9\r"), QByteArray("00009\r\n"));
@@ -190,8 +193,8 @@ void tst_KvsimProgram::faultsAndValues()
     QCOMPARE(errors.count(name + " ! refuse=E5@DM7\n"), 1);
     QCOMPARE(errors.count(name + " < E5\\r\\n\n"), 1);
     QCOMPARE(errors.count(name + " ! silent@DM8\n"), 1);
-    QCOMPARE(errors.count(name + " < "), 4);
-    const QByteArray counters = "commands 5, answers 4, refusals 1, clients 1\n"
+    QCOMPARE(errors.count(name + " < "), 5);
+    const QByteArray counters = "commands 6, answers 5, refusals 1, clients 1\n"
                                 "fault refuse=E5@DM7: seen 1, applied 1\n"
                                 "fault silent@DM8: seen 1, applied 1\n";
     QCOMPARE(errors.right(counters.size()), counters);
@@ -262,7 +265,7 @@ void tst_KvsimProgram::usageErrors_data()
     row("value at no address", "--set|DM65535=1",
         "--set: 'DM65535' is no address that exists; write one such as DM100 or R015.");
     row("word too large", "--set|DM100=65536",
-        "--set: '65536' is no value for DM100; write a number from 0 to 65535.");
+        "--set: '65536' is no value for DM100; write a number from -32768 to 65535.");
     row("bit too large", "--set|R100=2",
         "--set: '2' is no value for R100; write a number from 0 to 1.");
     const auto badPort = [&row](const char *name, const char *port) {

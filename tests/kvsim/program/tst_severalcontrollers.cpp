@@ -154,9 +154,11 @@ void tst_SeveralControllers::control()
     QCOMPARE(control.ask("set DM7 70\n"), QByteArray("ok\n"));
     QCOMPARE(control.ask("@2 set DM7 72\n"), QByteArray("ok\n"));
     QCOMPARE(control.ask("get DM7\n"), QByteArray("70 72 70\n"));
+    QCOMPARE(control.ask("get DM7..DM8\n"), QByteArray("70 8 72 8 70 8\n"));
     QCOMPARE(control.ask("@2 get DM7\n"), QByteArray("72\n"));
     QCOMPARE(control.ask("fault empty\n"), QByteArray("ok\n"));
-    QCOMPARE(control.ask("@2 clear\n"), QByteArray("ok\n"));
+    QCOMPARE(control.ask("@2 clear empty\n"), QByteArray("ok\n"));
+    QCOMPARE(control.ask("@2 clear empty\n").left(6), QByteArray("error "));
     QCOMPARE(control.ask("@2 fault refuse=E5@DM7\n"), QByteArray("ok\n"));
     QCOMPARE(second.ask("RD DM7\r"), QByteArray("E5\r\n"));
     QCOMPARE(TextClient(simulator.port(2)).ask("RD DM7\r"), QByteArray("\r\n"));
@@ -190,8 +192,8 @@ void tst_SeveralControllers::controlErrors_data()
     row("@1", "unknown command ''; use one of: get, set, fault, clear, counters, dump, quit");
     row("@1 @2 clear",
         "unknown command '@2'; use one of: get, set, fault, clear, counters, dump, quit");
-    row("@1 clear all", "'clear all' is wrong; write clear");
-    row("set DM7 65536", "'65536' is no value for DM7; write a number from 0 to 65535");
+    row("@1 clear all", "no fault 'all' is in force; counters shows those that are");
+    row("set DM7 65536", "'65536' is no value for DM7; write a number from -32768 to 65535");
 }
 
 void tst_SeveralControllers::controlErrors()

@@ -30,7 +30,8 @@ SimulatorThread::~SimulatorThread()
 
 int SimulatorThread::word(const QByteArray &address) const
 {
-    return valueAt(m_controller, address).value_or(-1);
+    const std::optional<Address> place = parseAddress(address);
+    return place ? m_controller.memory.value(*place) : -1;
 }
 
 bool SimulatorThread::setWord(const QByteArray &address, int value)

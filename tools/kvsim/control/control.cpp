@@ -4,10 +4,15 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace {
 
 using Fields = QList<QByteArray>;
+
+/// The most that one command shows, as with RDS.
+constexpr quint32 mostValues = 1000;
+constexpr int anyNumber = std::numeric_limits<int>::max();
 
 QByteArray okOr(const QString &error)
 {
@@ -16,27 +21,34 @@ QByteArray okOr(const QString &error)
 
 QByteArray get(const Fields &fields, const ControlTarget &target)
 {
+    const int dots = fields.at(1).indexOf("..");
+    const std::optional<Range> range
+        = dots < 0 ? parseRange(fields.at(1), fields.at(1))
+                   : parseRange(fields.at(1).left(dots), fields.at(1).mid(dots + 2));
+    if (!range || range->count > mostValues)
+        return okOr(QStringLiteral("'%1' is no address that exists, and no range of at most %2; "
+                                   "write for example DM100, R015 or DM100..DM109")
+                        .arg(QString::fromUtf8(fields.at(1)))
+                        .arg(mostValues));
     QList<QByteArray> values;
     for (const NamedController &named : target.controllers) {
-        const std::optional<int> value = valueAt(*named.controller, fields.at(1));
-        if (!value)
-            return okOr(
-                QStringLiteral("'%1' is no address that exists; write one such as DM100 or R015")
-                    .arg(QString::fromUtf8(fields.at(1))));
-        values.append(QByteArray::number(*value));
+        const QVector<quint16> read = named.controller->memory.values(*range);
+        for (const quint16 value : read)
+            values.append(QByteArray::number(value));
     }
     return values.join(' ') + '\n';
 }
 
 QByteArray set(const Fields &fields, const ControlTarget &target)
 {
+    const QByteArray value = fields.mid(2).join(' ');
     for (const NamedController &named : target.controllers) {
-        const QString error = storeRefusal(*named.controller, fields.at(1), fields.at(2));
+        const QString error = storeRefusal(*named.controller, fields.at(1), value);
         if (!error.isEmpty())
             return okOr(error);
     }
     for (const NamedController &named : target.controllers)
-        storeText(named.controller, fields.at(1), fields.at(2));
+        storeText(named.controller, fields.at(1), value);
     return okOr({});
 }
 
@@ -52,11 +64,19 @@ QByteArray fault(const Fields &fields, const ControlTarget &target)
     return okOr({});
 }
 
-QByteArray clear(const Fields & /*fields*/, const ControlTarget &target)
+QByteArray clear(const Fields &fields, const ControlTarget &target)
 {
-    for (const NamedController &named : target.controllers)
-        named.controller->faults.clear();
-    return okOr({});
+    bool isDone = fields.size() == 1;
+    for (const NamedController &named : target.controllers) {
+        FaultEngine &faults = named.controller->faults;
+        if (fields.size() == 1)
+            faults.clear();
+        else
+            isDone = faults.remove(fields.at(1)) || isDone;
+    }
+    return okOr(isDone ? QString()
+                       : QStringLiteral("no fault '%1' is in force; counters shows those that are")
+                             .arg(QString::fromUtf8(fields.at(1))));
 }
 
 QByteArray counters(const Fields & /*fields*/, const ControlTarget &target)
@@ -80,19 +100,20 @@ QByteArray quit(const Fields & /*fields*/, const ControlTarget & /*target*/)
 struct ControlCommand
 {
     const char *name;
-    int fields;
+    int fewestFields;
+    int mostFields;
     const char *usage;
     QByteArray (*answer)(const Fields &fields, const ControlTarget &target);
 };
 
 constexpr std::array<ControlCommand, 7> commands{{
-    {"get", 2, "get ADDRESS", get},
-    {"set", 3, "set ADDRESS VALUE", set},
-    {"fault", 2, "fault FAULT", fault},
-    {"clear", 1, "clear", clear},
-    {"counters", 1, "counters", counters},
-    {"dump", 1, "dump", dump},
-    {"quit", 1, "quit", quit},
+    {"get", 2, 2, "get ADDRESS, or get ADDRESS..ADDRESS", get},
+    {"set", 3, anyNumber, "set ADDRESS VALUE, or set ADDRESS VALUE TYPE", set},
+    {"fault", 2, 2, "fault FAULT", fault},
+    {"clear", 1, 2, "clear, or clear FAULT", clear},
+    {"counters", 1, 1, "counters", counters},
+    {"dump", 1, 1, "dump", dump},
+    {"quit", 1, 1, "quit", quit},
 }};
 
 QString unknownCommand(const QByteArray &name)
@@ -120,7 +141,7 @@ ControlAnswer answerFields(const Fields &fields, const ControlTarget &target)
                                        [&](const ControlCommand &c) { return name == c.name; });
     if (command == commands.cend())
         return {okOr(unknownCommand(name))};
-    if (fields.size() != command->fields)
+    if (fields.size() < command->fewestFields || fields.size() > command->mostFields)
         return {okOr(QStringLiteral("'%1' is wrong; write %2")
                          .arg(QString::fromUtf8(fields.join(' ')), QLatin1String(command->usage)))};
     return {command->answer(fields, target), command->answer == quit};

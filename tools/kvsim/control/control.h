@@ -24,8 +24,8 @@ struct ControlTarget
     DumpFunction dump;
 };
 
-/// Carries out one line of the control protocol, without its line end: "get DM100",
-/// "set DM100 5", "fault silent@DM100", "clear", "counters", "dump" or "quit". It is for all
-/// controllers, or with "@NAME " before it for that one. A line that is wrong changes nothing and
-/// is answered "error" and what is wrong.
+/// Carries out one line of the control protocol, without its line end: "get DM100..DM109",
+/// "set DM100 3.14 Float", "fault silent@DM100", "clear silent@DM100", "clear", "counters", "dump"
+/// or "quit". It is for all controllers, or with "@NAME " before it for that one. A line that is
+/// wrong changes nothing and is answered "error" and what is wrong.
 ControlAnswer answerControl(const QByteArray &line, const ControlTarget &target);

@@ -1,5 +1,6 @@
 #include "controller/controller.h"
 
+#include "memory/datatype.h"
 #include "memory/number.h"
 
 namespace {
@@ -21,6 +22,68 @@ QByteArray countersText(const Controller &controller)
         text += "fault " + fault.text + ": seen " + number(fault.seen) + ", applied "
                 + number(fault.applied) + '\n';
     return text;
+}
+
+/// Reads "5" as one word, or one bit. Returns an empty text, or what is wrong.
+QString readPlain(const QByteArray &text, DeviceKind kind, QVector<quint16> *values)
+{
+    const std::optional<quint16> value = parseWord(text);
+    if (!value || *value > maximumValue(kind))
+        return QStringLiteral("a number from %1 to %2")
+            .arg(kind == DeviceKind::Bit ? 0 : -32768)
+            .arg(maximumValue(kind));
+    values->append(*value);
+    return {};
+}
+
+/// The same for the words of "3.14 Float".
+QString readTyped(const QByteArray &text, DeviceKind kind, QVector<quint16> *values)
+{
+    // A text may have blanks, and so may the name of a type.
+    for (int blank = text.indexOf(' '); blank >= 0; blank = text.indexOf(' ', blank + 1)) {
+        const DataType *type = dataType(text.mid(blank + 1));
+        if (!type)
+            continue;
+        if (kind == DeviceKind::Bit)
+            return QStringLiteral("a number from 0 to 1, without a type");
+        if (const std::optional<QVector<quint16>> words = wordsOf(*type, text.left(blank))) {
+            *values = *words;
+            return {};
+        }
+        if (type->base == 0)
+            return QStringLiteral("a number such as 3.14");
+        return QStringLiteral("a number from %1 to %2")
+            .arg(QString::number(type->minimum, type->base),
+                 QString::number(type->maximum, type->base).toUpper());
+    }
+    return u"behind the value one of these types: " + QString::fromLatin1(dataTypeNames());
+}
+
+/// What storeText() stores. Returns an empty text, or what is wrong.
+QString readStored(const Memory &memory, const QByteArray &address, const QByteArray &text,
+                   QVector<StoredValue> *stored)
+{
+    const std::optional<Address> first = parseAddress(address);
+    if (!first)
+        return QStringLiteral("'%1' is no address that exists; write one such as DM100 or R015")
+            .arg(QString::fromUtf8(address));
+    const auto read = text.contains(' ') ? readTyped : readPlain;
+    QVector<quint16> values;
+    const QString expected = read(text, first->device->kind, &values);
+    if (!expected.isEmpty())
+        return QStringLiteral("'%1' is no value for %2; write %3")
+            .arg(QString::fromUtf8(text), QString::fromUtf8(address), expected);
+    if (static_cast<quint32>(values.size()) > countToEnd(*first))
+        return QStringLiteral("'%1' runs over the end of the device; choose an address before '%2'")
+            .arg(QString::fromUtf8(text), QString::fromUtf8(address));
+    for (const quint16 value : qAsConst(values)) {
+        const Address place{first->device, first->index + static_cast<quint32>(stored->size())};
+        if (memory.isGenerated(place))
+            return QStringLiteral("a generator makes the value of '%1'; choose another address")
+                .arg(QString::fromLatin1(addressText(place)));
+        stored->append({place, value});
+    }
+    return {};
 }
 
 } // namespace
@@ -52,35 +115,20 @@ QByteArray countersText(const NamedControllers &controllers)
     return text;
 }
 
-std::optional<int> valueAt(const Controller &controller, const QByteArray &address)
-{
-    const std::optional<Address> place = parseAddress(address);
-    return place ? std::make_optional<int>(controller.memory.value(*place)) : std::nullopt;
-}
-
 QString storeRefusal(const Controller &controller, const QByteArray &address,
                      const QByteArray &value)
 {
-    const std::optional<Address> place = parseAddress(address);
-    if (!place)
-        return QStringLiteral("'%1' is no address that exists; write one such as DM100 or R015")
-            .arg(QString::fromUtf8(address));
-    const int most = maximumValue(place->device->kind);
-    const std::optional<quint32> number = parseNumber(value, 10);
-    if (!number || *number > static_cast<quint32>(most))
-        return QStringLiteral("'%1' is no value for %2; write a number from 0 to %3")
-            .arg(QString::fromUtf8(value), QString::fromUtf8(address))
-            .arg(most);
-    if (controller.memory.isGenerated(*place))
-        return QStringLiteral("a generator makes the value of '%1'; choose another address")
-            .arg(QString::fromUtf8(address));
-    return {};
+    QVector<StoredValue> stored;
+    return readStored(controller.memory, address, value, &stored);
 }
 
 QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value)
 {
-    const QString error = storeRefusal(*controller, address, value);
-    if (error.isEmpty())
-        controller->memory.setValue(*parseAddress(address), value.toUShort());
+    QVector<StoredValue> stored;
+    QString error = readStored(controller->memory, address, value, &stored);
+    if (error.isEmpty()) {
+        for (const StoredValue &cell : qAsConst(stored))
+            controller->memory.setValue(cell.address, cell.value);
+    }
     return error;
 }

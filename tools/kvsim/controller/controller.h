@@ -56,15 +56,12 @@ Reply replyTo(const Line &line, Controller *controller, QByteArray *previous);
 /// controllers, a line "controller 1 127.0.0.1:8501" stands before those of each.
 QByteArray countersText(const NamedControllers &controllers);
 
-/// The word (0 to 65535) or bit (0 or 1) at `address`, for example "DM100"; nothing when there is
-/// no such address.
-std::optional<int> valueAt(const Controller &controller, const QByteArray &address);
-
 /// Why storeText() would store nothing: what is wrong and what to write instead. An empty text when
 /// it would store.
 QString storeRefusal(const Controller &controller, const QByteArray &address,
                      const QByteArray &value);
 
-/// Stores what two texts say, for example "DM100" and "5", in a read-only device too. Returns an
-/// empty text, or what is wrong: then nothing is stored.
+/// Stores what two texts say, for example "DM100" and "5", in a read-only device too. Behind the
+/// value a type of dataType() may stand: "3.14 Float" takes as many words as that type has. Returns
+/// an empty text, or what is wrong: then nothing is stored.
 QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value);

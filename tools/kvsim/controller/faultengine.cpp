@@ -6,6 +6,8 @@
 
 #include <QMutexLocker>
 
+#include <algorithm>
+
 namespace {
 
 /// The words or bits that a command names, whether they all exist or not.
@@ -64,6 +66,17 @@ void FaultEngine::clear()
 {
     const QMutexLocker locker(&m_mutex);
     m_entries.clear();
+}
+
+bool FaultEngine::remove(const QByteArray &text)
+{
+    const QMutexLocker locker(&m_mutex);
+    const auto others = std::remove_if(m_entries.begin(), m_entries.end(), [&](const Entry &entry) {
+        return entry.count.text == text;
+    });
+    const bool isFound = others != m_entries.end();
+    m_entries.erase(others, m_entries.end());
+    return isFound;
 }
 
 QVector<FaultCount> FaultEngine::counts() const

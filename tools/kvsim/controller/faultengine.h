@@ -41,6 +41,9 @@ public:
     /// Ends all faults. Actions that they have begun are still carried out.
     void clear();
 
+    /// Ends the faults that were written so. False when there are none.
+    bool remove(const QByteArray &text);
+
     /// The counts of every fault in force, in the order in which they were added.
     QVector<FaultCount> counts() const;
 

@@ -73,16 +73,14 @@ QByteArray readModel(const QJsonObject &object, const QString &place, QList<Prob
 std::optional<Range> readRange(const QString &text, const QString &place, QList<Problem> *errors)
 {
     const QStringList ends = text.split(u'-');
-    const std::optional<Address> first = parseAddress(ends.first().toUtf8());
-    const std::optional<Address> last = parseAddress(ends.last().toUtf8());
-    if (ends.size() <= 2 && first && last && first->device == last->device
-        && first->index <= last->index)
-        return Range{*first, last->index - first->index + 1};
-    addError(
-        place,
-        QStringLiteral("'%1' is no range; write one such as DM100-DM199, or an address").arg(text),
-        errors);
-    return {};
+    const std::optional<Range> range
+        = ends.size() <= 2 ? parseRange(ends.first().toUtf8(), ends.last().toUtf8()) : std::nullopt;
+    if (!range)
+        addError(place,
+                 QStringLiteral("'%1' is no range; write one such as DM100-DM199, or an address")
+                     .arg(text),
+                 errors);
+    return range;
 }
 
 QVector<Range> readRanges(const QJsonObject &object, const QString &key, const QString &place,

@@ -86,6 +86,15 @@ std::optional<Address> parseAddress(const QByteArray &text)
     return Address{device, indexOf(*device, *number)};
 }
 
+std::optional<Range> parseRange(const QByteArray &first, const QByteArray &last)
+{
+    const std::optional<Address> begin = parseAddress(first);
+    const std::optional<Address> end = parseAddress(last);
+    if (!begin || !end || begin->device != end->device || begin->index > end->index)
+        return std::nullopt;
+    return Range{*begin, end->index - begin->index + 1};
+}
+
 bool overlap(const Range &one, const Range &other)
 {
     const auto end = [](const Range &range) { return quint64(range.first.index) + range.count; };

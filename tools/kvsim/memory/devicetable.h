@@ -57,6 +57,9 @@ bool overlap(const Range &one, const Range &other);
 /// or no such number.
 std::optional<Address> parseAddress(const QByteArray &text);
 
+/// The words or bits from one address to another; nothing when there are none.
+std::optional<Range> parseRange(const QByteArray &first, const QByteArray &last);
+
 /// The text that parseAddress() reads back: "DM100", "R015", "W1F".
 QByteArray addressText(Address address);
 
