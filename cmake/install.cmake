@@ -4,7 +4,7 @@
 set(plugin_documents share/doc/libkeyence)
 set(tools_documents share/doc/libkeyence-tools)
 set(plugin_pages deployment errors faults host-interface troubleshooting user-guide)
-set(tools_pages simulator velhost velhost-reference)
+set(tools_pages simulator velhost velhost-reference wire-trace)
 # The stand-in stays out of the loader's folders, so that no host ever takes it for its own library.
 set(tools_libraries lib/libkeyence-tools/vel)
 
