@@ -233,7 +233,7 @@ void tst_Server::memoryAccessRefused_data()
     QTest::newRow("no such device") << QByteArray("QQ1") << -1 << 1;
     QTest::newRow("no such number") << QByteArray("DM65535") << -1 << 1;
     QTest::newRow("word above 65535") << QByteArray("DM7") << 7 << 65536;
-    QTest::newRow("word below 0") << QByteArray("DM7") << 7 << -1;
+    QTest::newRow("word below 0") << QByteArray("DM7") << 7 << -32769;
     QTest::newRow("bit above 1") << QByteArray("R100") << 1 << 2;
     QTest::newRow("bit below 0") << QByteArray("R100") << 1 << -1;
 }

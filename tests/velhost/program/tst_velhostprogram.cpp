@@ -205,15 +205,15 @@ Cycle  Time                           Device  Item     Value  Error
     row("device error, json", "read|--plugin|%PLUGIN%|--plant|plant.json|--format|json",
         pressPlant("read-error"), 1,
         R"({"type":"device","cycle":1,"time":"T","device":"Press","error":"no answer from 10.0.0.1"}
-{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"1","error":""}
-{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
+{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"1","old":true,"error":""}
+{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","old":true,"error":""}
 )",
         "");
     row("read returns false", "read|--plugin|%PLUGIN%|--plant|plant.json|--format|json",
         pressPlant("read-false"), 1,
         R"({"type":"device","cycle":1,"time":"T","device":"Press","error":"readData() returned false"}
-{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"1","error":""}
-{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
+{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"1","old":true,"error":""}
+{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","old":true,"error":""}
 )",
         "");
     row("what the plug-in is given, cleared errors and kept values",
@@ -224,12 +224,12 @@ Cycle  Time                           Device  Item     Value  Error
 {"type":"log","level":"debug","time":"T","text":"init: Mode {answers=0 flagged= memory_type=0}"}
 {"type":"log","level":"debug","time":"T","device":"Press","cycle":1,"text":"read: Press error \"\" of 2 items: Press/Counter=\"\" error \"\", Press/Mode=\"\" error \"\""}
 {"type":"device","cycle":1,"time":"T","device":"Press","error":"no answer from 10.0.0.1"}
-{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"7","error":""}
-{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
+{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"7","old":true,"error":""}
+{"type":"value","cycle":1,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","old":true,"error":""}
 {"type":"log","level":"debug","time":"T","device":"Press","cycle":2,"text":"read: Press error \"\" of 2 items: Press/Counter=\"7\" error \"\", Press/Mode=\"0\" error \"\""}
 {"type":"device","cycle":2,"time":"T","device":"Press","error":"no answer from 10.0.0.1"}
-{"type":"value","cycle":2,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"7","error":"no answer"}
-{"type":"value","cycle":2,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","error":""}
+{"type":"value","cycle":2,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Counter","value":"7","old":true,"error":"no answer"}
+{"type":"value","cycle":2,"time":"2024-02-29T12:34:56.789+05:30","device":"Press","item":"Mode","value":"0","old":true,"error":""}
 {"type":"log","level":"debug","time":"T","text":"stop: Press"}
 )",
         "");
