@@ -1,0 +1,225 @@
+// What the library does when it is loaded: it writes what happens on the connections to the file
+// VEL_TRACE. What fails ends the trace, never the process.
+
+#include "connections.h"
+#include "line.h"
+
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+char fileName[PATH_MAX];
+char previousName[PATH_MAX + 2];
+int file = -1;
+// Tells the file from what the host opens under its number, after it has closed all that there are.
+dev_t device;
+ino_t node;
+long mostBytes = 0;
+
+// write(), but a closed pipe and the limit of a file's size raise no signal.
+bool writeQuietly(int descriptor, const char *bytes, std::size_t size)
+{
+    sigset_t quiet;
+    sigset_t blocked;
+    sigset_t pending;
+    sigemptyset(&quiet);
+    sigaddset(&quiet, SIGPIPE);
+    sigaddset(&quiet, SIGXFSZ);
+    sigpending(&pending);
+    pthread_sigmask(SIG_BLOCK, &quiet, &blocked);
+    const ssize_t written = write(descriptor, bytes, size);
+    const bool isWritten = written >= 0 && static_cast<std::size_t>(written) == size;
+    if (sigismember(&pending, SIGPIPE) == 1)
+        sigdelset(&quiet, SIGPIPE);
+    if (sigismember(&pending, SIGXFSZ) == 1)
+        sigdelset(&quiet, SIGXFSZ);
+    const timespec atOnce = {};
+    if (!isWritten)
+        sigtimedwait(&quiet, nullptr, &atOnce);
+    pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
+    return isWritten;
+}
+
+// The file's number is high, so that the host's own are what they would be without it.
+int highNumber(int descriptor)
+{
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlim_t number = limit.rlim_cur < 1024 ? limit.rlim_cur : 1024;
+    const int high = fcntl(descriptor, F_DUPFD_CLOEXEC, static_cast<int>(number) - 4);
+    if (high < 0)
+        return descriptor;
+    close(descriptor);
+    return high;
+}
+
+bool openFile()
+{
+    // A pipe that nobody reads must not stop the host.
+    const int opened
+        = open(fileName, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
+    struct stat status = {};
+    if (opened < 0 || fstat(opened, &status) != 0)
+        return false;
+    file = highNumber(opened);
+    device = status.st_dev;
+    node = status.st_ino;
+    return true;
+}
+
+bool isSameFile(const struct stat &status)
+{
+    return status.st_dev == device && status.st_ino == node;
+}
+
+bool isOpen(struct stat *status)
+{
+    return fstat(file, status) == 0 && isSameFile(*status);
+}
+
+// Makes the full file the one before. Another process may have done that.
+bool beginNewFile()
+{
+    struct stat status = {};
+    close(file);
+    file = -1;
+    if (stat(fileName, &status) == 0 && isSameFile(status) && rename(fileName, previousName) != 0)
+        return false;
+    return openFile();
+}
+
+void end()
+{
+    struct stat status = {};
+    if (isOpen(&status))
+        close(file);
+    file = -1;
+}
+
+void writeLine(const char *bytes, std::size_t size)
+{
+    struct stat status = {};
+    if (file < 0)
+        return;
+    // A host that begins as a daemon closes all descriptors.
+    bool goesOn = isOpen(&status) || (openFile() && isOpen(&status));
+    if (goesOn && S_ISREG(status.st_mode) && status.st_size > 0
+        && status.st_size + static_cast<off_t>(size) > mostBytes)
+        goesOn = beginNewFile();
+    if (!goesOn || !writeQuietly(file, bytes, size))
+        end();
+}
+
+void writeEvent(const Event &event)
+{
+    std::size_t done = 0;
+    do {
+        const Line line = lineOf(event, done);
+        writeLine(line.text, line.size);
+        done += line.eventBytes;
+    } while (done < event.size);
+}
+
+// The ports of a list such as "8501,8502". False when the text is none.
+bool arePorts(const char *text, Ports *ports)
+{
+    while (true) {
+        char *end = nullptr;
+        const unsigned long port = std::strtoul(text, &end, 10);
+        if (*text < '0' || *text > '9' || port < 1 || port > 65535)
+            return false;
+        (*ports)[port / 8] |= static_cast<unsigned char>(1U << port % 8);
+        if (*end == '\0')
+            return true;
+        if (*end != ',')
+            return false;
+        text = end + 1;
+    }
+}
+
+// A setting, and what is wrong with it; a null pointer when nothing is.
+struct Setting
+{
+    const char *value = nullptr;
+    const char *problem = nullptr;
+};
+
+const char *valueOf(const char *name, const char *otherwise)
+{
+    const char *const value = secure_getenv(name);
+    return value != nullptr ? value : otherwise;
+}
+
+Setting readSize()
+{
+    const char *const value = valueOf("VEL_TRACE_SIZE", "16777216");
+    char *end = nullptr;
+    mostBytes = std::strtol(value, &end, 10);
+    const bool isSize = *value >= '0' && *value <= '9' && *end == '\0';
+    if (isSize && mostBytes >= 1 && mostBytes <= 1000000000)
+        return {};
+    return {value, "VEL_TRACE_SIZE is no number of bytes from 1 to 1000000000"};
+}
+
+Setting readPorts(Ports *ports)
+{
+    const char *const value = valueOf("VEL_TRACE_PORTS", "8501");
+    if (arePorts(value, ports))
+        return {};
+    return {value, "VEL_TRACE_PORTS is no list of ports such as 8501,8502"};
+}
+
+// Opens the file; a relative name stays in this folder, whatever folder the host changes to.
+Setting openNamedFile()
+{
+    const char *const value = valueOf("VEL_TRACE", "");
+    if (*value == '\0')
+        return {value, "VEL_TRACE names no file"};
+    if (std::strlen(value) >= sizeof fileName)
+        return {value, strerrordesc_np(ENAMETOOLONG)};
+    std::strcpy(fileName, value);
+    if (!openFile())
+        return {value, strerrordesc_np(errno)};
+    char whole[PATH_MAX];
+    if (realpath(value, whole) != nullptr)
+        std::strcpy(fileName, whole);
+    stpcpy(stpcpy(previousName, fileName), ".1");
+    return {};
+}
+
+void complain(const Setting &setting)
+{
+    char text[PATH_MAX + 200];
+    char *end = stpcpy(text, "libvel-trace: nothing is traced: ");
+    end = stpcpy(stpcpy(end, setting.problem), ": ");
+    end = stpcpy(stpncpy(end, setting.value, PATH_MAX), "\n");
+    writeQuietly(STDERR_FILENO, text, static_cast<std::size_t>(end - text));
+}
+
+[[gnu::constructor]] void begin()
+{
+    static Ports ports;
+    const int errorNumber = errno;
+    Setting setting = readSize();
+    if (setting.problem == nullptr)
+        setting = readPorts(&ports);
+    if (setting.problem == nullptr)
+        setting = openNamedFile();
+    if (setting.problem == nullptr)
+        trace(ports, writeEvent);
+    else
+        complain(setting);
+    errno = errorNumber;
+}
+
+} // namespace
