@@ -71,7 +71,7 @@ void checkReply(const QByteArray &command, Controller *controller, QByteArray *p
     constexpr int mostBytes = 1024 * 1024 + 16;
     constexpr int longestTime = 2 * 600000;
     const quint64 commands = controller->counters.commands;
-    const Reply reply = replyTo({command}, controller, previous);
+    const Reply reply = replyTo({}, {command}, controller, previous);
     requireSame<quint64>(controller->counters.commands, commands + 1, "a command is counted");
     require(reply.bytes().size() <= mostBytes + 2 * reply.answer.size(), "a reply has an end");
     for (const Action &action : reply.actions) {
@@ -100,12 +100,13 @@ void check(Input input)
         {{"press", "127.0.0.1:8501", &press}, {"oven", "127.0.0.2:8501", &oven}},
         [] { return QString(); }};
     QByteArray previous;
+    QByteArray welcomed;
     const QList<QByteArray> lines = input.rest().split('\n').mid(0, mostLines);
     for (const QByteArray &line : lines) {
         if (line.startsWith('>'))
             checkReply(line.mid(1), &press, &previous);
         else if (line.startsWith('<'))
-            press.faults.welcome(line.size() - 1);
+            press.faults.welcome(line.size() - 1, &welcomed);
         else
             checkControl(line, target);
         checkCounts(press);

@@ -298,8 +298,10 @@ void tst_FaultEngine::welcome()
 
     FaultEngine engine;
     QCOMPARE(engine.add(fault), QString());
-    QCOMPARE(static_cast<int>(engine.welcome(connected)), welcome);
+    QByteArray struck;
+    QCOMPARE(static_cast<int>(engine.welcome(connected, &struck)), welcome);
     const bool applied = static_cast<Welcome>(welcome) != Welcome::Serve;
+    QCOMPARE(struck, applied ? fault : QByteArray());
     QCOMPARE(engine.counts().constFirst().seen, quint64(fault != "silent"));
     QCOMPARE(engine.counts().constFirst().applied, quint64(applied));
 }

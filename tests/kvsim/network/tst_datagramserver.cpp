@@ -348,8 +348,8 @@ void tst_DatagramServer::program()
     const QByteArray name
         = "127.0.0.1:" + QByteArray::number(client.socket()->localPort()) + "/udp";
     const QByteArray expected = name + " > RD DM100\\r\n" + name + " ! silent@DM100\n" + name
-                                + " > RD DM7\\r\n" + name + " < 00007\\r\\n\n" + name + " > ?K\n"
-                                + name + " < 55\\r\\n\n"
+                                + " > RD DM7\\r\n" + name + " > ?K\n" + name
+                                + " < 00007\\r\\n55\\r\\n\n"
                                 + "commands 3, answers 2, refusals 0, clients 0\n"
                                   "fault silent@DM100: seen 1, applied 1\n";
     QCOMPARE(errors.toLatin1(), expected);

@@ -25,7 +25,7 @@ private Q_SLOTS:
     void lineTooLong();
     void answersAfterHalfClose();
     void clientThatDoesNotRead();
-    void answeredCommands();
+    void tracedEvents();
     void memoryAccess_data();
     void memoryAccess();
     void memoryAccessRefused_data();
@@ -148,8 +148,8 @@ void tst_Server::clientThatDoesNotRead()
 
     qint64 mostUnsent = 0;
     int answers = 0;
-    controller.answered = [&](const QByteArray &, const Line &, const Reply &) {
-        ++answers;
+    controller.traced = [&](const QByteArray &, TraceEvent event, const QByteArray &) {
+        answers += event == TraceEvent::Sent;
         mostUnsent = std::max(mostUnsent, server.findChild<QTcpSocket *>()->bytesToWrite());
     };
 
@@ -172,27 +172,28 @@ void tst_Server::clientThatDoesNotRead()
     QVERIFY(mostUnsent <= Connection::unsentLimit + answerSize);
 }
 
-void tst_Server::answeredCommands()
+void tst_Server::tracedEvents()
 {
     Controller controller;
     Server server(&controller);
     QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
-    QList<QByteArrayList> answered;
-    controller.answered = [&](const QByteArray &client, const Line &line, const Reply &reply) {
-        answered.append(
-            {client, line.text, line.ended ? "ended" : "cut", reply.bytes(), reply.fault});
+    QByteArrayList events;
+    controller.traced = [&](const QByteArray &client, TraceEvent event, const QByteArray &bytes) {
+        events.append(client + ' ' + static_cast<char>(event) + ' ' + bytes);
     };
 
     QTcpSocket client;
     client.connectToHost(server.address(), server.port());
     client.write("\nRD DM1\r" + QByteArray(LineBuffer::maximumLength + 1, 'A'));
-    QVERIFY(QTest::qWaitFor([&] { return answered.size() >= 2; }, timeout));
-    QCOMPARE(answered.size(), 2);
-
+    QVERIFY(QTest::qWaitFor([&] { return events.size() >= 5; }, timeout));
     const QByteArray name = "127.0.0.1:" + QByteArray::number(client.localPort());
-    QCOMPARE(answered.at(0), QByteArrayList({name, "RD DM1", "ended", "00001\r\n", ""}));
+    client.disconnectFromHost();
+    QVERIFY(QTest::qWaitFor([&] { return events.size() >= 6; }, timeout));
+
     const QByteArray beginning(LineBuffer::shownLength, 'A');
-    QCOMPARE(answered.at(1), QByteArrayList({name, beginning, "cut", "E1\r\n", ""}));
+    QCOMPARE(events, QByteArrayList({name + " + connected", name + " > RD DM1\r",
+                                     name + " < 00001\r\n", name + " > " + beginning,
+                                     name + " < E1\r\n", name + " - closed by the client"}));
 }
 
 void tst_Server::memoryAccess_data()
@@ -233,7 +234,7 @@ void tst_Server::memoryAccessRefused_data()
     QTest::newRow("no such device") << QByteArray("QQ1") << -1 << 1;
     QTest::newRow("no such number") << QByteArray("DM65535") << -1 << 1;
     QTest::newRow("word above 65535") << QByteArray("DM7") << 7 << 65536;
-    QTest::newRow("word below 0") << QByteArray("DM7") << 7 << -32769;
+    QTest::newRow("word below -32768") << QByteArray("DM7") << 7 << -32769;
     QTest::newRow("bit above 1") << QByteArray("R100") << 1 << 2;
     QTest::newRow("bit below 0") << QByteArray("R100") << 1 << -1;
 }

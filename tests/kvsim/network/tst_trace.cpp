@@ -1,3 +1,4 @@
+#include <controller/controller.h>
 #include <network/trace.h>
 
 #include <QDateTime>
@@ -67,10 +68,8 @@ void tst_Trace::localTime()
 void tst_Trace::trace()
 {
     const QDateTime time(QDate(2024, 5, 1), QTime(8, 2, 3, 45));
-    const QByteArray expected(R"(2024-05-01T08:02:03.045 127.0.0.1:40000 > RD DM1\r
-2024-05-01T08:02:03.045 127.0.0.1:40000 < 00001\r\n
-)");
-    QCOMPARE(traceText(time, "127.0.0.1:40000", "RD DM1\r", "00001\r\n", {}), expected);
+    const QByteArray expected("2024-05-01T08:02:03.045 127.0.0.1:40000 > RD DM1\\r\n");
+    QCOMPARE(traceLine(time, "127.0.0.1:40000", TraceEvent::Received, "RD DM1\r"), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_Trace)

@@ -153,8 +153,8 @@ void tst_KvsimProgram::trace()
     trace.remove(QRegularExpression(QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d"
                                                    "\\.\\d{3} "),
                                     QRegularExpression::MultilineOption));
-    const QByteArray expected = name + " > RD\\x00DM1\\r\n" + name + " < E1\\r\\n\n" + name
-                                + " > ?K\\r\n" + name + " < 55\\r\\n\n"
+    const QByteArray expected = name + " + connected\n" + name + " > RD\\x00DM1\\r\n" + name
+                                + " < E1\\r\\n\n" + name + " > ?K\\r\n" + name + " < 55\\r\\n\n"
                                 + "commands 2, answers 2, refusals 1, clients 1\n";
     QCOMPARE(trace.toLatin1(), expected);
     QCOMPARE(process.readAllStandardOutput(), QByteArray());

@@ -15,8 +15,10 @@ void SimulatorErrands::waitForResume()
 SimulatorThread::SimulatorThread(const QHostAddress &address, quint16 port, QObject *parent)
     : QThread(parent), m_address(address), m_port(port)
 {
-    m_controller.answered
-        = [this](const QByteArray &, const Line &line, const Reply &) { recordCommand(line); };
+    m_controller.traced = [this](const QByteArray &, TraceEvent event, const QByteArray &bytes) {
+        if (event == TraceEvent::Received)
+            recordCommand(bytes);
+    };
     m_errands.moveToThread(this);
     start();
     m_started.acquire();
@@ -54,10 +56,10 @@ QVector<FaultCount> SimulatorThread::faultCounts() const
     return m_controller.faults.counts();
 }
 
-void SimulatorThread::recordCommand(const Line &line)
+void SimulatorThread::recordCommand(const QByteArray &bytes)
 {
     const QMutexLocker locker(&m_commandsMutex);
-    m_commands.append(line.text);
+    m_commands.append(bytes.endsWith('\r') ? bytes.chopped(1) : bytes);
 }
 
 QByteArrayList SimulatorThread::takeCommands()

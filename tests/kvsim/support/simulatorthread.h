@@ -67,8 +67,8 @@ public:
     /// What all clients together have done. May be called from any thread at any time.
     const Counters &counters() const { return m_controller.counters; }
 
-    /// The commands since the last call, without their line ends, in the order in which they were
-    /// answered. May be called from any thread at any time.
+    /// The commands since the last call, without their line ends, in the order in which they
+    /// came. May be called from any thread at any time.
     QByteArrayList takeCommands();
 
     /// Returns when all that has reached the simulator is dealt with, new clients too, and what
@@ -84,7 +84,7 @@ protected:
     void run() override;
 
 private:
-    void recordCommand(const Line &line);
+    void recordCommand(const QByteArray &bytes);
 
     QHostAddress m_address;
     Controller m_controller;

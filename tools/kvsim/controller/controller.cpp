@@ -88,12 +88,16 @@ QString readStored(const Memory &memory, const QByteArray &address, const QByteA
 
 } // namespace
 
-Reply replyTo(const Line &line, Controller *controller, QByteArray *previous)
+Reply replyTo(const QByteArray &client, const Line &line, Controller *controller,
+              QByteArray *previous)
 {
+    controller->traced(client, TraceEvent::Received, line.ended ? line.text + '\r' : line.text);
     const Reply reply
         = controller->faults.reply(line, *previous, controller->profile, &controller->memory);
     if (!reply.answer.isEmpty())
         *previous = reply.answer;
+    if (!reply.fault.isEmpty())
+        controller->traced(client, TraceEvent::Fault, reply.fault);
     const QByteArray bytes = reply.bytes();
     Counters &counters = controller->counters;
     ++counters.commands;

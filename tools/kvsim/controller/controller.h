@@ -20,6 +20,15 @@ struct Counters
     std::atomic<quint64> clients{0};
 };
 
+/// What happens to a client, each with the sign that a trace shows.
+enum class TraceEvent : char {
+    Connected = '+',
+    Received = '>',
+    Fault = '!',
+    Sent = '<',
+    Closed = '-',
+};
+
 /// The controller behind all connections. Safe to use from several threads.
 struct Controller
 {
@@ -29,10 +38,11 @@ struct Controller
     Memory memory;
     FaultEngine faults;
     Counters counters;
-    /// Called for each command, once its answer is decided; set it before clients come. `client` is
-    /// the client's address and port, with "/udp" behind for a datagram.
-    std::function<void(const QByteArray &client, const Line &line, const Reply &reply)> answered
-        = [](const QByteArray &, const Line &, const Reply &) {};
+    /// Called for each event at its time; set it before clients come. `client` is the client's
+    /// address and port, with "/udp" behind for a datagram. `bytes` are those of the command or the
+    /// answer, the fault as it was written, or a text.
+    std::function<void(const QByteArray &client, TraceEvent event, const QByteArray &bytes)> traced
+        = [](const QByteArray &, TraceEvent, const QByteArray &) {};
 };
 
 /// One of the controllers of a program.
@@ -49,7 +59,8 @@ using NamedControllers = QVector<NamedController>;
 /// Executes one client's command unless a fault prevents it, counts it and says what to send.
 /// `previous` is the proper answer to the client's command before, or empty; it becomes the one to
 /// this command.
-Reply replyTo(const Line &line, Controller *controller, QByteArray *previous);
+Reply replyTo(const QByteArray &client, const Line &line, Controller *controller,
+              QByteArray *previous);
 
 /// The counters of all as text: a line "commands 5, answers 4, refusals 1, clients 2", then one for
 /// each fault in force, "fault silent@DM100: seen 2, applied 2". Where there are several

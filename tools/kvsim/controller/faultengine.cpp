@@ -124,7 +124,7 @@ Reply FaultEngine::reply(const Line &line, const QByteArray &previous, const Pro
     return faultyReply(struck->fault, answer, previous, &struck->random);
 }
 
-Welcome FaultEngine::welcome(int connected)
+Welcome FaultEngine::welcome(int connected, QByteArray *text)
 {
     const QMutexLocker locker(&m_mutex);
     Welcome welcome = Welcome::Serve;
@@ -136,6 +136,7 @@ Welcome FaultEngine::welcome(int connected)
             continue;
         welcome = fault.kind == FaultKind::AcceptThenSilent ? Welcome::Ignore : Welcome::Reset;
         ++entry.count.applied;
+        *text = fault.text;
     }
     return welcome;
 }

@@ -54,8 +54,9 @@ public:
     Reply reply(const Line &line, const QByteArray &previous, const Profile &profile,
                 Memory *memory);
 
-    /// What happens to a new client while `connected` others are there.
-    Welcome welcome(int connected);
+    /// What happens to a new client while `connected` others are there. `text` becomes the fault
+    /// that is applied, as it was written; it stays as it is when there is none.
+    Welcome welcome(int connected, QByteArray *text);
 
 private:
     struct Entry

@@ -94,7 +94,7 @@ bool Connection::canReadMore() const
 
 void Connection::reply(const Line &line)
 {
-    const Reply reply = replyTo(line, m_controller, &m_previousAnswer);
+    const Reply reply = replyTo(m_client, line, m_controller, &m_previousAnswer);
     if (reply.detached) {
         for (const Action &action : reply.actions)
             scheduleAnswer(action);
@@ -102,7 +102,6 @@ void Connection::reply(const Line &line)
         m_pendingActions = reply.actions;
         performPending();
     }
-    m_controller->answered(m_client, line, reply);
 }
 
 void Connection::performPending()
@@ -122,6 +121,7 @@ void Connection::perform(const Action &action)
     switch (action.kind) {
     case Action::Kind::Send:
         m_socket->write(action.bytes);
+        m_controller->traced(m_client, TraceEvent::Sent, action.bytes);
         // Each part of an answer leaves by itself.
         if (!m_pendingActions.isEmpty())
             m_socket->flush();

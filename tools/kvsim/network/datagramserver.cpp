@@ -18,6 +18,12 @@ int pendingSize(const Action &datagram)
     return datagram.bytes.size() + pendingOverhead;
 }
 
+QByteArray clientOf(const QNetworkDatagram &question)
+{
+    return endpointText(question.senderAddress(), static_cast<quint16>(question.senderPort()))
+           + "/udp";
+}
+
 bool wantsRestart(const Reply &reply)
 {
     return !reply.actions.isEmpty() && reply.actions.constFirst().kind == Action::Kind::Restart;
@@ -89,14 +95,11 @@ void DatagramServer::receive()
     const QNetworkDatagram question = m_socket->receiveDatagram();
     if (m_pendingBytes > pendingLimit)
         return;
-    const QByteArray client
-        = endpointText(question.senderAddress(), static_cast<quint16>(question.senderPort()))
-          + "/udp";
+    const QByteArray client = clientOf(question);
     const QList<Line> lines = linesOf(question.data());
     QList<Action> datagrams;
     for (const Line &line : lines) {
-        const Reply answer = replyTo(line, m_controller, &m_previousAnswer);
-        m_controller->answered(client, line, answer);
+        const Reply answer = replyTo(client, line, m_controller, &m_previousAnswer);
         if (wantsRestart(answer)) {
             Q_EMIT restartWanted(answer.actions.constFirst().milliseconds);
             break;
@@ -138,7 +141,9 @@ void DatagramServer::sendDue(const std::shared_ptr<PendingAnswer> &pending)
         // makeReply(), with which Qt names the interface: the system would then send from the first
         // address of that interface.
         const QNetworkDatagram &question = pending->question;
-        m_socket->writeDatagram(datagram.bytes.left(largestDatagram), question.senderAddress(),
+        const QByteArray bytes = datagram.bytes.left(largestDatagram);
+        m_socket->writeDatagram(bytes, question.senderAddress(),
                                 static_cast<quint16>(question.senderPort()));
+        m_controller->traced(clientOf(question), TraceEvent::Sent, bytes);
     }
 }

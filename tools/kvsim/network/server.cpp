@@ -1,6 +1,7 @@
 #include "network/server.h"
 
 #include "controller/controller.h"
+#include "controller/endpoint.h"
 #include "network/connection.h"
 #include "network/datagramserver.h"
 #include "network/listener.h"
@@ -61,7 +62,17 @@ quint16 Server::port() const
 void Server::accept(QTcpSocket *socket)
 {
     ++m_controller->counters.clients;
-    const Welcome welcome = m_controller->faults.welcome(m_connections.size());
+    const QByteArray client = endpointText(socket->peerAddress(), socket->peerPort());
+    m_controller->traced(client, TraceEvent::Connected, "connected");
+    connect(socket, &QTcpSocket::disconnected, this, [this, client, socket] {
+        const bool byClient = socket->error() == QAbstractSocket::RemoteHostClosedError;
+        m_controller->traced(client, TraceEvent::Closed,
+                             byClient ? "closed by the client" : "closed");
+    });
+    QByteArray fault;
+    const Welcome welcome = m_controller->faults.welcome(m_connections.size(), &fault);
+    if (!fault.isEmpty())
+        m_controller->traced(client, TraceEvent::Fault, fault);
     if (welcome == Welcome::Reset) {
         resetConnection(socket);
         socket->deleteLater();

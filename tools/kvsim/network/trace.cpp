@@ -1,5 +1,7 @@
 #include "network/trace.h"
 
+#include "controller/controller.h"
+
 #include <QDateTime>
 
 #include <array>
@@ -61,14 +63,9 @@ QDateTime localTime()
     return QDateTime::fromMSecsSinceEpoch(now + qint64(local.tm_gmtoff) * 1000, Qt::UTC);
 }
 
-QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByteArray &command,
-                     const QByteArray &answer, const QByteArray &fault)
+QByteArray traceLine(const QDateTime &time, const QByteArray &client, TraceEvent event,
+                     const QByteArray &bytes)
 {
-    const QByteArray prefix = timeText(time) + ' ' + client;
-    QByteArray text = prefix + " > " + escaped(command) + '\n';
-    if (!fault.isEmpty())
-        text += prefix + " ! " + fault + '\n';
-    if (!answer.isEmpty())
-        text += prefix + " < " + escaped(answer) + '\n';
-    return text;
+    return timeText(time) + ' ' + client + ' ' + static_cast<char>(event) + ' ' + escaped(bytes)
+           + '\n';
 }

@@ -4,6 +4,8 @@
 
 class QDateTime;
 
+enum class TraceEvent : char;
+
 /// `bytes` as printable ASCII: "\r", "\n", "\\" and, for anything else outside 0x20 to 0x7E, "\x"
 /// with two hexadecimal digits.
 QByteArray escaped(const QByteArray &bytes);
@@ -12,8 +14,6 @@ QByteArray escaped(const QByteArray &bytes);
 /// at the file of the time zone, several times a call.
 QDateTime localTime();
 
-/// The lines for one exchange: the command after '>', the fault that was applied, if any, after
-/// '!', the answer, if there is one, after '<'; each with the time to the millisecond and the
-/// client.
-QByteArray traceText(const QDateTime &time, const QByteArray &client, const QByteArray &command,
-                     const QByteArray &answer, const QByteArray &fault);
+/// The line for an event: the time to the millisecond, the client, the event's sign and the bytes.
+QByteArray traceLine(const QDateTime &time, const QByteArray &client, TraceEvent event,
+                     const QByteArray &bytes);

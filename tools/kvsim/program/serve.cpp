@@ -19,18 +19,16 @@
 
 namespace {
 
-/// Writes what clients ask and get to standard error. Where there are several controllers, the name
-/// of the one that was asked stands before the client.
-void traceCommands(const NamedControllers &controllers)
+/// Writes what happens to clients to standard error. Where there are several controllers, the name
+/// of the one that it concerns stands before the client.
+void traceClients(const NamedControllers &controllers)
 {
     for (const NamedController &named : controllers) {
         const QByteArray prefix = controllers.size() > 1 ? named.name + ' ' : QByteArray();
-        named.controller->answered
-            = [prefix](const QByteArray &client, const Line &line, const Reply &reply) {
-                  const QByteArray command = line.ended ? line.text + '\r' : line.text;
-                  const QByteArray text = traceText(localTime(), prefix + client, command,
-                                                    reply.bytes(), reply.fault);
-                  std::fputs(text.constData(), stderr);
+        named.controller->traced
+            = [prefix](const QByteArray &client, TraceEvent event, const QByteArray &bytes) {
+                  const QByteArray line = traceLine(localTime(), prefix + client, event, bytes);
+                  std::fputs(line.constData(), stderr);
               };
     }
 }
@@ -111,7 +109,7 @@ ExitCode fillControllers(const Options &options, const NamedControllers &control
 ExitCode run(const Options &options, Simulation *simulation, const std::function<void()> &report)
 {
     if (options.trace)
-        traceCommands(simulation->controllers());
+        traceClients(simulation->controllers());
     QObject::connect(simulation, &Simulation::restartFailed, simulation, [](const QString &reason) {
         printError(QStringLiteral("cannot listen again after a restart: %1. End what listens on "
                                   "that port.")
