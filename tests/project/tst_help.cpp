@@ -197,7 +197,7 @@ void tst_Help::completes_data()
     QTest::newRow("formats") << text("velhost read --format ") << text("csv json table");
     QTest::newRow("files behind a command") << text("velhost check pl") << text("plant.json");
     QTest::newRow("files behind --plant") << text("velhost --plant pl") << text("plant.json");
-    QTest::newRow("simulator's options") << text("kvsim --p") << text("--port");
+    QTest::newRow("simulator's options") << text("kvsim --po") << text("--port");
     QTest::newRow("what controllers differ in")
         << text("kvsim --consecutive ") << text("addresses ports");
     QTest::newRow("simulator's files") << text("kvsim --config pl") << text("plant.json");

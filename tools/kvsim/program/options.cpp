@@ -11,6 +11,8 @@ namespace {
 
 const QString controllersOption = QStringLiteral("controllers");
 const QString configOption = QStringLiteral("config");
+const QString plantOption = QStringLiteral("plant");
+const QString writePlantOption = QStringLiteral("write-plant");
 const QString loadOption = QStringLiteral("load");
 const QString dumpOption = QStringLiteral("dump");
 const QString stateOption = QStringLiteral("state");
@@ -73,17 +75,30 @@ QString readPlaces(const QCommandLineParser &parser, const QHostAddress &address
     if (parser.isSet(configOption) && parser.isSet(controllersOption))
         return QStringLiteral("--controllers and --config exclude each other; the file says "
                               "how many there are.");
+    if (parser.isSet(plantOption)
+        && (parser.isSet(configOption) || parser.isSet(controllersOption)))
+        return QStringLiteral(
+            "--plant excludes --config and --controllers; the plant says how many "
+            "there are.");
+    if (parser.isSet(plantOption) && address.protocol() != QAbstractSocket::IPv4Protocol)
+        return QStringLiteral("'%1' is no address for a plant; write --bind with an IPv4 address.")
+            .arg(address.toString());
     return addPlaces(address, port, *count, *differ, places);
 }
 
 /// Reads the names of files. Returns what is wrong, or an empty text.
 QString readFiles(const QCommandLineParser &parser, Options *options)
 {
-    for (const QString &file : {configOption, loadOption, dumpOption, stateOption}) {
+    for (const QString &file :
+         {configOption, plantOption, writePlantOption, loadOption, dumpOption, stateOption}) {
         if (parser.isSet(file) && parser.value(file).isEmpty())
             return QStringLiteral("--%1 takes the name of a file.").arg(file);
     }
     options->config = parser.value(configOption);
+    options->plant = parser.value(plantOption);
+    options->writePlant = parser.value(writePlantOption);
+    if (!parser.isSet(plantOption) && parser.isSet(writePlantOption))
+        return QStringLiteral("--write-plant says nothing without --plant; write both, or none.");
     options->load = parser.value(loadOption);
     options->dump = parser.value(dumpOption);
     if (!parser.isSet(stateOption))
@@ -111,6 +126,7 @@ QString readListening(const QCommandLineParser &parser, Options *options)
         return portError(QStringLiteral("--port"), port);
     const QString control = parser.value(QStringLiteral("control"));
     options->control = parsePort(control);
+    options->hasPort = parser.isSet(QStringLiteral("port"));
     if (parser.isSet(QStringLiteral("control")) && !options->control)
         return portError(QStringLiteral("--control"), control);
     return readPlaces(parser, address, *number, &options->places);
@@ -130,6 +146,8 @@ void addOptions(QCommandLineParser *parser)
         {controllersOption, {}, value, QStringLiteral("1")},
         {consecutiveOption, {}, value, QStringLiteral("addresses")},
         {configOption, {}, value},
+        {plantOption, {}, value},
+        {writePlantOption, {}, value},
         {loadOption, {}, value},
         {dumpOption, {}, value},
         {stateOption, {}, value},

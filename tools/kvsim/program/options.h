@@ -14,10 +14,14 @@ struct Options
 
     Action action = Action::Serve;
     /// Where the controllers listen. With a configuration, this is one place, for those controllers
-    /// to which it gives none.
+    /// to which it gives none; with a plant, that of the first controller.
     QList<Place> places;
+    /// The port of `places` was asked for. Without it, the devices of a plant keep theirs.
+    bool hasPort = false;
     /// Files; empty: none.
     QString config;
+    QString plant;
+    QString writePlant;
     QString load;
     QString dump;
     /// The port of the control protocol; nothing: there is none.

@@ -4,8 +4,10 @@
 #include "controller/endpoint.h"
 #include "files/config.h"
 #include "files/memoryfile.h"
+#include "files/plantfile.h"
 #include "network/trace.h"
 #include "program/options.h"
+#include "program/places.h"
 #include "program/processsignals.h"
 #include "program/simulation.h"
 
@@ -74,8 +76,28 @@ ExitCode listen(const Options &options, Simulation *simulation, ControlServer *c
     return printOutput(QString::fromLatin1(lines));
 }
 
-QList<Setup> setupsOf(const Options &options, QStringList *errors)
+/// The controllers of a plant, at addresses one after the other.
+QList<Setup> setupsOfPlant(const Options &options, QJsonObject *plant, QStringList *errors)
 {
+    const Place &first = options.places.constFirst();
+    const auto port = options.hasPort ? std::make_optional(first.port) : std::nullopt;
+    QList<Setup> setups = readPlant(options.plant, port, plant, errors);
+    QList<Place> places;
+    const QString error
+        = addPlaces(first.address, first.port, setups.size(), Consecutive::Addresses, &places);
+    if (!error.isEmpty())
+        errors->append(options.plant + u": " + error);
+    for (int i = 0; i < places.size(); ++i) {
+        places[i].port = setups.at(i).place.port;
+        setups[i].place = places.at(i);
+    }
+    return setups;
+}
+
+QList<Setup> setupsOf(const Options &options, QJsonObject *plant, QStringList *errors)
+{
+    if (!options.plant.isEmpty())
+        return setupsOfPlant(options, plant, errors);
     if (!options.config.isEmpty())
         return readConfig(options.config, options.places.constFirst(), errors);
     QList<Setup> setups;
@@ -106,7 +128,8 @@ ExitCode fillControllers(const Options &options, const NamedControllers &control
 }
 
 /// Runs until it is told to end.
-ExitCode run(const Options &options, Simulation *simulation, const std::function<void()> &report)
+ExitCode run(const Options &options, const QJsonObject &plant, Simulation *simulation,
+             const std::function<void()> &report)
 {
     if (options.trace)
         traceClients(simulation->controllers());
@@ -126,6 +149,13 @@ ExitCode run(const Options &options, Simulation *simulation, const std::function
     }
 
     const NamedControllers controllers = simulation->controllers();
+    const QString plantError = options.writePlant.isEmpty()
+                                   ? QString()
+                                   : writePlant(options.writePlant, plant, controllers);
+    if (!plantError.isEmpty()) {
+        printError(plantError);
+        return ErrorFound;
+    }
     const DumpFunction dump = [&] { return saveMemory(options.dump, controllers); };
     ControlServer control({controllers, options.dump.isEmpty() ? DumpFunction() : dump});
     QObject::connect(&control, &ControlServer::quitWanted, QCoreApplication::instance(),
@@ -146,7 +176,8 @@ ExitCode run(const Options &options, Simulation *simulation, const std::function
 ExitCode serve(const Options &options)
 {
     QStringList errors;
-    const QList<Setup> setups = setupsOf(options, &errors);
+    QJsonObject plant;
+    const QList<Setup> setups = setupsOf(options, &plant, &errors);
     printError(errors);
     if (!errors.isEmpty())
         return WrongUsage;
@@ -157,11 +188,13 @@ ExitCode serve(const Options &options)
         printError(u"cannot catch signals: " + qt_error_string(errno));
         return ErrorFound;
     }
-    const QString dumpError = options.dump.isEmpty() ? QString() : outputFileError(options.dump);
-    if (!dumpError.isEmpty()) {
-        printError(dumpError);
-        return WrongUsage;
+    for (const QString &file : {options.writePlant, options.dump}) {
+        const QString error = file.isEmpty() ? QString() : outputFileError(file);
+        if (!error.isEmpty()) {
+            printError(error);
+            return WrongUsage;
+        }
     }
     const ExitCode filled = fillControllers(options, simulation.controllers());
-    return filled == AllWell ? run(options, &simulation, report) : filled;
+    return filled == AllWell ? run(options, plant, &simulation, report) : filled;
 }
