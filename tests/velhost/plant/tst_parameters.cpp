@@ -194,11 +194,12 @@ namespace {
 Plant plantWith(const ParameterTexts &itemParameters)
 {
     Plant plant;
-    plant.devices.append({3,
-                          QStringLiteral("Press"),
-                          QStringLiteral("10.0.0.1"),
-                          {},
-                          {{QStringLiteral("Counter"), itemParameters}}});
+    plant.devices.append(
+        {3,
+         QStringLiteral("Press"),
+         QStringLiteral("10.0.0.1"),
+         {},
+         {{QStringLiteral("Counter"), itemParameters, {}, QStringLiteral("items[0]")}}});
     return plant;
 }
 
@@ -238,9 +239,9 @@ void tst_Parameters::devicesWithErrors()
     QCOMPARE(host.devices().size(), 0);
     QList<Problem> errors;
     QCOMPARE(deviceRecords(plant, registrationWithColumns(), &errors).size(), 1);
-    QCOMPARE(linesOf(errors), QStringList(QStringLiteral(
-                                  "devices[0].items[0].parameters.choice: \"x\" is not offered; "
-                                  "use one of: \"Bit device\" (0), \"Word device\" (1)")));
+    QCOMPARE(linesOf(errors),
+             QStringList(QStringLiteral("items[0].parameters.choice: \"x\" is not offered; "
+                                        "use one of: \"Bit device\" (0), \"Word device\" (1)")));
 }
 
 QTEST_GUILESS_MAIN(tst_Parameters)

@@ -170,7 +170,9 @@ void tst_Plant::errors_data()
         "p.json: networkInterfaces[0]: must not be empty; write a name");
 
     row("unknown key in a device", withDevice(R"(, "adress": "")"),
-        "p.json: devices[0].adress: unknown key; known here: id, name, ip, parameters, items");
+        "p.json: devices[0].adress: unknown key; known here: id, name, ip, parameters, "
+        "itemDefaults, "
+        "items");
     row("id missing", R"({"devices": [{"name": "Press", "ip": "", "items": []}]})",
         "p.json: devices[0].id: missing; expected a number");
     row("id a text", withId(R"("1")"), "p.json: devices[0].id: expected a number, found a text");

@@ -25,15 +25,22 @@ struct DryRun
     QList<Problem> problems = {};
 };
 
+/// Whether the parameters at that place came out of the file without an error.
+bool areReadable(const QSet<QString> &faultyPlaces, const QString &parameters,
+                 const QList<Column> &columns)
+{
+    return !faultyPlaces.contains(parameters)
+           && std::none_of(columns.begin(), columns.end(), [&](const Column &column) {
+                  return faultyPlaces.contains(member(parameters, column.name));
+              });
+}
+
 /// Whether the item came out of the file without an error, besides that of its name.
 bool isReadable(const QSet<QString> &faultyPlaces, const QString &place,
                 const QList<Column> &columns)
 {
-    const QString parameters = member(place, QStringLiteral("parameters"));
-    return !faultyPlaces.contains(place) && !faultyPlaces.contains(parameters)
-           && std::none_of(columns.begin(), columns.end(), [&](const Column &column) {
-                  return faultyPlaces.contains(member(parameters, column.name));
-              });
+    return !faultyPlaces.contains(place)
+           && areReadable(faultyPlaces, member(place, QStringLiteral("parameters")), columns);
 }
 
 /// The item's parameters as its user knows them.
@@ -113,20 +120,22 @@ QList<Problem> dryRunProblems(const Session &session, const Plant &draft, Record
     DryRun dryRun{session, listener, recorder};
     QList<Problem> known;
     const QList<DeviceInstancePlugin> devices = deviceRecords(draft, session.registration, &known);
+    const QList<Column> &columns = session.registration.itemColumns;
     for (int i = 0; i < devices.size(); ++i) {
-        if (devices.at(i).items.isEmpty())
+        const PlantDevice &source = draft.devices.at(i);
+        const QString defaults = member(source.place, QStringLiteral("itemDefaults"));
+        if (source.items.isEmpty() || !areReadable(faultyPlaces, defaults, columns))
             continue;
-        const QString place = element(QStringLiteral("devices"), i);
         DeviceInstancePlugin device = redirected(devices.at(i), recorder->port());
         device.id = i;
         LogList withoutItems{device, {}};
         const QString error = readDevice(session, &withoutItems, 1).error;
         if (!error.isEmpty())
-            addWarning(place, u"its items were not checked, the plug-in says: " + error,
+            addWarning(source.place, u"its items were not checked, the plug-in says: " + error,
                        &dryRun.problems);
         for (int item = 0; error.isEmpty() && item < device.items.size(); ++item) {
-            const QString itemPlace = element(member(place, QStringLiteral("items")), item);
-            if (isReadable(faultyPlaces, itemPlace, session.registration.itemColumns))
+            const QString &itemPlace = source.items.at(item).place;
+            if (isReadable(faultyPlaces, itemPlace, columns))
                 checkItem(device, item, itemPlace, &dryRun);
         }
     }

@@ -6,6 +6,7 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <limits>
 
@@ -46,17 +47,48 @@ ParameterTexts readParameters(const QJsonValue &value, const QString &place, QLi
     return result;
 }
 
+/// The text with the environment variable NAME in place of each `${NAME}`.
+QString withEnvironment(QString text, const QString &place, QList<Problem> *errors)
+{
+    static const QRegularExpression reference(QStringLiteral("\\$\\{([^}]*)\\}"));
+    QRegularExpressionMatchIterator matches = reference.globalMatch(QString(text));
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        const QString value = qEnvironmentVariable(match.captured(1).toUtf8().constData());
+        if (value.isEmpty())
+            addError(place,
+                     QStringLiteral("the environment variable \"%1\" is not set or empty; set it "
+                                    "before the program starts")
+                         .arg(match.captured(1)),
+                     errors);
+        text.replace(match.captured(), value);
+    }
+    return text;
+}
+
+ParameterTexts readDeviceParameters(const QJsonValue &value, const QString &place,
+                                    QList<Problem> *errors)
+{
+    ParameterTexts result = readParameters(value, place, errors);
+    const auto port = result.find(QStringLiteral("port"));
+    if (port != result.end() && *port)
+        *port = withEnvironment(**port, member(place, port.key()), errors);
+    return result;
+}
+
 PlantItem readItem(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     const QJsonObject object = readObject(value, place, errors);
     if (!value.isObject())
-        return {};
+        return {{}, {}, {}, place};
     const QString name = QStringLiteral("name");
     const QString parameters = QStringLiteral("parameters");
     const QString expect = QStringLiteral("expect");
     checkKeys(object, {name, parameters, expect}, place, errors);
     PlantItem item{readName(object.value(name), member(place, name), errors),
-                   readParameters(object.value(parameters), member(place, parameters), errors)};
+                   readParameters(object.value(parameters), member(place, parameters), errors),
+                   {},
+                   place};
     if (object.contains(expect))
         item.expect = readText(object.value(expect), member(place, expect), errors);
     return item;
@@ -79,18 +111,22 @@ PlantDevice readDevice(const QJsonValue &value, const QString &place, QList<Prob
 {
     const QJsonObject object = readObject(value, place, errors);
     if (!value.isObject())
-        return {};
+        return {-1, {}, {}, {}, {}, {}, place};
     const QString id = QStringLiteral("id");
     const QString name = QStringLiteral("name");
     const QString ip = QStringLiteral("ip");
     const QString parameters = QStringLiteral("parameters");
+    const QString itemDefaults = QStringLiteral("itemDefaults");
     const QString items = QStringLiteral("items");
-    checkKeys(object, {id, name, ip, parameters, items}, place, errors);
+    checkKeys(object, {id, name, ip, parameters, itemDefaults, items}, place, errors);
     return {readId(object.value(id), member(place, id), errors),
             readName(object.value(name), member(place, name), errors),
-            readText(object.value(ip), member(place, ip), errors),
-            readParameters(object.value(parameters), member(place, parameters), errors),
-            readItems(object.value(items), member(place, items), errors)};
+            withEnvironment(readText(object.value(ip), member(place, ip), errors),
+                            member(place, ip), errors),
+            readDeviceParameters(object.value(parameters), member(place, parameters), errors),
+            readItems(object.value(items), member(place, items), errors),
+            readParameters(object.value(itemDefaults), member(place, itemDefaults), errors),
+            place};
 }
 
 QList<PlantDevice> readDevices(const QJsonValue &value, const QString &place,

@@ -22,6 +22,8 @@ struct PlantItem
     ParameterTexts parameters;
     /// The expected value of the item; nothing when the file has none.
     std::optional<QString> expect = {};
+    /// Where it stands in the plant file, for messages.
+    QString place = {};
 };
 
 /// One device.
@@ -34,6 +36,10 @@ struct PlantDevice
     QString ip;
     ParameterTexts parameters;
     QList<PlantItem> items;
+    /// The parameters of every item that does not have its own.
+    ParameterTexts itemDefaults = {};
+    /// Where it stands in the plant file, for messages.
+    QString place = {};
 };
 
 /// The content of a plant file.
@@ -44,8 +50,9 @@ struct Plant
 };
 
 /// Reads a plant from JSON, even one with errors: adds them to `problems` and leaves the wrong
-/// parts empty. Returns nothing when the text is no JSON. The parameters are not compared with the
-/// plug-in's columns here.
+/// parts empty. `${NAME}` in the address or the port of a device is that environment variable.
+/// Returns nothing when the text is no JSON. The parameters are not compared with the plug-in's
+/// columns here.
 std::optional<Plant> parsePlantDraft(const QByteArray &json, QList<Problem> *problems);
 
 /// Reads such a file of at most 16 MiB. Returns nothing also when it cannot be read.

@@ -126,42 +126,44 @@ void checkAddress(const ItemInstancePlugin &item, const QList<DatabaseColumnStru
     checkMemoryType(item, columns, parametersPlace, review);
 }
 
-void checkDevice(const DeviceInstancePlugin &device, const PluginRegistration &registration,
-                 const QString &place, Review *review)
+/// `record` is made of `device`.
+void checkDevice(const PlantDevice &device, const DeviceInstancePlugin &record,
+                 const PluginRegistration &registration, Review *review)
 {
-    if (!ipv4Address(device.ipAddress))
-        addFinding(place + u".ip",
+    if (!ipv4Address(device.ip))
+        addFinding(device.place + u".ip",
                    QStringLiteral("\"%1\" is no IPv4 address; write four numbers from 0 to "
                                   "255 without leading zeros, for example 192.168.0.10")
-                       .arg(device.ipAddress),
+                       .arg(device.ip),
                    review);
-    checkParameters(device.parameters, deviceRules(), registration.deviceColumns, place, review);
+    checkParameters(record.parameters, deviceRules(), registration.deviceColumns, device.place,
+                    review);
     for (int i = 0; i < device.items.size(); ++i) {
-        const QString itemPlace = QStringLiteral("%1.items[%2]").arg(place).arg(i);
+        const ItemInstancePlugin &item = record.items.at(i);
+        const QString &itemPlace = device.items.at(i).place;
         if (review->faultyPlaces.contains(itemPlace))
             continue;
-        checkParameters(device.items.at(i).parameters, itemRules(), registration.itemColumns,
-                        itemPlace, review);
-        checkAddress(device.items.at(i), registration.itemColumns, itemPlace + u".parameters.",
-                     review);
+        checkParameters(item.parameters, itemRules(), registration.itemColumns, itemPlace, review);
+        checkAddress(item, registration.itemColumns, itemPlace + u".parameters.", review);
     }
 }
 
 /// Warns of each device that has the address and the port of one before it.
-void checkEndpoints(const QList<DeviceInstancePlugin> &devices, Review *review)
+void checkEndpoints(const Plant &draft, const QList<DeviceInstancePlugin> &records, Review *review)
 {
-    QHash<QPair<quint32, int>, int> firstIndex;
-    for (int i = 0; i < devices.size(); ++i) {
-        const std::optional<quint32> address = ipv4Address(devices.at(i).ipAddress);
-        const QString port = devices.at(i).parameters.value(QStringLiteral("port"));
+    QHash<QPair<quint32, int>, QString> firstPlace;
+    for (int i = 0; i < records.size(); ++i) {
+        const std::optional<quint32> address = ipv4Address(records.at(i).ipAddress);
+        const QString port = records.at(i).parameters.value(QStringLiteral("port"));
         if (!address || !isPort(port))
             continue;
-        const int first = firstIndex.value({*address, port.toInt()}, i);
-        firstIndex.insert({*address, port.toInt()}, first);
-        if (first != i)
-            addWarning(element(QStringLiteral("devices"), i),
-                       QStringLiteral("devices[%1] has the same address and port; one device can "
-                                      "have the items of both")
+        const QString place = draft.devices.at(i).place;
+        const QString first = firstPlace.value({*address, port.toInt()}, place);
+        firstPlace.insert({*address, port.toInt()}, first);
+        if (first != place)
+            addWarning(place,
+                       QStringLiteral("%1 has the same address and port; one device can have the "
+                                      "items of both")
                            .arg(first),
                        &review->problems);
     }
@@ -176,11 +178,11 @@ QList<Problem> plantProblems(const Plant &draft, const PluginRegistration &regis
     const QList<DeviceInstancePlugin> devices = deviceRecords(draft, registration, &problems);
     Review review = reviewFrom(problems);
     for (int i = 0; i < devices.size(); ++i) {
-        const QString place = QStringLiteral("devices[%1]").arg(i);
+        const PlantDevice &device = draft.devices.at(i);
         // A device that is no object in the file is not checked further.
-        if (!review.faultyPlaces.contains(place))
-            checkDevice(devices.at(i), registration, place, &review);
+        if (!review.faultyPlaces.contains(device.place))
+            checkDevice(device, devices.at(i), registration, &review);
     }
-    checkEndpoints(devices, &review);
+    checkEndpoints(draft, devices, &review);
     return review.problems;
 }

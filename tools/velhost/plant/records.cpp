@@ -1,7 +1,5 @@
 #include "plant/records.h"
 
-#include <common/json/jsonplace.h>
-
 #include <algorithm>
 
 namespace {
@@ -60,17 +58,34 @@ QString unknownParameterError(const QList<Column> &columns, const QString &scope
         .arg(scope, names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", ")));
 }
 
-QList<ItemInstancePlugin> itemRecords(const QList<PlantItem> &items,
-                                      const QList<DatabaseColumnStructure> &columns,
-                                      const QString &place, QList<Problem> *errors)
+/// The item's own parameters, those of `defaults` where it has none.
+QMap<QString, QString> itemParameters(const PlantItem &item, const QMap<QString, QString> &defaults,
+                                      const QList<Column> &columns, QList<Problem> *errors)
 {
+    QMap<QString, QString> record = defaults;
+    const QMap<QString, QString> own = resolveParameters(
+        item.parameters, columns, QStringLiteral("item"), item.place + u".parameters", errors);
+    for (const Column &column : columns) {
+        if (!item.parameters.contains(column.name))
+            continue;
+        record.remove(column.name);
+        if (own.contains(column.name))
+            record.insert(column.name, own.value(column.name));
+    }
+    return record;
+}
+
+QList<ItemInstancePlugin> itemRecords(const PlantDevice &device, const QList<Column> &columns,
+                                      QList<Problem> *errors)
+{
+    const QMap<QString, QString> defaults
+        = resolveParameters(device.itemDefaults, columns, QStringLiteral("item"),
+                            device.place + u".itemDefaults", errors);
     QList<ItemInstancePlugin> records;
-    for (int i = 0; i < items.size(); ++i) {
+    for (const PlantItem &item : device.items) {
         ItemInstancePlugin record;
-        record.name = items.at(i).name;
-        record.parameters
-            = resolveParameters(items.at(i).parameters, columns, QStringLiteral("item"),
-                                element(place, i) + u".parameters", errors);
+        record.name = item.name;
+        record.parameters = itemParameters(item, defaults, columns, errors);
         records.append(record);
     }
     return records;
@@ -116,18 +131,15 @@ QList<DeviceInstancePlugin>
 deviceRecords(const Plant &plant, const PluginRegistration &registration, QList<Problem> *errors)
 {
     QList<DeviceInstancePlugin> records;
-    for (int i = 0; i < plant.devices.size(); ++i) {
-        const PlantDevice &device = plant.devices.at(i);
-        const QString place = QStringLiteral("devices[%1]").arg(i);
+    for (const PlantDevice &device : plant.devices) {
         DeviceInstancePlugin record;
         record.id = device.id;
         record.name = device.name;
         record.ipAddress = device.ip;
         record.parameters
             = resolveParameters(device.parameters, registration.deviceColumns,
-                                QStringLiteral("device"), place + u".parameters", errors);
-        record.items
-            = itemRecords(device.items, registration.itemColumns, place + u".items", errors);
+                                QStringLiteral("device"), device.place + u".parameters", errors);
+        record.items = itemRecords(device, registration.itemColumns, errors);
         records.append(record);
     }
     return records;
