@@ -1,0 +1,100 @@
+#include "host/wiretap.h"
+
+#include <veltrace/connections.h>
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+WireTap *currentTap = nullptr;
+
+QByteArray bytesOf(const Event &event)
+{
+    QByteArray bytes;
+    for (const iovec *part = event.parts; static_cast<std::size_t>(bytes.size()) < event.size;
+         ++part)
+        bytes.append(static_cast<const char *>(part->iov_base),
+                     static_cast<int>(std::min(
+                         part->iov_len, event.size - static_cast<std::size_t>(bytes.size()))));
+    return bytes;
+}
+
+void takeEvent(const Event &event)
+{
+    if (currentTap == nullptr)
+        return;
+    TraceEvent taken;
+    taken.time = QDateTime::currentMSecsSinceEpoch() * 1000;
+    taken.connection = event.connection;
+    taken.peer = QString::fromLatin1(event.peer);
+    taken.name = QString::fromLatin1(event.name);
+    taken.outcome = QString::fromLatin1(event.outcome);
+    taken.waited = event.waited;
+    taken.bytes = bytesOf(event);
+    currentTap->add(taken);
+}
+
+/// The plug-in may connect to any port.
+void traceAllPorts()
+{
+    static bool isTracing = false;
+    static Ports ports;
+    if (isTracing)
+        return;
+    isTracing = true;
+    std::memset(ports, 0xff, sizeof ports);
+    trace(ports, takeEvent);
+}
+
+} // namespace
+
+WireTap::WireTap()
+{
+    currentTap = this;
+    traceAllPorts();
+}
+
+WireTap::~WireTap()
+{
+    currentTap = nullptr;
+}
+
+void WireTap::beginCall(const LogList *list, bool isRead)
+{
+    m_list = list;
+    m_item = isRead || list->dataItems.size() == 1 ? 0 : -1;
+    if (!isRead)
+        return;
+    for (const DataItem &dataItem : list->dataItems)
+        m_before.append(dataItem.values);
+}
+
+QList<WireEvent> WireTap::takeEvents()
+{
+    m_list = nullptr;
+    m_item = -1;
+    m_before.clear();
+    return std::exchange(m_events, {});
+}
+
+void WireTap::add(const TraceEvent &event)
+{
+    passItemsDone();
+    m_events.append({event, m_item});
+}
+
+void WireTap::passItemsDone()
+{
+    while (m_item >= 0 && m_item < m_before.size()) {
+        const DataItem &dataItem = m_list->dataItems.at(m_item);
+        if (dataItem.item.lastError.isEmpty() && dataItem.values.isSharedWith(m_before.at(m_item)))
+            return;
+        ++m_item;
+    }
+    if (m_item == m_before.size() && !m_before.isEmpty())
+        m_item = -1;
+}
