@@ -292,22 +292,22 @@ void tst_Plant::sizeLimits()
     const QByteArray padding(16 * 1024 * 1024 + excess - json.size(), ' ');
     QVERIFY(writeFile(fileName, json + padding));
 
-    QStringList errors;
-    QCOMPARE(readPlantFile(fileName, &errors).has_value(), taken);
+    QList<Problem> problems;
+    QCOMPARE(readPlantDraft(fileName, &problems).has_value(), taken);
     const QString tooLarge = fileName + u": larger than 16 MiB, so it is no plant file";
-    QCOMPARE(errors, taken ? QStringList() : QStringList(tooLarge));
+    QCOMPARE(problemLines(fileName, problems), taken ? QStringList() : QStringList(tooLarge));
 }
 
 void tst_Plant::unreadableFile()
 {
     const QTemporaryDir folder;
     const QString missing = folder.filePath(QStringLiteral("p.json"));
-    QStringList errors;
-    QCOMPARE(readPlantFile(missing, &errors).has_value(), false);
-    QCOMPARE(readPlantFile(folder.path(), &errors).has_value(), false);
-    const QString first = missing + u": cannot be read: No such file or directory";
-    const QString second = folder.path() + u": cannot be read: file to open is a directory";
-    QCOMPARE(errors, QStringList({first, second}));
+    QList<Problem> problems;
+    QCOMPARE(readPlantDraft(missing, &problems).has_value(), false);
+    QCOMPARE(readPlantDraft(folder.path(), &problems).has_value(), false);
+    const QString first = QStringLiteral("p: cannot be read: No such file or directory");
+    const QString second = QStringLiteral("p: cannot be read: file to open is a directory");
+    QCOMPARE(problemLines(QStringLiteral("p"), problems), QStringList({first, second}));
 }
 
 void tst_Plant::assignments_data()

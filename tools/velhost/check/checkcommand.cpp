@@ -39,7 +39,7 @@ ExitCode report(const Arguments &arguments, const QList<Problem> &problems)
 ExitCode runCheck(const Arguments &arguments)
 {
     QList<Problem> problems;
-    const std::optional<Plant> draft = readPlantDraft(arguments.plantFile, &problems);
+    const std::optional<Plant> draft = readDraft(arguments, &problems);
     if (!draft)
         return report(arguments, problems);
     Recorder recorder;

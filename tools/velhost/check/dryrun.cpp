@@ -35,14 +35,6 @@ bool areReadable(const QSet<QString> &faultyPlaces, const QString &parameters,
               });
 }
 
-/// Whether the item came out of the file without an error, besides that of its name.
-bool isReadable(const QSet<QString> &faultyPlaces, const QString &place,
-                const QList<Column> &columns)
-{
-    return !faultyPlaces.contains(place)
-           && areReadable(faultyPlaces, member(place, QStringLiteral("parameters")), columns);
-}
-
 /// The item's parameters as its user knows them.
 QString parametersText(const ItemInstancePlugin &item, const QList<Column> &columns)
 {
@@ -135,7 +127,9 @@ QList<Problem> dryRunProblems(const Session &session, const Plant &draft, Record
                        &dryRun.problems);
         for (int item = 0; error.isEmpty() && item < device.items.size(); ++item) {
             const QString &itemPlace = source.items.at(item).place;
-            if (isReadable(faultyPlaces, itemPlace, columns))
+            if (!faultyPlaces.contains(itemPlace)
+                && areReadable(faultyPlaces, member(itemPlace, QStringLiteral("parameters")),
+                               columns))
                 checkItem(device, item, itemPlace, &dryRun);
         }
     }

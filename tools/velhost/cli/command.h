@@ -43,12 +43,13 @@ struct Arguments
 {
     /// Empty: the default plug-in.
     QString pluginFile;
-    /// Empty when none was given and the command needs none.
+    /// Empty when none was given and the command needs none. With --ip its value, as the name of
+    /// the plant in messages.
     QString plantFile;
     OutputFormat format = OutputFormat::Table;
-    /// The assignments or the text.
+    /// The assignments, the addresses or the text.
     QStringList operands;
-    /// The values of the command's own options that were given; an empty list for a flag.
+    /// The values of the options that were given; an empty list for a flag.
     QMap<QString, QStringList> options;
 
     bool has(const QString &option) const { return options.contains(option); }

@@ -89,20 +89,17 @@ QString numberError(const Option &option, const QCommandLineParser &parser)
 QString optionError(const Command &command, const QCommandLineParser &parser)
 {
     const QList<Option> options = optionsOf(command);
-    for (const Option &option : options) {
-        const QString error = occurrenceError(option, parser);
-        if (!error.isEmpty())
-            return error;
+    for (const auto check : {occurrenceError, numberError}) {
+        for (const Option &option : options) {
+            const QString error = check(option, parser);
+            if (!error.isEmpty())
+                return error;
+        }
     }
     const QString format = QStringLiteral("format");
     if (parser.isSet(format) && !command.formats.contains(parser.value(format)))
         return QStringLiteral("--format of %1 is %2, not \"%3\"")
             .arg(command.name, choice(command.formats), parser.value(format));
-    for (const Option &option : options) {
-        const QString error = numberError(option, parser);
-        if (!error.isEmpty())
-            return error;
-    }
     return {};
 }
 
@@ -113,6 +110,17 @@ QString takeOperands(const Command &command, QStringList operands, Arguments *ar
     if (command.operands == Operands::Text) {
         arguments->operands = operands;
         return operands.size() == 1 ? QString() : command.name + u" needs one text, in quotes";
+    }
+    if (arguments->has(ipOption)) {
+        arguments->plantFile = arguments->value(ipOption);
+        arguments->operands = operands;
+        if (arguments->has(QStringLiteral("plant")) || arguments->has(deviceOption)
+            || arguments->has(itemOption) || operands.isEmpty())
+            return QStringLiteral("--ip takes at least one address, as in --ip 192.168.0.10 "
+                                  "DM100:Short, and no --plant, --device or --item");
+        if (command.operands == Operands::Plant && operands.join(QString()).contains(u'='))
+            return command.name + u" takes addresses without a value";
+        return {};
     }
     const bool hasPlant = !arguments->plantFile.isEmpty();
     if (command.operands != Operands::None && !hasPlant && !operands.isEmpty())
@@ -137,12 +145,6 @@ OutputFormat formatNamed(const QString &name)
     return name == u"csv" ? OutputFormat::Csv : OutputFormat::Table;
 }
 
-/// QCommandLineParser::value() would warn about an option that the command does not have.
-QString valueOrEmpty(const QCommandLineParser &parser, const QString &option)
-{
-    return parser.optionNames().contains(option) ? parser.value(option) : QString();
-}
-
 /// Reads the arguments for this command. They have no option that no command has.
 std::optional<Arguments> parseArguments(const Command &command, const QStringList &words,
                                         QString *error)
@@ -158,13 +160,14 @@ std::optional<Arguments> parseArguments(const Command &command, const QStringLis
     *error = optionError(command, parser);
     if (!error->isEmpty())
         return {};
-    arguments.pluginFile = valueOrEmpty(parser, QStringLiteral("plugin"));
-    arguments.plantFile = valueOrEmpty(parser, QStringLiteral("plant"));
-    arguments.format = formatNamed(parser.value(QStringLiteral("format")));
-    for (const Option &option : command.options) {
+    const QList<Option> options = optionsOf(command);
+    for (const Option &option : options) {
         if (parser.isSet(option.name))
             arguments.options.insert(option.name, parser.values(option.name));
     }
+    arguments.pluginFile = arguments.value(QStringLiteral("plugin"));
+    arguments.plantFile = arguments.value(QStringLiteral("plant"));
+    arguments.format = formatNamed(arguments.value(QStringLiteral("format")));
     *error = takeOperands(command, parser.positionalArguments().mid(1), &arguments);
     return error->isEmpty() ? std::optional(arguments) : std::nullopt;
 }

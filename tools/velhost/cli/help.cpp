@@ -74,7 +74,8 @@ Commands:
     }
     text += entry(QStringLiteral("help COMMAND"), QStringLiteral("show what one of them takes"));
     // A command without options of its own has the general ones.
-    text += u"\nOptions:\n" + optionEntries(optionsOf(Command())) + generalOptions() + options;
+    text += u"\nOptions:\n" + optionEntries(optionsOf(Command())) + generalOptions()
+            + u"\nOptions of each command with PLANT:\n" + optionEntries(plantOptions()) + options;
     return text + QStringLiteral(R"(
 Exit status:
   0    all well

@@ -27,6 +27,19 @@ QString formatHelp(const QStringList &formats)
 
 } // namespace
 
+QList<Option> plantOptions()
+{
+    const auto names = [](const QString &option, const QString &help) {
+        return Option{option, QStringLiteral("NAME"), help, {}, true};
+    };
+    return {{ipOption, QStringLiteral("ADDRESS"),
+             QStringLiteral("the controller at this address, also as 192.168.0.10:8501, instead of "
+                            "a plant; in its place stand addresses: DM100:Short, "
+                            "DM100..DM119:Word, DM100.3, D200-10, R500, to write DM100:Short=5")},
+            names(deviceOption, QStringLiteral("of the plant this device alone; may be repeated")),
+            names(itemOption, QStringLiteral("of each device this item alone; may be repeated"))};
+}
+
 QList<Option> optionsOf(const Command &command)
 {
     QList<Option> options = command.options;
@@ -43,6 +56,8 @@ QList<Option> optionsOf(const Command &command)
             options.append(
                 {plantName, QStringLiteral("FILE"), QStringLiteral("the plant, instead of PLANT")});
     }
+    if (command.operands == Operands::Plant || command.operands == Operands::PlantAndAssignments)
+        options += plantOptions();
     options.append(
         {QStringLiteral("format"), QStringLiteral("FORMAT"), formatHelp(command.formats)});
     return options;

@@ -2,6 +2,14 @@
 
 #include "cli/command.h"
 
+// The options of plantOptions().
+inline const QString ipOption = QStringLiteral("ip");
+inline const QString deviceOption = QStringLiteral("device");
+inline const QString itemOption = QStringLiteral("item");
+
+/// What every command with a plant takes, to name a part of one or something in its place.
+QList<Option> plantOptions();
+
 /// All options of a command but `--help` and `--version`, its own first.
 QList<Option> optionsOf(const Command &command);
 

@@ -187,11 +187,3 @@ std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *pro
     const std::optional<QByteArray> json = readJsonBytes(fileName, kindOfFile, problems);
     return json ? parsePlantDraft(*json, problems) : std::nullopt;
 }
-
-std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors)
-{
-    QList<Problem> problems;
-    std::optional<Plant> plant = readPlantDraft(fileName, &problems);
-    errors->append(problemLines(fileName, problems));
-    return problems.isEmpty() ? std::move(plant) : std::nullopt;
-}

@@ -57,7 +57,3 @@ std::optional<Plant> parsePlantDraft(const QByteArray &json, QList<Problem> *pro
 
 /// Reads such a file of at most 16 MiB. Returns nothing also when it cannot be read.
 std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems);
-
-/// Reads a plant file of at most 16 MiB. When anything is wrong, returns nothing and adds a line to
-/// `errors` for each error, which begins with `fileName` and the place.
-std::optional<Plant> readPlantFile(const QString &fileName, QStringList *errors);

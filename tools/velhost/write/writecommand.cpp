@@ -186,7 +186,7 @@ ExitCode runWrite(const Arguments &arguments)
     const std::optional<Plant> plant = readPlant(arguments);
     if (!plant)
         return WrongUsage;
-    const auto assignments = readAssignments(arguments.operands, *plant);
+    const auto assignments = readAssignments(arguments, arguments.operands, *plant);
     if (!assignments)
         return WrongUsage;
     QStringList refusals;
