@@ -1,4 +1,4 @@
-#include "wire/verdict.h"
+#include "trace/verdict.h"
 
 #include <common/visibletext.h>
 

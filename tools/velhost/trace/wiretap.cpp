@@ -1,4 +1,4 @@
-#include "host/wiretap.h"
+#include "trace/wiretap.h"
 
 #include <veltrace/connections.h>
 

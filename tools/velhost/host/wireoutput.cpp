@@ -1,0 +1,72 @@
+#include "host/wireoutput.h"
+
+#include <common/console.h>
+#include <common/visibletext.h>
+
+WireOutput::WireOutput(OutputFormat format, const WireSetup &setup)
+    : m_format(format), m_prints(setup.prints), m_file(setup.file)
+{
+    if (!setup.file.isEmpty())
+        m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+}
+
+QString WireOutput::fileError() const
+{
+    return m_file.error() == QFileDevice::NoError ? QString() : m_file.errorString();
+}
+
+QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
+{
+    QMap<int, QString> suspects;
+    for (const WireEvent &wireEvent : m_tap.takeEvents()) {
+        const auto &[event, item] = wireEvent;
+        const Verdict verdict = judge(event);
+        const QString suspect = isSuspect(verdict) ? verdict.text : QString();
+        if (!suspect.isEmpty())
+            suspects.insert(item, suspect);
+        const QString itemName = item < 0 ? QString() : list.dataItems.at(item).item.name;
+        show(event, {cycle, list.name, itemName}, suspect);
+    }
+    return suspects;
+}
+
+Verdict WireOutput::judge(const TraceEvent &event)
+{
+    if (event.name == QLatin1String("close")) {
+        m_conversations.remove(event.connection);
+        return {};
+    }
+    Conversation &conversation = m_conversations[event.connection];
+    if (event.name == QLatin1String("sent"))
+        conversation.send(event.bytes);
+    if (event.name == QLatin1String("timeout"))
+        conversation.giveUp();
+    return event.name == QLatin1String("received") ? conversation.receive(event.bytes, false)
+                                                   : Verdict();
+}
+
+void WireOutput::show(const TraceEvent &event, const Place &place, const QString &suspect)
+{
+    QList<JsonMember> members = wireMembers(event);
+    if (!place.device.isEmpty())
+        members += {{"cycle", place.cycle}, {"device", place.device}};
+    if (!place.item.isEmpty())
+        members.append({"item", place.item});
+    if (!suspect.isEmpty())
+        members.append({"suspect", suspect});
+    if (m_file.isOpen())
+        m_file.write(jsonObject(members).toUtf8() + '\n');
+    if (!m_prints)
+        return;
+    if (m_format == OutputFormat::Json) {
+        print(stdout, jsonLine("wire", members));
+        return;
+    }
+    QString text = visible(place.device.isEmpty() ? event.peer : place.device);
+    if (!place.item.isEmpty())
+        text += u'/' + visible(place.item);
+    text = u"wire: " + text + u' ' + wireText(event);
+    if (!suspect.isEmpty())
+        text += u" suspect: " + suspect;
+    print(stderr, text + u'\n');
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "host/outputformat.h"
+#include "trace/conversation.h"
+#include "trace/wiretap.h"
+#include "trace/wiretext.h"
+
+#include <QFile>
+#include <QHash>
+#include <QMap>
+#include <QString>
+
+/// What is to be seen of the wire.
+struct WireSetup
+{
+    /// Judges the answers. Does nothing else alone.
+    bool isOn = false;
+    bool prints = false;
+    /// The file for the trace; empty: none.
+    QString file = {};
+};
+
+/// Shows what the plug-in's calls send and receive: in JSON as records on standard output,
+/// otherwise on standard error, and as lines of a wire trace in a file. Judges the answers.
+class WireOutput
+{
+public:
+    WireOutput(OutputFormat format, const WireSetup &setup);
+
+    /// Why the file of the trace cannot be written; empty when it can, or when there is none.
+    QString fileError() const;
+
+    /// To be called around each call of the plug-in; see WireTap. Returns by the index of the item
+    /// what is suspect about its answers; -1 stands for an unknown item.
+    void beginCall(const LogList *list, bool isRead) { m_tap.beginCall(list, isRead); }
+    QMap<int, QString> endCall(const LogList &list, qint64 cycle);
+
+private:
+    /// Where an event belongs to; the device and the item are empty when they are not known.
+    struct Place
+    {
+        qint64 cycle;
+        QString device;
+        QString item;
+    };
+    Verdict judge(const TraceEvent &event);
+    void show(const TraceEvent &event, const Place &place, const QString &suspect);
+
+    OutputFormat m_format;
+    bool m_prints;
+    QFile m_file;
+    WireTap m_tap;
+    /// By the connection's number.
+    QHash<qint64, Conversation> m_conversations;
+};

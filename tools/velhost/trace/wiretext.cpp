@@ -1,0 +1,53 @@
+#include "trace/wiretext.h"
+
+#include <common/visibletext.h>
+
+#include <QDateTime>
+
+namespace {
+
+/// A zero byte does not end it.
+QString latin1(const QByteArray &bytes)
+{
+    return QString::fromLatin1(bytes.constData(), bytes.size());
+}
+
+QString timeOf(qint64 microseconds)
+{
+    const QDateTime seconds = QDateTime::fromMSecsSinceEpoch(microseconds / 1000, Qt::UTC);
+    return seconds.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss."))
+           + QStringLiteral("%1Z").arg(microseconds % 1'000'000, 6, 10, QChar(u'0'));
+}
+
+QString what(const TraceEvent &event)
+{
+    if (event.name == QLatin1String("sent"))
+        return u"> " + visible(latin1(event.bytes));
+    if (event.name == QLatin1String("received"))
+        return u"< " + visible(latin1(event.bytes));
+    return event.outcome.isEmpty() ? event.name : event.name + u": " + event.outcome;
+}
+
+} // namespace
+
+QString wireText(const TraceEvent &event)
+{
+    if (event.waited < 0)
+        return what(event);
+    const double milliseconds = static_cast<double>(event.waited) / 1000.0;
+    return what(event) + QStringLiteral(" (%1 ms)").arg(milliseconds, 0, 'f', 1);
+}
+
+QList<JsonMember> wireMembers(const TraceEvent &event)
+{
+    QList<JsonMember> members{{"time", timeOf(event.time)}, {"process", event.process},
+                              {"thread", event.thread},     {"connection", event.connection},
+                              {"peer", event.peer},         {"event", event.name}};
+    if (!event.outcome.isEmpty())
+        members.append({"outcome", event.outcome});
+    if (event.waited >= 0)
+        members.append({"waited_us", event.waited});
+    if (!event.bytes.isEmpty())
+        members.append({"bytes", latin1(event.bytes)});
+    return members;
+}
