@@ -260,14 +260,18 @@ void tst_Plan::recorderAnswers()
     QCOMPARE(ask(&socket, "RD DM100\r", 7), QByteArray("00000\r\n"));
     QCOMPARE(ask(&socket, "RDS DM100 3\r", 19), QByteArray("00000 00000 00000\r\n"));
     QCOMPARE(ask(&socket, "WR DM1 1\rWR DM2 2\r", 8), QByteArray("OK\r\nOK\r\n"));
-    recorder.setWord("65535");
+    recorder.setWords("65535");
     QCOMPARE(ask(&socket, "RDS DM3 2\r", 13), QByteArray("65535 65535\r\n"));
-    recorder.setWord("00000");
+    recorder.setWords("1 2 3");
+    QCOMPARE(ask(&socket, "RDS DM4 2\r", 5), QByteArray("1 2\r\n"));
+    QCOMPARE(ask(&socket, "RDS DM4 4\r", 9), QByteArray("1 2 3 3\r\n"));
+    recorder.setWords("00000");
     socket.write("RD D");
     QVERIFY(socket.waitForBytesWritten(10000));
     QCOMPARE(ask(&socket, "M7\r", 7), QByteArray("00000\r\n"));
-    QCOMPARE(recorder.takeLines(), (QList<QByteArray>{"RD DM100\r", "RDS DM100 3\r", "WR DM1 1\r",
-                                                      "WR DM2 2\r", "RDS DM3 2\r", "RD DM7\r"}));
+    QCOMPARE(recorder.takeLines(),
+             (QList<QByteArray>{"RD DM100\r", "RDS DM100 3\r", "WR DM1 1\r", "WR DM2 2\r",
+                                "RDS DM3 2\r", "RDS DM4 2\r", "RDS DM4 4\r", "RD DM7\r"}));
     QCOMPARE(recorder.takeLines(), QList<QByteArray>());
 }
 

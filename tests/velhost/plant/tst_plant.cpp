@@ -85,7 +85,7 @@ void tst_Plant::everyField()
             "devices": [{"id": 7, "name": "Press", "ip": "10.0.0.1",
                          "parameters": {"port": "8501", "timeout": null},
                          "items": [{"name": "Counter", "parameters": {"data_type": "Short"},
-                                    "expect": "7"},
+                                    "expect": "7", "tolerance": 0.5},
                                    {"name": "Täller\u0000", "parameters": {}}]},
                         {"id": 8, "name": "Oven", "ip": "", "items": []}]})",
         &errors);
@@ -107,7 +107,9 @@ void tst_Plant::everyField()
     QCOMPARE(press.items.at(0).parameters.value(QStringLiteral("data_type")).value_or(QString()),
              QStringLiteral("Short"));
     QCOMPARE(press.items.at(0).expect.value_or(QString()), QStringLiteral("7"));
+    QCOMPARE(press.items.at(0).tolerance, 0.5);
     QCOMPARE(press.items.at(1).expect.has_value(), false);
+    QCOMPARE(press.items.at(1).tolerance, 0.0);
     const QString withZero = QStringLiteral(u"Täller") + QChar(0);
     QCOMPARE(press.items.at(1).name, withZero);
     QCOMPARE(plant->devices.at(1).id, 8);
@@ -201,9 +203,16 @@ void tst_Plant::errors_data()
     row("item no object", withItems("[null]"),
         "p.json: devices[0].items[0]: expected an object, found null");
     row("unknown key in an item", withItems(R"([{"name": "A", "address": "D1"}])"),
-        "p.json: devices[0].items[0].address: unknown key; known here: name, parameters, expect");
+        "p.json: devices[0].items[0].address: unknown key; known here: name, parameters, expect, "
+        "tolerance");
     row("expected value a number", withItems(R"([{"name": "A", "expect": 7}])"),
         "p.json: devices[0].items[0].expect: expected a text, found a number");
+    row("tolerance a text", withItems(R"([{"name": "A", "expect": "7", "tolerance": "1"}])"),
+        "p.json: devices[0].items[0].tolerance: expected a number, found a text");
+    row("tolerance below 0", withItems(R"([{"name": "A", "expect": "7", "tolerance": -0.5}])"),
+        "p.json: devices[0].items[0].tolerance: expected 0 or more, found -0.5");
+    row("tolerance alone", withItems(R"([{"name": "A", "tolerance": 1}])"),
+        "p.json: devices[0].items[0].tolerance: there is no \"expect\" that it belongs to");
     row("item name a flag", withItems(R"([{"name": "A"}, {"name": "B"}, {"name": true}])"),
         "p.json: devices[0].items[2].name: expected a text, found true or false");
     row("item name twice", withItems(R"([{"name": "A"}, {"name": "B"}, {"name": "B"}])"),

@@ -148,6 +148,12 @@ void tst_PlantSchema::refused_data()
     row("item no object", R"("items": [)", R"("items": [5, )", "$.devices[0].items[0]");
     row("unknown key of an item", R"("name": "A")", R"("name": "A", "x": 1)",
         "$.devices[0].items[0]");
+    row("expected value a number", R"("name": "A")", R"("name": "A", "expect": 7)",
+        "$.devices[0].items[0].expect");
+    row("tolerance a text", R"("name": "A")", R"("name": "A", "expect": "7", "tolerance": "1")",
+        "$.devices[0].items[0].tolerance");
+    row("tolerance alone", R"("name": "A")", R"("name": "A", "tolerance": 1)",
+        "$.devices[0].items[0]");
     row("item name missing", R"("name": "A",)", "", "$.devices[0].items[0]");
     row("parameters missing", R"("A", "parameters": {)", R"("A"}, {"name": "B", "parameters": {)",
         "$.devices[0].items[0]");
@@ -240,6 +246,10 @@ void tst_PlantSchema::limits_data()
     row(timeout, R"("timeout": "3000000000")", false);
     row(timeout, R"("timeout": "10000000000")", false);
     const char *const item = R"("memory_address": "D1", "memory_type": "1", "data_type": "Short")";
+    const char *const name = R"("name": "A")";
+    row(name, R"("name": "A", "expect": "7", "tolerance": -0.5)", false);
+    row(name, R"("name": "A", "expect": "7", "tolerance": 0)", true);
+    row(name, R"("name": "A", "expect": "7", "tolerance": 0.5)", true);
     row(item, R"("memory_address": "D1.0", "data_type": "BIT")", true);
     row(item, R"("memory_address": "D1.15", "data_type": "0")", true);
     row(item, R"("memory_address": "D1.3")", true);

@@ -12,6 +12,8 @@ class tst_SameValue : public QObject
 private Q_SLOTS:
     void compares_data();
     void compares();
+    void tolerates_data();
+    void tolerates();
     void kinds_data();
     void kinds();
 };
@@ -86,6 +88,45 @@ void tst_SameValue::compares()
     QFETCH(QString, readBack);
     QFETCH(bool, same);
     QCOMPARE(sameValue(written, readBack, kind), same);
+}
+
+void tst_SameValue::tolerates_data()
+{
+    QTest::addColumn<ValueKind>("kind");
+    QTest::addColumn<double>("tolerance");
+    QTest::addColumn<QString>("readBack");
+    QTest::addColumn<bool>("same");
+
+    const auto row = [](const char *readBack, double tolerance, bool same,
+                        ValueKind kind = ValueKind::Number) {
+        QTest::addRow("20.5 within %g, %s, kind %d", tolerance, readBack, static_cast<int>(kind))
+            << kind << tolerance << QString::fromLatin1(readBack) << same;
+    };
+    row("20.4", 0, false);
+    row("20.5", 0, true);
+    row("20.39", 0.1, false);
+    // In binary, 20.5 and 20.4 are a little more than 0.1 apart.
+    row("20.4", 0.1, true);
+    row("20.41", 0.1, true);
+    row("20.6", 0.1, true);
+    row("20.61", 0.1, false);
+    row("-20.5", 0.1, false);
+    row("2.1e+01", 0.5, true);
+    row("2.2e+01", 0.5, false);
+    row("", 100, false);
+    row("nan", 100, false);
+    row("inf", 100, false);
+    row("20.4", 0.1, false, ValueKind::Hexadecimal);
+    row("20.4", 0.1, false, ValueKind::Text);
+}
+
+void tst_SameValue::tolerates()
+{
+    QFETCH(ValueKind, kind);
+    QFETCH(double, tolerance);
+    QFETCH(QString, readBack);
+    QFETCH(bool, same);
+    QCOMPARE(sameValue(QStringLiteral("20.5"), readBack, kind, tolerance), same);
 }
 
 void tst_SameValue::kinds_data()

@@ -4,12 +4,15 @@
 #include "plan/recorder.h"
 #include "plan/redirection.h"
 #include "plant/records.h"
+#include "plant/samevalue.h"
 
 #include <common/json/jsonplace.h>
 
+#include <QLocale>
 #include <QSet>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -49,12 +52,12 @@ QString parametersText(const ItemInstancePlugin &item, const QList<Column> &colu
     return texts.join(QStringLiteral(", "));
 }
 
-ItemRead readWith(const QByteArray &word, const DeviceInstancePlugin &device, int item,
+ItemRead readWith(const QByteArray &words, const DeviceInstancePlugin &device, int item,
                   DryRun *dryRun)
 {
     // What is recorded then is this item's alone.
     dryRun->recorder->takeLines();
-    dryRun->recorder->setWord(word);
+    dryRun->recorder->setWords(words);
     const int errorsBefore = dryRun->listener.errorCount();
     ItemRead read = readItem(dryRun->session, device, item);
     // The log tells more than the item's own error.
@@ -63,30 +66,76 @@ ItemRead readWith(const QByteArray &word, const DeviceInstancePlugin &device, in
     return read;
 }
 
-void checkItem(const DeviceInstancePlugin &device, int item, const QString &place, DryRun *dryRun)
+/// Writes the text, as if to the controller, and reads what was sent.
+ItemRead writeAndRead(const QString &text, const DeviceInstancePlugin &device, int item,
+                      DryRun *dryRun)
+{
+    dryRun->recorder->takeLines();
+    writeError(dryRun->session, device, {0, item, text});
+    const QList<QByteArray> lines = dryRun->recorder->takeLines();
+    if (lines.isEmpty() || !lines.last().startsWith("WR"))
+        return {};
+    const bool isOneWord = lines.last().startsWith("WR ");
+    const QList<QByteArray> sent = lines.last().simplified().split(' ').mid(isOneWord ? 2 : 3);
+    QByteArray words;
+    for (const QByteArray &field : sent)
+        words += QByteArray::number(static_cast<quint16>(field.toInt())) + ' ';
+    // Words that are not written are left as they were.
+    return readWith(words + "00000", device, item, dryRun);
+}
+
+/// The plug-in itself tells whether the item can have the value: it is written and read back.
+void checkExpected(const PlantItem &draft, const DeviceInstancePlugin &device, int item,
+                   DryRun *dryRun)
+{
+    const QList<Column> &columns = dryRun->session.registration.itemColumns;
+    const ItemInstancePlugin &record = device.items.at(item);
+    const ValueKind kind = valueKind(record.parameters, columns);
+    if (kind != ValueKind::Number && draft.tolerance > 0)
+        addError(member(draft.place, QStringLiteral("tolerance")),
+                 QStringLiteral("only decimal numbers have one; leave it out"), &dryRun->problems);
+    QStringList candidates{*draft.expect};
+    if (const std::optional<double> number = decimalNumber(*draft.expect))
+        // A plug-in may take no exponent, or only whole numbers.
+        candidates << QString::number(*number, 'f', QLocale::FloatingPointShortest)
+                   << QString::number(std::round(*number), 'f', 0);
+    for (const QString &candidate : std::as_const(candidates)) {
+        const ItemRead read = writeAndRead(candidate, device, item, dryRun);
+        if (read.value && sameValue(*draft.expect, *read.value, kind, draft.tolerance))
+            return;
+    }
+    addError(member(draft.place, QStringLiteral("expect")),
+             QStringLiteral("%1 can never read \"%2\"")
+                 .arg(parametersText(record, columns), *draft.expect),
+             &dryRun->problems);
+}
+
+void checkItem(const PlantItem &draft, const DeviceInstancePlugin &device, int item, DryRun *dryRun)
 {
     const ItemRead zeros = readWith("00000", device, item, dryRun);
     const QString parameters
         = parametersText(device.items.at(item), dryRun->session.registration.itemColumns);
     if (!zeros.error.isEmpty()) {
-        addError(place,
+        addError(draft.place,
                  QStringLiteral("the plug-in refuses %1: %2; velhost explain tells what to do")
                      .arg(parameters, zeros.error),
                  &dryRun->problems);
         return;
     }
     if (dryRun->recorder->takeLines().isEmpty()) {
-        addWarning(place, QStringLiteral("was not checked: the plug-in sent nothing for it"),
+        addWarning(draft.place, QStringLiteral("was not checked: the plug-in sent nothing for it"),
                    &dryRun->problems);
         return;
     }
     const ItemRead ones = readWith("65535", device, item, dryRun);
     if (ones.error.isEmpty() && ones.value == zeros.value)
-        addWarning(place,
+        addWarning(draft.place,
                    QStringLiteral("%1 reads %2 for ever, whatever the controller holds; choose "
                                   "another type, or a bit of the word as in DM100.3")
                        .arg(parameters, *zeros.value),
                    &dryRun->problems);
+    else if (draft.expect && draft.expect != zeros.value && draft.expect != ones.value)
+        checkExpected(draft, device, item, dryRun);
 }
 
 } // namespace
@@ -130,7 +179,7 @@ QList<Problem> dryRunProblems(const Session &session, const Plant &draft, Record
             if (!faultyPlaces.contains(itemPlace)
                 && areReadable(faultyPlaces, member(itemPlace, QStringLiteral("parameters")),
                                columns))
-                checkItem(device, item, itemPlace, &dryRun);
+                checkItem(source.items.at(item), device, item, &dryRun);
         }
     }
     return dryRun.problems;

@@ -1,5 +1,7 @@
 #include "cycle/cycle.h"
 
+#include "plant/samevalue.h"
+
 #include <QDateTime>
 #include <QElapsedTimer>
 
@@ -107,6 +109,23 @@ DeviceReport readDevice(const Session &session, LogList *list, qint64 cycle)
         item.isOld = failed && !item.value.isEmpty();
     }
     return result;
+}
+
+DeviceReport readPlantDevice(const Session &session, int device, LogList *list, qint64 cycle)
+{
+    DeviceReport report = readDevice(session, list, cycle);
+    const QList<PlantItem> &items = session.plant.devices.at(device).items;
+    for (int i = 0; i < items.size() && report.error.isEmpty(); ++i) {
+        const std::optional<QString> &expect = items.at(i).expect;
+        ItemReport &item = report.values[i];
+        if (!expect || !item.error.isEmpty())
+            continue;
+        const ValueKind kind = valueKind(session.devices.at(device).items.at(i).parameters,
+                                         session.registration.itemColumns);
+        if (!sameValue(*expect, item.value, kind, items.at(i).tolerance))
+            item.expected = expect;
+    }
+    return report;
 }
 
 DeviceReport writeDevice(const Session &session, LogList *list, qint64 cycle)

@@ -25,6 +25,10 @@ QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
 /// when the plug-in set one or readData() returned false.
 DeviceReport readDevice(const Session &session, LogList *list, qint64 cycle);
 
+/// The same with the list of the device that has this index in the plant. Sets `expected` for each
+/// value that is not the one that the plant file expects.
+DeviceReport readPlantDevice(const Session &session, int device, LogList *list, qint64 cycle);
+
 /// Lets the plug-in write the list and reports the result as readDevice() does. The plug-in can
 /// report a refused value in the host's error log only, so an entry there during the call is an
 /// error of the device, too.

@@ -8,7 +8,7 @@ bool DeviceReport::hasError() const
 {
     return !error.isEmpty()
            || std::any_of(values.begin(), values.end(),
-                          [](const ItemReport &item) { return !item.error.isEmpty(); });
+                          [](const ItemReport &item) { return !itemProblem(item).isEmpty(); });
 }
 
 QString valueText(const ItemReport &item)

@@ -18,7 +18,8 @@ struct ItemReport
     QString error;
     /// The read of the item or of its device failed, and the value is of an earlier cycle.
     bool isOld = false;
-    /// The expected value of the plant file, set when the value differs. Only `watch` sets it.
+    /// The expected value of the plant file, set when the value differs. Only readPlantDevice()
+    /// sets it.
     std::optional<QString> expected = {};
 };
 
@@ -40,7 +41,7 @@ struct DeviceReport
     /// Whether there is a message of the device itself.
     bool hasMessage() const { return errorEnded || !error.isEmpty(); }
 
-    /// Whether the device or one of its items has an error.
+    /// Whether the device or one of its items has an error, or a value is not the expected one.
     bool hasError() const;
 };
 

@@ -30,7 +30,7 @@ ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, H
             QStringLiteral("the plug-in %1 returned false from init()").arg(loaded.fileName));
         return NotLoaded;
     }
-    return work({loaded, *host, *registration, devices, log});
+    return work({loaded, *host, *registration, setup.plant, devices, log});
 }
 
 } // namespace

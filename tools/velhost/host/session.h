@@ -36,6 +36,7 @@ struct Session
     const LoadedPlugin &loaded;
     Host &host;
     const PluginRegistration &registration;
+    const Plant &plant;
     /// The records of the plant, not redirected.
     QList<DeviceInstancePlugin> devices;
     LogOutput *log;

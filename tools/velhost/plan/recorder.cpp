@@ -15,14 +15,15 @@ constexpr int maximumWords = 65536;
 // later, a plug-in may take for the answer to its next command.
 constexpr int maximumAnswer = 2000;
 
-QByteArray answerTo(const QByteArray &line, const QByteArray &word)
+QByteArray answerTo(const QByteArray &line, const QByteArray &words)
 {
     if (!line.startsWith("RD"))
         return "OK\r\n";
-    QByteArray words = word;
+    const QList<QByteArray> given = words.split(' ');
+    QByteArray answer = given.first();
     for (int i = 1; i < std::min(wordCount(line), maximumAnswer); ++i)
-        words += ' ' + word;
-    return words + "\r\n";
+        answer += ' ' + given.value(i, given.last());
+    return answer + "\r\n";
 }
 
 } // namespace
@@ -45,10 +46,10 @@ QList<QByteArray> Recorder::takeLines()
     return std::exchange(m_lines, {});
 }
 
-void Recorder::setWord(const QByteArray &word)
+void Recorder::setWords(const QByteArray &words)
 {
     const QMutexLocker locker(&m_mutex);
-    m_word = word;
+    m_words = words;
 }
 
 void Recorder::run()
@@ -77,13 +78,13 @@ void Recorder::answer(QTcpSocket *socket)
             return;
         }
         const QByteArray line = socket->read(end + 1);
-        QByteArray word;
+        QByteArray words;
         {
             const QMutexLocker locker(&m_mutex);
             m_lines.append(line);
-            word = m_word;
+            words = m_words;
         }
-        socket->write(answerTo(line, word));
+        socket->write(answerTo(line, words));
     }
 }
 

@@ -9,8 +9,8 @@
 class QTcpSocket;
 
 /// A controller that records the commands: a TCP server on a free port of 127.0.0.1. It has its own
-/// thread, because the plug-in blocks the main thread. It answers a read with one word, repeated as
-/// often as the read asks, and every other command with OK.
+/// thread, because the plug-in blocks the main thread. It answers a read with given words, the last
+/// one repeated as often as the read asks, and every other command with OK.
 class Recorder final : public QThread
 {
     Q_OBJECT
@@ -28,8 +28,8 @@ public:
     /// before it is answered.
     QList<QByteArray> takeLines();
 
-    /// The word for the next reads, in five digits; until then 00000.
-    void setWord(const QByteArray &word);
+    /// The words for the next reads, separated by blanks; until then 00000.
+    void setWords(const QByteArray &words);
 
 protected:
     void run() override;
@@ -41,7 +41,7 @@ private:
     quint16 m_port = 0;
     QMutex m_mutex;
     QList<QByteArray> m_lines;
-    QByteArray m_word = "00000";
+    QByteArray m_words = "00000";
 };
 
 /// How many words or bits a command line reads or writes; 0 when it does neither.

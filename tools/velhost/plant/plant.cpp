@@ -76,6 +76,20 @@ ParameterTexts readDeviceParameters(const QJsonValue &value, const QString &plac
     return result;
 }
 
+/// The distance from an expected value that there must be.
+double readTolerance(const QJsonObject &item, const QString &place, QList<Problem> *errors)
+{
+    const QJsonValue tolerance = item.value(u"tolerance");
+    if (!item.contains(u"expect"))
+        addError(place, QStringLiteral("there is no \"expect\" that it belongs to"), errors);
+    else if (!tolerance.isDouble())
+        addWrongKind(tolerance, QStringLiteral("a number"), place, errors);
+    else if (tolerance.toDouble() < 0)
+        addError(place, QStringLiteral("expected 0 or more, found %1").arg(jsonText(tolerance)),
+                 errors);
+    return tolerance.toDouble();
+}
+
 PlantItem readItem(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     const QJsonObject object = readObject(value, place, errors);
@@ -84,13 +98,16 @@ PlantItem readItem(const QJsonValue &value, const QString &place, QList<Problem>
     const QString name = QStringLiteral("name");
     const QString parameters = QStringLiteral("parameters");
     const QString expect = QStringLiteral("expect");
-    checkKeys(object, {name, parameters, expect}, place, errors);
+    const QString tolerance = QStringLiteral("tolerance");
+    checkKeys(object, {name, parameters, expect, tolerance}, place, errors);
     PlantItem item{readName(object.value(name), member(place, name), errors),
                    readParameters(object.value(parameters), member(place, parameters), errors),
                    {},
                    place};
     if (object.contains(expect))
         item.expect = readText(object.value(expect), member(place, expect), errors);
+    if (object.contains(tolerance))
+        item.tolerance = readTolerance(object, member(place, tolerance), errors);
     return item;
 }
 

@@ -24,6 +24,8 @@ struct PlantItem
     std::optional<QString> expect = {};
     /// Where it stands in the plant file, for messages.
     QString place = {};
+    /// How far a number may be from `expect`.
+    double tolerance = 0;
 };
 
 /// One device.

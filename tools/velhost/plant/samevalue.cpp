@@ -57,10 +57,15 @@ Number parseNumber(const QString &text)
     return number;
 }
 
-bool sameNumber(const Number &written, const Number &readBack)
+bool sameNumber(const Number &written, const Number &readBack, double tolerance)
 {
     if (!written.isValid || !readBack.isValid)
         return false;
+    // In binary, 20.5 and 20.4 are a little more than 0.1 apart.
+    const double larger = std::max(std::abs(written.value), std::abs(readBack.value));
+    if (tolerance > 0
+        && std::abs(written.value - readBack.value) <= tolerance + larger * doubleError)
+        return true;
     if (written.isWhole && readBack.isWhole)
         return written.canonical == readBack.canonical;
     const double smaller = std::min(std::abs(written.value), std::abs(readBack.value));
@@ -102,11 +107,17 @@ ValueKind valueKind(const QMap<QString, QString> &parameters,
     return ValueKind::Number;
 }
 
-bool sameValue(const QString &written, const QString &readBack, ValueKind kind)
+bool sameValue(const QString &written, const QString &readBack, ValueKind kind, double tolerance)
 {
     if (written == readBack)
         return true;
     if (kind == ValueKind::Number)
-        return sameNumber(parseNumber(written), parseNumber(readBack));
+        return sameNumber(parseNumber(written), parseNumber(readBack), tolerance);
     return kind == ValueKind::Hexadecimal && sameHexadecimal(written, readBack);
+}
+
+std::optional<double> decimalNumber(const QString &text)
+{
+    const Number number = parseNumber(text);
+    return number.isValid ? std::make_optional(number.value) : std::nullopt;
 }

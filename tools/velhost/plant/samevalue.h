@@ -6,6 +6,8 @@
 #include <QMap>
 #include <QString>
 
+#include <optional>
+
 /// How two texts of an item are compared.
 enum class ValueKind {
     Number,      ///< as numbers if both are decimal numbers
@@ -25,5 +27,9 @@ ValueKind valueKind(const QMap<QString, QString> &parameters,
 /// When either text has a point or an exponent, the numbers may differ by the rounding of the
 /// read-back: half a unit of its last digit. At least five significant digits are counted, because
 /// a read-back has no trailing zeros. Hexadecimal numbers are compared without leading zeros and
-/// without case.
-bool sameValue(const QString &written, const QString &readBack, ValueKind kind);
+/// without case. Two numbers that differ by `tolerance` at most are the same value, too.
+bool sameValue(const QString &written, const QString &readBack, ValueKind kind,
+               double tolerance = 0);
+
+/// The decimal number that sameValue() makes of the text; nothing if it makes none.
+std::optional<double> decimalNumber(const QString &text);

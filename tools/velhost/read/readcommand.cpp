@@ -35,8 +35,8 @@ ExitCode readCycles(const Session &session, const Arguments &arguments)
         QElapsedTimer sinceStart;
         sinceStart.start();
         QList<DeviceReport> reports;
-        for (LogList &list : lists)
-            reports.append(readDevice(session, &list, cycle));
+        for (int i = 0; i < lists.size(); ++i)
+            reports.append(readPlantDevice(session, i, &lists[i], cycle));
         printer.printCycle(reports);
         if (hasError(reports))
             result = ErrorFound;

@@ -29,20 +29,13 @@ CyclePrinter::Content printedContent(const Arguments &arguments)
                                         : CyclePrinter::Content::Everything;
 }
 
-bool isFaultless(const DeviceReport &device)
-{
-    return !device.hasError()
-           && std::none_of(device.values.begin(), device.values.end(),
-                           [](const ItemReport &item) { return item.expected.has_value(); });
-}
-
 /// Watches one plant. Has either a view on the terminal or a printer.
 class Watch
 {
 public:
-    Watch(const Session &session, const Plant &plant, const Arguments &arguments)
+    Watch(const Session &session, const Arguments &arguments)
         : m_arguments(arguments), m_session(session), m_lists(readLists(session.devices)),
-          m_devices(watchedDevices(plant, session.devices, session.registration.itemColumns))
+          m_devices(watchedDevices(session.devices))
     {
         m_clock.start();
         const bool hasView = arguments.format == OutputFormat::Table
@@ -86,9 +79,9 @@ private:
     {
         QList<DeviceReport> reports;
         for (int i = 0; i < m_lists.size(); ++i) {
-            DeviceReport report = readDevice(m_session, &m_lists[i], cycle);
-            addReport(&report, m_clock.elapsed(), &m_devices.at(static_cast<std::size_t>(i)));
-            m_isAllWell = m_isAllWell && isFaultless(report);
+            DeviceReport report = readPlantDevice(m_session, i, &m_lists[i], cycle);
+            addReport(report, m_clock.elapsed(), &m_devices.at(static_cast<std::size_t>(i)));
+            m_isAllWell = m_isAllWell && !report.hasError();
             reports.append(report);
             if (m_view)
                 m_view->update(cycle);
@@ -119,10 +112,10 @@ private:
     bool m_isAllWell = true;
 };
 
-ExitCode watch(const Session &session, const Plant &plant, const Arguments &arguments)
+ExitCode watch(const Session &session, const Arguments &arguments)
 {
     StopSignals stopSignals;
-    Watch watch(session, plant, arguments);
+    Watch watch(session, arguments);
     const int signal = watch.run(&stopSignals);
     watch.finish();
     if (signal != 0)
@@ -136,7 +129,7 @@ ExitCode runWatch(const Arguments &arguments)
     if (!plant)
         return WrongUsage;
     return runSession(sessionSetup(arguments, *plant),
-                      [&](const Session &session) { return watch(session, *plant, arguments); });
+                      [&](const Session &session) { return watch(session, arguments); });
 }
 
 } // namespace

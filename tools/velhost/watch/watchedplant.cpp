@@ -24,9 +24,7 @@ void addItemReport(const ItemReport &report, bool isRead, qint64 cycle, qint64 n
 
 } // namespace
 
-std::vector<WatchedDevice> watchedDevices(const Plant &plant,
-                                          const QList<DeviceInstancePlugin> &records,
-                                          const QList<DatabaseColumnStructure> &itemColumns)
+std::vector<WatchedDevice> watchedDevices(const QList<DeviceInstancePlugin> &records)
 {
     std::vector<WatchedDevice> devices;
     for (int i = 0; i < records.size(); ++i) {
@@ -35,8 +33,6 @@ std::vector<WatchedDevice> watchedDevices(const Plant &plant,
         device.name = record.name;
         for (int j = 0; j < record.items.size(); ++j) {
             WatchedItem item;
-            item.expect = plant.devices.at(i).items.at(j).expect;
-            item.kind = valueKind(record.items.at(j).parameters, itemColumns);
             item.last.item = record.items.at(j).name;
             device.items.push_back(item);
         }
@@ -45,23 +41,21 @@ std::vector<WatchedDevice> watchedDevices(const Plant &plant,
     return devices;
 }
 
-void addReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device)
+void addReport(const DeviceReport &report, qint64 nowMs, WatchedDevice *device)
 {
-    if (report->error != device->error)
-        device->errorCycle = report->cycle;
-    device->error = report->error;
-    device->time = report->time;
-    device->latencies.add(report->microseconds);
-    if (report->error.isEmpty())
+    if (report.error != device->error)
+        device->errorCycle = report.cycle;
+    device->error = report.error;
+    device->time = report.time;
+    device->latencies.add(report.microseconds);
+    if (report.error.isEmpty())
         device->lastGoodMs = nowMs;
     else
         ++device->failedCycles;
     for (std::size_t i = 0; i < device->items.size(); ++i) {
         WatchedItem &item = device->items.at(i);
-        ItemReport &itemReport = report->values[static_cast<int>(i)];
-        const bool isRead = report->error.isEmpty() && itemReport.error.isEmpty();
-        if (isRead && item.expect && !sameValue(*item.expect, itemReport.value, item.kind))
-            itemReport.expected = item.expect;
-        addItemReport(itemReport, isRead, report->cycle, nowMs, &item);
+        const ItemReport &itemReport = report.values.at(static_cast<int>(i));
+        const bool isRead = report.error.isEmpty() && itemReport.error.isEmpty();
+        addItemReport(itemReport, isRead, report.cycle, nowMs, &item);
     }
 }

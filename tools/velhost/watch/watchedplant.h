@@ -1,11 +1,8 @@
 #pragma once
 
 #include "cycle/report.h"
-#include "plant/plant.h"
-#include "plant/samevalue.h"
 #include "watch/latencies.h"
 
-#include <vel/hostbackend.h>
 #include <vel/records.h>
 
 #include <QList>
@@ -17,9 +14,6 @@
 /// One item since the watch began.
 struct WatchedItem
 {
-    /// The expected value, and how it is compared.
-    std::optional<QString> expect;
-    ValueKind kind = ValueKind::Number;
     /// The result of the last read.
     ItemReport last;
     /// The last value that was read without an error, and the time of that read in milliseconds of
@@ -55,11 +49,8 @@ struct WatchedDevice
     std::vector<WatchedItem> items;
 };
 
-/// The plant's devices before the first cycle. The records must be those of the plant.
-std::vector<WatchedDevice> watchedDevices(const Plant &plant,
-                                          const QList<DeviceInstancePlugin> &records,
-                                          const QList<DatabaseColumnStructure> &itemColumns);
+/// The devices before the first cycle.
+std::vector<WatchedDevice> watchedDevices(const QList<DeviceInstancePlugin> &records);
 
-/// Adds the report of a cycle, at `nowMs` of the watch's clock, to the device. Sets `expected` in
-/// the report for each unexpected value.
-void addReport(DeviceReport *report, qint64 nowMs, WatchedDevice *device);
+/// Adds the report of a cycle, at `nowMs` of the watch's clock, to the device.
+void addReport(const DeviceReport &report, qint64 nowMs, WatchedDevice *device);
