@@ -22,6 +22,14 @@ Tool toolNamed(const QString &name)
             text(TOOLS_FOLDER "/completion/") + name};
 }
 
+/// Two devices, whose names and items are completed.
+const QByteArray plant
+    = R"({"devices": [{"id": 1, "name": "Press", "ip": "10.0.0.1", "itemDefaults": {"data_type": "Short"},)"
+      R"( "items": [{"name": "Strokes", "parameters": {"memory_address": "D1"}}]},)"
+      R"( {"id": 2, "name": "Oven", "ip": "10.0.0.2", "itemDefaults": {"data_type": "Short"},)"
+      R"( "items": [{"name": "Set point", "parameters": {"memory_address": "D2"}},)"
+      R"( {"name": "Load", "parameters": {"memory_address": "D3"}}]}]})";
+
 QString helpOf(const QString &name)
 {
     return runProgram(toolNamed(name).program, {text("--help")}, {}).output;
@@ -197,6 +205,26 @@ void tst_Help::completes_data()
     QTest::newRow("formats") << text("velhost read --format ") << text("csv json table");
     QTest::newRow("files behind a command") << text("velhost check pl") << text("plant.json");
     QTest::newRow("files behind --plant") << text("velhost --plant pl") << text("plant.json");
+    const auto row = [](const char *line, const char *words) {
+        QTest::newRow(line) << text(line) << text(words);
+    };
+    row("velhost read plant.json --", "--cycles --device --format --help --interval --ip --item "
+                                      "--only-changes --plant --plugin --version");
+    row("velhost explain --", "--format --help --version");
+    row("velhost read plant.json --device ", "Oven Press");
+    row("velhost read plant.json --device=O", "Oven");
+    row("velhost --plant plant.json read --device P", "Press");
+    row("velhost watch plant.json --item ", R"(Load Set\ point Strokes)");
+    row("velhost watch plant.json --item Set\\ p", R"(Set\ point)");
+    row("velhost watch plant.json --item 'Se", "Set point");
+    row("velhost write plant.json ", R"(Oven/Load= Oven/Set\ point= Press/Strokes=)");
+    row("velhost write plant.json Press/Strokes=1 O", R"(Oven/Load= Oven/Set\ point=)");
+    row("velhost plan plant.json --write Oven/S", R"(Oven/Set\ point=)");
+    row("velhost write pl", "plant.json");
+    row("velhost read --device ", "");
+    row("kvsim --fault sp", "split");
+    row("kvsim --fault re", "refuse refuse-connect reset restart");
+    row("kvsim ctl fault si", "silent");
     QTest::newRow("simulator's options") << text("kvsim --po") << text("--port");
     QTest::newRow("what controllers differ in")
         << text("kvsim --consecutive ") << text("addresses ports");
@@ -213,7 +241,7 @@ void tst_Help::completes()
     QFETCH(QString, words);
 
     QTemporaryDir folder;
-    QVERIFY(writeFile(folder.filePath(text("plant.json")), {}));
+    QVERIFY(writeFile(folder.filePath(text("plant.json")), plant));
     const QString name = line.section(QLatin1Char(' '), 0, 0);
     const Tool tool = toolNamed(name);
     // Completes the line as bash does when the tab key is pressed.
@@ -222,12 +250,13 @@ void tst_Help::completes()
         . "$1"
         COMP_LINE=$2
         COMP_POINT=${#COMP_LINE}
-        read -ra COMP_WORDS <<< "$COMP_LINE"
+        read -ra COMP_WORDS <<< "${COMP_LINE//\\ /$'\1'}"
+        COMP_WORDS=("${COMP_WORDS[@]//$'\1'/\\ }")
         [[ $COMP_LINE != *' ' ]] || COMP_WORDS+=('')
         COMP_WORDS[0]=$3
         COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
         _$4 "$3" "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD-1]}"
-        printf '%s\n' "${COMPREPLY[@]}" | sort | xargs echo
+        printf '%s\n' "${COMPREPLY[@]}" | sort | paste -sd ' '
     )");
     const ProgramRun run = runProgram(text("bash"),
                                       {text("-c"), script, text("bash"), tool.completion, line,
