@@ -103,11 +103,11 @@ Cycle  Time                           Device  Item  Value  Error
 {"type":"value","cycle":5,"time":"2024-02-29T12:34:56.789+00:00","device":"Press","item":"A","value":"1","error":""}
 )");
     QTest::newRow("csv") << QByteArray("csv")
-                         << text("cycle,time,device,item,value,old,error,expected\r\n"
-                                 "1,2024-02-29T12:34:56.789+00:00,Press,A,1,,,\r\n"
-                                 "1,2024-02-29T12:34:56.789+00:00,Press,B,same,,,\r\n"
-                                 "3,2024-02-29T12:34:56.789+00:00,Press,A,1,old,gone,\r\n"
-                                 "5,2024-02-29T12:34:56.789+00:00,Press,A,1,,,\r\n");
+                         << text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
+                                 "1,2024-02-29T12:34:56.789+00:00,Press,A,1,,,,\r\n"
+                                 "1,2024-02-29T12:34:56.789+00:00,Press,B,same,,,,\r\n"
+                                 "3,2024-02-29T12:34:56.789+00:00,Press,A,1,old,gone,,\r\n"
+                                 "5,2024-02-29T12:34:56.789+00:00,Press,A,1,,,,\r\n");
 }
 
 void tst_OnlyChanges::onlyChanges()
@@ -130,11 +130,11 @@ void tst_OnlyChanges::csv()
         arguments("csv", false).mid(0, 7)
             + QStringList{text("--cycles"), text("2"), text("--interval"), text("0")},
         plantWith(R"(a,\"b\"\r\n)", "trace"));
-    QCOMPARE(run.output, text("cycle,time,device,item,value,old,error,expected\r\n"
-                              "1,2024-02-29T12:34:56.789+00:00,Press,A,\"a,\"\"b\"\"\r\n\",,,\r\n"
-                              "1,2024-02-29T12:34:56.789+00:00,Press,B,same,,,\r\n"
-                              "2,2024-02-29T12:34:56.789+00:00,Press,A,\"a,\"\"b\"\"\r\n\",,,\r\n"
-                              "2,2024-02-29T12:34:56.789+00:00,Press,B,same,,,\r\n"));
+    QCOMPARE(run.output, text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
+                              "1,2024-02-29T12:34:56.789+00:00,Press,A,\"a,\"\"b\"\"\r\n\",,,,\r\n"
+                              "1,2024-02-29T12:34:56.789+00:00,Press,B,same,,,,\r\n"
+                              "2,2024-02-29T12:34:56.789+00:00,Press,A,\"a,\"\"b\"\"\r\n\",,,,\r\n"
+                              "2,2024-02-29T12:34:56.789+00:00,Press,B,same,,,,\r\n"));
     QCOMPARE(run.errors.section(u'\n', -2), text("log debug: stop: Press\n"));
     QCOMPARE(run.exitCode, 0);
 }
@@ -144,10 +144,10 @@ void tst_OnlyChanges::csvOfDeviceError()
     const ProgramRun run
         = runWithPlant(text(VELHOST_FILE), arguments("csv", true), plantWith("1", "read-error"));
     QCOMPARE(withoutCurrentTimes(run.output),
-             text("cycle,time,device,item,value,old,error,expected\r\n"
-                  "1,T,Press,,,,no answer from 127.0.0.1,\r\n"
-                  "1,2024-02-29T12:34:56.789+00:00,Press,A,1,old,,\r\n"
-                  "1,2024-02-29T12:34:56.789+00:00,Press,B,same,old,,\r\n"));
+             text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
+                  "1,T,Press,,,,no answer from 127.0.0.1,,\r\n"
+                  "1,2024-02-29T12:34:56.789+00:00,Press,A,1,old,,,\r\n"
+                  "1,2024-02-29T12:34:56.789+00:00,Press,B,same,old,,,\r\n"));
     QCOMPARE(run.exitCode, 1);
 }
 
@@ -182,7 +182,7 @@ void tst_OnlyChanges::deviceErrorEnds()
             R"({"type":"device","cycle":4,"time":"2024-02-29T12:34:56.789+00:00","device":"Press","error":""})"
             "\n"));
     QCOMPARE(cycleText(OutputFormat::Csv, {device}),
-             text("4,2024-02-29T12:34:56.789+00:00,Press,,,,,\r\n"));
+             text("4,2024-02-29T12:34:56.789+00:00,Press,,,,,,\r\n"));
 }
 
 // A value that is fresh again is printed although it is the same, whether its old state was printed

@@ -32,9 +32,9 @@ QByteArray plantWith(const QByteArray &script)
 
 QByteArray csvOfCycle()
 {
-    return "cycle,time,device,item,value,old,error,expected\r\n"
-           "1,2024-02-29T12:34:56.789+00:00,A,x,0,,,\r\n"
-           "1,2024-02-29T12:34:56.789+00:00,B,y,0,,,\r\n";
+    return "cycle,time,device,item,value,old,error,expected,suspect\r\n"
+           "1,2024-02-29T12:34:56.789+00:00,A,x,0,,,,\r\n"
+           "1,2024-02-29T12:34:56.789+00:00,B,y,0,,,,\r\n";
 }
 
 } // namespace
@@ -133,7 +133,7 @@ void tst_ReadSignals::duringCycle()
     QCOMPARE(process.exitCode(), exitCode);
     const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
     QCOMPARE(lines.value(lines.size() - 2),
-             QByteArray("1,2024-02-29T12:34:56.789+00:00,B,y,0,,,\r"));
+             QByteArray("1,2024-02-29T12:34:56.789+00:00,B,y,0,,,,\r"));
     QCOMPARE(process.readAllStandardError().split('\n').value(3), QByteArray("log debug: stop: A"));
 }
 

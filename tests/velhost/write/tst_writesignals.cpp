@@ -201,10 +201,10 @@ void tst_WriteSignals::withoutVerification_data()
                 R"({"type":"value","cycle":1,"time":"T","device":"C","item":"x","value":"2","error":"not written, %1 ended the program before"})"
                 "\n"));
         row("csv",
-            text("cycle,time,device,item,value,old,error,expected\r\n"
-                 "1,T,A,x,2,,,\r\n"),
-            text("1,T,B,x,2,,,\r\n"
-                 "1,T,C,x,2,,\"not written, %1 ended the program before\",\r\n"));
+            text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
+                 "1,T,A,x,2,,,,\r\n"),
+            text("1,T,B,x,2,,,,\r\n"
+                 "1,T,C,x,2,,\"not written, %1 ended the program before\",,\r\n"));
     }
 }
 

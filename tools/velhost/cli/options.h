@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/command.h"
+#include "host/wireoutput.h"
 
 // The options of plantOptions().
 inline const QString ipOption = QStringLiteral("ip");
@@ -18,6 +19,12 @@ Option intervalOption();
 
 /// `--only-changes`, for the same commands; the addition stands behind its help.
 Option onlyChangesOption(const QString &addition = {});
+
+/// `--trace` and `--trace-file`, for the commands that exchange something with controllers.
+QList<Option> traceOptions();
+
+/// What they ask for.
+WireSetup wireSetup(const Arguments &arguments);
 
 /// Whether `--only-changes` was given.
 bool printsOnlyChanges(const Arguments &arguments);

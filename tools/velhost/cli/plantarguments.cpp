@@ -101,5 +101,7 @@ std::optional<QList<Assignment>> readAssignments(const Arguments &arguments,
 
 SessionSetup sessionSetup(const Arguments &arguments, const Plant &plant)
 {
-    return {arguments.pluginFile, arguments.format, plant, arguments.plantFile};
+    SessionSetup setup{arguments.pluginFile, arguments.format, plant, arguments.plantFile};
+    setup.wire = wireSetup(arguments);
+    return setup;
 }

@@ -52,6 +52,20 @@ DeviceReport report(const LogList &list, qint64 cycle)
     return report;
 }
 
+void beginCall(const Session &session, const LogList &list, qint64 cycle, bool isRead)
+{
+    session.host.beginCall(list.name, cycle);
+    if (session.wire != nullptr)
+        session.wire->beginCall(&list, isRead);
+}
+
+/// Returns what WireOutput::endCall() does.
+QMap<int, QString> endCall(const Session &session, const LogList &list, qint64 cycle)
+{
+    session.host.endCall();
+    return session.wire != nullptr ? session.wire->endCall(list, cycle) : QMap<int, QString>();
+}
+
 /// The device's record has that item alone, so that a cycle of one item does not cost more with
 /// each item that the device has besides.
 LogList listOf(DeviceInstancePlugin device, int item, const QString &value)
@@ -93,13 +107,17 @@ QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
 DeviceReport readDevice(const Session &session, LogList *list, qint64 cycle)
 {
     beginCycle(list);
-    session.host.beginCall(list->name, cycle);
+    beginCall(session, *list, cycle, true);
     QElapsedTimer sinceCall;
     sinceCall.start();
     const bool done = session.loaded.plugin->readData(list);
     const qint64 nanoseconds = sinceCall.nsecsElapsed();
-    session.host.endCall();
+    const QMap<int, QString> suspects = endCall(session, *list, cycle);
     DeviceReport result = report(*list, cycle);
+    for (auto suspect = suspects.begin(); suspect != suspects.end(); ++suspect) {
+        if (suspect.key() >= 0)
+            result.values[suspect.key()].suspect = suspect.value();
+    }
     result.microseconds = nanoseconds / 1000;
     if (!done && result.error.isEmpty())
         result.error = QStringLiteral("readData() returned false");
@@ -132,9 +150,9 @@ DeviceReport writeDevice(const Session &session, LogList *list, qint64 cycle)
 {
     beginCycle(list);
     const int errorsBefore = session.host.errorCount();
-    session.host.beginCall(list->name, cycle);
+    beginCall(session, *list, cycle, false);
     const bool done = session.loaded.plugin->writeData(list);
-    session.host.endCall();
+    endCall(session, *list, cycle);
     const int errors = session.host.errorCount() - errorsBefore;
     DeviceReport result = report(*list, cycle);
     if (result.error.isEmpty() && errors > 0)

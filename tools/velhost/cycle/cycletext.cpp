@@ -27,6 +27,8 @@ QString deviceJsonLines(const DeviceReport &device)
         members.append({"error", item.error});
         if (item.expected)
             members.append({"expected", *item.expected});
+        if (!item.suspect.isEmpty())
+            members.append({"suspect", item.suspect});
         lines += jsonLine("value", members);
     }
     return lines;
@@ -63,12 +65,12 @@ QString cycleCsv(const QList<DeviceReport> &devices)
         const QString cycle = QString::number(device.cycle);
         if (device.hasMessage())
             records += csvRecord(
-                {cycle, times.text(device.time), device.device, {}, {}, {}, device.error, {}});
+                {cycle, times.text(device.time), device.device, {}, {}, {}, device.error, {}, {}});
         for (const ItemReport &item : device.values) {
             const QString isOld = item.isOld ? QStringLiteral("old") : QString();
             records
                 += csvRecord({cycle, times.text(item.time), device.device, item.item, item.value,
-                              isOld, item.error, item.expected.value_or(QString())});
+                              isOld, item.error, item.expected.value_or(QString()), item.suspect});
         }
     }
     return records;
@@ -80,7 +82,8 @@ QString cycleCsvHeader()
 {
     return csvRecord({QStringLiteral("cycle"), QStringLiteral("time"), QStringLiteral("device"),
                       QStringLiteral("item"), QStringLiteral("value"), QStringLiteral("old"),
-                      QStringLiteral("error"), QStringLiteral("expected")});
+                      QStringLiteral("error"), QStringLiteral("expected"),
+                      QStringLiteral("suspect")});
 }
 
 QString cycleText(OutputFormat format, const QList<DeviceReport> &devices)

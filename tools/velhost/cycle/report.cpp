@@ -38,6 +38,8 @@ QString TimeTexts::text(const QDateTime &time)
 
 QString itemProblem(const ItemReport &item)
 {
+    if (item.error.isEmpty() && !item.suspect.isEmpty())
+        return u"suspect: " + item.suspect;
     if (item.expected)
         return QStringLiteral("expected \"%1\"").arg(*item.expected);
     return item.error;

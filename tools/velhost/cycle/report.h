@@ -21,6 +21,9 @@ struct ItemReport
     /// The expected value of the plant file, set when the value differs. Only readPlantDevice()
     /// sets it.
     std::optional<QString> expected = {};
+    /// Why the answer that gave the value cannot be trusted; empty when it can, or when nobody
+    /// looked.
+    QString suspect = {};
 };
 
 /// One device after a cycle.
@@ -51,8 +54,8 @@ QString valueText(const ItemReport &item);
 /// The message of the device itself: its error, or that the error has ended.
 QString deviceMessage(const DeviceReport &device);
 
-/// What is wrong with an item that was read: its error or the expected value. Empty when nothing is
-/// wrong.
+/// What is wrong with an item that was read: its error, a suspect answer or the expected value.
+/// Empty when nothing is wrong.
 QString itemProblem(const ItemReport &item);
 
 /// Makes the texts of the times of one cycle as timeText() does. A text is made once for all items

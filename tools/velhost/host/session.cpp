@@ -10,7 +10,7 @@ namespace {
 
 /// The part of a session between init() and stopPlugin().
 ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, Host *host,
-                        bool initDone, LogOutput *log,
+                        bool initDone, LogOutput *log, WireOutput *wire,
                         const std::function<ExitCode(const Session &)> &work)
 {
     const std::optional<PluginRegistration> &registration = host->registration();
@@ -30,7 +30,17 @@ ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, H
             QStringLiteral("the plug-in %1 returned false from init()").arg(loaded.fileName));
         return NotLoaded;
     }
-    return work({loaded, *host, *registration, setup.plant, devices, log});
+    return work({loaded, *host, *registration, setup.plant, devices, log, wire});
+}
+
+/// Shows what is left and returns whether the answers and the trace are in order.
+bool finishWire(WireOutput *wire)
+{
+    wire->endCall({}, 0);
+    const QString error = wire->fileError();
+    if (!error.isEmpty())
+        printError(error);
+    return error.isEmpty() && !wire->wasSuspect();
 }
 
 } // namespace
@@ -46,13 +56,25 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
         printError(errors);
         return NotLoaded;
     }
+    std::optional<WireOutput> wire;
+    if (setup.wire.isOn)
+        wire.emplace(setup.format, setup.wire);
+    if (wire && !wire->fileError().isEmpty()) {
+        printError(wire->fileError());
+        return WrongUsage;
+    }
     LogOutput log(setup.format, setup.progress);
     Host host(
         setup.plant, [&log](const LogEntry &entry) { log.add(entry); }, setup.redirection);
     const bool initDone = loaded->plugin->init();
-    ExitCode result = runInitialised(setup, *loaded, &host, initDone, &log, work);
+    if (wire)
+        wire->endCall({}, 0);
+    ExitCode result
+        = runInitialised(setup, *loaded, &host, initDone, &log, wire ? &*wire : nullptr, work);
     const bool isStopped = loaded->plugin->stopPlugin();
     log.printPendingCounts();
+    if (wire && !finishWire(&*wire) && result == AllWell)
+        result = ErrorFound;
     if (!isStopped) {
         printError(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
                        .arg(loaded->fileName));

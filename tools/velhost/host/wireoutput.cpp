@@ -12,7 +12,10 @@ WireOutput::WireOutput(OutputFormat format, const WireSetup &setup)
 
 QString WireOutput::fileError() const
 {
-    return m_file.error() == QFileDevice::NoError ? QString() : m_file.errorString();
+    if (m_file.error() == QFileDevice::NoError)
+        return {};
+    return QStringLiteral("the trace %1 cannot be written: %2")
+        .arg(m_file.fileName(), m_file.errorString());
 }
 
 QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
@@ -24,6 +27,7 @@ QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
         const QString suspect = isSuspect(verdict) ? verdict.text : QString();
         if (!suspect.isEmpty())
             suspects.insert(item, suspect);
+        m_wasSuspect = m_wasSuspect || !suspect.isEmpty();
         const QString itemName = item < 0 ? QString() : list.dataItems.at(item).item.name;
         show(event, {cycle, list.name, itemName}, suspect);
     }

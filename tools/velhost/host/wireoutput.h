@@ -27,13 +27,16 @@ class WireOutput
 public:
     WireOutput(OutputFormat format, const WireSetup &setup);
 
-    /// Why the file of the trace cannot be written; empty when it can, or when there is none.
+    /// That the file of the trace cannot be written; empty when it can, or when there is none.
     QString fileError() const;
 
     /// To be called around each call of the plug-in; see WireTap. Returns by the index of the item
     /// what is suspect about its answers; -1 stands for an unknown item.
     void beginCall(const LogList *list, bool isRead) { m_tap.beginCall(list, isRead); }
     QMap<int, QString> endCall(const LogList &list, qint64 cycle);
+
+    /// Whether any answer was suspect so far.
+    bool wasSuspect() const { return m_wasSuspect; }
 
 private:
     /// Where an event belongs to; the device and the item are empty when they are not known.
@@ -49,6 +52,7 @@ private:
     OutputFormat m_format;
     bool m_prints;
     QFile m_file;
+    bool m_wasSuspect = false;
     WireTap m_tap;
     /// By the connection's number.
     QHash<qint64, Conversation> m_conversations;

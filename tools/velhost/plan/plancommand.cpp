@@ -125,7 +125,8 @@ ExitCode runPlan(const Arguments &arguments)
     const std::optional<Plant> plant = readPlant(arguments);
     if (!plant)
         return WrongUsage;
-    const auto assignments = readAssignments(arguments, arguments.options.value(writeOption), *plant);
+    const auto assignments
+        = readAssignments(arguments, arguments.options.value(writeOption), *plant);
     if (!assignments)
         return WrongUsage;
     Recorder recorder;

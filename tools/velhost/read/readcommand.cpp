@@ -70,10 +70,12 @@ Command readCommand()
             Operands::Plant,
             QStringLiteral("read every item of every device"),
             {QStringLiteral("table"), QStringLiteral("json"), QStringLiteral("csv")},
-            {{QStringLiteral("cycles"), QStringLiteral("N"),
-              QStringLiteral("number of cycles (default 1)"), Option::Range{1, maximumCycles}},
-             intervalOption(),
-             onlyChangesOption()},
+            QList<Option>{{QStringLiteral("cycles"), QStringLiteral("N"),
+                           QStringLiteral("number of cycles (default 1)"),
+                           Option::Range{1, maximumCycles}},
+                          intervalOption(),
+                          onlyChangesOption()}
+                + traceOptions(),
             {{QStringLiteral("Watch a minute of changes"),
               QStringLiteral("velhost read plant.json --cycles 60 --only-changes")}},
             runRead};

@@ -2,11 +2,13 @@
 
 #include <veltrace/connections.h>
 
-#include <QDateTime>
-
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <utility>
+
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
 
@@ -23,12 +25,20 @@ QByteArray bytesOf(const Event &event)
     return bytes;
 }
 
+qint64 microsecondsSince1970()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
 void takeEvent(const Event &event)
 {
     if (currentTap == nullptr)
         return;
     TraceEvent taken;
-    taken.time = QDateTime::currentMSecsSinceEpoch() * 1000;
+    taken.time = microsecondsSince1970();
+    taken.process = getpid();
+    taken.thread = syscall(SYS_gettid);
     taken.connection = event.connection;
     taken.peer = QString::fromLatin1(event.peer);
     taken.name = QString::fromLatin1(event.name);
@@ -84,7 +94,9 @@ QList<WireEvent> WireTap::takeEvents()
 void WireTap::add(const TraceEvent &event)
 {
     passItemsDone();
-    m_events.append({event, m_item});
+    const bool isOfDevice
+        = event.name == QLatin1String("connect") || event.name == QLatin1String("close");
+    m_events.append({event, isOfDevice ? -1 : m_item});
 }
 
 void WireTap::passItemsDone()

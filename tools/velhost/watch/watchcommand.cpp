@@ -128,8 +128,9 @@ ExitCode runWatch(const Arguments &arguments)
     const std::optional<Plant> plant = readPlant(arguments);
     if (!plant)
         return WrongUsage;
-    return runSession(sessionSetup(arguments, *plant),
-                      [&](const Session &session) { return watch(session, arguments); });
+    SessionSetup setup = sessionSetup(arguments, *plant);
+    setup.wire.isOn = true;
+    return runSession(setup, [&](const Session &session) { return watch(session, arguments); });
 }
 
 } // namespace
@@ -141,11 +142,12 @@ Command watchCommand()
             QStringLiteral("read again and again, keep a table on the terminal up to date and "
                            "count what arrives"),
             {QStringLiteral("table"), QStringLiteral("json"), QStringLiteral("csv")},
-            {{forOption, QStringLiteral("SECONDS"),
-              QStringLiteral("end after that time (default: at Ctrl+C)"),
-              Option::Range{1, maximumForSeconds}},
-             intervalOption(),
-             onlyChangesOption(QStringLiteral("; prints lines instead of a table"))},
+            QList<Option>{{forOption, QStringLiteral("SECONDS"),
+                           QStringLiteral("end after that time (default: at Ctrl+C)"),
+                           Option::Range{1, maximumForSeconds}},
+                          intervalOption(),
+                          onlyChangesOption(QStringLiteral("; prints lines instead of a table"))}
+                + traceOptions(),
             {{QStringLiteral("See what arrives, until Ctrl+C"),
               QStringLiteral("velhost watch plant.json")}},
             runWatch};

@@ -1,5 +1,6 @@
 #include "write/writecommand.h"
 
+#include "cli/options.h"
 #include "cli/plantarguments.h"
 #include "cycle/cycle.h"
 #include "cycle/cycleprinter.h"
@@ -211,9 +212,11 @@ Command writeCommand()
             Operands::PlantAndAssignments,
             QStringLiteral("read, write and read back the named items, in the order given"),
             {QStringLiteral("table"), QStringLiteral("json"), QStringLiteral("csv")},
-            {{yesOption, {}, QStringLiteral("change devices that are not on this machine, too")},
-             {allowEmptyOption, {}, QStringLiteral("take a value without a character, too")},
-             {noVerifyOption, {}, QStringLiteral("only write, read nothing before or after")}},
+            QList<Option>{
+                {yesOption, {}, QStringLiteral("change devices that are not on this machine, too")},
+                {allowEmptyOption, {}, QStringLiteral("take a value without a character, too")},
+                {noVerifyOption, {}, QStringLiteral("only write, read nothing before or after")}}
+                + traceOptions(),
             {{QStringLiteral("Write a value and read it back"),
               QStringLiteral("velhost write plant.json 'Press/Set point=250'")}},
             runWrite};
