@@ -253,12 +253,12 @@ void tst_CommandLine::errors_data()
     const auto row = [](const char *text, const char *error) {
         QTest::newRow(text) << words(text) << QString::fromUtf8(error);
     };
-    row("velhost",
-        "no command given; use columns, read, watch, write, plan, check, discover or explain");
+    row("velhost", "no command given; use columns, read, watch, write, plan, check, discover, "
+                   "explain or wire");
     row("velhost|raed", "unknown command \"raed\"; use columns, read, watch, write, plan, check, "
-                        "discover or explain");
-    row("velhost|",
-        "unknown command \"\"; use columns, read, watch, write, plan, check, discover or explain");
+                        "discover, explain or wire");
+    row("velhost|", "unknown command \"\"; use columns, read, watch, write, plan, check, discover, "
+                    "explain or wire");
     row("velhost|columns|read", "columns takes no argument \"read\"");
     row("velhost|read|--plant|p|Press", "read takes no argument \"Press\"");
     row("velhost|read|p|Press", "read takes no argument \"Press\"");
@@ -267,9 +267,9 @@ void tst_CommandLine::errors_data()
     row("velhost|write", "write needs a plant file and at least one DEVICE/ITEM=VALUE");
     row("velhost|write|A/b=1", "write needs a plant file and at least one DEVICE/ITEM=VALUE");
     row("velhost|help|raed", "unknown command \"raed\"; use columns, read, watch, write, plan, "
-                             "check, discover or explain");
+                             "check, discover, explain or wire");
     row("velhost|raed|--help", "unknown command \"raed\"; use columns, read, watch, write, plan, "
-                               "check, discover or explain");
+                               "check, discover, explain or wire");
     row("velhost|write|--plant|p", "write needs at least one DEVICE/ITEM=VALUE");
     row("velhost|watch", "watch needs a plant file: watch PLANT");
     row("velhost|watch|p|--cycles|1", "watch has no use for --cycles");
@@ -290,6 +290,9 @@ void tst_CommandLine::errors_data()
     row("velhost|plan|--plant|p|--format|csv", "--format of plan is table or json, not \"csv\"");
     row("velhost|explain", "explain needs one text, in quotes");
     row("velhost|explain|invalid|port", "explain needs one text, in quotes");
+    row("velhost|wire", "wire needs one file");
+    row("velhost|wire|a|b", "wire needs one file");
+    row("velhost|wire|a|--plugin|p", "wire has no use for --plugin");
     row("velhost|explain|a|--plant|p", "explain has no use for --plant");
     row("velhost|explain|a|--plugin|p", "explain has no use for --plugin");
     row("velhost|explain|a|--cycles|1", "explain has no use for --cycles");

@@ -35,7 +35,8 @@ enum class Operands {
     None,
     Plant,               ///< the plant file, unless `--plant` names it
     PlantAndAssignments, ///< the same, then DEVICE/ITEM=VALUE once or more
-    Text                 ///< one text, and no plug-in
+    Text,                ///< one text, and no plug-in
+    File                 ///< one file, and no plug-in
 };
 
 /// The arguments of the user, already checked against the command.
@@ -47,7 +48,7 @@ struct Arguments
     /// the plant in messages.
     QString plantFile;
     OutputFormat format = OutputFormat::Table;
-    /// The assignments, the addresses or the text.
+    /// The assignments, the addresses, the text or the file.
     QStringList operands;
     /// The values of the options that were given; an empty list for a flag.
     QMap<QString, QStringList> options;

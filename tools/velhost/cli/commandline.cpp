@@ -111,6 +111,10 @@ QString takeOperands(const Command &command, QStringList operands, Arguments *ar
         arguments->operands = operands;
         return operands.size() == 1 ? QString() : command.name + u" needs one text, in quotes";
     }
+    if (command.operands == Operands::File) {
+        arguments->operands = operands;
+        return operands.size() == 1 ? QString() : command.name + u" needs one file";
+    }
     if (arguments->has(ipOption)) {
         arguments->plantFile = arguments->value(ipOption);
         arguments->operands = operands;

@@ -40,7 +40,8 @@ QString usageOf(const Command &command)
     static const QMap<Operands, QString> usages{
         {Operands::Plant, QStringLiteral(" PLANT")},
         {Operands::PlantAndAssignments, QStringLiteral(" PLANT DEVICE/ITEM=VALUE...")},
-        {Operands::Text, QStringLiteral(" TEXT")}};
+        {Operands::Text, QStringLiteral(" TEXT")},
+        {Operands::File, QStringLiteral(" FILE")}};
     return command.name + usages.value(command.operands);
 }
 
@@ -80,7 +81,8 @@ Commands:
 Exit status:
   0    all well
   1    a device or an item has an error, a value is not the expected one, a
-       text is not known, or discover found nothing or could not finish
+       text is not known, an answer is suspect, or discover found nothing or
+       could not finish
   2    wrong usage or plant file
   3    the plug-in cannot be loaded
   130  a read, a watch, a write or a search was ended by SIGINT; 143 by

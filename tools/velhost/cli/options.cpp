@@ -45,7 +45,7 @@ QList<Option> plantOptions()
 QList<Option> optionsOf(const Command &command)
 {
     QList<Option> options = command.options;
-    if (command.operands != Operands::Text) {
+    if (command.operands != Operands::Text && command.operands != Operands::File) {
         options.append(
             {QStringLiteral("plugin"), QStringLiteral("FILE"),
              QStringLiteral("the plug-in; without it libkeyence.so next to this program, then in "

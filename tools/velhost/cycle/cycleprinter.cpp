@@ -43,7 +43,7 @@ QString changeLines(const QList<DeviceReport> &devices, const QVector<int> &widt
                 {times.text(device.time), name, {}, {}, visible(deviceMessage(device))}, widths);
         for (const ItemReport &item : device.values)
             lines += tableLine({times.text(item.time), name, visible(item.item), valueText(item),
-                                visible(itemProblem(item))},
+                                itemProblem(item)},
                                widths);
     }
     return lines;

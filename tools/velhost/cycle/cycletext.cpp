@@ -44,7 +44,7 @@ void appendDeviceRows(const DeviceReport &device, QList<QStringList> *rows)
             {cycle, times.text(device.time), name, {}, {}, visible(deviceMessage(device))});
     for (const ItemReport &item : device.values)
         rows->append({cycle, times.text(item.time), name, visible(item.item), valueText(item),
-                      visible(itemProblem(item))});
+                      itemProblem(item)});
 }
 
 QString cycleTable(const QList<DeviceReport> &devices)

@@ -38,9 +38,10 @@ QString TimeTexts::text(const QDateTime &time)
 
 QString itemProblem(const ItemReport &item)
 {
-    if (item.error.isEmpty() && !item.suspect.isEmpty())
+    if (!item.error.isEmpty())
+        return visible(item.error);
+    if (!item.suspect.isEmpty())
         return u"suspect: " + item.suspect;
-    if (item.expected)
-        return QStringLiteral("expected \"%1\"").arg(*item.expected);
-    return item.error;
+    return item.expected ? QStringLiteral("expected \"%1\"").arg(visible(*item.expected))
+                         : QString();
 }

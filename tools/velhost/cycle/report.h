@@ -54,8 +54,8 @@ QString valueText(const ItemReport &item);
 /// The message of the device itself: its error, or that the error has ended.
 QString deviceMessage(const DeviceReport &device);
 
-/// What is wrong with an item that was read: its error, a suspect answer or the expected value.
-/// Empty when nothing is wrong.
+/// What is wrong with an item that was read, as visible() makes it: its error, a suspect answer or
+/// the expected value. Empty when nothing is wrong.
 QString itemProblem(const ItemReport &item);
 
 /// Makes the texts of the times of one cycle as timeText() does. A text is made once for all items

@@ -24,12 +24,12 @@ QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
     for (const WireEvent &wireEvent : m_tap.takeEvents()) {
         const auto &[event, item] = wireEvent;
         const Verdict verdict = judge(event);
-        const QString suspect = isSuspect(verdict) ? verdict.text : QString();
-        if (!suspect.isEmpty())
-            suspects.insert(item, suspect);
-        m_wasSuspect = m_wasSuspect || !suspect.isEmpty();
+        if (isSuspect(verdict)) {
+            suspects.insert(item, verdict.text);
+            m_wasSuspect = true;
+        }
         const QString itemName = item < 0 ? QString() : list.dataItems.at(item).item.name;
-        show(event, {cycle, list.name, itemName}, suspect);
+        show(event, {cycle, list.name, itemName}, verdict);
     }
     return suspects;
 }
@@ -49,15 +49,15 @@ Verdict WireOutput::judge(const TraceEvent &event)
                                                    : Verdict();
 }
 
-void WireOutput::show(const TraceEvent &event, const Place &place, const QString &suspect)
+void WireOutput::show(const TraceEvent &event, const Place &place, const Verdict &verdict)
 {
     QList<JsonMember> members = wireMembers(event);
     if (!place.device.isEmpty())
         members += {{"cycle", place.cycle}, {"device", place.device}};
     if (!place.item.isEmpty())
         members.append({"item", place.item});
-    if (!suspect.isEmpty())
-        members.append({"suspect", suspect});
+    if (isSuspect(verdict))
+        members.append({"suspect", verdict.text});
     if (m_file.isOpen())
         m_file.write(jsonObject(members).toUtf8() + '\n');
     if (!m_prints)
@@ -69,8 +69,5 @@ void WireOutput::show(const TraceEvent &event, const Place &place, const QString
     QString text = visible(place.device.isEmpty() ? event.peer : place.device);
     if (!place.item.isEmpty())
         text += u'/' + visible(place.item);
-    text = u"wire: " + text + u' ' + wireText(event);
-    if (!suspect.isEmpty())
-        text += u" suspect: " + suspect;
-    print(stderr, text + u'\n');
+    print(stderr, u"wire: " + text + u' ' + wireText(event, verdict) + u'\n');
 }

@@ -47,7 +47,7 @@ private:
         QString item;
     };
     Verdict judge(const TraceEvent &event);
-    void show(const TraceEvent &event, const Place &place, const QString &suspect);
+    void show(const TraceEvent &event, const Place &place, const Verdict &verdict);
 
     OutputFormat m_format;
     bool m_prints;

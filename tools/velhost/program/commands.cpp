@@ -7,10 +7,11 @@
 #include "plan/plancommand.h"
 #include "read/readcommand.h"
 #include "watch/watchcommand.h"
+#include "wire/wirecommand.h"
 #include "write/writecommand.h"
 
 QList<Command> allCommands()
 {
-    return {columnsCommand(), readCommand(),  watchCommand(),    writeCommand(),
-            planCommand(),    checkCommand(), discoverCommand(), explainCommand()};
+    return {columnsCommand(), readCommand(),     watchCommand(),   writeCommand(), planCommand(),
+            checkCommand(),   discoverCommand(), explainCommand(), wireCommand()};
 }

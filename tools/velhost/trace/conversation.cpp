@@ -6,6 +6,10 @@
 
 namespace {
 
+// A controller that never ends a line must not fill the memory.
+constexpr int mostOutstanding = 64;
+constexpr int longestPiece = 65536;
+
 /// The answer when every word holds its own number; null for a device without decimal words.
 QByteArray selfAddressedAnswer(const QByteArray &command)
 {
@@ -40,6 +44,8 @@ void Conversation::send(const QByteArray &bytes)
         m_outstanding.last() += bytes;
     else
         m_outstanding.append(bytes);
+    if (m_outstanding.size() > mostOutstanding)
+        m_outstanding.removeFirst();
     m_isAsked = true;
 }
 
@@ -58,7 +64,7 @@ Verdict Conversation::receive(const QByteArray &bytes, bool isSelfAddressed)
     }
     for (int end = m_piece.count('\n'); end > 0 && !m_outstanding.isEmpty(); --end)
         m_outstanding.removeFirst();
-    m_piece = m_piece.mid(m_piece.lastIndexOf('\n') + 1);
+    m_piece = m_piece.mid(m_piece.lastIndexOf('\n') + 1).right(longestPiece);
     m_isAsked = false;
     return result;
 }

@@ -30,12 +30,14 @@ QString what(const TraceEvent &event)
 
 } // namespace
 
-QString wireText(const TraceEvent &event)
+QString wireText(const TraceEvent &event, const Verdict &verdict)
 {
-    if (event.waited < 0)
-        return what(event);
-    const double milliseconds = static_cast<double>(event.waited) / 1000.0;
-    return what(event) + QStringLiteral(" (%1 ms)").arg(milliseconds, 0, 'f', 1);
+    QString text = what(event);
+    if (event.waited >= 0)
+        text += u"  " + QString::number(static_cast<double>(event.waited) / 1000, 'f', 3) + u" ms";
+    if (!verdict.text.isEmpty())
+        text += (isSuspect(verdict) ? u"  SUSPECT: " : u"  ") + verdict.text;
+    return text;
 }
 
 QList<JsonMember> wireMembers(const TraceEvent &event)

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "trace/verdict.h"
+
 #include <common/json/json.h>
 #include <common/trace/trace.h>
 
 #include <QList>
 #include <QString>
 
-/// The event for people: `> RD DM100\r`, `< 00100\r\n (1.5 ms)`, `timeout (3000.1 ms)`.
-QString wireText(const TraceEvent &event);
+/// The event for people, with the wait and what there is to say about an answer: `> RD DM100\r`,
+/// `< 00100\r\n  1.502 ms`, `timeout  3000.107 ms`.
+QString wireText(const TraceEvent &event, const Verdict &verdict);
 
 /// The event's members in a line of a wire trace; see docs/wire-trace.md.
 QList<JsonMember> wireMembers(const TraceEvent &event);

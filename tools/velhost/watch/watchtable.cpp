@@ -79,7 +79,7 @@ Row itemRow(const WatchedDevice &device, const WatchedItem &item, qint64 nowMs, 
             {visible(item.last.item)},
             {valueText(item.last), valueStyle, true},
             {age},
-            {visible(itemProblem(item.last)), styleOf(item.problemCycle, sinceCycle, true), true},
+            {itemProblem(item.last), styleOf(item.problemCycle, sinceCycle, true), true},
             {QString::number(item.changes)},
             {QString::number(item.errors)},
             {timeOfDay(item.last.time)}};
