@@ -34,6 +34,7 @@ void handleEndingSignals(void (*handler)(int))
 
 bool ProgressLine::isDue()
 {
+    const std::lock_guard lock(m_mutex);
     if (!m_due)
         m_due.emplace(m_firstMs);
     return m_due->hasExpired() && ::isatty(STDERR_FILENO) == 1;
@@ -41,6 +42,7 @@ bool ProgressLine::isDue()
 
 void ProgressLine::show(const QString &text)
 {
+    const std::lock_guard lock(m_mutex);
     if (!m_isShown)
         handleEndingSignals(clearAtSignal);
     print(stderr, lineStart + text + clearRest);
@@ -50,6 +52,7 @@ void ProgressLine::show(const QString &text)
 
 void ProgressLine::clear()
 {
+    const std::lock_guard lock(m_mutex);
     if (!m_isShown)
         return;
     print(stderr, lineStart + clearRest);

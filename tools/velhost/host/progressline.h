@@ -3,11 +3,12 @@
 #include <QDeadlineTimer>
 #include <QString>
 
+#include <mutex>
 #include <optional>
 
 /// One line of progress on the terminal of standard error, which each text overwrites. Shows
 /// nothing where standard error is no terminal. A signal that ends the program removes the text
-/// first. There must be only one object at a time.
+/// first. There must be only one object at a time. Safe to use from several threads.
 class ProgressLine
 {
 public:
@@ -27,6 +28,7 @@ public:
 
 private:
     int m_firstMs;
+    std::mutex m_mutex;
     std::optional<QDeadlineTimer> m_due;
     bool m_isShown = false;
 };

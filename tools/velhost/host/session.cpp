@@ -2,11 +2,43 @@
 
 #include "plant/records.h"
 
+#include <common/textwidth.h>
+#include <common/visibletext.h>
+
 #include <QCoreApplication>
 
+#include <chrono>
+#include <future>
 #include <optional>
+#include <thread>
 
 namespace {
+
+// The line must fit the terminal.
+constexpr int maximumNamesWidth = 40;
+
+/// Calls init(). Shows how long it takes, in a thread of its own: this one is blocked.
+bool init(const SessionSetup &setup, VELInterface *plugin, ProgressLine *line)
+{
+    QStringList names;
+    for (const PlantDevice &device : setup.plant.devices)
+        names.append(visible(device.name));
+    const QString text = QStringLiteral("the plug-in starts, connecting to %1, ")
+                             .arg(cutToWidth(names.join(QStringLiteral(", ")), maximumNamesWidth));
+    std::promise<void> end;
+    std::thread notice([&text, line, ended = end.get_future()] {
+        using namespace std::chrono_literals;
+        for (int seconds = 1; ended.wait_for(1s) == std::future_status::timeout; ++seconds) {
+            if (line->isDue())
+                line->show(text + QStringLiteral("%1 s").arg(seconds));
+        }
+    });
+    const bool done = plugin->init();
+    end.set_value();
+    notice.join();
+    line->clear();
+    return done;
+}
 
 /// The part of a session between init() and stopPlugin().
 ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, Host *host,
@@ -63,10 +95,11 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
         printError(wire->fileError());
         return WrongUsage;
     }
-    LogOutput log(setup.format, setup.progress);
+    ProgressLine line(0);
+    LogOutput log(setup.format, setup.progress == nullptr ? &line : setup.progress);
     Host host(
         setup.plant, [&log](const LogEntry &entry) { log.add(entry); }, setup.redirection);
-    const bool initDone = loaded->plugin->init();
+    const bool initDone = init(setup, loaded->plugin, &line);
     if (wire)
         wire->endCall({}, 0);
     ExitCode result
