@@ -38,9 +38,12 @@ std::vector<WatchedDevice> pressWith(int more)
 
 /// The lines of the screen, 5 seconds after the values were read.
 QStringList screen(const std::vector<WatchedDevice> &devices, ScreenSize size, Marking marking,
-                   const QList<CountedEntry> &log = {})
+                   const QList<CountedEntry> &log = {}, WatchWish wish = {})
 {
-    return watchScreenText({text("title of the watch"), &devices, log, 5000, 1}, size, marking)
+    WatchState state;
+    state.devices = devices;
+    state.log = log;
+    return watchScreenText({{text("title of the watch")}, state, 5000, 1}, size, marking, &wish)
         .split(u'\n');
 }
 
@@ -62,6 +65,12 @@ private Q_SLOTS:
     void marks_data();
     void marks();
     void logBelow();
+    void oldLogEntries_data();
+    void oldLogEntries();
+    void scrolling_data();
+    void scrolling();
+    void filter_data();
+    void filter();
 };
 
 void tst_WatchTable::age_data()
@@ -97,12 +106,12 @@ void tst_WatchTable::wholeScreen()
         text("title of the watch"),
         text("Device  Item     Value       Age  Error                    Changes  Errors  "
              "Last read     "),
+        text("Press   Item 0                    no such address\\x1b[31m  0        1       "
+             "              "),
         text("Press                        5 s                                    0       "
              "12:34:56.007  "),
         text("Press   Counter  -123456789  5 s                           3        0       "
-             "12:34:56.007  "),
-        text("Press   Item 0                    no such address\\x1b[31m  0        1       "
-             "              ")};
+             "12:34:56.007  ")};
     QCOMPARE(screen(pressWith(1), {200, 24}, Marking::None), lines);
 }
 
@@ -112,9 +121,9 @@ void tst_WatchTable::screenRows_data()
     QTest::addColumn<int>("lines");
     QTest::addColumn<QString>("lastLine");
 
-    QTest::newRow("room") << 8 << 7 << text("Press   Item 2");
-    QTest::newRow("fits") << 7 << 7 << text("Press   Item 2");
-    QTest::newRow("one too few") << 6 << 6 << text("… 2 more, 2 of them with an error");
+    QTest::newRow("room") << 8 << 7 << text("Press   Counter");
+    QTest::newRow("fits") << 7 << 7 << text("Press   Counter");
+    QTest::newRow("one too few") << 6 << 6 << text("… 2 more");
     QTest::newRow("a row alone") << 3 << 3 << text("… 5 more, 3 of them with an error");
     QTest::newRow("none") << 2 << 2 << text("… 5 more, 3 of them with an error");
     QTest::newRow("the title alone") << 1 << 1 << text("title of the watch");
@@ -148,20 +157,30 @@ void tst_WatchTable::screenColumns()
     QFETCH(QString, line);
 
     const QStringList lines = screen(pressWith(1), {columns, 24}, Marking::None);
-    QCOMPARE(lines.at(3), line);
+    QCOMPARE(lines.at(4), line);
     for (const QString &any : lines)
         QVERIFY2(textWidth(any) <= columns, qPrintable(any));
 }
 
-// The columns after it are shown as long as the error has twenty columns.
+// The columns after it are shown as long as the error has twenty columns. An error that does not
+// fit loses what stands before its reason.
 void tst_WatchTable::errorColumnWidth()
 {
-    const QString whole = screen(pressWith(1), {88, 24}, Marking::None).at(4);
-    QVERIFY2(whole.contains(text("  no such address\\x1b[31m  0 ")), qPrintable(whole));
-    const QString shorter = screen(pressWith(1), {87, 24}, Marking::None).at(4);
-    QVERIFY2(shorter.contains(text("  no such address\\x1b[3…  0 ")), qPrintable(shorter));
-    const QString least = screen(pressWith(1), {70, 24}, Marking::None).at(4);
-    QVERIFY2(least.contains(text("  no such address\\x1b…  0 ")), qPrintable(least));
+    std::vector<WatchedDevice> devices = pressWith(1);
+    const auto errorIn = [&devices](int columns) {
+        return screen(devices, {columns, 24}, Marking::None)
+            .at(2)
+            .mid(34)
+            .section(text("  0 "), 0, 0);
+    };
+    QCOMPARE(errorIn(88), text("no such address\\x1b[31m"));
+    QCOMPARE(errorIn(87), text("no such address\\x1b[3…"));
+    QCOMPARE(errorIn(70), text("no such address\\x1b…"));
+    devices.at(0).items.at(1).last.error
+        = text("[RD DM1\r ] error from <Item 0> :Timeout (1000ms)");
+    QCOMPARE(errorIn(114), text("[RD DM1\\r ] error from <Item 0> :Timeout (1000ms)"));
+    QCOMPARE(errorIn(113), text("Timeout (1000ms)").leftJustified(48));
+    QCOMPARE(errorIn(70), text("Timeout (1000ms)").leftJustified(20));
 }
 
 void tst_WatchTable::marks_data()
@@ -193,20 +212,110 @@ void tst_WatchTable::marks()
     QCOMPARE(line.contains(u'\x1b'), found.contains(u'\x1b'));
 }
 
-// The latest three entries; the table gets fewer rows.
+// The latest three entries with their times; the table gets fewer rows.
 void tst_WatchTable::logBelow()
 {
     QList<CountedEntry> log;
     for (int i = 1; i <= 4; ++i)
-        log.append({{LogEntry::Level::Error, text("entry\r%1").arg(i)}, qint64(100) * i});
-    const QStringList lines = screen(pressWith(4), {24, 10}, Marking::None, log);
-    QCOMPARE(lines.mid(5), (QStringList{text("… 3 more, 3 of them with…").left(23) + u'…',
+        log.append({{LogEntry::Level::Error,
+                     text("entry\r%1").arg(i),
+                     {},
+                     0,
+                     QDateTime(QDate(2024, 2, 29), QTime(12, 34, i))},
+                    qint64(100) * i});
+    const QStringList lines = screen(pressWith(4), {60, 10}, Marking::None, log);
+    QCOMPARE(lines.mid(5), (QStringList{text("… 3 more, 1 of them with an error"),
                                         {},
-                                        text("log error: entry\\r2 (x …"),
-                                        text("log error: entry\\r3 (x …"),
-                                        text("log error: entry\\r4 (x …")}));
-    QCOMPARE(countedText(log.at(3)), text("log error: entry\\r4 (x 400)\n"));
-    QCOMPARE(countedText({log.at(3).entry, 1}), text("log error: entry\\r4\n"));
+                                        text("12:34:02.000  log error: entry\\r2 (x 200)"),
+                                        text("12:34:03.000  log error: entry\\r3 (x 300)"),
+                                        text("12:34:04.000  log error: entry\\r4 (x 400)")}));
+}
+
+void tst_WatchTable::oldLogEntries_data()
+{
+    QTest::addColumn<QString>("device");
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<bool>("isShown");
+
+    QTest::newRow("of a device with an error") << text("Press") << text("lost") << true;
+    QTest::newRow("of a device that is well") << text("Oven") << text("lost") << false;
+    QTest::newRow("of no device") << QString() << text("lost") << true;
+    QTest::newRow("a consequence") << text("Press") << text("x :closed") << false;
+}
+
+void tst_WatchTable::oldLogEntries()
+{
+    QFETCH(QString, device);
+    QFETCH(QString, entry);
+    QFETCH(bool, isShown);
+
+    std::vector<WatchedDevice> devices = pressWith(1);
+    devices.at(0).consequence = text("closed");
+    devices.push_back(WatchedDevice());
+    devices.at(1).name = text("Oven");
+    const QStringList lines = screen(devices, {100, 24}, Marking::None,
+                                     {{{LogEntry::Level::Error, entry, device, 1}, 1}});
+    QCOMPARE(lines.last().contains(text("log error: ")), isShown);
+}
+
+void tst_WatchTable::scrolling_data()
+{
+    QTest::addColumn<int>("wished");
+    QTest::addColumn<int>("first");
+    QTest::addColumn<QString>("lastLine");
+
+    // Six rows, of which three fit between the header and the last line.
+    QTest::newRow("top") << 0 << 0 << text("… 3 more, 1 of them with an error");
+    QTest::newRow("above the top") << -1 << 0 << text("… 3 more, 1 of them with an error");
+    QTest::newRow("one down") << 1 << 1 << text("… 1 above, 2 more");
+    QTest::newRow("one before the end") << 2 << 2 << text("… 2 above, 1 more");
+    QTest::newRow("end") << 3 << 3 << text("… 3 above");
+    QTest::newRow("beyond the end") << 4 << 3 << text("… 3 above");
+}
+
+void tst_WatchTable::scrolling()
+{
+    QFETCH(int, wished);
+    QFETCH(int, first);
+    QFETCH(QString, lastLine);
+
+    const std::vector<WatchedDevice> devices = pressWith(4);
+    const QStringList all = screen(devices, {200, 24}, Marking::None);
+    WatchState state;
+    state.devices = devices;
+    WatchWish wish;
+    wish.firstRow = wished;
+    const QStringList lines
+        = watchScreenText({{text("title")}, state, 5000, 1}, {200, 6}, Marking::None, &wish)
+              .split(u'\n');
+    QCOMPARE(lines.size(), 6);
+    QCOMPARE(lines.at(1), all.at(1));
+    QCOMPARE(lines.mid(2, 3), all.mid(2 + first, 3));
+    QCOMPARE(lines.at(5), lastLine);
+    QCOMPARE(wish.firstRow, first);
+    QCOMPARE(wish.page, 3);
+}
+
+void tst_WatchTable::filter_data()
+{
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<int>("rows");
+
+    QTest::newRow("none") << QString() << 5;
+    QTest::newRow("device") << text("press") << 5;
+    QTest::newRow("some items") << text("ITEM") << 3;
+    QTest::newRow("one item") << text("counter") << 1;
+    QTest::newRow("no row") << text("oven") << 0;
+}
+
+void tst_WatchTable::filter()
+{
+    QFETCH(QString, filter);
+    QFETCH(int, rows);
+
+    WatchWish wish;
+    wish.filter = filter;
+    QCOMPARE(screen(pressWith(3), {200, 24}, Marking::None, {}, wish).size(), 2 + rows);
 }
 
 QTEST_GUILESS_MAIN(tst_WatchTable)

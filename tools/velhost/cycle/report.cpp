@@ -45,3 +45,8 @@ QString itemProblem(const ItemReport &item)
     return item.expected ? QStringLiteral("expected \"%1\"").arg(visible(*item.expected))
                          : QString();
 }
+
+QString reasonOf(const ItemReport &item)
+{
+    return item.error.section(u'<' + item.item + u"> :", -1);
+}

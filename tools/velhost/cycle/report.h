@@ -58,6 +58,9 @@ QString deviceMessage(const DeviceReport &device);
 /// the expected value. Empty when nothing is wrong.
 QString itemProblem(const ItemReport &item);
 
+/// The item's error without what stands before the reason: the command and the item's name.
+QString reasonOf(const ItemReport &item);
+
 /// Makes the texts of the times of one cycle as timeText() does. A text is made once for all items
 /// that have the same time: the system looks up its time zone in a file each time.
 class TimeTexts

@@ -5,7 +5,6 @@
 #include "cycle/cycle.h"
 #include "cycle/cycleprinter.h"
 #include "host/stopsignals.h"
-#include "watch/watchedplant.h"
 #include "watch/watchsummary.h"
 #include "watch/watchview.h"
 
@@ -34,14 +33,15 @@ class Watch
 {
 public:
     Watch(const Session &session, const Arguments &arguments)
-        : m_arguments(arguments), m_session(session), m_lists(readLists(session.devices)),
-          m_devices(watchedDevices(session.devices))
+        : m_arguments(arguments), m_session(session), m_lists(readLists(session.devices))
     {
-        m_clock.start();
+        m_state.devices = watchedDevices(session.devices);
+        m_state.intervalMs = intervalMs(arguments);
+        m_state.clock.start();
         const bool hasView = arguments.format == OutputFormat::Table
                              && !printsOnlyChanges(arguments) && TerminalScreen::isUsable();
         if (hasView)
-            m_view = std::make_unique<WatchView>(&m_devices, session.log, &m_clock);
+            m_view = std::make_unique<WatchView>(&m_state, session.log);
         else
             m_printer = std::make_unique<CyclePrinter>(arguments.format, printedContent(arguments),
                                                        session.devices);
@@ -51,25 +51,31 @@ public:
     /// error of standard output ends it, too: nobody would see the output.
     int run(StopSignals *stopSignals)
     {
+        const QElapsedTimer &clock = m_state.clock;
         const qint64 endMs = qint64(1000) * m_arguments.number(forOption, 0);
         for (qint64 cycle = 1;; ++cycle) {
-            const qint64 startMs = m_clock.elapsed();
+            const qint64 startMs = clock.elapsed();
             readCycle(cycle);
-            const qint64 nextMs = startMs + intervalMs(m_arguments);
-            const int signal = waitUntil(endMs > 0 ? std::min(nextMs, endMs) : nextMs, stopSignals);
-            const bool isOver = endMs > 0 && m_clock.elapsed() >= endMs;
+            const qint64 nextMs = startMs + m_state.intervalMs;
+            const qint64 untilMs = endMs > 0 ? std::min(nextMs, endMs) : nextMs;
+            const int signal = stopSignals->wait(untilMs - clock.elapsed());
+            const bool isOver = endMs > 0 && clock.elapsed() >= endMs;
             if (signal != 0 || isOver || std::ferror(stdout) != 0)
                 return signal;
         }
     }
 
-    /// Closes the view and prints the summary.
+    /// Closes the view and prints the outages and the summary.
     void finish()
     {
         m_view.reset();
         m_session.log->printPendingCounts();
         const OutputFormat format = m_arguments.format;
-        print(format == OutputFormat::Json ? stdout : stderr, summaryText(format, m_devices));
+        const bool isJson = format == OutputFormat::Json;
+        QString text = outageText(format, m_state.outages);
+        if (!isJson && !text.isEmpty())
+            text += u'\n';
+        print(isJson ? stdout : stderr, text + summaryText(format, m_state.devices));
     }
 
     bool isAllWell() const { return m_isAllWell; }
@@ -78,35 +84,46 @@ private:
     void readCycle(qint64 cycle)
     {
         QList<DeviceReport> reports;
+        const qint64 startMs = m_state.clock.elapsed();
         for (int i = 0; i < m_lists.size(); ++i) {
-            DeviceReport report = readPlantDevice(m_session, i, &m_lists[i], cycle);
-            addReport(report, m_clock.elapsed(), &m_devices.at(static_cast<std::size_t>(i)));
+            WatchedDevice *device = &m_state.devices.at(static_cast<std::size_t>(i));
+            beginCall(device);
+            const DeviceReport report = readPlantDevice(m_session, i, &m_lists[i], cycle);
+            endCall(device, report);
             m_isAllWell = m_isAllWell && !report.hasError();
             reports.append(report);
-            if (m_view)
-                m_view->update(cycle);
         }
+        const std::lock_guard lock(m_state.mutex);
+        m_state.cycleMs = m_state.clock.elapsed() - startMs;
         if (m_printer)
             m_printer->printCycle(reports);
     }
 
-    int waitUntil(qint64 endMs, StopSignals *stopSignals)
+    void beginCall(const WatchedDevice *device)
     {
-        for (;;) {
-            if (m_view)
-                m_view->drawWhenDue();
-            const qint64 rest = std::max<qint64>(endMs - m_clock.elapsed(), 0);
-            const int signal = stopSignals->wait(m_view ? std::min(rest, m_view->dueInMs()) : rest);
-            if (signal != 0 || m_clock.elapsed() >= endMs)
-                return signal;
+        const std::lock_guard lock(m_state.mutex);
+        m_state.called = device;
+        m_state.calledMs = m_state.clock.elapsed();
+    }
+
+    void endCall(WatchedDevice *device, const DeviceReport &report)
+    {
+        {
+            const std::lock_guard lock(m_state.mutex);
+            addReport(report, m_state.clock.elapsed(), device);
+            addRead(device->name, report.time, device->outageCause(), &m_state.outages);
+            m_state.log = m_session.log->latest();
+            m_state.cycle = report.cycle;
+            m_state.called = nullptr;
         }
+        if (m_view)
+            m_view->update();
     }
 
     const Arguments &m_arguments;
     const Session &m_session;
     QList<LogList> m_lists;
-    std::vector<WatchedDevice> m_devices;
-    QElapsedTimer m_clock;
+    WatchState m_state;
     std::unique_ptr<WatchView> m_view;
     std::unique_ptr<CyclePrinter> m_printer;
     bool m_isAllWell = true;

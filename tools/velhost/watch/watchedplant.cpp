@@ -1,6 +1,43 @@
 #include "watch/watchedplant.h"
 
+#include <QHash>
+
+#include <algorithm>
+
 namespace {
+
+using Items = std::vector<WatchedItem>;
+
+bool hasFailed(const WatchedItem &item)
+{
+    return !item.last.error.isEmpty();
+}
+
+/// The first of the items behind the last one that was read.
+Items::const_iterator firstOfLost(const Items &items)
+{
+    return std::find_if_not(items.rbegin(), items.rend(), hasFailed).base();
+}
+
+/// Behind the last item that was read, the first error is the cause, and the most frequent other
+/// one its consequence. Errors that are no more than one stand for themselves.
+void findConsequences(WatchedDevice *device)
+{
+    const Items::const_iterator cause = firstOfLost(device->items);
+    QHash<QString, int> counts;
+    for (auto item = cause; item != device->items.cend(); ++item)
+        ++counts[reasonOf(item->last)];
+    if (cause != device->items.cend())
+        counts.remove(reasonOf(cause->last));
+    const auto most = std::max_element(counts.cbegin(), counts.cend());
+    if (most == counts.cend() || *most == 1)
+        return;
+    device->consequence = most.key();
+    device->consequences = *most;
+    for (auto item = device->items.begin() + (cause - device->items.cbegin());
+         item != device->items.end(); ++item)
+        item->isConsequence = reasonOf(item->last) == device->consequence;
+}
 
 void addItemReport(const ItemReport &report, bool isRead, qint64 cycle, qint64 nowMs,
                    WatchedItem *item)
@@ -8,6 +45,8 @@ void addItemReport(const ItemReport &report, bool isRead, qint64 cycle, qint64 n
     if (itemProblem(report) != itemProblem(item->last))
         item->problemCycle = cycle;
     item->last = report;
+    item->suspects += report.suspect.isEmpty() ? 0 : 1;
+    item->isConsequence = false;
     if (!isRead) {
         ++item->errors;
         return;
@@ -31,6 +70,10 @@ std::vector<WatchedDevice> watchedDevices(const QList<DeviceInstancePlugin> &rec
         const DeviceInstancePlugin &record = records.at(i);
         WatchedDevice device;
         device.name = record.name;
+        device.address = record.ipAddress;
+        const QString port = record.parameters.value(QStringLiteral("port"));
+        if (!port.isEmpty())
+            device.address += u':' + port;
         for (int j = 0; j < record.items.size(); ++j) {
             WatchedItem item;
             item.last.item = record.items.at(j).name;
@@ -58,4 +101,27 @@ void addReport(const DeviceReport &report, qint64 nowMs, WatchedDevice *device)
         const bool isRead = report.error.isEmpty() && itemReport.error.isEmpty();
         addItemReport(itemReport, isRead, report.cycle, nowMs, &item);
     }
+    device->consequence.clear();
+    device->consequences = 0;
+    if (report.error.isEmpty())
+        findConsequences(device);
+}
+
+bool WatchedDevice::isWell() const
+{
+    return error.isEmpty() && std::none_of(items.begin(), items.end(), hasFailed);
+}
+
+ItemReport WatchedDevice::outageCause() const
+{
+    if (!error.isEmpty())
+        return {time, {}, {}, error};
+    const auto wasRead = [](const WatchedItem &item) {
+        return hasFailed(item) && item.value && !item.isConsequence;
+    };
+    auto cause = std::find_if(items.begin(), items.end(), wasRead);
+    const auto lost = firstOfLost(items);
+    if (cause == items.end() && (consequences > 0 || lost == items.begin()))
+        cause = lost;
+    return cause == items.end() ? ItemReport() : cause->last;
 }

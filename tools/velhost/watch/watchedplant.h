@@ -1,13 +1,17 @@
 #pragma once
 
 #include "cycle/report.h"
+#include "host/logoutput.h"
 #include "watch/latencies.h"
+#include "watch/outages.h"
 
 #include <vel/records.h>
 
+#include <QElapsedTimer>
 #include <QList>
 #include <QString>
 
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -22,18 +26,23 @@ struct WatchedItem
     qint64 valueMs = 0;
     /// How often the value changed.
     qint64 changes = 0;
-    /// The number of failed reads and of unexpected values.
+    /// The number of failed reads, of unexpected values and of suspect answers.
     qint64 errors = 0;
     qint64 wrong = 0;
+    qint64 suspects = 0;
     /// The cycles in which the value and the problem last changed; 0 for never.
     qint64 valueCycle = 0;
     qint64 problemCycle = 0;
+    /// The last read failed only because of an earlier item, see WatchedDevice::consequences.
+    bool isConsequence = false;
 };
 
 /// One device since the watch began.
 struct WatchedDevice
 {
     QString name;
+    /// Its address and port, as in "192.168.0.10:8501".
+    QString address;
     /// Its own error in the last cycle; empty for none.
     QString error;
     /// When the last read returned.
@@ -47,6 +56,37 @@ struct WatchedDevice
     /// The durations of all reads.
     Latencies latencies;
     std::vector<WatchedItem> items;
+    /// A lost connection makes every later item of the cycle fail, too: what they say without their
+    /// names, and how many they are.
+    QString consequence;
+    int consequences = 0;
+
+    /// Whether the last read gave all values.
+    bool isWell() const;
+
+    /// The error for which the device is out: its own, which has no item, or the first one of an
+    /// item that was read before, of one that has consequences, or of all items. No error when it
+    /// is not out: an item that never gave a value tells nothing about the device.
+    ItemReport outageCause() const;
+};
+
+/// The watch as far as its view shows it.
+struct WatchState
+{
+    /// Must be held to change or to show what follows.
+    std::mutex mutex;
+    std::vector<WatchedDevice> devices;
+    QList<Outage> outages;
+    /// The latest entries of the plug-in's log.
+    QList<CountedEntry> log;
+    QElapsedTimer clock;
+    qint64 intervalMs = 0;
+    qint64 cycle = 0;
+    /// The duration of the last whole cycle.
+    qint64 cycleMs = 0;
+    /// The device whose call runs, and since when.
+    const WatchedDevice *called = nullptr;
+    qint64 calledMs = 0;
 };
 
 /// The devices before the first cycle.

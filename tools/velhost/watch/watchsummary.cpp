@@ -35,6 +35,7 @@ QString summaryJson(const WatchedDevice &device)
                                 {"reads", readsOf(device)},
                                 {"errors", sumOf(device, &WatchedItem::errors)},
                                 {"wrong", sumOf(device, &WatchedItem::wrong)},
+                                {"suspect", sumOf(device, &WatchedItem::suspects)},
                                 {"p50_ms", inMilliseconds(latencies.percentile(50))},
                                 {"p99_ms", inMilliseconds(latencies.percentile(99))},
                                 {"max_ms", inMilliseconds(latencies.longest())}});
@@ -45,7 +46,8 @@ QStringList summaryRow(const WatchedDevice &device)
     QStringList row{visible(device.name), QString::number(device.latencies.count()),
                     QString::number(device.failedCycles)};
     for (const qint64 count :
-         {readsOf(device), sumOf(device, &WatchedItem::errors), sumOf(device, &WatchedItem::wrong)})
+         {readsOf(device), sumOf(device, &WatchedItem::errors), sumOf(device, &WatchedItem::wrong),
+          sumOf(device, &WatchedItem::suspects)})
         row.append(QString::number(count));
     for (const qint64 time : {device.latencies.percentile(50), device.latencies.percentile(99),
                               device.latencies.longest()})
@@ -58,10 +60,11 @@ QStringList summaryRow(const WatchedDevice &device)
 QString summaryText(OutputFormat format, const std::vector<WatchedDevice> &devices)
 {
     QString lines;
-    QList<QStringList> rows{
-        {QStringLiteral("Device"), QStringLiteral("Cycles"), QStringLiteral("Failed"),
-         QStringLiteral("Reads"), QStringLiteral("Errors"), QStringLiteral("Wrong"),
-         QStringLiteral("p50 ms"), QStringLiteral("p99 ms"), QStringLiteral("Max ms")}};
+    QList<QStringList> rows{{QStringLiteral("Device"), QStringLiteral("Cycles"),
+                             QStringLiteral("Failed"), QStringLiteral("Reads"),
+                             QStringLiteral("Errors"), QStringLiteral("Wrong"),
+                             QStringLiteral("Suspect"), QStringLiteral("p50 ms"),
+                             QStringLiteral("p99 ms"), QStringLiteral("Max ms")}};
     for (const WatchedDevice &device : devices) {
         lines += summaryJson(device);
         rows.append(summaryRow(device));

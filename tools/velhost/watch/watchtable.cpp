@@ -5,6 +5,7 @@
 
 #include <common/visibletext.h>
 
+#include <QHash>
 #include <QVector>
 
 #include <algorithm>
@@ -20,9 +21,17 @@ struct Cell
     Style style = Style::Plain;
     /// Whether the cell can be marked as changed, so that it needs room for a star.
     bool canChange = false;
+    /// What stands there when the text does not fit; empty for none.
+    QString shortText = {};
 };
 
 using Row = QVector<Cell>;
+
+struct Table
+{
+    QVector<Row> rows;
+    QVector<int> widths;
+};
 
 constexpr int maximumLogLines = 3;
 // Device, item and value, whose texts may be of any length.
@@ -30,6 +39,8 @@ constexpr int textColumns = 3;
 constexpr int minimumTextWidth = 8;
 // The error is the longest text, so it gets the width that the other columns leave.
 constexpr int errorColumn = 4;
+// Left out until an answer is suspect.
+constexpr int suspectColumn = 7;
 constexpr int minimumErrorWidth = 20;
 constexpr int gap = 2;
 
@@ -54,6 +65,7 @@ Row headerRow()
             {QStringLiteral("Error"), Style::Plain, true},
             {QStringLiteral("Changes")},
             {QStringLiteral("Errors")},
+            {QStringLiteral("Suspect")},
             {QStringLiteral("Last read")}};
 }
 
@@ -67,6 +79,7 @@ Row deviceRow(const WatchedDevice &device, qint64 nowMs, qint64 sinceCycle)
             {visible(device.error), styleOf(device.errorCycle, sinceCycle, true), true},
             {},
             {QString::number(device.failedCycles)},
+            {},
             {timeOfDay(device.time)}};
 }
 
@@ -79,21 +92,63 @@ Row itemRow(const WatchedDevice &device, const WatchedItem &item, qint64 nowMs, 
             {visible(item.last.item)},
             {valueText(item.last), valueStyle, true},
             {age},
-            {itemProblem(item.last), styleOf(item.problemCycle, sinceCycle, true), true},
+            {itemProblem(item.last), styleOf(item.problemCycle, sinceCycle, true), true,
+             visible(reasonOf(item.last))},
             {QString::number(item.changes)},
             {QString::number(item.errors)},
+            {QString::number(item.suspects)},
             {timeOfDay(item.last.time)}};
 }
 
+Row consequenceRow(const WatchedDevice &device)
+{
+    Row row(headerRow().size());
+    row[0].text = visible(device.name);
+    row[errorColumn] = {QStringLiteral("%1 more: %2")
+                            .arg(QString::number(device.consequences), visible(device.consequence)),
+                        Style::Problem, true};
+    return row;
+}
+
+bool anySuspect(const std::vector<WatchedDevice> &devices)
+{
+    return std::any_of(devices.begin(), devices.end(), [](const WatchedDevice &device) {
+        return std::any_of(device.items.begin(), device.items.end(),
+                           [](const WatchedItem &item) { return item.suspects > 0; });
+    });
+}
+
+/// First the errors, then all other rows. What follows from an error is one of these.
 QVector<Row> tableRows(const std::vector<WatchedDevice> &devices, qint64 nowMs, qint64 sinceCycle)
 {
     QVector<Row> rows{headerRow()};
+    QVector<Row> others;
     for (const WatchedDevice &device : devices) {
-        rows.append(deviceRow(device, nowMs, sinceCycle));
-        for (const WatchedItem &item : device.items)
-            rows.append(itemRow(device, item, nowMs, sinceCycle));
+        QVector<Row> &rowsOfDevice = device.error.isEmpty() ? others : rows;
+        rowsOfDevice.append(deviceRow(device, nowMs, sinceCycle));
+        for (const WatchedItem &item : device.items) {
+            const bool isFirst = !itemProblem(item.last).isEmpty() && !item.isConsequence;
+            (isFirst ? rows : others).append(itemRow(device, item, nowMs, sinceCycle));
+        }
+        if (device.consequences > 0)
+            rows.append(consequenceRow(device));
+    }
+    rows += others;
+    if (!anySuspect(devices)) {
+        for (Row &row : rows)
+            row.remove(suspectColumn);
     }
     return rows;
+}
+
+/// Leaves the header and the rows whose device or item has that text.
+void applyFilter(const QString &filter, QVector<Row> *rows)
+{
+    const auto isOther = [&filter](const Row &row) {
+        return !row.at(0).text.contains(filter, Qt::CaseInsensitive)
+               && !row.at(1).text.contains(filter, Qt::CaseInsensitive);
+    };
+    rows->erase(std::remove_if(rows->begin() + 1, rows->end(), isOther), rows->end());
 }
 
 QList<QStringList> textsOf(const QVector<Row> &rows)
@@ -108,14 +163,18 @@ QList<QStringList> textsOf(const QVector<Row> &rows)
     return texts;
 }
 
-/// Cuts the errors so that the columns after them fit, if possible.
+/// The errors that are too long for the columns after them become short.
 QVector<int> fitErrors(QVector<Row> *rows, int columns)
 {
     QVector<int> widths = columnWidths(textsOf(*rows));
     const int whole = std::accumulate(widths.begin(), widths.end(), gap * (widths.size() - 1));
     const int room = std::max(widths.at(errorColumn) - (whole - columns), minimumErrorWidth);
-    for (Row &row : *rows)
-        row[errorColumn].text = cutToWidth(row.at(errorColumn).text, room);
+    for (Row &row : *rows) {
+        Cell &cell = row[errorColumn];
+        if (textWidth(cell.text) > room && !cell.shortText.isEmpty())
+            cell.text = cell.shortText;
+        cell.text = cutToWidth(cell.text, room);
+    }
     widths[errorColumn] = std::min(widths.at(errorColumn), room);
     return widths;
 }
@@ -128,8 +187,12 @@ QVector<int> prepare(QVector<Row> *rows, ScreenSize size, Marking marking)
         for (int column = 0; column < textColumns; ++column)
             row[column].text = cutToWidth(row.at(column).text, textWidth);
         for (Cell &cell : row) {
-            if (marking == Marking::Star && cell.canChange)
-                cell.text.prepend(cell.style == Style::Changed ? u'*' : u' ');
+            if (marking != Marking::Star || !cell.canChange)
+                continue;
+            const QChar star = cell.style == Style::Changed ? u'*' : u' ';
+            cell.text.prepend(star);
+            if (!cell.shortText.isEmpty())
+                cell.shortText.prepend(star);
         }
     }
     return fitErrors(rows, size.columns);
@@ -164,42 +227,100 @@ bool hasProblem(const Row &row)
     return !row.at(errorColumn).text.trimmed().isEmpty();
 }
 
-/// How many rows after the first `shown` are hidden, and how many of them have an error.
-QString hiddenRowsText(const QVector<Row> &rows, int shown)
+/// The latest entries, but no error of a device that is well again, and no consequence.
+QStringList logLines(const WatchPicture &picture, int columns)
 {
-    const auto problems = std::count_if(rows.begin() + shown, rows.end(), hasProblem);
-    QString text = QStringLiteral("… %1 more").arg(rows.size() - shown);
-    if (problems > 0)
-        text += QStringLiteral(", %1 of them with an error").arg(problems);
-    return text;
+    QHash<QString, QString> consequences;
+    for (const WatchedDevice &device : picture.state.devices) {
+        if (!device.isWell())
+            consequences.insert(device.name, device.consequence);
+    }
+    QStringList lines;
+    for (int i = picture.state.log.size() - 1; i >= 0 && lines.size() < maximumLogLines; --i) {
+        const LogEntry &entry = picture.state.log.at(i).entry;
+        const auto device = consequences.constFind(entry.device);
+        const bool isUnwell = device != consequences.constEnd();
+        const bool isPast
+            = entry.level == LogEntry::Level::Error && !entry.device.isEmpty() && !isUnwell;
+        const bool follows = isUnwell && !device->isEmpty() && entry.text.endsWith(*device);
+        if (!isPast && !follows)
+            lines.prepend(cutToWidth(timeOfDay(entry.time) + u"  "
+                                         + countedText(picture.state.log.at(i)).chopped(1),
+                                     columns));
+    }
+    return lines;
 }
 
-QStringList logLines(const QList<CountedEntry> &log, ScreenSize size)
+/// The table with its header, or the outages.
+Table tableOf(const WatchPicture &picture, ScreenSize size, Marking marking, const WatchWish &wish)
 {
+    Table table;
+    if (wish.wantsOutages) {
+        const QList<QStringList> outages = outageRows(picture.state.outages);
+        for (const QStringList &texts : outages) {
+            table.rows.append(Row());
+            for (const QString &text : texts)
+                table.rows.last().append({text});
+        }
+        table.widths = columnWidths(outages);
+        return table;
+    }
+    table.rows = tableRows(picture.state.devices, picture.nowMs, picture.sinceCycle);
+    applyFilter(wish.filter, &table.rows);
+    table.widths = prepare(&table.rows, size, marking);
+    return table;
+}
+
+/// How many rows are hidden, and how many of those below have an error.
+QString hiddenRowsText(const Table &table, int above, int end, const WatchWish &wish)
+{
+    QStringList texts;
+    if (above > 0)
+        texts.append(QStringLiteral("%1 above").arg(above));
+    if (end < table.rows.size())
+        texts.append(QStringLiteral("%1 more").arg(table.rows.size() - end));
+    const auto problems = std::count_if(table.rows.begin() + end, table.rows.end(), hasProblem);
+    if (problems > 0 && !wish.wantsOutages)
+        texts.append(QStringLiteral("%1 of them with an error").arg(problems));
+    return u"… " + texts.join(QStringLiteral(", "));
+}
+
+/// The header and the rows that there is room for, from the first that is wished for.
+QStringList tableLines(const Table &table, ScreenSize size, Marking marking, WatchWish *wish)
+{
+    const int count = table.rows.size();
+    const bool fits = count <= size.rows;
+    const int room = fits ? count - 1 : std::max(size.rows - 2, 0);
+    wish->page = std::max(room, 1);
+    wish->firstRow = qBound(0, wish->firstRow, std::max(count - 1 - wish->page, 0));
+    const int first = 1 + wish->firstRow;
     QStringList lines;
-    const QList<CountedEntry> latest = log.mid(std::max(log.size() - maximumLogLines, 0));
-    for (const CountedEntry &counted : latest)
-        lines.append(cutToWidth(countedText(counted).chopped(1), size.columns));
+    const auto append = [&](int row) {
+        lines.append(screenLine(table.rows.at(row), table.widths, size.columns, marking));
+    };
+    if (fits || size.rows > 1)
+        append(0);
+    for (int row = first; row < first + room; ++row)
+        append(row);
+    if (!fits)
+        lines.append(
+            cutToWidth(hiddenRowsText(table, wish->firstRow, first + room, *wish), size.columns));
     return lines;
 }
 
 } // namespace
 
-QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking marking)
+QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking marking,
+                        WatchWish *wish)
 {
-    QVector<Row> rows = tableRows(*picture.devices, picture.nowMs, picture.sinceCycle);
-    const QVector<int> widths = prepare(&rows, size, marking);
-    QStringList log = logLines(picture.log, size);
+    QStringList lines;
+    for (const QString &line : picture.title)
+        lines.append(cutToWidth(line, size.columns));
+    QStringList log = logLines(picture, size.columns);
     if (!log.isEmpty())
         log.prepend({});
-    const int room = std::max(size.rows - 1 - log.size(), 1);
-    const bool fits = rows.size() <= room;
-    const int shown = fits ? rows.size() : room - 1;
-    QStringList lines{cutToWidth(picture.title, size.columns)};
-    for (int i = 0; i < shown; ++i)
-        lines.append(screenLine(rows.at(i), widths, size.columns, marking));
-    if (!fits)
-        lines.append(cutToWidth(hiddenRowsText(rows, std::max(shown, 1)), size.columns));
+    const ScreenSize room{size.columns, std::max(size.rows - lines.size() - log.size(), 1)};
+    lines += tableLines(tableOf(picture, size, marking, *wish), room, marking, wish);
     return (lines + log).mid(0, size.rows).join(u'\n');
 }
 

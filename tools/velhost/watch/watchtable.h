@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/logoutput.h"
 #include "watch/terminalscreen.h"
 #include "watch/watchedplant.h"
+#include "watch/watchkeys.h"
 
-#include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -19,21 +19,21 @@ enum class Marking {
 /// The content of the screen.
 struct WatchPicture
 {
-    /// The line above the table.
-    QString title;
-    const std::vector<WatchedDevice> *devices = nullptr;
-    /// The latest entries of the plug-in's log.
-    QList<CountedEntry> log;
+    /// The lines above the table.
+    QStringList title;
+    const WatchState &state;
     /// The watch's clock, in milliseconds.
     qint64 nowMs = 0;
     /// What has changed after this cycle is marked.
     qint64 sinceCycle = 0;
 };
 
-/// The text of a screen of that size, without a line feed at the end. A cell that is cut ends in
-/// "…". Columns at the right that do not fit are left out. Rows that do not fit are counted in a
-/// line of their own.
-QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking marking);
+/// The text of a screen of that size, without a line feed at the end. Errors stand first, without
+/// what follows from another error, which is counted. A cell that is cut ends in "…". Columns at
+/// the right that do not fit are left out. Rows that do not fit are counted in a line of their own.
+/// `wish` is adapted to what there is.
+QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking marking,
+                        WatchWish *wish);
 
 /// The whole table, not cut and without marks.
 QString watchTableText(const std::vector<WatchedDevice> &devices, qint64 nowMs);

@@ -1,66 +1,138 @@
 #include "watch/watchview.h"
 
 #include <common/console.h>
+#include <common/visibletext.h>
 
 #include <QTime>
 
 #include <algorithm>
+#include <array>
+#include <csignal>
 
+#include <poll.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace {
 
-// Limits the output: a terminal on a slow line must not delay the cycles.
+// Limits the output of a terminal on a slow line.
 constexpr qint64 minimumRedrawMs = 100;
+// Ages are shown in seconds.
+constexpr qint64 maximumRedrawMs = 1000;
+// A shorter call is no wait, and a shorter delay of the cycles none that shows.
+constexpr qint64 minimumWaitMs = 1000;
+constexpr qint64 minimumDelayMs = 100;
+
+QString hint(const WatchWish &wish, bool hasKeyboard)
+{
+    if (!hasKeyboard)
+        return QStringLiteral("Ctrl+C ends it");
+    if (wish.isTyping)
+        return QStringLiteral("filter: %1_, Enter ends, Esc clears").arg(visible(wish.filter));
+    if (wish.wantsOutages)
+        return QStringLiteral("outages; o shows the values, q ends");
+    const QString keys = QStringLiteral("/ filters, o lists outages, q ends");
+    return wish.filter.isEmpty()
+               ? keys
+               : QStringLiteral("only \"%1\", Esc shows all; ").arg(visible(wish.filter)) + keys;
+}
+
+/// What the watch waits for; empty when it does not.
+QString waitText(const WatchState &state, qint64 nowMs)
+{
+    QStringList texts;
+    if (state.called != nullptr && nowMs - state.calledMs >= minimumWaitMs)
+        texts.append(QStringLiteral("%1 %2 (%3), %4")
+                         .arg(state.called->error.isEmpty() ? QStringLiteral("waiting for")
+                                                            : QStringLiteral("connecting to"),
+                              visible(state.called->name), state.called->address,
+                              ageText(nowMs - state.calledMs)));
+    if (state.cycleMs - state.intervalMs >= minimumDelayMs && state.intervalMs > 0)
+        texts.append(QStringLiteral("the cycle takes %1 s, the interval is %2 s")
+                         .arg(static_cast<double>(state.cycleMs) / 1000, 0, 'f', 1)
+                         .arg(static_cast<double>(state.intervalMs) / 1000));
+    return texts.join(QStringLiteral("; "));
+}
 
 } // namespace
 
-WatchView::WatchView(const std::vector<WatchedDevice> *devices, LogOutput *log,
-                     const QElapsedTimer *clock)
-    : m_devices(devices), m_log(log), m_clock(clock), m_screen(new TerminalScreen),
-      m_marking(qEnvironmentVariableIsEmpty("NO_COLOR") ? Marking::Colour : Marking::Star)
+WatchView::WatchView(WatchState *state, LogOutput *log)
+    : m_state(state), m_log(log), m_screen(new TerminalScreen),
+      m_marking(qEnvironmentVariableIsEmpty("NO_COLOR") ? Marking::Colour : Marking::Star),
+      m_wake(::eventfd(0, EFD_CLOEXEC)), m_drawnMs(-maximumRedrawMs)
 {
     if (::isatty(STDERR_FILENO) == 1)
         m_log->pause();
+    m_thread = std::thread([this] { run(); });
 }
 
 WatchView::~WatchView()
 {
+    m_isEnding = true;
+    ::eventfd_write(m_wake, 1);
+    m_thread.join();
+    ::close(m_wake);
     m_screen.reset();
-    print(stdout, watchTableText(*m_devices, m_clock->elapsed()) + u'\n');
+    print(stdout, watchTableText(m_state->devices, m_state->clock.elapsed()) + u'\n');
     m_log->resume();
 }
 
-void WatchView::update(qint64 cycle)
+void WatchView::update()
 {
     m_hasUpdate = true;
-    m_cycle = cycle;
-    drawWhenDue();
+    ::eventfd_write(m_wake, 1);
 }
 
-void WatchView::drawWhenDue()
+void WatchView::run()
 {
-    if (dueInMs() == 0)
-        draw();
+    while (!m_isEnding) {
+        if (dueInMs() == 0)
+            draw();
+        std::array<pollfd, 2> descriptors{{{m_wake, POLLIN, 0}, {m_screen->keyboard(), POLLIN, 0}}};
+        ::poll(descriptors.data(), descriptors.size(), static_cast<int>(dueInMs()));
+        eventfd_t count = 0;
+        if (descriptors.front().revents != 0)
+            ::eventfd_read(m_wake, &count);
+        if (descriptors.back().revents == 0)
+            continue;
+        // As Ctrl+C would.
+        if (applyKeys(QString::fromUtf8(m_screen->takeKeys()), &m_wish))
+            ::kill(::getpid(), SIGINT);
+        m_hasUpdate = true;
+    }
 }
 
 qint64 WatchView::dueInMs() const
 {
     const qint64 between = m_hasUpdate ? minimumRedrawMs : maximumRedrawMs;
-    return std::max<qint64>(m_drawnMs + between - m_clock->elapsed(), 0);
+    return std::max<qint64>(m_drawnMs + between - m_state->clock.elapsed(), 0);
 }
 
 void WatchView::draw()
 {
-    m_drawnMs = m_clock->elapsed();
     m_hasUpdate = false;
-    if (m_cycle != m_drawnCycle) {
-        m_sinceCycle = m_drawnCycle;
-        m_drawnCycle = m_cycle;
+    QString lines;
+    {
+        const std::lock_guard lock(m_state->mutex);
+        m_drawnMs = m_state->clock.elapsed();
+        if (m_state->cycle > m_drawnCycle) {
+            m_sinceCycle = m_drawnCycle;
+            m_drawnCycle = m_state->cycle;
+        }
+        lines = watchScreenText({title(), *m_state, m_drawnMs, m_sinceCycle},
+                                TerminalScreen::size(), m_marking, &m_wish);
     }
-    const QString title
-        = QStringLiteral("velhost watch, cycle %1, %2; Ctrl+C ends it")
-              .arg(QString::number(m_cycle), QTime::currentTime().toString(Qt::ISODate));
-    m_screen->draw(watchScreenText({title, m_devices, m_log->latest(), m_drawnMs, m_sinceCycle},
-                                   TerminalScreen::size(), m_marking));
+    m_screen->draw(lines);
+}
+
+QStringList WatchView::title() const
+{
+    QStringList lines{
+        QStringLiteral("velhost watch, cycle %1, %2; ")
+            .arg(QString::number(m_state->cycle), QTime::currentTime().toString(Qt::ISODate))
+        + hint(m_wish, m_screen->keyboard() >= 0)};
+    const QString wait = waitText(*m_state, m_drawnMs);
+    if (!wait.isEmpty())
+        lines.append(wait);
+    return lines;
 }

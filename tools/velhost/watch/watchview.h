@@ -2,53 +2,49 @@
 
 #include "host/logoutput.h"
 #include "watch/terminalscreen.h"
-#include "watch/watchedplant.h"
+#include "watch/watchkeys.h"
 #include "watch/watchtable.h"
 
-#include <QElapsedTimer>
-
+#include <atomic>
 #include <memory>
-#include <vector>
+#include <thread>
 
-/// Shows a table of the plant on the terminal, with the latest log entries below.
+/// Shows a table of the plant on the terminal, with the latest log entries below, and takes the
+/// keys. Has a thread of its own: the plug-in blocks the one that calls it.
 class WatchView
 {
 public:
-    /// All pointers must outlive the view. `clock` is the watch's. If standard error is a terminal,
-    /// the log is paused during the view's lifetime.
-    WatchView(const std::vector<WatchedDevice> *devices, LogOutput *log,
-              const QElapsedTimer *clock);
+    /// Both must outlive the view. If standard error is a terminal, the log is paused during the
+    /// view's lifetime.
+    WatchView(WatchState *state, LogOutput *log);
     /// Restores the terminal and prints the whole table and the latest log entries there.
     ~WatchView();
     WatchView(const WatchView &) = delete;
     WatchView &operator=(const WatchView &) = delete;
 
-    /// Tells the view that a device was read in this cycle, and draws if it is due.
-    void update(qint64 cycle);
-
-    /// Draws if it is due: shortly after an update, else every second because of the ages.
-    void drawWhenDue();
-
-    /// Milliseconds until drawing is due, 0 or more.
-    qint64 dueInMs() const;
+    /// Tells the view that the state has changed, so that it draws soon.
+    void update();
 
 private:
-    /// Ages are shown in seconds.
-    static constexpr qint64 maximumRedrawMs = 1000;
-
+    void run();
+    /// Milliseconds until drawing is due, 0 or more.
+    qint64 dueInMs() const;
     void draw();
+    QStringList title() const;
 
-    const std::vector<WatchedDevice> *m_devices;
+    WatchState *m_state;
     LogOutput *m_log;
-    const QElapsedTimer *m_clock;
     std::unique_ptr<TerminalScreen> m_screen;
     Marking m_marking;
-    bool m_hasUpdate = false;
+    WatchWish m_wish;
+    int m_wake;
+    std::atomic<bool> m_isEnding = false;
+    std::atomic<bool> m_hasUpdate = false;
     /// The first drawing is due immediately.
-    qint64 m_drawnMs = -maximumRedrawMs;
-    qint64 m_cycle = 0;
+    qint64 m_drawnMs;
     /// The last cycle that was drawn, and the one that was drawn before it: what has changed since
     /// that one is marked. The values of the first cycle are no changes.
     qint64 m_drawnCycle = 1;
     qint64 m_sinceCycle = 1;
+    std::thread m_thread;
 };
