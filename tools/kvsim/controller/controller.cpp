@@ -17,6 +17,8 @@ QByteArray countersText(const Controller &controller)
     QByteArray text = "commands " + number(counters.commands) + ", answers "
                       + number(counters.answers) + ", refusals " + number(counters.refusals)
                       + ", clients " + number(counters.clients) + '\n';
+    if (controller.replay)
+        text += "not in the trace " + number(controller.replay->unknown) + '\n';
     const QVector<FaultCount> faults = controller.faults.counts();
     for (const FaultCount &fault : faults)
         text += "fault " + fault.text + ": seen " + number(fault.seen) + ", applied "
@@ -93,7 +95,9 @@ Reply replyTo(const QByteArray &client, const Line &line, Controller *controller
 {
     controller->traced(client, TraceEvent::Received, line.ended ? line.text + '\r' : line.text);
     const Reply reply
-        = controller->faults.reply(line, *previous, controller->profile, &controller->memory);
+        = controller->replay
+              ? replayed(line, controller->replay.get())
+              : controller->faults.reply(line, *previous, controller->profile, &controller->memory);
     if (!reply.answer.isEmpty())
         *previous = reply.answer;
     if (!reply.fault.isEmpty())

@@ -3,10 +3,12 @@
 #include "controller/faultengine.h"
 #include "controller/linebuffer.h"
 #include "controller/profile.h"
+#include "controller/replay.h"
 #include "memory/memory.h"
 
 #include <atomic>
 #include <functional>
+#include <memory>
 
 /// What all clients together have done so far. Safe to use from several threads.
 struct Counters
@@ -38,6 +40,9 @@ struct Controller
     Memory memory;
     FaultEngine faults;
     Counters counters;
+    /// What answers all commands instead of the memory and the faults; a null pointer: they do. Set
+    /// it before clients come.
+    std::shared_ptr<Replay> replay = nullptr;
     /// Called for each event at its time; set it before clients come. `client` is the client's
     /// address and port, with "/udp" behind for a datagram. `bytes` are those of the command or the
     /// answer, the fault as it was written, or a text.
@@ -63,8 +68,9 @@ Reply replyTo(const QByteArray &client, const Line &line, Controller *controller
               QByteArray *previous);
 
 /// The counters of all as text: a line "commands 5, answers 4, refusals 1, clients 2", then one for
-/// each fault in force, "fault silent@DM100: seen 2, applied 2". Where there are several
-/// controllers, a line "controller 1 127.0.0.1:8501" stands before those of each.
+/// each fault in force, "fault silent@DM100: seen 2, applied 2", with a replay "not in the trace
+/// 0". Where there are several controllers, a line "controller 1 127.0.0.1:8501" stands before
+/// those of each.
 QByteArray countersText(const NamedControllers &controllers);
 
 /// Why storeText() would store nothing: what is wrong and what to write instead. An empty text when

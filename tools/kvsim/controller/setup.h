@@ -5,7 +5,10 @@
 
 #include <QHostAddress>
 
+#include <memory>
 #include <optional>
+
+struct Replay;
 
 /// The most controllers that one program simulates.
 constexpr int maximumControllers = 254;
@@ -36,4 +39,6 @@ struct Setup
     QVector<GeneratedValue> generators;
     QVector<StoredValue> memory;
     QList<QByteArray> faults;
+    /// What answers all commands instead of the memory; a null pointer: the memory does.
+    std::shared_ptr<Replay> replay = nullptr;
 };

@@ -108,7 +108,7 @@ void Connection::performPending()
 {
     while (isConnected() && !m_pendingActions.isEmpty() && !m_nextActionTimer.isActive()) {
         const Action &first = m_pendingActions.constFirst();
-        if (first.kind == Action::Kind::Send && first.milliseconds > 0) {
+        if (first.kind != Action::Kind::Restart && first.milliseconds > 0) {
             m_nextActionTimer.start(first.milliseconds);
             return;
         }

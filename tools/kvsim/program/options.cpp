@@ -13,6 +13,10 @@ const QString controllersOption = QStringLiteral("controllers");
 const QString configOption = QStringLiteral("config");
 const QString plantOption = QStringLiteral("plant");
 const QString writePlantOption = QStringLiteral("write-plant");
+const QString replayOption = QStringLiteral("replay");
+const QString replayDelaysOption = QStringLiteral("replay-delays");
+const QString faultOption = QStringLiteral("fault");
+const QString setOption = QStringLiteral("set");
 const QString loadOption = QStringLiteral("load");
 const QString dumpOption = QStringLiteral("dump");
 const QString stateOption = QStringLiteral("state");
@@ -89,8 +93,8 @@ QString readPlaces(const QCommandLineParser &parser, const QHostAddress &address
 /// Reads the names of files. Returns what is wrong, or an empty text.
 QString readFiles(const QCommandLineParser &parser, Options *options)
 {
-    for (const QString &file :
-         {configOption, plantOption, writePlantOption, loadOption, dumpOption, stateOption}) {
+    for (const QString &file : {configOption, plantOption, writePlantOption, replayOption,
+                                loadOption, dumpOption, stateOption}) {
         if (parser.isSet(file) && parser.value(file).isEmpty())
             return QStringLiteral("--%1 takes the name of a file.").arg(file);
     }
@@ -108,6 +112,24 @@ QString readFiles(const QCommandLineParser &parser, Options *options)
     options->dump = parser.value(stateOption);
     if (QFile::exists(options->dump))
         options->load = options->dump;
+    return {};
+}
+
+/// The same for a replay, beside which most of the others would do nothing.
+QString readReplay(const QCommandLineParser &parser, Options *options)
+{
+    options->replay = parser.value(replayOption);
+    options->replayDelays = parser.isSet(replayDelaysOption);
+    if (options->replayDelays && !parser.isSet(replayOption))
+        return QStringLiteral(
+            "--replay-delays says nothing without --replay; write both, or none.");
+    for (const QString &other : {configOption, plantOption, controllersOption, loadOption,
+                                 dumpOption, stateOption, faultOption, setOption}) {
+        if (parser.isSet(replayOption) && parser.isSet(other))
+            return QStringLiteral("--replay and --%1 exclude each other; the trace says what is "
+                                  "answered.")
+                .arg(other);
+    }
     return {};
 }
 
@@ -152,8 +174,10 @@ void addOptions(QCommandLineParser *parser)
         {dumpOption, {}, value},
         {stateOption, {}, value},
         {QStringLiteral("control"), {}, value},
-        {QStringLiteral("fault"), {}, value},
-        {QStringLiteral("set"), {}, value},
+        {replayOption, {}, value},
+        QCommandLineOption(replayDelaysOption),
+        {faultOption, {}, value},
+        {setOption, {}, value},
     });
 }
 
@@ -174,13 +198,13 @@ Options parseOptions(const QStringList &arguments)
                            .arg(parser.positionalArguments().constFirst()));
 
     Options options;
-    for (const auto read : {readFiles, readListening}) {
+    for (const auto read : {readFiles, readReplay, readListening}) {
         const QString error = read(parser, &options);
         if (!error.isEmpty())
             return refused(error);
     }
     options.trace = parser.isSet(QStringLiteral("trace"));
-    options.faults = parser.values(QStringLiteral("fault"));
-    options.values = parser.values(QStringLiteral("set"));
+    options.faults = parser.values(faultOption);
+    options.values = parser.values(setOption);
     return options;
 }

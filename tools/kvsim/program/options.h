@@ -22,11 +22,13 @@ struct Options
     QString config;
     QString plant;
     QString writePlant;
+    QString replay;
     QString load;
     QString dump;
     /// The port of the control protocol; nothing: there is none.
     std::optional<quint16> control;
     bool trace = false;
+    bool replayDelays = false;
     /// The faults at the start, as they were given and in their order.
     QStringList faults;
     /// The values at the start, each ADDRESS=VALUE as it was given, in their order.

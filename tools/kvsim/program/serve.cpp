@@ -5,6 +5,7 @@
 #include "files/config.h"
 #include "files/memoryfile.h"
 #include "files/plantfile.h"
+#include "files/replayfile.h"
 #include "network/trace.h"
 #include "program/options.h"
 #include "program/places.h"
@@ -16,6 +17,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 
@@ -76,21 +78,45 @@ ExitCode listen(const Options &options, Simulation *simulation, ControlServer *c
     return printOutput(QString::fromLatin1(lines));
 }
 
-/// The controllers of a plant, at addresses one after the other.
-QList<Setup> setupsOfPlant(const Options &options, QJsonObject *plant, QStringList *errors)
+/// Puts controllers at addresses one after the other. Those that have no name get their number.
+void placeAll(const Options &options, const QString &fileName, QList<Setup> *setups,
+              QStringList *errors)
 {
     const Place &first = options.places.constFirst();
-    const auto port = options.hasPort ? std::make_optional(first.port) : std::nullopt;
-    QList<Setup> setups = readPlant(options.plant, port, plant, errors);
     QList<Place> places;
     const QString error
-        = addPlaces(first.address, first.port, setups.size(), Consecutive::Addresses, &places);
+        = addPlaces(first.address, first.port, setups->size(), Consecutive::Addresses, &places);
     if (!error.isEmpty())
-        errors->append(options.plant + u": " + error);
+        errors->append(fileName + u": " + error);
     for (int i = 0; i < places.size(); ++i) {
-        places[i].port = setups.at(i).place.port;
-        setups[i].place = places.at(i);
+        const Place own = setups->at(i).place;
+        Place &place = (*setups)[i].place;
+        place = places.at(i);
+        if (!own.name.isEmpty())
+            place.name = own.name;
+        if (!options.plant.isEmpty())
+            place.port = own.port;
     }
+}
+
+QList<Setup> setupsOfPlant(const Options &options, QJsonObject *plant, QStringList *errors)
+{
+    const auto port
+        = options.hasPort ? std::make_optional(options.places.constFirst().port) : std::nullopt;
+    QList<Setup> setups = readPlant(options.plant, port, plant, errors);
+    placeAll(options, options.plant, &setups, errors);
+    return setups;
+}
+
+QList<Setup> setupsOfReplay(const Options &options, QStringList *errors)
+{
+    QList<Problem> problems;
+    QList<Setup> setups = readReplay(options.replay, options.replayDelays, &problems);
+    if (hasError(problems))
+        errors->append(problemLines(options.replay, problems));
+    else
+        printError(problemLines(options.replay, problems));
+    placeAll(options, options.replay, &setups, errors);
     return setups;
 }
 
@@ -98,6 +124,8 @@ QList<Setup> setupsOf(const Options &options, QJsonObject *plant, QStringList *e
 {
     if (!options.plant.isEmpty())
         return setupsOfPlant(options, plant, errors);
+    if (!options.replay.isEmpty())
+        return setupsOfReplay(options, errors);
     if (!options.config.isEmpty())
         return readConfig(options.config, options.places.constFirst(), errors);
     QList<Setup> setups;
@@ -168,7 +196,11 @@ ExitCode run(const Options &options, const QJsonObject &plant, Simulation *simul
     const QString error = options.dump.isEmpty() ? QString() : dump();
     if (!error.isEmpty())
         printError(error);
-    return isWell && error.isEmpty() ? AllWell : ErrorFound;
+    const bool isReplayed
+        = std::all_of(controllers.cbegin(), controllers.cend(), [](const NamedController &named) {
+              return !named.controller->replay || named.controller->replay->unknown == 0;
+          });
+    return isWell && error.isEmpty() && isReplayed ? AllWell : ErrorFound;
 }
 
 } // namespace

@@ -12,6 +12,7 @@ struct Simulation::ServedController
             controller.memory.setValue(cell.address, cell.value);
         for (const QByteArray &fault : setup.faults)
             controller.faults.add(fault);
+        controller.replay = setup.replay;
     }
 
     Place place;

@@ -1,0 +1,155 @@
+#include "programrun.h"
+#include "testfolder.h"
+#include "text.h"
+#include "tracelines.h"
+
+#include <QTest>
+
+// Traces that cannot be replayed, and command lines that make no sense with one.
+class tst_ReplayErrors : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void errors_data();
+    void errors();
+    void atMostTen();
+    void tooManyPeers();
+    void usageErrors_data();
+    void usageErrors();
+};
+
+namespace {
+
+const QByteArray press("192.168.0.10:8501");
+
+QByteArray good()
+{
+    return traceExchange(press, 1, "?K", "55");
+}
+
+ProgramRun replay(const TestFolder &folder, const QStringList &more = {})
+{
+    return runProgram(text(KVSIM_PROGRAM), QStringList{text("--replay"), text("site.jsonl")} + more,
+                      folder.path({}));
+}
+
+} // namespace
+
+void tst_ReplayErrors::errors_data()
+{
+    QTest::addColumn<QByteArray>("trace");
+    QTest::addColumn<QByteArrayList>("errors");
+
+    const auto row = [](const char *name, const QByteArray &trace, const QByteArrayList &errors) {
+        QTest::newRow(name) << trace << errors;
+    };
+    row("empty", {}, {" holds no connection"});
+    row("nothing but unknown events", traceEvent(press, 1, "napping"), {" holds no connection"});
+    row("no JSON", good() + "RD DM7\n" + good(), {"3: not valid JSON: illegal value"});
+    row("an empty line", good() + '\n', {"3: not valid JSON: illegal value"});
+    row("a list", "[]\n", {"1: event: missing; expected a text"});
+    row("no event",
+        R"({"time":"","connection":1,"peer":"a:1"})"
+        "\n",
+        {"1: event: missing; expected a text"});
+    row("nothing else",
+        good()
+            + R"({"event":"sent"})"
+              "\n",
+        {"3: time: missing; expected a text", "3: peer: missing; expected a text",
+         "3: process: missing; expected a number", "3: connection: missing; expected a number",
+         "3: bytes: missing; expected a text"});
+    row("a connection with a point", traceEvent(press, 1, "close").replace(":1,", ":1.5,"),
+        {"1: connection: expected a whole number from 0 to 2147483647000"});
+    row("a time below 0", traceEvent(press, 1, "timeout", R"("waited_us":-1)"),
+        {"1: waited_us: expected a whole number from 0 to 2147483647000"});
+    row("no byte", good() + traceEvent(press, 1, "received", R"("bytes":"\u0100")"),
+        {"3: bytes: has a character above U+00FF, which is no byte"});
+    row("bytes that are a number", traceEvent(press, 1, "sent", R"("bytes":5)"),
+        {"1: bytes: expected a text, found a number"});
+    row("two broken lines", "{\n" + good() + "}\n",
+        {"1: not valid JSON: unterminated object", "4: not valid JSON: illegal value"});
+    row("a line too long", QByteArray(1024 * 1024 + 1, ' ') + '\n' + good() + "{\n",
+        {"1: is longer than 1 MiB, so it is no trace"});
+}
+
+void tst_ReplayErrors::errors()
+{
+    QFETCH(QByteArray, trace);
+    QFETCH(QByteArrayList, errors);
+
+    const TestFolder folder;
+    folder.write(text("site.jsonl"), trace);
+    const ProgramRun result = replay(folder);
+    QByteArray expected;
+    for (const QByteArray &error : errors)
+        expected += "kvsim: site.jsonl:" + error + '\n';
+    QCOMPARE(result.errors.toUtf8(), expected);
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, 2);
+}
+
+void tst_ReplayErrors::atMostTen()
+{
+    const TestFolder folder;
+    folder.write(text("site.jsonl"), QByteArray("}\n").repeated(20));
+    const ProgramRun result = replay(folder);
+    QCOMPARE(result.errors.count(u'\n'), 10);
+    QCOMPARE(result.exitCode, 2);
+}
+
+void tst_ReplayErrors::tooManyPeers()
+{
+    const TestFolder folder;
+    QByteArray trace;
+    for (int i = 1; i <= 3; ++i)
+        trace += traceExchange("192.168.0." + QByteArray::number(i) + ":8501", i, "?K", "55");
+    folder.write(text("site.jsonl"), trace);
+    const ProgramRun result = replay(folder, {text("--bind"), text("127.0.0.253")});
+    QCOMPARE(result.errors,
+             text("kvsim: site.jsonl: 3 controllers from 127.0.0.253 on do not fit before .255; "
+                  "write fewer, or a lower --bind.\n"));
+    QCOMPARE(result.exitCode, 2);
+}
+
+void tst_ReplayErrors::usageErrors_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("error");
+
+    const auto row = [](const char *arguments, const char *error) {
+        QTest::newRow(arguments) << text(arguments) << text(error);
+    };
+    for (const char *other :
+         {"--config a.json", "--plant a.json", "--controllers 2", "--load a.json", "--dump a.json",
+          "--state a.json", "--fault silent", "--set DM7=1"}) {
+        const QByteArray name = QByteArray(other).split(' ').constFirst();
+        const QByteArray error = "--replay and " + name
+                                 + " exclude each other; the trace says what is answered. See "
+                                   "kvsim --help.";
+        const QByteArray arguments = QByteArray("--replay site.jsonl ") + other;
+        row(arguments.constData(), error.constData());
+    }
+    row("--replay=", "--replay takes the name of a file. See kvsim --help.");
+    row("--replay-delays", "--replay-delays says nothing without --replay; write both, or none. "
+                           "See kvsim --help.");
+    row("--replay none.jsonl", "none.jsonl: cannot be read: No such file or directory");
+}
+
+void tst_ReplayErrors::usageErrors()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, error);
+
+    const TestFolder folder;
+    folder.write(text("site.jsonl"), good());
+    const ProgramRun result
+        = runProgram(text(KVSIM_PROGRAM), arguments.split(u' '), folder.path({}));
+    QCOMPARE(result.errors, QString(text("kvsim: ") + error + u'\n'));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exitCode, 2);
+}
+
+QTEST_GUILESS_MAIN(tst_ReplayErrors)
+#include "tst_replayerrors.moc"

@@ -1,0 +1,94 @@
+#include "files/replayfile.h"
+
+#include "controller/replay.h"
+
+#include <common/json/jsonplace.h>
+#include <common/trace/wiretrace.h>
+
+#include <QMap>
+#include <QPair>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+/// A connection, as far as it has been read.
+struct Course
+{
+    std::shared_ptr<Replay> peer;
+    /// The beginning of a command whose end is still to come.
+    QByteArray unended;
+    QByteArray command;
+    /// Which time it was that the command was sent; -1: there was no command.
+    int time = -1;
+    /// Since the command, or since what came of it.
+    qint64 waitedUs = 0;
+};
+
+/// By the numbers of process and connection.
+using Courses = QMap<QPair<qint64, qint64>, Course>;
+
+std::shared_ptr<Replay> replayOf(const QByteArray &peer, QList<Setup> *setups)
+{
+    const auto known = std::find_if(setups->cbegin(), setups->cend(),
+                                    [&](const Setup &setup) { return setup.place.name == peer; });
+    if (known != setups->cend())
+        return known->replay;
+    Setup setup;
+    setup.place.name = peer;
+    setup.replay = std::make_shared<Replay>();
+    setups->append(setup);
+    return setup.replay;
+}
+
+void beginCommands(const QByteArray &bytes, Course *course)
+{
+    course->unended += QByteArray(bytes).replace("\n", "");
+    QList<QByteArray> commands = course->unended.split('\r');
+    course->unended = commands.takeLast();
+    for (const QByteArray &command : qAsConst(commands)) {
+        QVector<QList<Action>> &recorded = course->peer->answers[command].recorded;
+        course->command = command;
+        course->time = recorded.size();
+        recorded.append(QList<Action>());
+    }
+}
+
+void take(const WireEvent &event, bool withDelays, Courses *courses, QList<Setup> *setups)
+{
+    const QPair<qint64, qint64> key(event.process, event.connection);
+    if (event.kind == WireEvent::Kind::Connect || !courses->contains(key))
+        courses->insert(key, {replayOf(event.peer.toUtf8(), setups), {}, {}, -1, 0});
+    Course &course = (*courses)[key];
+    course.waitedUs += event.waitedUs;
+    if (event.kind == WireEvent::Kind::Timeout)
+        return;
+    const qint64 waited = withDelays ? (course.waitedUs + 500) / 1000 : 0;
+    course.waitedUs = 0;
+    if (event.kind == WireEvent::Kind::Sent)
+        beginCommands(event.bytes, &course);
+    const QMap<WireEvent::Kind, Action::Kind> kinds{{WireEvent::Kind::Received, Action::Kind::Send},
+                                                    {WireEvent::Kind::Closed, Action::Kind::Close},
+                                                    {WireEvent::Kind::Reset, Action::Kind::Reset}};
+    // What the peer did before the first command, nobody has asked for.
+    if (course.time < 0 || !kinds.contains(event.kind))
+        return;
+    constexpr qint64 longest = std::numeric_limits<int>::max();
+    course.peer->answers[course.command].recorded[course.time].append(
+        {kinds.value(event.kind), static_cast<int>(std::min(waited, longest)), event.bytes});
+}
+
+} // namespace
+
+QList<Setup> readReplay(const QString &fileName, bool withDelays, QList<Problem> *problems)
+{
+    QList<Setup> setups;
+    Courses courses;
+    readWireTrace(
+        fileName, [&](const WireEvent &event) { take(event, withDelays, &courses, &setups); },
+        problems);
+    if (setups.isEmpty() && !hasError(*problems))
+        addError({}, QStringLiteral("holds no connection"), problems);
+    return setups;
+}
