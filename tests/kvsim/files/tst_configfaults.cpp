@@ -227,8 +227,7 @@ void tst_ConfigFaults::usageErrors_data()
     };
     row("--config=", "--config takes the name of a file. See kvsim --help.");
     row("--config line.json --controllers 1",
-        "--controllers and --config exclude each other; the file says how many there are. See "
-        "kvsim --help.");
+        "--config and --controllers exclude each other; leave one of them out. See kvsim --help.");
     row("--config none.json", "none.json: cannot be read: No such file or directory");
     row("--config line.json --set DM7=1",
         "--set: a generator makes the value of 'DM7'; choose another address. See kvsim --help.");

@@ -140,10 +140,10 @@ void tst_PlantFileErrors::usageErrors_data()
     const auto row = [](const char *arguments, const char *error) {
         QTest::newRow(arguments) << text(arguments) << text(error);
     };
-    const char *excludes = "--plant excludes --config and --controllers; the plant says how many "
-                           "there are. See kvsim --help.";
-    row("--plant plant.json --controllers 2", excludes);
-    row("--plant plant.json --config plant.json", excludes);
+    row("--plant plant.json --controllers 2", "--plant and --controllers exclude each other; leave "
+                                              "one of them out. See kvsim --help.");
+    row("--plant plant.json --config plant.json",
+        "--plant and --config exclude each other; leave one of them out. See kvsim --help.");
     row("--write-plant written.json",
         "--write-plant says nothing without --plant; write both, or none. See kvsim --help.");
     row("--plant plant.json --bind ::1", "'::1' is no address for a plant; write --bind with an "

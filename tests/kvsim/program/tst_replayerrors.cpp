@@ -126,7 +126,7 @@ void tst_ReplayErrors::usageErrors_data()
           "--state a.json", "--fault silent", "--set DM7=1"}) {
         const QByteArray name = QByteArray(other).split(' ').constFirst();
         const QByteArray error = "--replay and " + name
-                                 + " exclude each other; the trace says what is answered. See "
+                                 + " exclude each other; leave one of them out. See "
                                    "kvsim --help.";
         const QByteArray arguments = QByteArray("--replay site.jsonl ") + other;
         row(arguments.constData(), error.constData());

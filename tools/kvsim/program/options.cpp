@@ -7,20 +7,48 @@
 #include <QCommandLineParser>
 #include <QFile>
 
+#include <array>
+
 namespace {
 
 const QString controllersOption = QStringLiteral("controllers");
-const QString configOption = QStringLiteral("config");
-const QString plantOption = QStringLiteral("plant");
-const QString writePlantOption = QStringLiteral("write-plant");
-const QString replayOption = QStringLiteral("replay");
-const QString replayDelaysOption = QStringLiteral("replay-delays");
-const QString faultOption = QStringLiteral("fault");
-const QString setOption = QStringLiteral("set");
-const QString loadOption = QStringLiteral("load");
-const QString dumpOption = QStringLiteral("dump");
-const QString stateOption = QStringLiteral("state");
 const QString consecutiveOption = QStringLiteral("consecutive");
+
+struct FileOption
+{
+    const char *name;
+    QString Options::*file;
+};
+
+constexpr std::array<FileOption, 7> fileOptions{{
+    {"config", &Options::config},
+    {"plant", &Options::plant},
+    {"write-plant", &Options::writePlant},
+    {"replay", &Options::replay},
+    {"load", &Options::load},
+    {"dump", &Options::dump},
+    {"state", &Options::dump},
+}};
+
+/// An option, and others with blanks between.
+struct Relation
+{
+    const char *option;
+    const char *others;
+};
+
+constexpr std::array<Relation, 3> needs{{
+    {"consecutive", "controllers"},
+    {"write-plant", "plant"},
+    {"replay-delays", "replay"},
+}};
+
+constexpr std::array<Relation, 4> exclusions{{
+    {"config", "controllers"},
+    {"plant", "config controllers"},
+    {"state", "load dump"},
+    {"replay", "config plant controllers load dump state fault set"},
+}};
 
 Options answered(Options::Action action, const QString &text)
 {
@@ -73,63 +101,45 @@ QString readPlaces(const QCommandLineParser &parser, const QHostAddress &address
     if (!differ)
         return QStringLiteral("'%1' is wrong; --consecutive takes addresses or ports.")
             .arg(consecutive);
-    if (parser.isSet(consecutiveOption) && !parser.isSet(controllersOption))
-        return QStringLiteral("--consecutive says nothing without --controllers; write "
-                              "both, or none.");
-    if (parser.isSet(configOption) && parser.isSet(controllersOption))
-        return QStringLiteral("--controllers and --config exclude each other; the file says "
-                              "how many there are.");
-    if (parser.isSet(plantOption)
-        && (parser.isSet(configOption) || parser.isSet(controllersOption)))
-        return QStringLiteral(
-            "--plant excludes --config and --controllers; the plant says how many "
-            "there are.");
-    if (parser.isSet(plantOption) && address.protocol() != QAbstractSocket::IPv4Protocol)
+    if (parser.isSet(QStringLiteral("plant"))
+        && address.protocol() != QAbstractSocket::IPv4Protocol)
         return QStringLiteral("'%1' is no address for a plant; write --bind with an IPv4 address.")
             .arg(address.toString());
     return addPlaces(address, port, *count, *differ, places);
 }
 
-/// Reads the names of files. Returns what is wrong, or an empty text.
-QString readFiles(const QCommandLineParser &parser, Options *options)
+/// Which options do not go together. Returns an empty text when all do.
+QString checkRelations(const QCommandLineParser &parser, Options * /*options*/)
 {
-    for (const QString &file : {configOption, plantOption, writePlantOption, replayOption,
-                                loadOption, dumpOption, stateOption}) {
-        if (parser.isSet(file) && parser.value(file).isEmpty())
-            return QStringLiteral("--%1 takes the name of a file.").arg(file);
+    for (const Relation &need : needs) {
+        if (parser.isSet(QLatin1String(need.option)) && !parser.isSet(QLatin1String(need.others)))
+            return QStringLiteral("--%1 says nothing without --%2; write both, or none.")
+                .arg(QLatin1String(need.option), QLatin1String(need.others));
     }
-    options->config = parser.value(configOption);
-    options->plant = parser.value(plantOption);
-    options->writePlant = parser.value(writePlantOption);
-    if (!parser.isSet(plantOption) && parser.isSet(writePlantOption))
-        return QStringLiteral("--write-plant says nothing without --plant; write both, or none.");
-    options->load = parser.value(loadOption);
-    options->dump = parser.value(dumpOption);
-    if (!parser.isSet(stateOption))
-        return {};
-    if (parser.isSet(loadOption) || parser.isSet(dumpOption))
-        return QStringLiteral("--state loads and dumps; write it without --load and --dump.");
-    options->dump = parser.value(stateOption);
-    if (QFile::exists(options->dump))
-        options->load = options->dump;
+    for (const Relation &exclusion : exclusions) {
+        const QStringList others = QString::fromLatin1(exclusion.others).split(u' ');
+        for (const QString &other : others) {
+            if (parser.isSet(QLatin1String(exclusion.option)) && parser.isSet(other))
+                return QStringLiteral("--%1 and --%2 exclude each other; leave one of them out.")
+                    .arg(QLatin1String(exclusion.option), other);
+        }
+    }
     return {};
 }
 
-/// The same for a replay, beside which most of the others would do nothing.
-QString readReplay(const QCommandLineParser &parser, Options *options)
+/// Reads the names of files. Returns what is wrong, or an empty text.
+QString readFiles(const QCommandLineParser &parser, Options *options)
 {
-    options->replay = parser.value(replayOption);
-    options->replayDelays = parser.isSet(replayDelaysOption);
-    if (options->replayDelays && !parser.isSet(replayOption))
-        return QStringLiteral(
-            "--replay-delays says nothing without --replay; write both, or none.");
-    for (const QString &other : {configOption, plantOption, controllersOption, loadOption,
-                                 dumpOption, stateOption, faultOption, setOption}) {
-        if (parser.isSet(replayOption) && parser.isSet(other))
-            return QStringLiteral("--replay and --%1 exclude each other; the trace says what is "
-                                  "answered.")
-                .arg(other);
+    for (const FileOption &option : fileOptions) {
+        const QString name = QString::fromLatin1(option.name);
+        if (!parser.isSet(name))
+            continue;
+        options->*option.file = parser.value(name);
+        if (parser.value(name).isEmpty())
+            return QStringLiteral("--%1 takes the name of a file.").arg(name);
     }
+    if (parser.isSet(QStringLiteral("state")) && QFile::exists(options->dump))
+        options->load = options->dump;
     return {};
 }
 
@@ -167,18 +177,13 @@ void addOptions(QCommandLineParser *parser)
         {QStringLiteral("port"), {}, value, QStringLiteral("8501")},
         {controllersOption, {}, value, QStringLiteral("1")},
         {consecutiveOption, {}, value, QStringLiteral("addresses")},
-        {configOption, {}, value},
-        {plantOption, {}, value},
-        {writePlantOption, {}, value},
-        {loadOption, {}, value},
-        {dumpOption, {}, value},
-        {stateOption, {}, value},
         {QStringLiteral("control"), {}, value},
-        {replayOption, {}, value},
-        QCommandLineOption(replayDelaysOption),
-        {faultOption, {}, value},
-        {setOption, {}, value},
+        QCommandLineOption(QStringLiteral("replay-delays")),
+        {QStringLiteral("fault"), {}, value},
+        {QStringLiteral("set"), {}, value},
     });
+    for (const FileOption &option : fileOptions)
+        parser->addOption({QString::fromLatin1(option.name), {}, value});
 }
 
 } // namespace
@@ -198,13 +203,14 @@ Options parseOptions(const QStringList &arguments)
                            .arg(parser.positionalArguments().constFirst()));
 
     Options options;
-    for (const auto read : {readFiles, readReplay, readListening}) {
+    for (const auto read : {checkRelations, readFiles, readListening}) {
         const QString error = read(parser, &options);
         if (!error.isEmpty())
             return refused(error);
     }
+    options.replayDelays = parser.isSet(QStringLiteral("replay-delays"));
     options.trace = parser.isSet(QStringLiteral("trace"));
-    options.faults = parser.values(faultOption);
-    options.values = parser.values(setOption);
+    options.faults = parser.values(QStringLiteral("fault"));
+    options.values = parser.values(QStringLiteral("set"));
     return options;
 }
