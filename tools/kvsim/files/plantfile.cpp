@@ -46,7 +46,8 @@ QByteArray movingValue(const DataType &type, int words, qint64 elapsed)
 
 /// Moves the words that an item reads, or the bits, for which there is no type. What a word does
 /// already is left alone.
-void move(Address first, const DataType *type, int words, qint64 start, Memory *moved, Setup *setup)
+void moveWords(Address first, const DataType *type, int words, qint64 start, Memory *moved,
+               Setup *setup)
 {
     for (int i = 0; i < words; ++i) {
         const Address address{first.device, first.index + static_cast<quint32>(i)};
@@ -102,7 +103,7 @@ void readItem(const QJsonObject &parameters, qint64 start, const QString &place,
                      .arg(most),
                  errors);
     else
-        move(*address, isBit ? nullptr : type, words, start, moved, setup);
+        moveWords(*address, isBit ? nullptr : type, words, start, moved, setup);
 }
 
 quint16 readPort(const QJsonObject &parameters, const QString &place, QList<Problem> *errors)

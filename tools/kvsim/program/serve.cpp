@@ -57,12 +57,12 @@ QString applyOptions(const Options &options, Controller *controller)
     return {};
 }
 
-/// Opens the control port, then prints all ports: the first line of output promises that all of
-/// them are open.
-ExitCode listen(const Options &options, Simulation *simulation, ControlServer *control)
+/// Opens the control port and writes the plant, then prints all ports: the first line of output
+/// promises that all of that is done.
+ExitCode listen(const Options &options, const QJsonObject &plant,
+                const NamedControllers &controllers, ControlServer *control)
 {
     QByteArray lines;
-    const NamedControllers controllers = simulation->controllers();
     for (const NamedController &named : controllers)
         lines += "listening " + named.endpoint + '\n';
     if (options.control) {
@@ -74,6 +74,13 @@ ExitCode listen(const Options &options, Simulation *simulation, ControlServer *c
             return ErrorFound;
         }
         lines += "control " + endpointText(loopback, control->port()) + '\n';
+    }
+    const QString error = options.writePlant.isEmpty()
+                              ? QString()
+                              : writePlant(options.writePlant, plant, controllers);
+    if (!error.isEmpty()) {
+        printError(error);
+        return ErrorFound;
     }
     return printOutput(QString::fromLatin1(lines));
 }
@@ -155,6 +162,14 @@ ExitCode fillControllers(const Options &options, const NamedControllers &control
     return AllWell;
 }
 
+/// Whether no client has asked what is not in the trace.
+bool isReplayWhole(const NamedControllers &controllers)
+{
+    return std::all_of(controllers.cbegin(), controllers.cend(), [](const NamedController &named) {
+        return !named.controller->replay || named.controller->replay->unknown == 0;
+    });
+}
+
 /// Runs until it is told to end.
 ExitCode run(const Options &options, const QJsonObject &plant, Simulation *simulation,
              const std::function<void()> &report)
@@ -177,18 +192,11 @@ ExitCode run(const Options &options, const QJsonObject &plant, Simulation *simul
     }
 
     const NamedControllers controllers = simulation->controllers();
-    const QString plantError = options.writePlant.isEmpty()
-                                   ? QString()
-                                   : writePlant(options.writePlant, plant, controllers);
-    if (!plantError.isEmpty()) {
-        printError(plantError);
-        return ErrorFound;
-    }
     const DumpFunction dump = [&] { return saveMemory(options.dump, controllers); };
     ControlServer control({controllers, options.dump.isEmpty() ? DumpFunction() : dump});
     QObject::connect(&control, &ControlServer::quitWanted, QCoreApplication::instance(),
                      &QCoreApplication::quit);
-    const ExitCode listening = listen(options, simulation, &control);
+    const ExitCode listening = listen(options, plant, controllers, &control);
     if (listening != AllWell)
         return listening;
     const bool isWell = QCoreApplication::exec() == 0;
@@ -196,11 +204,7 @@ ExitCode run(const Options &options, const QJsonObject &plant, Simulation *simul
     const QString error = options.dump.isEmpty() ? QString() : dump();
     if (!error.isEmpty())
         printError(error);
-    const bool isReplayed
-        = std::all_of(controllers.cbegin(), controllers.cend(), [](const NamedController &named) {
-              return !named.controller->replay || named.controller->replay->unknown == 0;
-          });
-    return isWell && error.isEmpty() && isReplayed ? AllWell : ErrorFound;
+    return isWell && error.isEmpty() && isReplayWhole(controllers) ? AllWell : ErrorFound;
 }
 
 } // namespace
