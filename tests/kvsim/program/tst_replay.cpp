@@ -288,12 +288,12 @@ void tst_Replay::whatIsNotThere()
 void tst_Replay::whatIsLeftOut()
 {
     Replaying simulator(
-        received(R"(hello\r\n)") + traceEvent(press, 1, "napping", R"("bytes":5)")
+        received(R"(hello\r\n)") + traceEvent(press, 1, "napping", R"("depth":5)")
         + traceEvent(press, 2, "connect", R"("outcome":"Connection refused","waited_us":5)")
         + sent("?K") + traceEvent(press, 1, "shutdown", R"("new": [1, {"more": null}])")
         + "  { \"waited_us\" : 5 , \"bytes\" : \"5\\u0035\\r\\n\" ,\"event\":\"received\", "
           "\"connection\": 1, \"process\": 812, \"peer\": \"192.168.0.10:8501\", \"time\": "
-          "\"\"}\r\n"
+          "\"2026-11-22T09:14:35.123456Z\"}\r\n"
         + traceEvent(press, 1, "close"));
     TextClient client(simulator.port());
     QCOMPARE(client.ask("?K\r"), QByteArray("55\r\n"));
@@ -329,7 +329,7 @@ void tst_Replay::cutOff()
     QCOMPARE(client.receiveLine(), QByteArray(isTold ? "55\r\n" : "56\r\n"));
     QVERIFY(simulator.terminate());
     QCOMPARE(simulator.errors().startsWith("kvsim: " + file.toUtf8()
-                                           + ":4: warning: is cut off, and left out\n"),
+                                           + ":4: warning: the last line is cut\n"),
              isTold);
 }
 

@@ -3,7 +3,7 @@
 #include "controller/replay.h"
 
 #include <common/json/jsonplace.h>
-#include <common/trace/wiretrace.h>
+#include <common/trace/trace.h>
 
 #include <QMap>
 #include <QPair>
@@ -55,28 +55,34 @@ void beginCommands(const QByteArray &bytes, Course *course)
     }
 }
 
-void take(const WireEvent &event, bool withDelays, Courses *courses, QList<Setup> *setups)
+void take(const TraceEvent &event, bool withDelays, Courses *courses, QList<Setup> *setups)
 {
+    static const QStringList known{QStringLiteral("connect"),  QStringLiteral("sent"),
+                                   QStringLiteral("received"), QStringLiteral("timeout"),
+                                   QStringLiteral("closed"),   QStringLiteral("reset"),
+                                   QStringLiteral("shutdown"), QStringLiteral("close")};
+    if (!known.contains(event.name))
+        return;
     const QPair<qint64, qint64> key(event.process, event.connection);
-    if (event.kind == WireEvent::Kind::Connect || !courses->contains(key))
+    if (event.name == u"connect" || !courses->contains(key))
         courses->insert(key, {replayOf(event.peer.toUtf8(), setups), {}, {}, -1, 0});
     Course &course = (*courses)[key];
-    course.waitedUs += event.waitedUs;
-    if (event.kind == WireEvent::Kind::Timeout)
+    course.waitedUs += std::max<qint64>(event.waited, 0);
+    if (event.name == u"timeout")
         return;
     const qint64 waited = withDelays ? (course.waitedUs + 500) / 1000 : 0;
     course.waitedUs = 0;
-    if (event.kind == WireEvent::Kind::Sent)
+    if (event.name == u"sent")
         beginCommands(event.bytes, &course);
-    const QMap<WireEvent::Kind, Action::Kind> kinds{{WireEvent::Kind::Received, Action::Kind::Send},
-                                                    {WireEvent::Kind::Closed, Action::Kind::Close},
-                                                    {WireEvent::Kind::Reset, Action::Kind::Reset}};
+    static const QMap<QString, Action::Kind> kinds{{QStringLiteral("received"), Action::Kind::Send},
+                                                   {QStringLiteral("closed"), Action::Kind::Close},
+                                                   {QStringLiteral("reset"), Action::Kind::Reset}};
     // What the peer did before the first command, nobody has asked for.
-    if (course.time < 0 || !kinds.contains(event.kind))
+    if (course.time < 0 || !kinds.contains(event.name))
         return;
     constexpr qint64 longest = std::numeric_limits<int>::max();
     course.peer->answers[course.command].recorded[course.time].append(
-        {kinds.value(event.kind), static_cast<int>(std::min(waited, longest)), event.bytes});
+        {kinds.value(event.name), static_cast<int>(std::min(waited, longest)), event.bytes});
 }
 
 } // namespace
@@ -85,9 +91,8 @@ QList<Setup> readReplay(const QString &fileName, bool withDelays, QList<Problem>
 {
     QList<Setup> setups;
     Courses courses;
-    readWireTrace(
-        fileName, [&](const WireEvent &event) { take(event, withDelays, &courses, &setups); },
-        problems);
+    *problems += readTrace(
+        fileName, [&](const TraceEvent &event) { take(event, withDelays, &courses, &setups); });
     if (setups.isEmpty() && !hasError(*problems))
         addError({}, QStringLiteral("holds no connection"), problems);
     return setups;
