@@ -231,20 +231,21 @@ void tst_Explain::input_data()
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("errors");
 
-    const QByteArray known = "\ninvalid port";
+    const QByteArray known = " invalid port";
     const auto filled
         = [&known](int size) -> QByteArray { return QByteArray(size - known.size(), 'x') + known; };
     const QString nothing = text("velhost: there is no text to explain; give one error text, for "
                                  "example \"invalid address\"\n");
     QTest::newRow("one text") << known << 0 << QString();
+    QTest::newRow("behind a blank line") << QByteArray('\n' + known) << 0 << QString();
     QTest::newRow("a line") << QByteArray(known + "\r\n") << 0 << QString();
     QTest::newRow("nothing") << QByteArray() << 2 << nothing;
     QTest::newRow("blank lines") << QByteArray("\n \r\n") << 2 << nothing;
     QTest::newRow("below 1 MiB") << filled(mebibyte - 1) << 0 << QString();
     QTest::newRow("1 MiB") << filled(mebibyte) << 0 << QString();
-    QTest::newRow("above 1 MiB") << filled(
-        mebibyte
-        + 1) << 2 << text("velhost: standard input has more than 1 MiB; give one error text\n");
+    QTest::newRow("above 1 MiB") << filled(mebibyte + 1) << 2
+                                 << text("velhost: a line of standard input has more than 1 MiB\n");
+    QTest::newRow("1 MiB and a line feed") << QByteArray(filled(mebibyte) + '\n') << 0 << QString();
     QTest::newRow("no UTF-8, zero byte") << QByteArray("\xff\0 invalid port", 15) << 0 << QString();
 }
 

@@ -45,8 +45,8 @@ QList<KnownError> errorCatalogue(const QByteArray &json)
         errors.append({error[u"id"].toString(), text, error[u"title"].toString(),
                        placesOf(forms.value(error[u"form"].toString()), text),
                        error[u"unreported"].toString(), error[u"meaning"].toString(),
-                       texts(error[u"causes"]), texts(error[u"remedies"]),
-                       texts(error[u"aliases"])});
+                       texts(error[u"causes"]), texts(error[u"remedies"]), texts(error[u"aliases"]),
+                       texts(error[u"follows"])});
     }
     return errors;
 }

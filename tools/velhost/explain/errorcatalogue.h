@@ -29,6 +29,8 @@ struct KnownError
     QStringList remedies;
     /// The answers of the controller that lead to this error.
     QStringList aliases;
+    /// The errors, by `id`, whose consequence this one is when it comes after one of them.
+    QStringList follows;
 };
 
 /// The error texts that errors.json describes, in its order.

@@ -1,6 +1,7 @@
 #include "explain/explaincommand.h"
 
 #include "explain/explain.h"
+#include "explain/logdigest.h"
 
 #include <common/json/json.h>
 #include <common/textwidth.h>
@@ -9,11 +10,10 @@
 #include <QJsonArray>
 
 #include <cstdio>
-#include <optional>
 
 namespace {
 
-constexpr int maximumInput = 1024 * 1024;
+constexpr int maximumLine = 1024 * 1024;
 // Of a longer unknown text only the end is shown.
 constexpr int shownCharacters = 200;
 
@@ -92,52 +92,66 @@ void printUnknown(const QString &text, const QStringList &nearest, OutputFormat 
         printError(QStringLiteral("known is: %1").arg(known.trimmed()));
 }
 
-/// The text to explain; nothing after an error message when there is none.
-std::optional<QString> requestedText(const QString &argument)
-{
-    QString text = argument;
-    if (argument == u"-") {
-        QFile input;
-        const QByteArray bytes
-            = input.open(stdin, QIODevice::ReadOnly) ? input.read(maximumInput + 1) : QByteArray();
-        if (bytes.size() > maximumInput) {
-            printError(QStringLiteral("standard input has more than 1 MiB; give one error text"));
-            return {};
-        }
-        text = QString::fromUtf8(bytes.constData(), bytes.size());
-    }
-    text = text.trimmed();
-    if (!text.isEmpty())
-        return text;
-    printError(QStringLiteral("there is no text to explain; give one error text, for example "
-                              "\"invalid address\""));
-    return {};
-}
-
 QByteArray catalogueJson()
 {
     QFile file(QStringLiteral(":/errors.json"));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-ExitCode runExplain(const Arguments &arguments)
+ExitCode explainText(const QString &text, const QList<KnownError> &catalogue, OutputFormat format)
 {
-    const std::optional<QString> text = requestedText(arguments.operands.first());
-    if (!text)
+    if (text.isEmpty()) {
+        printError(QStringLiteral("there is no text to explain; give one error text, for example "
+                                  "\"invalid address\""));
         return WrongUsage;
-    const QList<KnownError> catalogue = errorCatalogue(catalogueJson());
-    const QList<KnownError> errors = explanations(*text, catalogue);
+    }
+    const QList<KnownError> errors = explanations(text, catalogue);
     if (errors.isEmpty()) {
-        printUnknown(*text, nearestTexts(*text, catalogue), arguments.format);
+        printUnknown(text, nearestTexts(text, catalogue), format);
         return ErrorFound;
     }
-    if (arguments.format != OutputFormat::Json) {
+    if (format != OutputFormat::Json) {
         printTable(errors);
         return AllWell;
     }
     for (const KnownError &error : errors)
         print(stdout, explanationJson(error));
     return AllWell;
+}
+
+/// One line is a text, more are a log.
+ExitCode explainInput(const QList<KnownError> &catalogue, OutputFormat format)
+{
+    LogDigest digest(catalogue);
+    QString text;
+    int lines = 0;
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return ErrorFound;
+    for (QByteArray bytes; !(bytes = input.readLine(maximumLine + 2)).isEmpty();) {
+        if (bytes.size() > maximumLine + (bytes.endsWith('\n') ? 1 : 0)) {
+            printError(QStringLiteral("a line of standard input has more than 1 MiB"));
+            return WrongUsage;
+        }
+        const QString line = QString::fromUtf8(bytes.constData(), bytes.size()).trimmed();
+        if (line.isEmpty())
+            continue;
+        digest.add(line);
+        text = line;
+        ++lines;
+    }
+    if (lines < 2)
+        return explainText(text, catalogue, format);
+    print(stdout, digest.text(format));
+    return digest.isEmpty() ? ErrorFound : AllWell;
+}
+
+ExitCode runExplain(const Arguments &arguments)
+{
+    const QList<KnownError> catalogue = errorCatalogue(catalogueJson());
+    const QString &text = arguments.operands.first();
+    return text == u"-" ? explainInput(catalogue, arguments.format)
+                        : explainText(text.trimmed(), catalogue, arguments.format);
 }
 
 } // namespace
@@ -147,7 +161,7 @@ Command explainCommand()
     return {QStringLiteral("explain"),
             Operands::Text,
             QStringLiteral("show what an error text of the plug-in means and what to do; - reads "
-                           "the text from standard input"),
+                           "a text or a whole log from standard input"),
             {QStringLiteral("table"), QStringLiteral("json")},
             {},
             {{QStringLiteral("Find out what an entry of the error log means"),
