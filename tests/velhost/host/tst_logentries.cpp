@@ -85,7 +85,7 @@ void tst_LogEntries::json()
                                   refusedItems(controller.port(), 1));
     QCOMPARE(result.errors, QString());
     const QStringList entries
-        = withoutTimes(result.output).split(u'\n').filter(text("\"type\":\"log\""));
+        = withoutTimes(result.output).split(u'\n').filter(text(R"("type":"log")"));
     QStringList expected;
     for (int cycle = 1; cycle <= 3; ++cycle)
         expected.append(text(R"({"type":"log","level":"error","time":"T","device":"Press",)"

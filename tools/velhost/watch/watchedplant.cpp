@@ -66,17 +66,16 @@ void addItemReport(const ItemReport &report, bool isRead, qint64 cycle, qint64 n
 std::vector<WatchedDevice> watchedDevices(const QList<DeviceInstancePlugin> &records)
 {
     std::vector<WatchedDevice> devices;
-    for (int i = 0; i < records.size(); ++i) {
-        const DeviceInstancePlugin &record = records.at(i);
+    for (const DeviceInstancePlugin &record : records) {
         WatchedDevice device;
         device.name = record.name;
         device.address = record.ipAddress;
         const QString port = record.parameters.value(QStringLiteral("port"));
         if (!port.isEmpty())
             device.address += u':' + port;
-        for (int j = 0; j < record.items.size(); ++j) {
+        for (const ItemInstancePlugin &itemRecord : record.items) {
             WatchedItem item;
-            item.last.item = record.items.at(j).name;
+            item.last.item = itemRecord.name;
             device.items.push_back(item);
         }
         devices.push_back(device);
