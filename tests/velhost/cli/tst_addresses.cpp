@@ -277,11 +277,11 @@ void tst_Addresses::wrongUsage_data()
     row("read --ip 10.0.0.1:65536 DM1:Word", "10.0.0.1:65536: " + ip);
     row("read --ip 10.0.0.1 DM1:Word=5",
         "read takes addresses without a value\nvelhost: try velhost --help");
-    row("write --ip 127.0.0.1 DM1:Word", "\"127.0.0.1/DM1\": no \"=VALUE\" after the item");
+    row("write --ip 127.0.0.1 DM1:Word", R"("127.0.0.1/DM1": no "=VALUE" after the item)");
     row("write --ip 127.0.0.1 DM1..DM2:Word=5",
-        "\"127.0.0.1/DM1..DM2=5\": device \"127.0.0.1\" has no such item; it has: DM1, DM2");
+        R"("127.0.0.1/DM1..DM2=5": device "127.0.0.1" has no such item; it has: DM1, DM2)");
     row("plan --ip 127.0.0.1 DM1:Word --write DM2:Word=5",
-        "\"127.0.0.1/DM2=5\": device \"127.0.0.1\" has no such item; it has: DM1");
+        R"("127.0.0.1/DM2=5": device "127.0.0.1" has no such item; it has: DM1)");
 }
 
 void tst_Addresses::wrongUsage()

@@ -89,8 +89,7 @@ void tst_ItemDefaults::errors_data()
         ".type: the plug-in declares no such item parameter; it declares: memory_address, "
         "memory_type, data_type");
     row("not offered", R"({"memory_type": "Word"})",
-        ".memory_type: \"Word\" is not offered; use one of: \"Bit device\" (0), \"Word device\" "
-        "(1)");
+        R"(.memory_type: "Word" is not offered; use one of: "Bit device" (0), "Word device" (1))");
 }
 
 // Told once, where it stands, although two items have it.

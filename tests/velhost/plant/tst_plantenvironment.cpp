@@ -15,7 +15,7 @@ ProgramRun runCommand(const QStringList &arguments, const QByteArray &ip, const 
                         arguments
                             + QStringList{text("--plugin"), text(KEYENCE_PLUGIN_FILE),
                                           text("--plant"), text("plant.json")},
-                        plantJson(ip, "\"port\": \"" + port + "\"", {itemJson("A", "D1")}));
+                        plantJson(ip, R"("port": ")" + port + R"(")", {itemJson("A", "D1")}));
 }
 
 } // namespace
