@@ -180,11 +180,11 @@ void tst_Addresses::checks()
 
 void tst_Addresses::writes()
 {
-    const ProgramRun write
-        = run(text("write"), m_endpoint, text("dm300:Short=-100 R700=1 DM310-2=A=BC --format csv"));
+    const ProgramRun write = run(text("write"), m_endpoint,
+                                 text("dm300:Short=-100 R700=1 DM310-3=A=B..C --format csv"));
     QCOMPARE(write.errors, QString());
     QCOMPARE(fields(write.output, {3, 5, 6, 7}),
-             text("DM300/-100/-100/ R700/1/1/ DM310-2/A=BC/A=BC/"));
+             text("DM300/-100/-100/ R700/1/1/ DM310-3/A=B..C/A=B..C/"));
     QCOMPARE(write.exitCode, 0);
     const ProgramRun read = run(text("read"), m_endpoint, text("DM300:Short R700 --format csv"));
     QCOMPARE(fields(read.output, {3, 4}), text("DM300/-100 R700/1"));
@@ -275,11 +275,14 @@ void tst_Addresses::wrongUsage_data()
     row("read --ip 10.0.0.1: DM1:Word", "10.0.0.1:: " + ip);
     row("read --ip 10.0.0.1:0 DM1:Word", "10.0.0.1:0: " + ip);
     row("read --ip 10.0.0.1:65536 DM1:Word", "10.0.0.1:65536: " + ip);
-    row("read --ip 10.0.0.1 DM1:Word=5",
-        "read takes addresses without a value\nvelhost: try velhost --help");
-    row("write --ip 127.0.0.1 DM1:Word", R"("127.0.0.1/DM1": no "=VALUE" after the item)");
-    row("write --ip 127.0.0.1 DM1..DM2:Word=5",
-        R"("127.0.0.1/DM1..DM2=5": device "127.0.0.1" has no such item; it has: DM1, DM2)");
+    row("read --ip 10.0.0.1 DM1:Word=5", R"(read takes addresses without a value, not "DM1:Word=5")"
+                                         "\nvelhost: try velhost --help");
+    row("write --ip 127.0.0.1 DM1:Word",
+        R"(write takes single addresses as DM100:Short=5, not "DM1:Word")"
+        "\nvelhost: try velhost --help");
+    row("write --ip 127.0.0.1 DM1:Word=1 DM1..DM2:Word=5",
+        R"(write takes single addresses as DM100:Short=5, not "DM1..DM2:Word=5")"
+        "\nvelhost: try velhost --help");
     row("plan --ip 127.0.0.1 DM1:Word --write DM2:Word=5",
         R"("127.0.0.1/DM2=5": device "127.0.0.1" has no such item; it has: DM1)");
 }

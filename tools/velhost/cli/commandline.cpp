@@ -103,6 +103,29 @@ QString optionError(const Command &command, const QCommandLineParser &parser)
     return {};
 }
 
+/// Stores the addresses that stand in place of a plant. Returns their error; empty when there is
+/// none.
+QString takeAddresses(const Command &command, const QStringList &operands, Arguments *arguments)
+{
+    arguments->plantFile = arguments->value(ipOption);
+    arguments->operands = operands;
+    if (arguments->has(QStringLiteral("plant")) || arguments->has(deviceOption)
+        || arguments->has(itemOption) || operands.isEmpty())
+        return QStringLiteral("--ip takes at least one address, as in --ip 192.168.0.10 "
+                              "DM100:Short, and no --plant, --device or --item");
+    const bool writes = command.operands == Operands::PlantAndAssignments;
+    for (const QString &text : operands) {
+        const bool isRange = text.section(u'=', 0, 0).contains(u"..");
+        if (text.contains(u'=') != writes || (writes && isRange))
+            return QStringLiteral("%1 takes %2, not \"%3\"")
+                .arg(command.name,
+                     writes ? QStringLiteral("single addresses as DM100:Short=5")
+                            : QStringLiteral("addresses without a value"),
+                     text);
+    }
+    return {};
+}
+
 /// Stores the plant file and the other positional arguments. Returns their error; empty when there
 /// is none.
 QString takeOperands(const Command &command, QStringList operands, Arguments *arguments)
@@ -115,17 +138,8 @@ QString takeOperands(const Command &command, QStringList operands, Arguments *ar
         arguments->operands = operands;
         return operands.size() == 1 ? QString() : command.name + u" needs one file";
     }
-    if (arguments->has(ipOption)) {
-        arguments->plantFile = arguments->value(ipOption);
-        arguments->operands = operands;
-        if (arguments->has(QStringLiteral("plant")) || arguments->has(deviceOption)
-            || arguments->has(itemOption) || operands.isEmpty())
-            return QStringLiteral("--ip takes at least one address, as in --ip 192.168.0.10 "
-                                  "DM100:Short, and no --plant, --device or --item");
-        if (command.operands == Operands::Plant && operands.join(QString()).contains(u'='))
-            return command.name + u" takes addresses without a value";
-        return {};
-    }
+    if (arguments->has(ipOption))
+        return takeAddresses(command, operands, arguments);
     const bool hasPlant = !arguments->plantFile.isEmpty();
     if (command.operands != Operands::None && !hasPlant && !operands.isEmpty())
         arguments->plantFile = operands.takeFirst();
