@@ -42,6 +42,8 @@ if(KEYENCE_BUILD_TOOLS)
     set_target_properties(velhost PROPERTIES INSTALL_RPATH "$ORIGIN/../${tools_libraries}")
     install(TARGETS velhost kvsim DESTINATION bin COMPONENT tools)
     install(TARGETS vel LIBRARY DESTINATION ${tools_libraries} COMPONENT tools NAMELINK_SKIP)
+    # What is loaded into a host by its path.
+    install(TARGETS vel-trace DESTINATION lib/libkeyence-tools COMPONENT tools)
     install_pages(tools ${tools_pages})
     install(FILES docs/plant.schema.json DESTINATION ${tools_documents}/docs COMPONENT tools)
     install(DIRECTORY tools/completion/ DESTINATION share/bash-completion/completions COMPONENT tools)

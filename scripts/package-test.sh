@@ -11,6 +11,7 @@ scripts/install-packages.sh package-test
 version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' CMakeLists.txt)
 packages=$PWD/build/packages
 plugin=usr/lib/vel/plugins/libkeyence.so
+trace=usr/lib/libkeyence-tools/libvel-trace.so
 
 fail() {
     echo "package-test: $1" >&2
@@ -119,9 +120,12 @@ for architecture in "$@"; do
     ! dpkg-deb --contents "$packages/libkeyence_${version}_$architecture.deb" | grep libvel ||
         fail "the plug-in's package holds the stand-in"
 
-    for file in "$plugin" usr/bin/velhost usr/bin/kvsim usr/lib/libkeyence-tools/vel/libvel.so.1; do
+    for file in "$plugin" usr/bin/velhost usr/bin/kvsim usr/lib/libkeyence-tools/vel/libvel.so.1 "$trace"; do
         try_file "$root/deb/$file"
     done
+    # It is loaded into hosts that have nothing else.
+    needed=$(readelf --dynamic "$root/deb/$trace" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | tr '\n' ' ')
+    [ "$needed" = "libc.so.6 " ] || fail "$trace needs $needed"
     cmake -DFILE="$root/deb/$plugin" -DREADELF=readelf -DCEILING=tests/project/symbol_ceiling.txt \
         -P tests/project/symbol_ceiling.cmake
     try_programs "$root/deb"
