@@ -2,6 +2,7 @@
 
 #include "connections.h"
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 
@@ -82,9 +83,9 @@ template<auto *own, typename... Arguments>
 int selectAll(const char *name, int count, fd_set *readable, fd_set *writable, Arguments... more)
 {
     // The call changes the sets. The wait of more connections than these is not seen.
-    int watched[64];
-    int watchedCount = 0;
-    for (int i = 0; i < count && i < FD_SETSIZE && watchedCount < 64; ++i) {
+    std::array<int, 64> watched;
+    std::size_t watchedCount = 0;
+    for (int i = 0; i < count && i < FD_SETSIZE && watchedCount < watched.size(); ++i) {
         if (isTraced(i)
             && ((readable != nullptr && FD_ISSET(i, readable))
                 || (writable != nullptr && FD_ISSET(i, writable))))
@@ -92,7 +93,7 @@ int selectAll(const char *name, int count, fd_set *readable, fd_set *writable, A
     }
     const std::int64_t since = ticks();
     const int result = next<own>(name, count, readable, writable, more...);
-    for (int i = 0; i < watchedCount; ++i)
+    for (std::size_t i = 0; i < watchedCount; ++i)
         waitReturned(watched[i], result == 0, since);
     return result;
 }

@@ -19,20 +19,22 @@ constexpr int mostDescriptors = 4096;
 // A shorter wait is a look whether something is there.
 constexpr std::int64_t shortestTimeout = 1000;
 
+using PeerText = std::array<char, INET6_ADDRSTRLEN + IF_NAMESIZE + sizeof "[%]:65535">;
+
 struct Connection
 {
-    // 0: none.
-    std::atomic<unsigned int> number;
-    // Tells a socket from whatever else has got its descriptor.
-    ino_t node;
-    bool isConnecting;
-    bool awaitsAnswer;
     std::int64_t begun;
     std::int64_t waited;
-    char peer[INET6_ADDRSTRLEN + IF_NAMESIZE + sizeof "[%]:65535"];
+    // Tells a socket from whatever else has got its descriptor.
+    ino_t node;
+    // 0: none.
+    std::atomic<unsigned int> number;
+    bool isConnecting;
+    bool awaitsAnswer;
+    PeerText peer;
 };
 
-Connection connections[mostDescriptors];
+std::array<Connection, mostDescriptors> connections;
 Ports tracedPorts;
 Sink sinkOfAll = nullptr;
 unsigned int lastNumber = 0;
@@ -71,7 +73,7 @@ public:
     {
         if (!m_mayEnter || !isTraced(descriptor))
             return nullptr;
-        Connection &found = connections[descriptor];
+        Connection &found = connections[static_cast<std::size_t>(descriptor)];
         struct stat status = {};
         if (fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode)
             && status.st_ino == found.node)
@@ -113,31 +115,31 @@ void afterForkInChild()
 }
 
 // False for a peer that is not traced.
-bool readPeer(const sockaddr *address, socklen_t length, char *text)
+bool readPeer(const sockaddr *address, socklen_t length, PeerText *text)
 {
     if (address == nullptr || length < sizeof(sockaddr_in)
         || (address->sa_family != AF_INET && address->sa_family != AF_INET6))
         return false;
-    char host[INET6_ADDRSTRLEN + IF_NAMESIZE + 1];
-    char port[sizeof "65535"];
-    if (getnameinfo(address, length, host, sizeof host, port, sizeof port,
+    PeerText host;
+    std::array<char, sizeof "65535"> port;
+    if (getnameinfo(address, length, host.data(), host.size(), port.data(), port.size(),
                     NI_NUMERICHOST | NI_NUMERICSERV)
         != 0)
         return false;
-    const unsigned long number = std::strtoul(port, nullptr, 10);
+    const unsigned long number = std::strtoul(port.data(), nullptr, 10);
     if ((tracedPorts[number / 8] >> number % 8 & 1) == 0)
         return false;
     const bool isNew = address->sa_family == AF_INET6;
-    char *end = stpcpy(text, isNew ? "[" : "");
-    end = stpcpy(stpcpy(end, host), isNew ? "]:" : ":");
-    stpcpy(end, port);
+    char *end = stpcpy(text->data(), isNew ? "[" : "");
+    end = stpcpy(stpcpy(end, host.data()), isNew ? "]:" : ":");
+    stpcpy(end, port.data());
     return true;
 }
 
 void report(const Connection &connection, Event event)
 {
     event.connection = connection.number;
-    event.peer = connection.peer;
+    event.peer = connection.peer.data();
     sinkOfAll(event);
 }
 
@@ -191,7 +193,7 @@ bool isConnected(int descriptor)
 
 void trace(const Ports &ports, Sink sink)
 {
-    std::memcpy(tracedPorts, ports, sizeof tracedPorts);
+    tracedPorts = ports;
     pthread_atfork(beforeFork, afterFork, afterForkInChild);
     owner = getpid();
     sinkOfAll = sink;
@@ -207,7 +209,9 @@ std::int64_t ticks()
 bool isTraced(int descriptor)
 {
     return descriptor >= 0 && descriptor < mostDescriptors
-           && connections[descriptor].number.load(std::memory_order_relaxed) != 0;
+           && connections[static_cast<std::size_t>(descriptor)].number.load(
+                  std::memory_order_relaxed)
+                  != 0;
 }
 
 void connectReturned(int descriptor, const sockaddr *peer, socklen_t length, int error,
@@ -222,10 +226,10 @@ void connectReturned(int descriptor, const sockaddr *peer, socklen_t length, int
         int type = 0;
         socklen_t typeLength = sizeof type;
         struct stat status = {};
-        Connection &fresh = connections[descriptor];
+        Connection &fresh = connections[static_cast<std::size_t>(descriptor)];
         if (error == EISCONN || getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &typeLength) != 0
             || type != SOCK_STREAM || fstat(descriptor, &status) != 0
-            || !readPeer(peer, length, fresh.peer))
+            || !readPeer(peer, length, &fresh.peer))
             return;
         connection = &fresh;
         connection->number = ++lastNumber;

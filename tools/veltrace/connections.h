@@ -2,6 +2,8 @@
 
 #include "event.h"
 
+#include <array>
+
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -10,7 +12,7 @@
 
 /// From now on, connections to these ports are traced: `sink` gets their events. The ports are
 /// bits.
-using Ports = unsigned char[65536 / 8];
+using Ports = std::array<unsigned char, 65536 / 8>;
 void trace(const Ports &ports, Sink sink);
 
 /// Microseconds on a clock that only measures how long something takes.

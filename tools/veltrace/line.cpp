@@ -1,5 +1,6 @@
 #include "line.h"
 
+#include <array>
 #include <cstring>
 #include <ctime>
 
@@ -12,8 +13,8 @@ constexpr std::size_t mostEventBytes = 65536;
 // A byte takes six characters at most; the rest has room for all other members.
 constexpr std::size_t mostText = 6 * mostEventBytes + 1024;
 
-char text[mostText];
-char *end = text;
+std::array<char, mostText> text;
+char *end = text.data();
 
 void append(const char *part)
 {
@@ -23,9 +24,12 @@ void append(const char *part)
 // At least so many digits.
 void appendNumber(std::int64_t number, int digits = 1)
 {
-    if (number >= 10 || digits > 1)
-        appendNumber(number / 10, digits - 1);
-    *end++ = static_cast<char>('0' + number % 10);
+    std::array<char, 20> reversed;
+    int count = 0;
+    for (; number > 0 || count < digits; number /= 10)
+        reversed[static_cast<std::size_t>(count++)] = static_cast<char>('0' + number % 10);
+    while (count > 0)
+        *end++ = reversed[static_cast<std::size_t>(--count)];
 }
 
 void appendDate(std::int64_t daysSince1970)
@@ -97,17 +101,17 @@ void appendBytes(const iovec *part, std::size_t first, std::size_t count)
 
 void appendHead(const Event &event)
 {
-    append("{\"time\":\"");
+    append(R"({"time":")");
     appendTime();
-    append("\",\"process\":");
+    append(R"(","process":)");
     appendNumber(getpid());
-    append(",\"thread\":");
+    append(R"(,"thread":)");
     appendNumber(syscall(SYS_gettid));
-    append(",\"connection\":");
+    append(R"(,"connection":)");
     appendNumber(event.connection);
-    append(",\"peer\":\"");
+    append(R"(,"peer":")");
     append(event.peer);
-    append("\",\"event\":\"");
+    append(R"(","event":")");
     append(event.name);
     append("\"");
 }
@@ -118,22 +122,22 @@ Line lineOf(const Event &event, std::size_t first)
 {
     const std::size_t rest = event.size - first;
     const std::size_t count = rest < mostEventBytes ? rest : mostEventBytes;
-    end = text;
+    end = text.data();
     appendHead(event);
     if (event.outcome != nullptr) {
-        append(",\"outcome\":\"");
+        append(R"(,"outcome":")");
         append(event.outcome);
         append("\"");
     }
     if (event.waited >= 0) {
-        append(",\"waited_us\":");
+        append(R"(,"waited_us":)");
         appendNumber(event.waited);
     }
     if (count > 0) {
-        append(",\"bytes\":\"");
+        append(R"(,"bytes":")");
         appendBytes(event.parts, first, count);
         append("\"");
     }
     append("}\n");
-    return {text, static_cast<std::size_t>(end - text), count};
+    return {text.data(), static_cast<std::size_t>(end - text.data()), count};
 }

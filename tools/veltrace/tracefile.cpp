@@ -4,6 +4,7 @@
 #include "connections.h"
 #include "line.h"
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -18,8 +19,8 @@
 
 namespace {
 
-char fileName[PATH_MAX];
-char previousName[PATH_MAX + 2];
+std::array<char, PATH_MAX> fileName;
+std::array<char, PATH_MAX + 2> previousName;
 int file = -1;
 // Tells the file from what the host opens under its number, after it has closed all that there are.
 dev_t device;
@@ -66,8 +67,8 @@ int highNumber(int descriptor)
 bool openFile()
 {
     // A pipe that nobody reads must not stop the host.
-    const int opened
-        = open(fileName, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
+    const int opened = open(
+        fileName.data(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
     struct stat status = {};
     if (opened < 0 || fstat(opened, &status) != 0)
         return false;
@@ -93,7 +94,8 @@ bool beginNewFile()
     struct stat status = {};
     close(file);
     file = -1;
-    if (stat(fileName, &status) == 0 && isSameFile(status) && rename(fileName, previousName) != 0)
+    if (stat(fileName.data(), &status) == 0 && isSameFile(status)
+        && rename(fileName.data(), previousName.data()) != 0)
         return false;
     return openFile();
 }
@@ -185,25 +187,25 @@ Setting openNamedFile()
     const char *const value = valueOf("VEL_TRACE", "");
     if (*value == '\0')
         return {value, "VEL_TRACE names no file"};
-    if (std::strlen(value) >= sizeof fileName)
+    if (std::strlen(value) >= fileName.size())
         return {value, strerrordesc_np(ENAMETOOLONG)};
-    std::strcpy(fileName, value);
+    stpcpy(fileName.data(), value);
     if (!openFile())
         return {value, strerrordesc_np(errno)};
-    char whole[PATH_MAX];
-    if (realpath(value, whole) != nullptr)
-        std::strcpy(fileName, whole);
-    stpcpy(stpcpy(previousName, fileName), ".1");
+    std::array<char, PATH_MAX> whole;
+    if (realpath(value, whole.data()) != nullptr)
+        fileName = whole;
+    stpcpy(stpcpy(previousName.data(), fileName.data()), ".1");
     return {};
 }
 
 void complain(const Setting &setting)
 {
-    char text[PATH_MAX + 200];
-    char *end = stpcpy(text, "libvel-trace: nothing is traced: ");
+    std::array<char, PATH_MAX + 200> text;
+    char *end = stpcpy(text.data(), "libvel-trace: nothing is traced: ");
     end = stpcpy(stpcpy(end, setting.problem), ": ");
     end = stpcpy(stpncpy(end, setting.value, PATH_MAX), "\n");
-    writeQuietly(STDERR_FILENO, text, static_cast<std::size_t>(end - text));
+    writeQuietly(STDERR_FILENO, text.data(), static_cast<std::size_t>(end - text.data()));
 }
 
 [[gnu::constructor]] void begin()
