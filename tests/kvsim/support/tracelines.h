@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QStringBuilder>
 
 /// A line of a wire trace. `members` follow the event.
 inline QByteArray traceEvent(const QByteArray &peer, int connection, const QByteArray &event,

@@ -1,7 +1,6 @@
 #include "controller/controller.h"
 
 #include "memory/datatype.h"
-#include "memory/number.h"
 
 namespace {
 
@@ -26,39 +25,30 @@ QByteArray countersText(const Controller &controller)
     return text;
 }
 
-/// Reads "5" as one word, or one bit. Returns an empty text, or what is wrong.
-QString readPlain(const QByteArray &text, DeviceKind kind, QVector<quint16> *values)
+/// Reads "5" as one word, or one bit, and "3.14 Float" as the words of its type. Returns an empty
+/// text, or what to write instead.
+QString readValue(const QByteArray &text, DeviceKind kind, QVector<quint16> *values)
 {
-    const std::optional<quint16> value = parseWord(text);
-    if (!value || *value > maximumValue(kind))
-        return QStringLiteral("a number from %1 to %2")
-            .arg(kind == DeviceKind::Bit ? 0 : -32768)
-            .arg(maximumValue(kind));
-    values->append(*value);
-    return {};
-}
-
-/// The same for the words of "3.14 Float".
-QString readTyped(const QByteArray &text, DeviceKind kind, QVector<quint16> *values)
-{
+    const bool isBit = kind == DeviceKind::Bit;
+    const DataType plain{"", 1, 10, isBit ? 0 : -32768, maximumValue(kind)};
+    int end = text.indexOf(' ');
+    const DataType *type = end < 0 ? &plain : dataType(text.mid(end + 1));
     // A text may have blanks, and so may the name of a type.
-    for (int blank = text.indexOf(' '); blank >= 0; blank = text.indexOf(' ', blank + 1)) {
-        const DataType *type = dataType(text.mid(blank + 1));
-        if (!type)
-            continue;
-        if (kind == DeviceKind::Bit)
-            return QStringLiteral("a number from 0 to 1, without a type");
-        if (const std::optional<QVector<quint16>> words = wordsOf(*type, text.left(blank))) {
-            *values = *words;
-            return {};
-        }
-        if (type->base == 0)
-            return QStringLiteral("a number such as 3.14");
-        return QStringLiteral("a number from %1 to %2")
-            .arg(QString::number(type->minimum, type->base),
-                 QString::number(type->maximum, type->base).toUpper());
-    }
-    return u"behind the value one of these types: " + QString::fromLatin1(dataTypeNames());
+    while (!type && (end = text.indexOf(' ', end + 1)) >= 0)
+        type = dataType(text.mid(end + 1));
+    if (!type)
+        return u"behind the value one of these types: " + QString::fromLatin1(dataTypeNames());
+    if (isBit && type != &plain)
+        return QStringLiteral("a number from 0 to 1, without a type");
+    const std::optional<QVector<quint16>> words = wordsOf(*type, text.mid(0, end));
+    *values = words.value_or(QVector<quint16>());
+    if (words)
+        return {};
+    if (type->base == 0)
+        return QStringLiteral("a number such as 3.14");
+    return QStringLiteral("a number from %1 to %2")
+        .arg(QString::number(type->minimum, type->base),
+             QString::number(type->maximum, type->base).toUpper());
 }
 
 /// What storeText() stores. Returns an empty text, or what is wrong.
@@ -69,9 +59,8 @@ QString readStored(const Memory &memory, const QByteArray &address, const QByteA
     if (!first)
         return QStringLiteral("'%1' is no address that exists; write one such as DM100 or R015")
             .arg(QString::fromUtf8(address));
-    const auto read = text.contains(' ') ? readTyped : readPlain;
     QVector<quint16> values;
-    const QString expected = read(text, first->device->kind, &values);
+    const QString expected = readValue(text, first->device->kind, &values);
     if (!expected.isEmpty())
         return QStringLiteral("'%1' is no value for %2; write %3")
             .arg(QString::fromUtf8(text), QString::fromUtf8(address), expected);

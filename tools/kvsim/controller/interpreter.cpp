@@ -35,6 +35,16 @@ std::optional<quint32> parseCount(const QByteArray &text)
     return valid ? count : std::nullopt;
 }
 
+/// Decimal text from -32768 to 65535; a negative number is kept as its two's complement.
+std::optional<quint16> parseWord(const QByteArray &text)
+{
+    const bool negative = text.startsWith('-');
+    const std::optional<quint32> magnitude = parseNumber(negative ? text.mid(1) : text, 10);
+    if (!magnitude || *magnitude > (negative ? 32768 : 65535))
+        return std::nullopt;
+    return static_cast<quint16>(negative ? 65536 - *magnitude : *magnitude);
+}
+
 std::optional<QVector<quint16>> parseValues(DeviceKind kind, const QList<QByteArray> &texts)
 {
     QVector<quint16> values;

@@ -14,12 +14,3 @@ std::optional<quint32> parseNumber(const QByteArray &text, int base)
     const quint32 number = text.toUInt(&ok, base);
     return ok ? std::make_optional(number) : std::nullopt;
 }
-
-std::optional<quint16> parseWord(const QByteArray &text)
-{
-    const bool negative = text.startsWith('-');
-    const std::optional<quint32> magnitude = parseNumber(negative ? text.mid(1) : text, 10);
-    if (!magnitude || *magnitude > (negative ? 32768 : 65535))
-        return std::nullopt;
-    return static_cast<quint16>(negative ? 65536 - *magnitude : *magnitude);
-}

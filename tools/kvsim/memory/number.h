@@ -7,7 +7,3 @@
 /// The value of `text`, digits of `base` (10 or 16, upper case) and nothing else: no sign, no
 /// blank, no prefix. Leading zeros are fine. Nothing when it is no such text or over 32 bits.
 std::optional<quint32> parseNumber(const QByteArray &text, int base);
-
-/// The word that decimal text from -32768 to 65535 means; a negative number is kept as its two's
-/// complement. Nothing for any other text.
-std::optional<quint16> parseWord(const QByteArray &text);
