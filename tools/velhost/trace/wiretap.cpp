@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <utility>
 
 #include <sys/syscall.h>
@@ -56,7 +55,7 @@ void traceAllPorts()
     if (isTracing)
         return;
     isTracing = true;
-    std::memset(ports, 0xff, sizeof ports);
+    ports.fill(0xff);
     trace(ports, takeEvent);
 }
 
