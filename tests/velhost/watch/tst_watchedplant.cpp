@@ -29,9 +29,9 @@ WatchedDevice deviceAfter(const QStringList &cycles)
 {
     WatchedDevice device;
     for (const QString &cycle : cycles) {
-        DeviceReport report = cycleOf(cycle);
+        const DeviceReport report = cycleOf(cycle);
         device.items.resize(static_cast<std::size_t>(report.values.size()));
-        addReport(&report, 0, &device);
+        addReport(report, 0, &device);
     }
     return device;
 }
@@ -132,7 +132,7 @@ void tst_WatchedPlant::deviceError()
     WatchedDevice device = deviceAfter({text(",,")});
     DeviceReport report = cycleOf(text(",,"));
     report.error = text("not connected");
-    addReport(&report, 0, &device);
+    addReport(report, 0, &device);
     QVERIFY(!device.isWell());
     QCOMPARE(device.outageCause().item, QString());
     QCOMPARE(device.outageCause().error, text("not connected"));

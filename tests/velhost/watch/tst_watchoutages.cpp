@@ -142,13 +142,18 @@ void tst_WatchOutages::onScreen()
     QVERIFY(watch.waitFor("Device  Out from  To  Cycles  Item  First cause"));
     controller.reset();
     QVERIFY(watch.waitFor("  still  "));
-    QVERIFY(watch.waitFor("  A     No data received - "));
+    QVERIFY(watch.waitFor(end));
+    // Which item it is, and how it fails, depends on the moment.
+    const QByteArray before = lastDrawing(watch.output()).value(2).simplified();
+    const QByteArray cause = before.mid(before.lastIndexOf(" still ")).split(' ').mid(3).join(' ');
+    QVERIFY2(cause.size() > 10, before.constData());
     controller = std::make_unique<SimulatorThread>(QHostAddress(QHostAddress::LocalHost),
                                                    static_cast<quint16>(port));
     QVERIFY(controller->isListening());
     while (lastDrawing(watch.output()).join().contains("  still  "))
         QVERIFY(watch.waitFor(end));
-    QVERIFY(lastDrawing(watch.output()).join().contains("  A     No data received - "));
+    const QByteArray after = lastDrawing(watch.output()).value(2).simplified();
+    QVERIFY2(after.endsWith(cause), after.constData());
     watch.type("o");
     QVERIFY(watch.waitFor("Press   C "));
     watch.type("q");
@@ -177,7 +182,7 @@ void tst_WatchOutages::keepsLatest()
     QCOMPARE(outageRows(outages).size(), 1 + 999);
     addOutages(2);
     QCOMPARE(outages.size(), 1000);
-    QCOMPARE(outageRows(outages).last(),
+    QCOMPARE(outageRows(outages).constLast(),
              QStringList({{}, {}, {}, {}, {}, text("only the latest are kept")}));
     QCOMPARE(outages.first().device, text("Oven"));
     QCOMPARE(outages.first().from, start);

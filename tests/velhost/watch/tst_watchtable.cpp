@@ -251,7 +251,7 @@ void tst_WatchTable::oldLogEntries()
 
     std::vector<WatchedDevice> devices = pressWith(1);
     devices.at(0).consequence = text("closed");
-    devices.push_back(WatchedDevice());
+    devices.emplace_back();
     devices.at(1).name = text("Oven");
     const QStringList lines = screen(devices, {100, 24}, Marking::None,
                                      {{{LogEntry::Level::Error, entry, device, 1}, 1}});

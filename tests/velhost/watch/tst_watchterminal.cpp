@@ -197,7 +197,7 @@ void tst_WatchTerminal::logBelow()
     const QByteArray entry = ": [RD DM70000\\r] <A> :invalid address";
     QVERIFY(watch.waitFor("  log error: Press, cycle "));
     QVERIFY(watch.waitFor(entry + " (x "));
-    const QByteArray lastLine = lastDrawing(watch.output()).last();
+    const QByteArray lastLine = lastDrawing(watch.output()).constLast();
     const QRegularExpression form(text("^[0-9:]{8}\\.[0-9]{3}  log error: Press, cycle [0-9]+: "));
     QVERIFY2(form.match(QString::fromUtf8(lastLine)).hasMatch(), lastLine.constData());
     watch.type("\x03");

@@ -101,7 +101,7 @@ ScreenSize TerminalScreen::size()
     return {std::max(window.ws_col - 1, 1), window.ws_row};
 }
 
-void TerminalScreen::draw(const QString &lines)
+void TerminalScreen::draw(const QString &lines) const
 {
     if (isAway)
         return;

@@ -31,7 +31,7 @@ public:
 
     /// Shows only these lines, separated by line feeds, from the top. They must fit into the size
     /// and have no control characters but colour sequences.
-    void draw(const QString &lines);
+    void draw(const QString &lines) const;
 
     /// Standard input, to wait for keys there; -1 while it gives none: it is no terminal, or the
     /// program is in the background, where reading would stop it.

@@ -23,7 +23,7 @@ Items::const_iterator firstOfLost(const Items &items)
 /// one its consequence. Errors that are no more than one stand for themselves.
 void findConsequences(WatchedDevice *device)
 {
-    const Items::const_iterator cause = firstOfLost(device->items);
+    const auto cause = firstOfLost(device->items);
     QHash<QString, int> counts;
     for (auto item = cause; item != device->items.cend(); ++item)
         ++counts[reasonOf(item->last)];

@@ -15,12 +15,12 @@ struct Move
 };
 
 /// Cursor keys have two forms, after the terminal's mode.
-constexpr std::array<Move, 6> moves{{{QLatin1String("\x1b[A"), -1, 0},
-                                     {QLatin1String("\x1bOA"), -1, 0},
-                                     {QLatin1String("\x1b[B"), 1, 0},
-                                     {QLatin1String("\x1bOB"), 1, 0},
-                                     {QLatin1String("\x1b[5~"), 0, -1},
-                                     {QLatin1String("\x1b[6~"), 0, 1}}};
+const std::array<Move, 6> moves{{{QLatin1String("\x1b[A"), -1, 0},
+                                 {QLatin1String("\x1bOA"), -1, 0},
+                                 {QLatin1String("\x1b[B"), 1, 0},
+                                 {QLatin1String("\x1bOB"), 1, 0},
+                                 {QLatin1String("\x1b[5~"), 0, -1},
+                                 {QLatin1String("\x1b[6~"), 0, 1}}};
 
 } // namespace
 
