@@ -148,8 +148,8 @@ void tst_Server::clientThatDoesNotRead()
 
     qint64 mostUnsent = 0;
     int answers = 0;
-    controller.traced = [&](const QByteArray &, TraceEvent event, const QByteArray &) {
-        answers += event == TraceEvent::Sent;
+    controller.traced = [&](const QByteArray &, ClientEvent event, const QByteArray &) {
+        answers += event == ClientEvent::Sent;
         mostUnsent = std::max(mostUnsent, server.findChild<QTcpSocket *>()->bytesToWrite());
     };
 
@@ -178,7 +178,7 @@ void tst_Server::tracedEvents()
     Server server(&controller);
     QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
     QByteArrayList events;
-    controller.traced = [&](const QByteArray &client, TraceEvent event, const QByteArray &bytes) {
+    controller.traced = [&](const QByteArray &client, ClientEvent event, const QByteArray &bytes) {
         events.append(client + ' ' + static_cast<char>(event) + ' ' + bytes);
     };
 

@@ -69,7 +69,7 @@ void tst_Trace::trace()
 {
     const QDateTime time(QDate(2024, 5, 1), QTime(8, 2, 3, 45));
     const QByteArray expected("2024-05-01T08:02:03.045 127.0.0.1:40000 > RD DM1\\r\n");
-    QCOMPARE(traceLine(time, "127.0.0.1:40000", TraceEvent::Received, "RD DM1\r"), expected);
+    QCOMPARE(traceLine(time, "127.0.0.1:40000", ClientEvent::Received, "RD DM1\r"), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_Trace)

@@ -15,8 +15,8 @@ void SimulatorErrands::waitForResume()
 SimulatorThread::SimulatorThread(const QHostAddress &address, quint16 port, QObject *parent)
     : QThread(parent), m_address(address), m_port(port)
 {
-    m_controller.traced = [this](const QByteArray &, TraceEvent event, const QByteArray &bytes) {
-        if (event == TraceEvent::Received)
+    m_controller.traced = [this](const QByteArray &, ClientEvent event, const QByteArray &bytes) {
+        if (event == ClientEvent::Received)
             recordCommand(bytes);
     };
     m_errands.moveToThread(this);

@@ -82,7 +82,7 @@ QString readStored(const Memory &memory, const QByteArray &address, const QByteA
 Reply replyTo(const QByteArray &client, const Line &line, Controller *controller,
               QByteArray *previous)
 {
-    controller->traced(client, TraceEvent::Received, line.ended ? line.text + '\r' : line.text);
+    controller->traced(client, ClientEvent::Received, line.ended ? line.text + '\r' : line.text);
     const Reply reply
         = controller->replay
               ? replayed(line, controller->replay.get())
@@ -90,7 +90,7 @@ Reply replyTo(const QByteArray &client, const Line &line, Controller *controller
     if (!reply.answer.isEmpty())
         *previous = reply.answer;
     if (!reply.fault.isEmpty())
-        controller->traced(client, TraceEvent::Fault, reply.fault);
+        controller->traced(client, ClientEvent::Fault, reply.fault);
     const QByteArray bytes = reply.bytes();
     Counters &counters = controller->counters;
     ++counters.commands;

@@ -23,7 +23,7 @@ struct Counters
 };
 
 /// What happens to a client, each with the sign that a trace shows.
-enum class TraceEvent : char {
+enum class ClientEvent : char {
     Connected = '+',
     Received = '>',
     Fault = '!',
@@ -46,8 +46,8 @@ struct Controller
     /// Called for each event at its time; set it before clients come. `client` is the client's
     /// address and port, with "/udp" behind for a datagram. `bytes` are those of the command or the
     /// answer, the fault as it was written, or a text.
-    std::function<void(const QByteArray &client, TraceEvent event, const QByteArray &bytes)> traced
-        = [](const QByteArray &, TraceEvent, const QByteArray &) {};
+    std::function<void(const QByteArray &client, ClientEvent event, const QByteArray &bytes)> traced
+        = [](const QByteArray &, ClientEvent, const QByteArray &) {};
 };
 
 /// One of the controllers of a program.

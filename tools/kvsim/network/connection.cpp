@@ -121,7 +121,7 @@ void Connection::perform(const Action &action)
     switch (action.kind) {
     case Action::Kind::Send:
         m_socket->write(action.bytes);
-        m_controller->traced(m_client, TraceEvent::Sent, action.bytes);
+        m_controller->traced(m_client, ClientEvent::Sent, action.bytes);
         // Each part of an answer leaves by itself.
         if (!m_pendingActions.isEmpty())
             m_socket->flush();

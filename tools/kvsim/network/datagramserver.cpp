@@ -144,6 +144,6 @@ void DatagramServer::sendDue(const std::shared_ptr<PendingAnswer> &pending)
         const QByteArray bytes = datagram.bytes.left(largestDatagram);
         m_socket->writeDatagram(bytes, question.senderAddress(),
                                 static_cast<quint16>(question.senderPort()));
-        m_controller->traced(clientOf(question), TraceEvent::Sent, bytes);
+        m_controller->traced(clientOf(question), ClientEvent::Sent, bytes);
     }
 }

@@ -63,16 +63,16 @@ void Server::accept(QTcpSocket *socket)
 {
     ++m_controller->counters.clients;
     const QByteArray client = endpointText(socket->peerAddress(), socket->peerPort());
-    m_controller->traced(client, TraceEvent::Connected, "connected");
+    m_controller->traced(client, ClientEvent::Connected, "connected");
     connect(socket, &QTcpSocket::disconnected, this, [this, client, socket] {
         const bool byClient = socket->error() == QAbstractSocket::RemoteHostClosedError;
-        m_controller->traced(client, TraceEvent::Closed,
+        m_controller->traced(client, ClientEvent::Closed,
                              byClient ? "closed by the client" : "closed");
     });
     QByteArray fault;
     const Welcome welcome = m_controller->faults.welcome(m_connections.size(), &fault);
     if (!fault.isEmpty())
-        m_controller->traced(client, TraceEvent::Fault, fault);
+        m_controller->traced(client, ClientEvent::Fault, fault);
     if (welcome == Welcome::Reset) {
         resetConnection(socket);
         socket->deleteLater();

@@ -63,7 +63,7 @@ QDateTime localTime()
     return QDateTime::fromMSecsSinceEpoch(now + qint64(local.tm_gmtoff) * 1000, Qt::UTC);
 }
 
-QByteArray traceLine(const QDateTime &time, const QByteArray &client, TraceEvent event,
+QByteArray traceLine(const QDateTime &time, const QByteArray &client, ClientEvent event,
                      const QByteArray &bytes)
 {
     return timeText(time) + ' ' + client + ' ' + static_cast<char>(event) + ' ' + escaped(bytes)

@@ -4,7 +4,7 @@
 
 class QDateTime;
 
-enum class TraceEvent : char;
+enum class ClientEvent : char;
 
 /// `bytes` as printable ASCII: "\r", "\n", "\\" and, for anything else outside 0x20 to 0x7E, "\x"
 /// with two hexadecimal digits.
@@ -15,5 +15,5 @@ QByteArray escaped(const QByteArray &bytes);
 QDateTime localTime();
 
 /// The line for an event: the time to the millisecond, the client, the event's sign and the bytes.
-QByteArray traceLine(const QDateTime &time, const QByteArray &client, TraceEvent event,
+QByteArray traceLine(const QDateTime &time, const QByteArray &client, ClientEvent event,
                      const QByteArray &bytes);

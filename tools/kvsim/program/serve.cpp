@@ -30,7 +30,7 @@ void traceClients(const NamedControllers &controllers)
     for (const NamedController &named : controllers) {
         const QByteArray prefix = controllers.size() > 1 ? named.name + ' ' : QByteArray();
         named.controller->traced
-            = [prefix](const QByteArray &client, TraceEvent event, const QByteArray &bytes) {
+            = [prefix](const QByteArray &client, ClientEvent event, const QByteArray &bytes) {
                   const QByteArray line = traceLine(localTime(), prefix + client, event, bytes);
                   std::fputs(line.constData(), stderr);
               };
