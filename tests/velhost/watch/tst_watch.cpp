@@ -89,7 +89,7 @@ void tst_Watch::endsByItself()
              text("Time                           Device  Item     Value       Error\n"
                   "T  Press   Counter  7\n"));
     QCOMPARE(result.errors.section(u'\n', 0, 0),
-             text("Device  Cycles  Failed  Reads  Errors  Wrong  p50 ms  p99 ms  Max ms"));
+             text("Device  Cycles  Failed  Reads  Errors  Wrong  Suspect  p50 ms  p99 ms  Max ms"));
     QCOMPARE(counts(result.errors), text("Press 1 0 1 0 0").split(u' '));
     QCOMPARE(result.exitCode, 0);
 }
@@ -220,7 +220,8 @@ void tst_Watch::json()
                                    {text("failed"), 0},
                                    {text("reads"), 2},
                                    {text("errors"), 1},
-                                   {text("wrong"), 1}}));
+                                   {text("wrong"), 1},
+                                   {text("suspect"), 0}}));
     QCOMPARE(result.exitCode, 1);
 }
 
