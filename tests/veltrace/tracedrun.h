@@ -62,6 +62,6 @@ inline QStringList tracedLines(const QList<const char *> &events)
 {
     QStringList lines;
     for (const char *const event : events)
-        lines.append(text("{\"connection\":1,\"peer\":\"PEER\",\"event\":") + text(event) + u'}');
+        lines.append(text(R"({"connection":1,"peer":"PEER","event":)") + text(event) + u'}');
     return lines;
 }

@@ -18,6 +18,11 @@ class tst_TraceFile : public QObject
 {
     Q_OBJECT
 
+    ProgramRun runTraced(const QStringList &actions, QMap<QString, QString> settings) const;
+    void compareToPlain(const ProgramRun &traced, const QStringList &actions) const;
+
+    SimulatorThread m_simulator;
+
 private Q_SLOTS:
     void initTestCase();
     void fullDisk();
@@ -35,16 +40,14 @@ private Q_SLOTS:
     void signalHandler();
     void brokenSettings_data();
     void brokenSettings();
-
-private:
-    QString fileIn(const QTemporaryDir &folder) const { return folder.filePath(text("trace")); }
-    ProgramRun runTraced(const QStringList &actions, QMap<QString, QString> settings) const;
-    void compareToPlain(const ProgramRun &traced, const QStringList &actions) const;
-
-    SimulatorThread m_simulator;
 };
 
 namespace {
+
+QString fileIn(const QTemporaryDir &folder)
+{
+    return folder.filePath(text("trace"));
+}
 
 QStringList manyExchanges(int count)
 {
@@ -59,7 +62,7 @@ QByteArray available(int descriptor)
 {
     std::array<char, 100000> buffer{};
     const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
-    return QByteArray(buffer.data(), static_cast<int>(std::max(count, ssize_t(0))));
+    return {buffer.data(), static_cast<int>(std::max(count, ssize_t(0)))};
 }
 
 // The events of each connection, one after the other, by process and number; nothing when a line is
@@ -67,8 +70,9 @@ QByteArray available(int descriptor)
 QMap<QString, QStringList> eventsOf(const QByteArray &trace)
 {
     QMap<QString, QStringList> events;
-    const QByteArrayList lines = trace.split('\n');
-    for (const QByteArray &line : lines.mid(0, lines.size() - 1)) {
+    QByteArrayList lines = trace.split('\n');
+    lines.removeLast();
+    for (const QByteArray &line : qAsConst(lines)) {
         const QJsonObject object = QJsonDocument::fromJson(line).object();
         if (object.isEmpty())
             return {};
@@ -188,7 +192,7 @@ void tst_TraceFile::sizeLimit()
         QVERIFY(trace.isEmpty() || eventsOf(trace).size() == 1);
     }
     // Nothing is missing between the two.
-    const QStringList all = eventsOf(before + newest).first();
+    const QStringList all = eventsOf(before + newest).values().value(0);
     if (size > 1)
         QCOMPARE(all.count(text("sent")) - all.count(text("received")),
                  all.first() == text("received") ? -1 : 0);

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void verdicts();
     void selfAddressed_data();
     void selfAddressed();
+    void selfAddressedBehindACut();
 };
 
 namespace {
@@ -56,7 +57,7 @@ void tst_Conversation::verdicts_data()
     QTest::newRow("a cut answer, its rest, and the answers behind them")
         << QStringList{first, text("< 0000"),      second, text("< 7\r\n"),
                        third, text("< 00008\r\n"), first,  text("< 00009\r\n")}
-        << QStringList{cut, text("\"7\" is not five digits; it begins with the answer to RD D7\\r"),
+        << QStringList{cut, text(R"("7" is not five digits; it begins with the answer to RD D7\r)"),
                        text("this is the answer to RD D8\\r"),
                        text("this is the answer to RD D9\\r")};
     QTest::newRow("a rest that comes with the next answer")
@@ -120,6 +121,16 @@ void tst_Conversation::selfAddressed()
     QFETCH(const QString, answer);
     QFETCH(const QString, text);
     QCOMPARE(verdictsOn({u"> " + command, u"< " + answer}, true), QStringList{text});
+}
+
+// Whose answer it is says more than that it is none of this command.
+void tst_Conversation::selfAddressedBehindACut()
+{
+    QCOMPARE(verdictsOn({text("> RD D7\r"), text("< 0000"), text("> RD D8\r"), text("< 7\r\n"),
+                         text("> RD D9\r"), text("< 00008\r\n")},
+                        true)
+                 .value(2),
+             text("this is the answer to RD D8\\r"));
 }
 
 QTEST_APPLESS_MAIN(tst_Conversation)

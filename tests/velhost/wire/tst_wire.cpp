@@ -44,8 +44,8 @@ ProgramRun wire(const QString &file, const QStringList &options = {})
 QStringList shownLines(const QString &output)
 {
     static const QRegularExpression head(
-        text("^[0-9-]{10}T[0-9:]{8}\\.[0-9]{3}Z #1 127\\.0\\.0\\.1:[0-9]+ "));
-    static const QRegularExpression wait(text("  [0-9]+\\.[0-9]{3} ms"));
+        text(R"(^[0-9-]{10}T[0-9:]{8}\.[0-9]{3}Z #1 127\.0\.0\.1:[0-9]+ )"));
+    static const QRegularExpression wait(text(R"(  [0-9]+\.[0-9]{3} ms)"));
     QStringList lines = output.split(u'\n', Qt::SkipEmptyParts);
     for (QString &line : lines)
         line.remove(head).remove(wait);
@@ -77,14 +77,14 @@ void tst_Wire::faults_data()
     row("dribble=20", "0", cut);
     row("no-terminator", "00100", cut);
     row("empty", "\\r\\n", "0 instead of 1 words");
-    row("nul", "00\\x0000\\r\\n", "\"00\\x0000\" is not five digits");
+    row("nul", R"(00\x0000\r\n)", R"("00\x0000" is not five digits)");
     row("long=19", "00100 00100 00100\\r\\n", "3 instead of 1 words");
     row("short-answer", "\\r\\n", "0 instead of 1 words");
     row("extra-word", "00100 65535\\r\\n", "2 instead of 1 words");
-    row("not-a-number", "*****\\r\\n", "\"*****\" is not five digits");
+    row("not-a-number", "*****\\r\\n", R"("*****" is not five digits)");
     row("duplicate", "00100\\r\\n00100\\r\\n", "2 lines: what is not of this answer came first");
-    row("previous-answer", "00007\\r\\n",
-        "not \"00100\" as expected: the answer to another command?");
+    row("previous-answer", R"(00007\r\n)",
+        R"(not "00100" as expected: the answer to another command?)");
     row("close=in", "001", cut);
 }
 
@@ -163,7 +163,8 @@ void tst_Wire::laterRun()
                           + line("1", R"("event":"received","waited_us":0,"bytes":"00007\r\n")")));
     const ProgramRun run = wire(file);
     QStringList numbers;
-    for (const QString &shown : run.output.split(u'\n').mid(0, 7))
+    const QStringList lines = run.output.split(u'\n').mid(0, 7);
+    for (const QString &shown : lines)
         numbers.append(shown.section(u' ', 1, 1));
     QCOMPARE(numbers, (QStringList{text("#1"), text("#2"), text("#1"), text("#2"), text("#3"),
                                    text("#2"), text("#3")}));

@@ -21,7 +21,7 @@ qint64 readTime(const QJsonValue &value, QList<Problem> *errors)
     const QString text = readText(value, QStringLiteral("time"), errors);
     const QDateTime seconds = QDateTime::fromString(text.left(19) + u'Z', Qt::ISODate);
     bool isNumber = false;
-    const int fraction = text.mid(20, 6).toInt(&isNumber);
+    const int fraction = text.midRef(20, 6).toInt(&isNumber);
     const bool isTime = seconds.isValid() && isNumber && fraction >= 0 && text.size() == 27
                         && text.at(19) == u'.' && text.endsWith(u'Z');
     if (value.isString() && !isTime)

@@ -51,6 +51,8 @@ Verdict WireOutput::judge(const TraceEvent &event)
 
 void WireOutput::show(const TraceEvent &event, const Place &place, const Verdict &verdict)
 {
+    if (!m_prints && !m_file.isOpen())
+        return;
     QList<JsonMember> members = wireMembers(event);
     if (!place.device.isEmpty())
         members += {{"cycle", place.cycle}, {"device", place.device}};
@@ -59,7 +61,7 @@ void WireOutput::show(const TraceEvent &event, const Place &place, const Verdict
     if (isSuspect(verdict))
         members.append({"suspect", verdict.text});
     if (m_file.isOpen())
-        m_file.write(jsonObject(members).toUtf8() + '\n');
+        m_file.write(wireLine(members));
     if (!m_prints)
         return;
     if (m_format == OutputFormat::Json) {

@@ -30,7 +30,7 @@ QByteArray selfAddressedAnswer(const QByteArray &command)
 Verdict withOwner(const Verdict &verdict, const QByteArray &owner)
 {
     const QString command = visible(QString::fromLatin1(owner));
-    if (!isSuspect(verdict))
+    if (!isSuspect(verdict) || verdict.kind == Verdict::Kind::OtherValue)
         return {Verdict::Kind::OtherValue, u"this is the answer to " + command};
     return {verdict.kind, verdict.text + u"; it begins with the answer to " + command};
 }

@@ -53,3 +53,16 @@ QList<JsonMember> wireMembers(const TraceEvent &event)
         members.append({"bytes", latin1(event.bytes)});
     return members;
 }
+
+QByteArray wireLine(const QList<JsonMember> &members)
+{
+    QByteArray line;
+    const QString json = jsonObject(members);
+    for (const QChar character : json) {
+        if (character <= u'~')
+            line += character.toLatin1();
+        else
+            line += "\\u" + QByteArray::number(character.unicode(), 16).rightJustified(4, '0');
+    }
+    return line + '\n';
+}

@@ -5,6 +5,7 @@
 #include <common/json/json.h>
 #include <common/trace/trace.h>
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 
@@ -14,3 +15,6 @@ QString wireText(const TraceEvent &event, const Verdict &verdict);
 
 /// The event's members in a line of a wire trace; see docs/wire-trace.md.
 QList<JsonMember> wireMembers(const TraceEvent &event);
+
+/// Such a line, with its line feed. Whatever is not ASCII is escaped.
+QByteArray wireLine(const QList<JsonMember> &members);
