@@ -1,6 +1,7 @@
 #!/bin/sh
 # Shows the plug-in at work without hardware: builds it, starts a simulated controller, loads the plug-in the
-# way a host does, plans, reads and writes every data type, breaks the connection, and checks what came of it.
+# way a host does, plans, reads and writes every data type, breaks the connection, cuts an answer, and checks what
+# came of it.
 #
 # With DEMO_BIN, the folder of an installed velhost and kvsim, nothing is built. DEMO_EXAMPLES is the folder of
 # the plant files, DEMO_WORK one for what is written, and DEMO_RUNNER what stands before each program, such as
@@ -131,6 +132,21 @@ diff - "$work/short.txt" <<'VALUES' || fail "Short did not come back"
 3: -1234 
 VALUES
 kvsim_ctl clear
+
+title "An answer comes cut: a wrong value without an error, and the trace that catches it"
+kvsim_ctl fault split=4,20@DM201@nth=1
+status=0
+velhost read "$work/demo-plant.json" --item Short --trace >"$work/cut.txt" 2>&1 || status=$?
+cat "$work/cut.txt"
+[ "$status" -eq 1 ] || fail "a suspect answer must end velhost with 1, not $status"
+sed -n 's/^wire: Press\/Short < \(.*\)  [0-9.]* ms  SUSPECT: \(.*\)$/\1: \2/p
+    s/^1 .*  Press   Short  \(.*\)$/\1/p' "$work/cut.txt" >"$work/suspect.txt"
+diff - "$work/suspect.txt" <<'VALUES' || fail "the cut answer was not caught"
+6430: no line end: cut, or the rest comes later
+6430   suspect: no line end: cut, or the rest comes later
+VALUES
+kvsim_ctl clear
+
 title "The simulated controller ends"
 kill "$simulator"
 wait "$simulator" || fail "the simulated controller did not end cleanly"
