@@ -9,6 +9,13 @@
 #include <dlfcn.h>
 #include <sys/select.h>
 
+// The version of dlsym() that every C library has; before 2.34 it was in libdl.
+#if defined __x86_64__
+__asm__(".symver dlsym, dlsym@GLIBC_2.2.5");
+#elif defined __arm__
+__asm__(".symver dlsym, dlsym@GLIBC_2.4");
+#endif
+
 // How each kind of call is made and told of. `own` is the function here that goes before the next
 // one of that name, which gets the same arguments.
 

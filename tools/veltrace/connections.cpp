@@ -2,10 +2,12 @@
 
 #include <atomic>
 #include <cerrno>
+#include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 
+#include <fcntl.h>
 #include <net/if.h>
 #include <netdb.h>
 #include <netinet/in.h>
@@ -26,7 +28,7 @@ struct Connection
     std::int64_t begun;
     std::int64_t waited;
     // Tells a socket from whatever else has got its descriptor.
-    ino_t node;
+    std::uint64_t node;
     // 0: none.
     std::atomic<unsigned int> number;
     bool isConnecting;
@@ -35,6 +37,7 @@ struct Connection
 };
 
 std::array<Connection, mostDescriptors> connections;
+std::array<const char *, EHWPOISON + 1> errorTexts;
 Ports tracedPorts;
 Sink sinkOfAll = nullptr;
 unsigned int lastNumber = 0;
@@ -43,6 +46,15 @@ pid_t owner = 0;
 pthread_mutex_t mutex;
 // A signal handler may find its own thread in here; what it does is not traced then.
 thread_local bool isInside = false;
+
+// 0 for what is no socket.
+std::uint64_t socketNode(int descriptor)
+{
+    struct statx status = {};
+    const bool isSocket = statx(descriptor, "", AT_EMPTY_PATH, STATX_TYPE | STATX_INO, &status) == 0
+                          && S_ISSOCK(status.stx_mode);
+    return isSocket ? status.stx_ino : 0;
+}
 
 // Keeps the other threads out and the own one alive, and `errno` as it was.
 class Inside
@@ -74,9 +86,7 @@ public:
         if (!m_mayEnter || !isTraced(descriptor))
             return nullptr;
         Connection &found = connections[static_cast<std::size_t>(descriptor)];
-        struct stat status = {};
-        if (fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode)
-            && status.st_ino == found.node)
+        if (socketNode(descriptor) == found.node)
             return &found;
         found.number = 0;
         return nullptr;
@@ -136,6 +146,12 @@ bool readPeer(const sockaddr *address, socklen_t length, PeerText *text)
     return true;
 }
 
+const char *textOf(int error)
+{
+    const auto number = static_cast<std::size_t>(error);
+    return number < errorTexts.size() ? errorTexts[number] : "Unknown error";
+}
+
 void report(const Connection &connection, Event event)
 {
     event.connection = connection.number;
@@ -156,7 +172,7 @@ void finishConnecting(Connection *connection, int error)
     connection->waited = ticks() - connection->begun;
     Event event;
     event.name = "connect";
-    event.outcome = error == 0 ? "connected" : strerrordesc_np(error);
+    event.outcome = error == 0 ? "connected" : textOf(error);
     reportWait(connection, event);
 }
 
@@ -172,7 +188,7 @@ void fail(Connection *connection, int error)
         return;
     }
     connection->awaitsAnswer = false;
-    reportWait(connection, {"reset", 0, nullptr, strerrordesc_np(error)});
+    reportWait(connection, {"reset", 0, nullptr, textOf(error)});
 }
 
 void runOut(Connection *connection)
@@ -194,9 +210,17 @@ bool isConnected(int descriptor)
 void trace(const Ports &ports, Sink sink)
 {
     tracedPorts = ports;
+    // A signal handler could not ask for them.
+    for (std::size_t number = 0; number < errorTexts.size(); ++number)
+        errorTexts[number] = errorText(static_cast<int>(number));
     pthread_atfork(beforeFork, afterFork, afterForkInChild);
     owner = getpid();
     sinkOfAll = sink;
+}
+
+const char *errorText(int error)
+{
+    return strerror_l(error, newlocale(LC_ALL_MASK, "C", nullptr));
 }
 
 std::int64_t ticks()
@@ -225,15 +249,14 @@ void connectReturned(int descriptor, const sockaddr *peer, socklen_t length, int
     if (connection == nullptr || !connection->isConnecting) {
         int type = 0;
         socklen_t typeLength = sizeof type;
-        struct stat status = {};
+        const std::uint64_t node = socketNode(descriptor);
         Connection &fresh = connections[static_cast<std::size_t>(descriptor)];
         if (error == EISCONN || getsockopt(descriptor, SOL_SOCKET, SO_TYPE, &type, &typeLength) != 0
-            || type != SOCK_STREAM || fstat(descriptor, &status) != 0
-            || !readPeer(peer, length, &fresh.peer))
+            || type != SOCK_STREAM || node == 0 || !readPeer(peer, length, &fresh.peer))
             return;
         connection = &fresh;
         connection->number = ++lastNumber;
-        connection->node = status.st_ino;
+        connection->node = node;
         connection->isConnecting = true;
         connection->awaitsAnswer = false;
         connection->begun = since;

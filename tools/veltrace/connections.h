@@ -15,6 +15,9 @@
 using Ports = std::array<unsigned char, 65536 / 8>;
 void trace(const Ports &ports, Sink sink);
 
+/// The system's text of an error, in English. Not for signal handlers.
+const char *errorText(int error);
+
 /// Microseconds on a clock that only measures how long something takes.
 std::int64_t ticks();
 

@@ -23,8 +23,7 @@ std::array<char, PATH_MAX> fileName;
 std::array<char, PATH_MAX + 2> previousName;
 int file = -1;
 // Tells the file from what the host opens under its number, after it has closed all that there are.
-dev_t device;
-ino_t node;
+struct statx identity;
 long mostBytes = 0;
 
 // write(), but a closed pipe and the limit of a file's size raise no signal.
@@ -37,7 +36,7 @@ bool writeQuietly(int descriptor, const char *bytes, std::size_t size)
     sigaddset(&quiet, SIGPIPE);
     sigaddset(&quiet, SIGXFSZ);
     sigpending(&pending);
-    pthread_sigmask(SIG_BLOCK, &quiet, &blocked);
+    sigprocmask(SIG_BLOCK, &quiet, &blocked);
     const ssize_t written = write(descriptor, bytes, size);
     const bool isWritten = written >= 0 && static_cast<std::size_t>(written) == size;
     if (sigismember(&pending, SIGPIPE) == 1)
@@ -47,7 +46,7 @@ bool writeQuietly(int descriptor, const char *bytes, std::size_t size)
     const timespec atOnce = {};
     if (!isWritten)
         sigtimedwait(&quiet, nullptr, &atOnce);
-    pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
+    sigprocmask(SIG_SETMASK, &blocked, nullptr);
     return isWritten;
 }
 
@@ -64,37 +63,41 @@ int highNumber(int descriptor)
     return high;
 }
 
+// Of the open file, if it has no name.
+bool readStatus(int descriptor, const char *name, struct statx *status)
+{
+    return statx(descriptor, name, AT_EMPTY_PATH, STATX_BASIC_STATS, status) == 0;
+}
+
 bool openFile()
 {
     // A pipe that nobody reads must not stop the host.
     const int opened = open(
         fileName.data(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
-    struct stat status = {};
-    if (opened < 0 || fstat(opened, &status) != 0)
+    if (opened < 0 || !readStatus(opened, "", &identity))
         return false;
     file = highNumber(opened);
-    device = status.st_dev;
-    node = status.st_ino;
     return true;
 }
 
-bool isSameFile(const struct stat &status)
+bool isSameFile(const struct statx &status)
 {
-    return status.st_dev == device && status.st_ino == node;
+    return status.stx_ino == identity.stx_ino && status.stx_dev_major == identity.stx_dev_major
+           && status.stx_dev_minor == identity.stx_dev_minor;
 }
 
-bool isOpen(struct stat *status)
+bool isOpen(struct statx *status)
 {
-    return fstat(file, status) == 0 && isSameFile(*status);
+    return readStatus(file, "", status) && isSameFile(*status);
 }
 
 // Makes the full file the one before. Another process may have done that.
 bool beginNewFile()
 {
-    struct stat status = {};
+    struct statx status = {};
     close(file);
     file = -1;
-    if (stat(fileName.data(), &status) == 0 && isSameFile(status)
+    if (readStatus(AT_FDCWD, fileName.data(), &status) && isSameFile(status)
         && rename(fileName.data(), previousName.data()) != 0)
         return false;
     return openFile();
@@ -102,7 +105,7 @@ bool beginNewFile()
 
 void end()
 {
-    struct stat status = {};
+    struct statx status = {};
     if (isOpen(&status))
         close(file);
     file = -1;
@@ -110,13 +113,13 @@ void end()
 
 void writeLine(const char *bytes, std::size_t size)
 {
-    struct stat status = {};
+    struct statx status = {};
     if (file < 0)
         return;
     // A host that begins as a daemon closes all descriptors.
     bool goesOn = isOpen(&status) || (openFile() && isOpen(&status));
-    if (goesOn && S_ISREG(status.st_mode) && status.st_size > 0
-        && status.st_size + static_cast<off_t>(size) > mostBytes)
+    if (goesOn && S_ISREG(status.stx_mode) && status.stx_size > 0
+        && status.stx_size + size > static_cast<std::uint64_t>(mostBytes))
         goesOn = beginNewFile();
     if (!goesOn || !writeQuietly(file, bytes, size))
         end();
@@ -188,10 +191,10 @@ Setting openNamedFile()
     if (*value == '\0')
         return {value, "VEL_TRACE names no file"};
     if (std::strlen(value) >= fileName.size())
-        return {value, strerrordesc_np(ENAMETOOLONG)};
+        return {value, errorText(ENAMETOOLONG)};
     stpcpy(fileName.data(), value);
     if (!openFile())
-        return {value, strerrordesc_np(errno)};
+        return {value, errorText(errno)};
     std::array<char, PATH_MAX> whole;
     if (realpath(value, whole.data()) != nullptr)
         fileName = whole;
