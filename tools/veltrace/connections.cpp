@@ -170,25 +170,25 @@ void finishConnecting(Connection *connection, int error)
 {
     connection->isConnecting = false;
     connection->waited = ticks() - connection->begun;
-    Event event;
-    event.name = "connect";
-    event.outcome = error == 0 ? "connected" : textOf(error);
-    reportWait(connection, event);
+    reportWait(connection, {"connect", error == 0 ? "connected" : textOf(error)});
 }
 
+// The connection lasts after an error of these.
 bool goesOn(int error)
 {
-    return error == EAGAIN || error == EINTR;
+    return error == EAGAIN || error == EINTR || error == EINPROGRESS || error == EALREADY;
 }
 
 void fail(Connection *connection, int error)
 {
+    if (goesOn(error))
+        return;
     if (connection->isConnecting) {
         finishConnecting(connection, error);
         return;
     }
     connection->awaitsAnswer = false;
-    reportWait(connection, {"reset", 0, nullptr, textOf(error)});
+    reportWait(connection, {"reset", textOf(error)});
 }
 
 void runOut(Connection *connection)
@@ -262,7 +262,7 @@ void connectReturned(int descriptor, const sockaddr *peer, socklen_t length, int
         connection->begun = since;
         connection->waited = 0;
     }
-    if (error != EINPROGRESS && error != EALREADY && !goesOn(error))
+    if (!goesOn(error))
         finishConnecting(connection, error == EISCONN ? 0 : error);
 }
 
@@ -282,8 +282,7 @@ void sendReturned(int descriptor, const Transfer &transfer)
 {
     const Inside inside;
     Connection *const connection = inside.connection(descriptor);
-    if (connection == nullptr || transfer.result == 0
-        || (transfer.result < 0 && goesOn(transfer.error)))
+    if (connection == nullptr || transfer.result == 0)
         return;
     if (transfer.result < 0) {
         fail(connection, transfer.error);
@@ -293,8 +292,8 @@ void sendReturned(int descriptor, const Transfer &transfer)
         finishConnecting(connection, 0);
     connection->awaitsAnswer = true;
     connection->waited = 0;
-    report(*connection, {"sent", 0, nullptr, nullptr, -1, transfer.parts,
-                         static_cast<std::size_t>(transfer.result)});
+    report(*connection,
+           {"sent", nullptr, transfer.parts, static_cast<std::size_t>(transfer.result)});
 }
 
 void receiveReturned(int descriptor, const Transfer &transfer)
@@ -307,15 +306,15 @@ void receiveReturned(int descriptor, const Transfer &transfer)
     if (transfer.result < 0) {
         if (transfer.error == EAGAIN)
             runOut(connection);
-        else if (!goesOn(transfer.error))
+        else
             fail(connection, transfer.error);
         return;
     }
     if (connection->isConnecting)
         finishConnecting(connection, 0);
     connection->awaitsAnswer = false;
-    reportWait(connection, {transfer.result > 0 ? "received" : "closed", 0, nullptr, nullptr, -1,
-                            transfer.parts, static_cast<std::size_t>(transfer.result)});
+    reportWait(connection, {transfer.result > 0 ? "received" : "closed", nullptr, transfer.parts,
+                            static_cast<std::size_t>(transfer.result)});
 }
 
 void waitReturned(int descriptor, bool timedOut, std::int64_t since)

@@ -10,16 +10,16 @@ struct Event
 {
     /// As docs/wire-trace.md names it.
     const char *name = nullptr;
-    unsigned int connection = 0;
-    /// Address and port.
-    const char *peer = nullptr;
     /// A null pointer where the event has none.
     const char *outcome = nullptr;
-    /// In microseconds; negative where the event has none.
-    std::int64_t waited = -1;
     /// What was sent or received: the first `size` bytes of these parts.
     const iovec *parts = nullptr;
     std::size_t size = 0;
+    /// In microseconds; negative where the event has none.
+    std::int64_t waited = -1;
+    unsigned int connection = 0;
+    /// Address and port.
+    const char *peer = nullptr;
 };
 
 /// Takes an event. Never two at once; `errno` and the signals are its own to keep.
