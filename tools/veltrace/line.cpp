@@ -13,12 +13,12 @@ constexpr std::size_t mostEventBytes = 65536;
 // A byte takes six characters at most; the rest has room for all other members.
 constexpr std::size_t mostText = 6 * mostEventBytes + 1024;
 
-std::array<char, mostText> text;
-char *end = text.data();
+std::array<char, mostText> lineText;
+char *nextCharacter = lineText.data();
 
 void append(const char *part)
 {
-    end = stpcpy(end, part);
+    nextCharacter = stpcpy(nextCharacter, part);
 }
 
 // At least so many digits.
@@ -29,7 +29,7 @@ void appendNumber(std::int64_t number, int digits = 1)
     for (; number > 0 || count < digits; number /= 10)
         reversed[static_cast<std::size_t>(count++)] = static_cast<char>('0' + number % 10);
     while (count > 0)
-        *end++ = reversed[static_cast<std::size_t>(--count)];
+        *nextCharacter++ = reversed[static_cast<std::size_t>(--count)];
 }
 
 void appendDate(std::int64_t daysSince1970)
@@ -76,12 +76,12 @@ void appendByte(unsigned char byte)
         append("\\n");
     } else if (byte < 0x20 || byte > 0x7e) {
         append("\\u00");
-        *end++ = digits[byte >> 4];
-        *end++ = digits[byte & 15];
+        *nextCharacter++ = digits[byte >> 4];
+        *nextCharacter++ = digits[byte & 15];
     } else {
         if (byte == '"' || byte == '\\')
-            *end++ = '\\';
-        *end++ = static_cast<char>(byte);
+            *nextCharacter++ = '\\';
+        *nextCharacter++ = static_cast<char>(byte);
     }
 }
 
@@ -122,7 +122,7 @@ Line lineOf(const Event &event, std::size_t first)
 {
     const std::size_t rest = event.size - first;
     const std::size_t count = rest < mostEventBytes ? rest : mostEventBytes;
-    end = text.data();
+    nextCharacter = lineText.data();
     appendHead(event);
     if (event.outcome != nullptr) {
         append(R"(,"outcome":")");
@@ -139,5 +139,5 @@ Line lineOf(const Event &event, std::size_t first)
         append("\"");
     }
     append("}\n");
-    return {text.data(), static_cast<std::size_t>(end - text.data()), count};
+    return {lineText.data(), static_cast<std::size_t>(nextCharacter - lineText.data()), count};
 }

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int maximumKept = 1000;
+constexpr int maximumTexts = 1000;
 
 struct LogLine
 {
@@ -78,17 +78,17 @@ void LogDigest::add(const QString &line)
                && candidate.cause == cause;
     });
     const bool isText = parsed.isOurs || !error.title.isEmpty();
-    if (!isText || (entry == m_entries.end() && m_entries.size() == maximumKept)) {
+    if (!isText || (entry == m_entries.end() && m_entries.size() == maximumTexts)) {
         ++m_otherLines;
         return;
     }
     if (entry == m_entries.end())
         entry = m_entries.insert(entry, {error, cause, 0, parsed.time, {}});
-    if (cause.isEmpty() && m_causes.size() < maximumKept)
+    if (cause.isEmpty() && m_causes.size() < maximumTexts)
         m_causes.insert(parsed.device, error.id);
     const QString key = parsed.device + u'/' + parsed.text;
     entry->count += parsed.count - (parsed.count > 1 && m_begun.contains(key) ? 1 : 0);
-    if (parsed.isOurs && m_begun.size() < maximumKept)
+    if (parsed.isOurs && m_begun.size() < maximumTexts)
         m_begun.insert(key);
     entry->last = parsed.time.isEmpty() ? entry->last : parsed.time;
 }

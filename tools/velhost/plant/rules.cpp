@@ -12,10 +12,10 @@ namespace {
 constexpr int largestPort = 65535;
 
 /// Whether the device's name, which ends at the first digit, is one of the names.
-bool isNamed(const QString &memoryAddress, const QStringList &names)
+bool isNamed(const QString &address, const QStringList &names)
 {
     static const QRegularExpression digit(QStringLiteral("[0-9]"));
-    return names.contains(memoryAddress.section(digit, 0, 0), Qt::CaseInsensitive);
+    return names.contains(address.section(digit, 0, 0), Qt::CaseInsensitive);
 }
 
 } // namespace
@@ -44,14 +44,14 @@ bool isMemoryAddress(const QString &text)
     return form.match(text).hasMatch();
 }
 
-bool holdsBits(const QString &memoryAddress)
+bool holdsBits(const QString &address)
 {
     static const QStringList names = QStringLiteral("R MR M LR L CR B").split(u' ');
-    return isNamed(memoryAddress, names);
+    return isNamed(address, names);
 }
 
-bool holdsWords(const QString &memoryAddress)
+bool holdsWords(const QString &address)
 {
     static const QStringList names = QStringLiteral("DM D EM E FM F ZF W TM CM VM Z").split(u' ');
-    return isNamed(memoryAddress, names);
+    return isNamed(address, names);
 }

@@ -1,5 +1,7 @@
 #include "trace/verdict.h"
 
+#include "trace/wiretext.h"
+
 #include <common/visibletext.h>
 
 #include <QList>
@@ -30,12 +32,6 @@ constexpr std::array<Format, 5> formats{{
 constexpr Format bit{"", "[01]", "0 or 1"};
 // Timers and counters have several numbers in one answer.
 constexpr Format anyNumber{"", "[+-]?[0-9]+(,[+-]?[0-9]+)*", "a number"};
-
-/// A zero byte does not end it.
-QString latin1(const QByteArray &bytes)
-{
-    return QString::fromLatin1(bytes.constData(), bytes.size());
-}
 
 QString shown(const QByteArray &bytes)
 {

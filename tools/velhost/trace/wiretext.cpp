@@ -6,12 +6,6 @@
 
 namespace {
 
-/// A zero byte does not end it.
-QString latin1(const QByteArray &bytes)
-{
-    return QString::fromLatin1(bytes.constData(), bytes.size());
-}
-
 QString timeOf(qint64 microseconds)
 {
     const QDateTime seconds = QDateTime::fromMSecsSinceEpoch(microseconds / 1000, Qt::UTC);
@@ -29,6 +23,11 @@ QString what(const TraceEvent &event)
 }
 
 } // namespace
+
+QString latin1(const QByteArray &bytes)
+{
+    return QString::fromLatin1(bytes.constData(), bytes.size());
+}
 
 QString wireText(const TraceEvent &event, const Verdict &verdict)
 {

@@ -9,6 +9,9 @@
 #include <QList>
 #include <QString>
 
+/// A character for each byte, zero bytes among them.
+QString latin1(const QByteArray &bytes);
+
 /// The event for people, with the wait and what there is to say about an answer: `> RD DM100\r`,
 /// `< 00100\r\n  1.502 ms`, `timeout  3000.107 ms`.
 QString wireText(const TraceEvent &event, const Verdict &verdict);

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int maximumKept = 1000;
+constexpr int maximumOutages = 1000;
 
 bool isOver(const Outage &outage)
 {
@@ -37,7 +37,7 @@ void addRead(const QString &device, const QDateTime &time, const ItemReport &cau
     else if (!cause.error.isEmpty())
         ++running->cycles;
     const auto oldest = std::find_if(outages->begin(), outages->end(), isOver);
-    if (outages->size() > maximumKept && oldest != outages->end())
+    if (outages->size() > maximumOutages && oldest != outages->end())
         outages->erase(oldest);
 }
 
@@ -50,7 +50,7 @@ QList<QStringList> outageRows(const QList<Outage> &outages)
         rows.append({visible(outage.device), shortTime(outage.from), shortTime(outage.to),
                      QString::number(outage.cycles), visible(outage.cause.item),
                      visible(reasonOf(outage.cause))});
-    if (outages.size() >= maximumKept)
+    if (outages.size() >= maximumOutages)
         rows.append({{}, {}, {}, {}, {}, QStringLiteral("only the latest are kept")});
     return rows;
 }

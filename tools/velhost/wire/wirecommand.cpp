@@ -52,7 +52,6 @@ QString lineOf(const TraceEvent &event, int connection, const Verdict &verdict)
 
 QString jsonOf(const TraceEvent &event, int connection, const Verdict &verdict)
 {
-    const QString bytes = QString::fromLatin1(event.bytes.constData(), event.bytes.size());
     const QJsonValue waited = event.waited < 0 ? QJsonValue() : QJsonValue(event.waited);
     return jsonLine("event", {{"time", timeOf(event)},
                               {"connection", connection},
@@ -60,7 +59,7 @@ QString jsonOf(const TraceEvent &event, int connection, const Verdict &verdict)
                               {"event", event.name},
                               {"outcome", event.outcome},
                               {"waited_us", waited},
-                              {"bytes", bytes},
+                              {"bytes", latin1(event.bytes)},
                               {"verdict", verdict.text},
                               {"suspect", isSuspect(verdict)}});
 }
