@@ -18,6 +18,7 @@ private Q_SLOTS:
     void suspectInCsv();
     void write_data();
     void write();
+    void suspectWrite();
     void lostConnection_data();
     void lostConnection();
     void refused();
@@ -161,6 +162,26 @@ void tst_TraceOption::write()
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(simulator.word("DM300"), 4464);
     QCOMPARE(simulator.word("DM301"), 1);
+}
+
+// The exit code alone tells, and only where somebody looks.
+void tst_TraceOption::suspectWrite()
+{
+    for (const bool isTraced : {false, true}) {
+        SimulatorThread simulator;
+        QCOMPARE(simulator.addFault("no-terminator@DM300"), QString());
+        const TestFolder folder;
+        const ProgramRun result = run(folder, simulator.port(),
+                                      text("write plant.json Press/Last=70000 --no-verify")
+                                          + (isTraced ? text(" --trace") : QString()));
+        QCOMPARE(simulator.faultCounts().constFirst().applied, quint64(1));
+        QCOMPARE(wireLines(result.errors)
+                     .count(text("wire: Press/Last < OK  W  SUSPECT: no line "
+                                 "end: cut, or the rest comes later\n")),
+                 isTraced ? 1 : 0);
+        QCOMPARE(result.exitCode, isTraced ? 1 : 0);
+        QCOMPARE(simulator.word("DM300"), 4464);
+    }
 }
 
 void tst_TraceOption::lostConnection_data()
