@@ -286,24 +286,28 @@ void tst_TraceOption::fileWithoutPrinting()
 void tst_TraceOption::unwritableFile_data()
 {
     QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("reason");
+    QTest::addColumn<QString>("error");
 
-    QTest::newRow("no such folder") << text("none/site.jsonl") << text("No such file or directory");
-    QTest::newRow("a folder") << text(".") << text("Is a directory");
+    QTest::newRow("no such folder")
+        << text("none/site.jsonl")
+        << text("the trace none/site.jsonl cannot be written: No such file or directory");
+    QTest::newRow("a folder") << text(".") << text("the trace . cannot be written: Is a directory");
+    QTest::newRow("the plant, by another name")
+        << text("./plant.json")
+        << text("the trace would replace the plant file plant.json; name another file");
 }
 
 // Nothing is contacted.
 void tst_TraceOption::unwritableFile()
 {
     QFETCH(const QString, file);
-    QFETCH(const QString, reason);
+    QFETCH(const QString, error);
 
     const SimulatorThread simulator;
     const TestFolder folder;
     const ProgramRun result
         = run(folder, simulator.port(), text("read plant.json --trace-file ") + file);
-    QCOMPARE(result.errors,
-             text("velhost: the trace %1 cannot be written: %2\n").arg(file, reason));
+    QCOMPARE(result.errors, text("velhost: ") + error + u'\n');
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 2);
     QCOMPARE(static_cast<int>(simulator.counters().clients), 0);

@@ -6,6 +6,7 @@
 #include <common/visibletext.h>
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <chrono>
 #include <future>
@@ -87,6 +88,11 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
     if (!loaded) {
         printError(errors);
         return NotLoaded;
+    }
+    if (!setup.wire.file.isEmpty() && QFileInfo(setup.wire.file) == QFileInfo(setup.plantFile)) {
+        printError(QStringLiteral("the trace would replace the plant file %1; name another file")
+                       .arg(setup.plantFile));
+        return WrongUsage;
     }
     std::optional<WireOutput> wire;
     if (setup.wire.isOn)
