@@ -208,8 +208,9 @@ void tst_Help::completes_data()
     const auto row = [](const char *line, const char *words) {
         QTest::newRow(line) << text(line) << text(words);
     };
-    row("velhost read plant.json --", "--cycles --device --format --help --interval --ip --item "
-                                      "--only-changes --plant --plugin --trace --trace-file --version");
+    row("velhost read plant.json --",
+        "--cycles --device --format --help --interval --ip --item "
+        "--only-changes --plant --plugin --trace --trace-file --version");
     row("velhost explain --", "--format --help --version");
     row("velhost read plant.json --device ", "Oven Press");
     row("velhost read plant.json --device=O", "Oven");

@@ -202,7 +202,7 @@ Setting openNamedFile()
     return {};
 }
 
-void complain(const Setting &setting)
+void complain(Setting setting)
 {
     std::array<char, PATH_MAX + 200> text;
     char *end = stpcpy(text.data(), "libvel-trace: nothing is traced: ");

@@ -122,7 +122,8 @@ bool isWire(const QString &record)
 QStringList wireEvents(const QString &output)
 {
     QStringList events;
-    for (const QString &record : output.split(u'\n', Qt::SkipEmptyParts)) {
+    const QStringList records = output.split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &record : records) {
         if (isWire(record))
             events.append(eventIn(record.toUtf8()));
     }
@@ -134,7 +135,8 @@ QString withoutTrace(const QString &output)
 {
     static const QRegularExpression suspect(text(R"(,"suspect":"(\\.|[^"\\])*")"));
     QString rest;
-    for (const QString &record : output.split(u'\n', Qt::SkipEmptyParts)) {
+    const QStringList records = output.split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &record : records) {
         if (!isWire(record))
             rest += QString(record).remove(suspect) + u'\n';
     }
@@ -144,7 +146,8 @@ QString withoutTrace(const QString &output)
 Marks marksIn(const QString &output)
 {
     Marks marks;
-    for (const QString &line : output.split(u'\n', Qt::SkipEmptyParts)) {
+    const QStringList records = output.split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &line : records) {
         const QJsonObject record = QJsonDocument::fromJson(line.toUtf8()).object();
         if (record[text("type")] != text("value") || record[text("error")] != QString())
             continue;

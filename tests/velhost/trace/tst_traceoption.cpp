@@ -67,7 +67,8 @@ QString settled(QString output)
 QString wireLines(const QString &errors)
 {
     QString lines;
-    for (const QString &line : settled(errors).split(u'\n', Qt::SkipEmptyParts)) {
+    const QStringList all = settled(errors).split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &line : all) {
         if (line.startsWith(text("wire: ")))
             lines += line + u'\n';
     }

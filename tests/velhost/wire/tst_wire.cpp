@@ -82,7 +82,7 @@ void tst_Wire::faults_data()
     row("short-answer", "\\r\\n", "0 instead of 1 words");
     row("extra-word", "00100 65535\\r\\n", "2 instead of 1 words");
     row("not-a-number", "*****\\r\\n", R"("*****" is not five digits)");
-    row("duplicate", "00100\\r\\n00100\\r\\n", "2 lines: what is not of this answer came first");
+    row("duplicate", R"(00100\r\n00100\r\n)", "2 lines: what is not of this answer came first");
     row("previous-answer", R"(00007\r\n)",
         R"(not "00100" as expected: the answer to another command?)");
     row("close=in", "001", cut);

@@ -21,7 +21,8 @@ QString WireOutput::fileError() const
 QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
 {
     QMap<int, QString> suspects;
-    for (const WireEvent &wireEvent : m_tap.takeEvents()) {
+    const QList<WireEvent> events = m_tap.takeEvents();
+    for (const WireEvent &wireEvent : events) {
         const auto &[event, item] = wireEvent;
         const Verdict verdict = judge(event);
         if (isSuspect(verdict)) {
