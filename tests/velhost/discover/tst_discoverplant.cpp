@@ -121,11 +121,12 @@ void tst_DiscoverPlant::writesAndReads()
     QVERIFY(writeFile(plant(), withItem(contents(plant()))));
     const ProgramRun read = onPlant({text("read"), text("--format"), text("csv")});
     QCOMPARE(read.errors, QString());
-    QCOMPARE(withoutTimes(read.output), text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
-                                             "1,T,127.0.0.1:%1,Counter,11,,,,\r\n"
-                                             "1,T,127.0.0.2:%2,Counter,22,,,,\r\n")
-                                            .arg(first.port())
-                                            .arg(second.port()));
+    QCOMPARE(withoutTimes(read.output),
+             text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
+                  "1,T,127.0.0.1:%1,Counter,11,,,,\r\n"
+                  "1,T,127.0.0.2:%2,Counter,22,,,,\r\n")
+                 .arg(first.port())
+                 .arg(second.port()));
     QCOMPARE(read.exitCode, 0);
 }
 

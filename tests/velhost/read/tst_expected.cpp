@@ -125,8 +125,9 @@ void tst_Expected::csv()
     QVERIFY(controller.setWord("DM1", 7));
     const ProgramRun run = runRead(
         controller.port(), {itemJson("A", "DM1", "1", "Short", expecting("8"))}, "--format csv");
-    QCOMPARE(withoutTimes(run.output), text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
-                                            "1,T,Press,A,7,,,8,\r\n"));
+    QCOMPARE(withoutTimes(run.output),
+             text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
+                  "1,T,Press,A,7,,,8,\r\n"));
     QCOMPARE(run.exitCode, 1);
 }
 

@@ -233,9 +233,10 @@ void tst_Watch::csv()
         = run("watch plant.json --for 1 --interval 300 --format csv --only-changes",
               plantAt(controller.port(),
                       {item("Counter", "DM1"), item("Target", "DM1", R"(, "expect": "8")")}));
-    QCOMPARE(withoutTimes(result.output), text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
-                                               "1,T,Press,Counter,7,,,,\r\n"
-                                               "1,T,Press,Target,7,,,8,\r\n"));
+    QCOMPARE(withoutTimes(result.output),
+             text("cycle,time,device,item,value,old,error,expected,suspect\r\n"
+                  "1,T,Press,Counter,7,,,,\r\n"
+                  "1,T,Press,Target,7,,,8,\r\n"));
     QVERIFY(counts(result.errors).value(1).toInt() > 1);
     QCOMPARE(result.exitCode, 1);
 }
