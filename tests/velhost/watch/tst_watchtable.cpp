@@ -57,6 +57,7 @@ private Q_SLOTS:
     void age_data();
     void age();
     void wholeScreen();
+    void suspect();
     void screenRows_data();
     void screenRows();
     void screenColumns_data();
@@ -113,6 +114,25 @@ void tst_WatchTable::wholeScreen()
         text("Press   Counter  -123456789  5 s                           3        0       "
              "12:34:56.007  ")};
     QCOMPARE(screen(pressWith(1), {200, 24}, Marking::None), lines);
+}
+
+// It has a value, but stands among the errors. The column comes with the first one, and stays.
+void tst_WatchTable::suspect()
+{
+    std::vector<WatchedDevice> devices = pressWith(0);
+    WatchedItem &counter = devices.front().items.front();
+    counter.suspects = 2;
+    counter.last.suspect = text("no line end");
+    const QString header = text("Device  Item     Value       Age  Error                 Changes  "
+                                "Errors  Suspect  Last read     ");
+    QCOMPARE(screen(devices, {200, 24}, Marking::None).mid(1),
+             QStringList({header,
+                          text("Press   Counter  -123456789  5 s  suspect: no line end  3        "
+                               "0       2        12:34:56.007  "),
+                          text("Press                        5 s                                 "
+                               "0                12:34:56.007  ")}));
+    counter.last.suspect.clear();
+    QVERIFY(screen(devices, {200, 24}, Marking::None).at(1).contains(text("  Suspect  ")));
 }
 
 void tst_WatchTable::screenRows_data()
