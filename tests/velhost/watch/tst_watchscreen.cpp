@@ -172,8 +172,8 @@ void tst_WatchScreen::waits()
     QVERIFY(watch.waitFor("the plug-in starts, connecting to Plc1, 2 s"));
     QVERIFY(watch.waitFor("\r\x1b[K"));
     QVERIFY(watch.waitFor("cycle 0, "));
-    QVERIFY(watch.waitFor("waiting for " + place + "1 s"));
-    QVERIFY(watch.waitFor("waiting for " + place + "2 s"));
+    // It is drawn once a second, at any moment of one.
+    QVERIFY(watch.waitFor("waiting for " + place));
     QVERIFY(watch.waitFor("cycle 1, "));
     QVERIFY(watch.waitFor("the cycle takes "));
     QVERIFY(watch.waitFor(" s, the interval is 1 s"));
