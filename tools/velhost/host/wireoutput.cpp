@@ -41,13 +41,7 @@ Verdict WireOutput::judge(const TraceEvent &event)
         m_conversations.remove(event.connection);
         return {};
     }
-    Conversation &conversation = m_conversations[event.connection];
-    if (event.name == QLatin1String("sent"))
-        conversation.send(event.bytes);
-    if (event.name == QLatin1String("timeout"))
-        conversation.giveUp();
-    return event.name == QLatin1String("received") ? conversation.receive(event.bytes, false)
-                                                   : Verdict();
+    return m_conversations[event.connection].take(event, false);
 }
 
 void WireOutput::show(const TraceEvent &event, const Place &place, const Verdict &verdict)

@@ -37,6 +37,15 @@ Verdict withOwner(const Verdict &verdict, const QByteArray &owner)
 
 } // namespace
 
+Verdict Conversation::take(const TraceEvent &event, bool isSelfAddressed)
+{
+    if (event.name == u"sent")
+        send(event.bytes);
+    if (event.name == u"timeout")
+        giveUp();
+    return event.name == u"received" ? receive(event.bytes, isSelfAddressed) : Verdict();
+}
+
 void Conversation::send(const QByteArray &bytes)
 {
     // A command may be sent in pieces.

@@ -2,12 +2,17 @@
 
 #include "trace/verdict.h"
 
+#include <common/trace/trace.h>
+
 #include <QByteArrayList>
 
 /// What goes over one connection. Each receive counts as one answer, as it does for the plug-in.
 class Conversation
 {
 public:
+    /// Takes the next event of the connection, and judges it as receive() does.
+    Verdict take(const TraceEvent &event, bool isSelfAddressed);
+
     void send(const QByteArray &bytes);
 
     /// Judges what one receive has brought. `isSelfAddressed`: every word in the controller is

@@ -64,24 +64,13 @@ QString jsonOf(const TraceEvent &event, int connection, const Verdict &verdict)
                               {"suspect", isSuspect(verdict)}});
 }
 
-Verdict judge(const TraceEvent &event, Connection *connection, bool isSelfAddressed)
-{
-    if (event.name == u"sent")
-        connection->conversation.send(event.bytes);
-    if (event.name == u"timeout")
-        connection->conversation.giveUp();
-    return event.name == u"received"
-               ? connection->conversation.receive(event.bytes, isSelfAddressed)
-               : Verdict();
-}
-
 void show(const TraceEvent &event, Output *output)
 {
     Connection &connection = output->connections[{event.process, event.connection}];
     // The numbers of a later run may be those of an earlier one.
     if (event.name == u"connect" || connection.number == 0)
         connection = {++output->connectionCount, {}, {}};
-    const Verdict verdict = judge(event, &connection, output->isSelfAddressed);
+    const Verdict verdict = connection.conversation.take(event, output->isSelfAddressed);
     output->answers += event.name == u"received" ? 1 : 0;
     output->suspects += isSuspect(verdict) ? 1 : 0;
     const QString line = output->format == OutputFormat::Json
