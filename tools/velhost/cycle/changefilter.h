@@ -12,9 +12,9 @@ class ChangeFilter
 {
 public:
     /// Returns all devices, but only the items whose value or error has changed, or whose value is
-    /// fresh again after it was old. A device has its
-    /// error only in the cycle in which the error is new; in the first cycle without it,
-    /// `errorEnded` is set. Must be called for every cycle, in order.
+    /// fresh again after it was old. A device has its error only in the cycle in which the error is
+    /// new; in the first cycle without it, `errorEnded` is set. Must be called for every cycle, in
+    /// order.
     QList<DeviceReport> filter(const QList<DeviceReport> &devices);
 
 private:

@@ -136,7 +136,8 @@ DeviceReport readPlantDevice(const Session &session, int device, LogList *list, 
     for (int i = 0; i < items.size() && report.error.isEmpty(); ++i) {
         const std::optional<QString> &expect = items.at(i).expect;
         ItemReport &item = report.values[i];
-        if (!expect || !item.error.isEmpty())
+        // The kind matters only where the texts differ.
+        if (!expect || !item.error.isEmpty() || *expect == item.value)
             continue;
         const ValueKind kind = valueKind(session.devices.at(device).items.at(i).parameters,
                                          session.registration.itemColumns);

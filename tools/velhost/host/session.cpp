@@ -18,20 +18,25 @@ namespace {
 // The line must fit the terminal.
 constexpr int maximumNamesWidth = 40;
 
+QString startText(const QList<PlantDevice> &devices, int seconds)
+{
+    QStringList names;
+    for (const PlantDevice &device : devices)
+        names.append(visible(device.name));
+    return QStringLiteral("the plug-in starts, connecting to %1, %2 s")
+        .arg(cutToWidth(names.join(QStringLiteral(", ")), maximumNamesWidth))
+        .arg(seconds);
+}
+
 /// Calls init(). Shows how long it takes, in a thread of its own: this one is blocked.
 bool init(const SessionSetup &setup, VELInterface *plugin, ProgressLine *line)
 {
-    QStringList names;
-    for (const PlantDevice &device : setup.plant.devices)
-        names.append(visible(device.name));
-    const QString text = QStringLiteral("the plug-in starts, connecting to %1, ")
-                             .arg(cutToWidth(names.join(QStringLiteral(", ")), maximumNamesWidth));
     std::promise<void> end;
-    std::thread notice([&text, line, ended = end.get_future()] {
+    std::thread notice([&setup, line, ended = end.get_future()] {
         using namespace std::chrono_literals;
         for (int seconds = 1; ended.wait_for(1s) == std::future_status::timeout; ++seconds) {
             if (line->isDue())
-                line->show(text + QStringLiteral("%1 s").arg(seconds));
+                line->show(startText(setup.plant.devices, seconds));
         }
     });
     const bool done = plugin->init();

@@ -18,27 +18,33 @@ using Kind = Verdict::Kind;
 struct Format
 {
     const char *suffix;
-    const char *pattern;
+    QRegularExpression pattern;
     const char *name;
 };
 
-constexpr std::array<Format, 5> formats{{
-    {".U", "[0-9]{5}", "five digits"},
-    {".S", "[+-][0-9]{5}", "a sign and five digits"},
-    {".D", "[0-9]{10}", "ten digits"},
-    {".L", "[+-][0-9]{10}", "a sign and ten digits"},
-    {".H", "[0-9A-F]{4}", "four hexadecimal digits"},
+QRegularExpression whole(const char *pattern)
+{
+    return QRegularExpression(QRegularExpression::anchoredPattern(QLatin1String(pattern)));
+}
+
+// Built once: `watch` judges every answer.
+const std::array<Format, 5> formats{{
+    {".U", whole("[0-9]{5}"), "five digits"},
+    {".S", whole("[+-][0-9]{5}"), "a sign and five digits"},
+    {".D", whole("[0-9]{10}"), "ten digits"},
+    {".L", whole("[+-][0-9]{10}"), "a sign and ten digits"},
+    {".H", whole("[0-9A-F]{4}"), "four hexadecimal digits"},
 }};
-constexpr Format bit{"", "[01]", "0 or 1"};
+const Format bit{"", whole("[01]"), "0 or 1"};
 // Timers and counters have several numbers in one answer.
-constexpr Format anyNumber{"", "[+-]?[0-9]+(,[+-]?[0-9]+)*", "a number"};
+const Format anyNumber{"", whole("[+-]?[0-9]+(,[+-]?[0-9]+)*"), "a number"};
 
 QString shown(const QByteArray &bytes)
 {
     return u'"' + visible(latin1(bytes)) + u'"';
 }
 
-Format formatOf(const QByteArray &device)
+const Format &formatOf(const QByteArray &device)
 {
     for (const Format &format : formats) {
         if (device.endsWith(format.suffix))
@@ -74,11 +80,9 @@ bool isRefusal(const QByteArray &line)
 Verdict readVerdict(const QByteArray &device, int count, const QByteArray &line)
 {
     const QList<QByteArray> words = line.isEmpty() ? QList<QByteArray>() : line.split(' ');
-    const Format format = formatOf(device);
-    const QRegularExpression pattern(
-        QRegularExpression::anchoredPattern(QLatin1String(format.pattern)));
+    const Format &format = formatOf(device);
     for (const QByteArray &word : words) {
-        const bool fits = pattern.match(latin1(word)).hasMatch()
+        const bool fits = format.pattern.match(latin1(word)).hasMatch()
                           && (format.suffix != formats.front().suffix || word.toInt() <= 65535);
         if (!fits)
             return {Kind::NotANumber, shown(word) + u" is not " + QLatin1String(format.name)};

@@ -36,8 +36,11 @@ void takeEvent(const Event &event)
         return;
     TraceEvent taken;
     taken.time = microsecondsSince1970();
-    taken.process = getpid();
-    taken.thread = syscall(SYS_gettid);
+    // The system is asked once, not for each event.
+    static const qint64 process = getpid();
+    static thread_local const qint64 thread = syscall(SYS_gettid);
+    taken.process = process;
+    taken.thread = thread;
     taken.connection = event.connection;
     taken.peer = QString::fromLatin1(event.peer);
     taken.name = QString::fromLatin1(event.name);
