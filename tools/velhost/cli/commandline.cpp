@@ -130,13 +130,12 @@ QString takeAddresses(const Command &command, const QStringList &operands, Argum
 /// is none.
 QString takeOperands(const Command &command, QStringList operands, Arguments *arguments)
 {
-    if (command.operands == Operands::Text) {
+    if (!hasPlugin(command)) {
         arguments->operands = operands;
-        return operands.size() == 1 ? QString() : command.name + u" needs one text, in quotes";
-    }
-    if (command.operands == Operands::File) {
-        arguments->operands = operands;
-        return operands.size() == 1 ? QString() : command.name + u" needs one file";
+        const QString needed = command.operands == Operands::Text
+                                   ? QStringLiteral(" needs one text, in quotes")
+                                   : QStringLiteral(" needs one file");
+        return operands.size() == 1 ? QString() : command.name + needed;
     }
     if (arguments->has(ipOption))
         return takeAddresses(command, operands, arguments);

@@ -42,10 +42,15 @@ QList<Option> plantOptions()
             names(itemOption, QStringLiteral("of each device this item alone; may be repeated"))};
 }
 
+bool hasPlugin(const Command &command)
+{
+    return command.operands != Operands::Text && command.operands != Operands::File;
+}
+
 QList<Option> optionsOf(const Command &command)
 {
     QList<Option> options = command.options;
-    if (command.operands != Operands::Text && command.operands != Operands::File) {
+    if (hasPlugin(command)) {
         options.append(
             {QStringLiteral("plugin"), QStringLiteral("FILE"),
              QStringLiteral("the plug-in; without it libkeyence.so next to this program, then in "

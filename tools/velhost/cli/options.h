@@ -11,6 +11,9 @@ inline const QString itemOption = QStringLiteral("item");
 /// What every command with a plant takes, to name a part of one or something in its place.
 QList<Option> plantOptions();
 
+/// Whether the command loads the plug-in.
+bool hasPlugin(const Command &command);
+
 /// All options of a command but `--help` and `--version`, its own first.
 QList<Option> optionsOf(const Command &command);
 
