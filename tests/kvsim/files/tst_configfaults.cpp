@@ -225,9 +225,6 @@ void tst_ConfigFaults::usageErrors_data()
     const auto row = [](const char *arguments, const char *error) {
         QTest::newRow(arguments) << text(arguments) << text(error);
     };
-    row("--config=", "--config takes the name of a file. See kvsim --help.");
-    row("--config line.json --controllers 1",
-        "--config and --controllers exclude each other; leave one of them out. See kvsim --help.");
     row("--config none.json", "none.json: cannot be read: No such file or directory");
     row("--config line.json --set DM7=1",
         "--set: a generator makes the value of 'DM7'; choose another address. See kvsim --help.");

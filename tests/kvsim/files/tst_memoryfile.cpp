@@ -162,11 +162,6 @@ void tst_MemoryFile::stateThatIsNoFile_data()
     const auto row = [](const char *name, const char *arguments, const char *error) {
         QTest::newRow(name) << text(arguments) << text(error);
     };
-    row("with --load", "--state|a.json|--load|b.json",
-        "--state and --load exclude each other; leave one of them out. See kvsim --help.");
-    row("with --dump", "--dump|a.json|--state|a.json",
-        "--state and --dump exclude each other; leave one of them out. See kvsim --help.");
-    row("no name", "--state|", "--state takes the name of a file. See kvsim --help.");
     row("no such folder", "--state|none/memory.json",
         "none/memory.json: cannot be written: No such file or directory");
     row("a folder", "--state|.", ".: cannot be written: Filename refers to a directory");

@@ -14,8 +14,8 @@ private Q_SLOTS:
     void errors();
     void allAtOnce();
     void tooManyDevices();
-    void usageErrors_data();
-    void usageErrors();
+    void unusableFiles_data();
+    void unusableFiles();
 };
 
 namespace {
@@ -132,7 +132,7 @@ void tst_PlantFileErrors::tooManyDevices()
     QCOMPARE(result.exitCode, 2);
 }
 
-void tst_PlantFileErrors::usageErrors_data()
+void tst_PlantFileErrors::unusableFiles_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<QString>("error");
@@ -140,23 +140,12 @@ void tst_PlantFileErrors::usageErrors_data()
     const auto row = [](const char *arguments, const char *error) {
         QTest::newRow(arguments) << text(arguments) << text(error);
     };
-    row("--plant plant.json --controllers 2", "--plant and --controllers exclude each other; leave "
-                                              "one of them out. See kvsim --help.");
-    row("--plant plant.json --config plant.json",
-        "--plant and --config exclude each other; leave one of them out. See kvsim --help.");
-    row("--write-plant written.json",
-        "--write-plant says nothing without --plant; write both, or none. See kvsim --help.");
-    row("--plant plant.json --bind ::1", "'::1' is no address for a plant; write --bind with an "
-                                         "IPv4 address. See kvsim --help.");
-    row("--plant=", "--plant takes the name of a file. See kvsim --help.");
-    row("--plant plant.json --write-plant=",
-        "--write-plant takes the name of a file. See kvsim --help.");
     row("--plant none.json", "none.json: cannot be read: No such file or directory");
     row("--plant plant.json --write-plant none/written.json",
         "none/written.json: cannot be written: No such file or directory");
 }
 
-void tst_PlantFileErrors::usageErrors()
+void tst_PlantFileErrors::unusableFiles()
 {
     QFETCH(QString, arguments);
     QFETCH(QString, error);

@@ -242,9 +242,9 @@ void tst_KvsimProgram::usageErrors_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("error");
 
-    const auto row = [](const char *name, const char *arguments, const char *error) {
+    const auto row = [](const char *name, const QByteArray &arguments, const QByteArray &error) {
         QTest::newRow(name) << QString::fromLatin1(arguments).split(u'|')
-                            << "kvsim: " + QByteArray(error) + " See kvsim --help.\n";
+                            << QByteArray("kvsim: " + error + " See kvsim --help.\n");
     };
     row("unknown option", "--prot|0", "Unknown option 'prot'.");
     row("another help", "--help-all", "Unknown option 'help-all'.");
@@ -268,12 +268,37 @@ void tst_KvsimProgram::usageErrors_data()
         "--set: '65536' is no value for DM100; write a number from -32768 to 65535.");
     row("bit too large", "--set|R100=2",
         "--set: '2' is no value for R100; write a number from 0 to 1.");
+    row("plant of another family of addresses", "--plant|plant.json|--bind|::1",
+        "'::1' is no address for a plant; write --bind with an IPv4 address.");
+    for (const char *option : {"--config", "--plant", "--replay", "--state"})
+        row(option, QByteArray(option) + '|', QByteArray(option) + " takes the name of a file.");
+    row("--write-plant", "--plant|plant.json|--write-plant|",
+        "--write-plant takes the name of a file.");
+    row("a plant to write without one", "--write-plant|written.json",
+        "--write-plant says nothing without --plant; write both, or none.");
+    row("delays without a trace", "--replay-delays",
+        "--replay-delays says nothing without --replay; write both, or none.");
+    const auto exclusion = [&row](const char *arguments, const QByteArray &both) {
+        row(arguments, arguments, both + " exclude each other; leave one of them out.");
+    };
+    exclusion("--config|line.json|--controllers|1", "--config and --controllers");
+    exclusion("--plant|plant.json|--controllers|2", "--plant and --controllers");
+    exclusion("--plant|plant.json|--config|plant.json", "--plant and --config");
+    exclusion("--state|a.json|--load|b.json", "--state and --load");
+    exclusion("--dump|a.json|--state|a.json", "--state and --dump");
+    for (const char *other :
+         {"--config|a.json", "--plant|a.json", "--controllers|2", "--load|a.json", "--dump|a.json",
+          "--state|a.json", "--fault|silent", "--set|DM7=1"}) {
+        const QByteArray arguments = QByteArray("--replay|site.jsonl|") + other;
+        exclusion(arguments.constData(),
+                  "--replay and " + QByteArray(other).split('|').constFirst());
+    }
     const auto badPort = [&row](const char *name, const char *port) {
         const QByteArray arguments = QByteArray("--port|") + port;
         const QByteArray error = "'" + QByteArray(port)
                                  + "' is no port; --port takes a number from 0 to 65535, 0 picks "
                                    "a free port.";
-        row(name, arguments.constData(), error.constData());
+        row(name, arguments, error);
     };
     badPort("port below 0", "-1");
     badPort("port above 65535", "65536");
@@ -287,7 +312,7 @@ void tst_KvsimProgram::usageErrors_data()
         const QByteArray error = "'" + QByteArray(address)
                                  + "' is no IP address; --bind takes one such as 127.0.0.1, or "
                                    "0.0.0.0 for all interfaces.";
-        row(name, arguments.constData(), error.constData());
+        row(name, arguments, error);
     };
     badAddress("host name", "localhost");
     badAddress("address with a byte over 255", "127.0.0.256");

@@ -5,7 +5,7 @@
 
 #include <QTest>
 
-// Traces that cannot be replayed, and command lines that make no sense with one.
+// Traces that cannot be replayed.
 class tst_ReplayErrors : public QObject
 {
     Q_OBJECT
@@ -14,8 +14,7 @@ private Q_SLOTS:
     void errors_data();
     void errors();
     void tooManyPeers();
-    void usageErrors_data();
-    void usageErrors();
+    void noFile();
 };
 
 namespace {
@@ -78,40 +77,10 @@ void tst_ReplayErrors::tooManyPeers()
     QCOMPARE(result.exitCode, 2);
 }
 
-void tst_ReplayErrors::usageErrors_data()
+void tst_ReplayErrors::noFile()
 {
-    QTest::addColumn<QString>("arguments");
-    QTest::addColumn<QString>("error");
-
-    const auto row = [](const char *arguments, const char *error) {
-        QTest::newRow(arguments) << text(arguments) << text(error);
-    };
-    for (const char *other :
-         {"--config a.json", "--plant a.json", "--controllers 2", "--load a.json", "--dump a.json",
-          "--state a.json", "--fault silent", "--set DM7=1"}) {
-        const QByteArray name = QByteArray(other).split(' ').constFirst();
-        const QByteArray error = "--replay and " + name
-                                 + " exclude each other; leave one of them out. See "
-                                   "kvsim --help.";
-        const QByteArray arguments = QByteArray("--replay site.jsonl ") + other;
-        row(arguments.constData(), error.constData());
-    }
-    row("--replay=", "--replay takes the name of a file. See kvsim --help.");
-    row("--replay-delays", "--replay-delays says nothing without --replay; write both, or none. "
-                           "See kvsim --help.");
-    row("--replay none.jsonl", "none.jsonl: cannot be read: No such file or directory");
-}
-
-void tst_ReplayErrors::usageErrors()
-{
-    QFETCH(QString, arguments);
-    QFETCH(QString, error);
-
-    const TestFolder folder;
-    folder.write(text("site.jsonl"), good());
-    const ProgramRun result
-        = runProgram(text(KVSIM_PROGRAM), arguments.split(u' '), folder.path({}));
-    QCOMPARE(result.errors, QString(text("kvsim: ") + error + u'\n'));
+    const ProgramRun result = replay(TestFolder());
+    QCOMPARE(result.errors, text("kvsim: site.jsonl: cannot be read: No such file or directory\n"));
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exitCode, 2);
 }
