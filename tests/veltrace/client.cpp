@@ -17,24 +17,11 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/resource.h>
-#include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
-#include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-// What programs call that were compiled with _FORTIFY_SOURCE.
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" ssize_t __read_chk(int descriptor, void *data, size_t size, size_t room);
-extern "C" ssize_t __recv_chk(int descriptor, void *data, size_t size, size_t room, int flags);
-extern "C" ssize_t __recvfrom_chk(int descriptor, void *data, size_t size, size_t room, int flags,
-                                  sockaddr *peer, socklen_t *length);
-extern "C" int __poll_chk(pollfd *watched, nfds_t count, int timeout, size_t room);
-extern "C" int __ppoll_chk(pollfd *watched, nfds_t count, const timespec *timeout,
-                           const sigset_t *signals, size_t room);
-// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
@@ -81,84 +68,26 @@ int pendingError()
     return ::getsockopt(connection, SOL_SOCKET, SO_ERROR, &error, &length) == 0 ? error : -1;
 }
 
-// In two parts, as hosts do that keep head and body apart.
-std::array<iovec, 2> partsOf(size_t size)
-{
-    return {iovec{buffer.data(), 3}, iovec{buffer.data() + 3, size - 3}};
-}
-
-msghdr messageOf(std::array<iovec, 2> *parts)
-{
-    msghdr message{};
-    message.msg_iov = parts->data();
-    message.msg_iovlen = parts->size();
-    return message;
-}
-
 // Sends the first bytes of the buffer.
 ssize_t sendBy(const std::string &call, size_t size)
 {
-    std::array<iovec, 2> parts = partsOf(size);
-    const msghdr message = messageOf(&parts);
-    if (call == "sendto")
-        return ::sendto(connection, buffer.data(), size, MSG_NOSIGNAL, nullptr, 0);
-    if (call == "sendmsg")
-        return ::sendmsg(connection, &message, MSG_NOSIGNAL);
     if (call == "write")
         return ::write(connection, buffer.data(), size);
-    if (call == "writev")
-        return ::writev(connection, parts.data(), 2);
     return ::send(connection, buffer.data(), size, MSG_NOSIGNAL);
 }
 
 // Receives into the buffer, at most that many bytes.
 ssize_t receiveBy(const std::string &call, size_t size)
 {
-    const size_t room = buffer.size();
-    std::array<iovec, 2> parts = partsOf(size);
-    msghdr message = messageOf(&parts);
+    const std::map<std::string, int> flags{{"all", MSG_WAITALL}, {"peek", MSG_PEEK}, {"recv", 0}};
     if (call == "read")
         return ::read(connection, buffer.data(), size);
-    if (call == "readv")
-        return ::readv(connection, parts.data(), 2);
-    if (call == "recvfrom")
-        return ::recvfrom(connection, buffer.data(), size, 0, nullptr, nullptr);
-    if (call == "recvmsg")
-        return ::recvmsg(connection, &message, 0);
-    if (call == "all")
-        return ::recv(connection, buffer.data(), size, MSG_WAITALL);
-    if (call == "peek")
-        return ::recv(connection, buffer.data(), size, MSG_PEEK);
-    if (call == "read_chk")
-        return __read_chk(connection, buffer.data(), size, room);
-    if (call == "recv_chk")
-        return __recv_chk(connection, buffer.data(), size, room, 0);
-    if (call == "recvfrom_chk")
-        return __recvfrom_chk(connection, buffer.data(), size, room, 0, nullptr, nullptr);
-    return ::recv(connection, buffer.data(), size, 0);
+    return ::recv(connection, buffer.data(), size, flags.at(call));
 }
 
-// Waits until the connection is readable or writable.
-int waitBy(const std::string &call, int milliseconds, bool writable)
+int waitFor(short events, int milliseconds)
 {
-    pollfd watched{connection, static_cast<short>(writable ? POLLOUT : POLLIN), 0};
-    fd_set set;
-    FD_ZERO(&set);
-    FD_SET(connection, &set);
-    fd_set *const readable = writable ? nullptr : &set;
-    timespec limit{milliseconds / 1000, milliseconds % 1000 * 1000000L};
-    timeval otherLimit{limit.tv_sec, limit.tv_nsec / 1000};
-    if (call == "ppoll")
-        return ::ppoll(&watched, 1, &limit, nullptr);
-    if (call == "select")
-        return ::select(connection + 1, readable, writable ? &set : nullptr, nullptr, &otherLimit);
-    if (call == "pselect")
-        return ::pselect(connection + 1, readable, writable ? &set : nullptr, nullptr, &limit,
-                         nullptr);
-    if (call == "poll_chk")
-        return __poll_chk(&watched, 1, milliseconds, sizeof watched);
-    if (call == "ppoll_chk")
-        return __ppoll_chk(&watched, 1, &limit, nullptr, sizeof watched);
+    pollfd watched{connection, events, 0};
     return ::poll(&watched, 1, milliseconds);
 }
 
@@ -300,11 +229,6 @@ int sendAllBytes()
     return static_cast<int>(sendBy("send", 256));
 }
 
-bool startsWith(const std::string &text, const std::string &start)
-{
-    return text.compare(0, start.size(), start) == 0;
-}
-
 // Whatever is no other action receives, by the call of that name.
 void act(const std::string &action, const std::string &call, const std::string &argument)
 {
@@ -320,7 +244,6 @@ void act(const std::string &action, const std::string &call, const std::string &
              return 0;
          }},
         {"bytes", [](const std::string &) { return sendAllBytes(); }},
-        {"shutdown", [](const std::string &) { return ::shutdown(connection, SHUT_WR); }},
         {"close", [](const std::string &) { return ::close(connection); }},
         {"replace", [](const std::string &file) { return replaceBy(file); }},
         {"closeall", [](const std::string &file) { return closeAll(file); }},
@@ -331,13 +254,12 @@ void act(const std::string &action, const std::string &call, const std::string &
         {"fork", [](const std::string &count) { return exchangesInChild(std::stoi(count)); }},
         {"threads", [](const std::string &count) { return exchangesInThreads(std::stoi(count)); }},
         {"alarms", [](const std::string &count) { return exchangesWithAlarms(std::stoi(count)); }},
-        {"writable", [](const std::string &ms) { return waitBy("poll", std::stoi(ms), true); }},
+        {"poll", [](const std::string &ms) { return waitFor(POLLIN, std::stoi(ms)); }},
+        {"writable", [](const std::string &ms) { return waitFor(POLLOUT, std::stoi(ms)); }},
     };
-    if (startsWith(call, "send") || startsWith(call, "write")) {
+    if (call == "send" || call == "write") {
         std::copy(argument.begin(), argument.end(), buffer.begin());
         show(action, sendBy(call, argument.size()));
-    } else if (call.find("poll") != std::string::npos || call.find("select") != std::string::npos) {
-        show(action, waitBy(call, std::stoi(argument), false));
     } else if (others.count(call) != 0) {
         show(action, others.at(call)(argument));
     } else {

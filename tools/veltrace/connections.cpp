@@ -3,13 +3,12 @@
 #include <atomic>
 #include <cerrno>
 #include <clocale>
-#include <cstdlib>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 
+#include <arpa/inet.h>
 #include <fcntl.h>
-#include <net/if.h>
-#include <netdb.h>
 #include <netinet/in.h>
 #include <pthread.h>
 #include <sys/stat.h>
@@ -21,7 +20,7 @@ constexpr int mostDescriptors = 4096;
 // A shorter wait is a look whether something is there.
 constexpr std::int64_t shortestTimeout = 1000;
 
-using PeerText = std::array<char, INET6_ADDRSTRLEN + IF_NAMESIZE + sizeof "[%]:65535">;
+using PeerText = std::array<char, sizeof "255.255.255.255:65535">;
 
 struct Connection
 {
@@ -127,22 +126,16 @@ void afterForkInChild()
 // False for a peer that is not traced.
 bool readPeer(const sockaddr *address, socklen_t length, PeerText *text)
 {
-    if (address == nullptr || length < sizeof(sockaddr_in)
-        || (address->sa_family != AF_INET && address->sa_family != AF_INET6))
+    sockaddr_in peer = {};
+    if (address == nullptr || length < sizeof peer || address->sa_family != AF_INET)
         return false;
-    PeerText host;
-    std::array<char, sizeof "65535"> port;
-    if (getnameinfo(address, length, host.data(), host.size(), port.data(), port.size(),
-                    NI_NUMERICHOST | NI_NUMERICSERV)
-        != 0)
+    std::memcpy(&peer, address, sizeof peer);
+    const unsigned int port = ntohs(peer.sin_port);
+    if ((tracedPorts[port / 8] >> port % 8 & 1) == 0)
         return false;
-    const unsigned long number = std::strtoul(port.data(), nullptr, 10);
-    if ((tracedPorts[number / 8] >> number % 8 & 1) == 0)
-        return false;
-    const bool isNew = address->sa_family == AF_INET6;
-    char *end = stpcpy(text->data(), isNew ? "[" : "");
-    end = stpcpy(stpcpy(end, host.data()), isNew ? "]:" : ":");
-    stpcpy(end, port.data());
+    inet_ntop(AF_INET, &peer.sin_addr, text->data(), sizeof *text);
+    const std::size_t hostLength = std::strlen(text->data());
+    std::snprintf(text->data() + hostLength, text->size() - hostLength, ":%u", port);
     return true;
 }
 
@@ -293,7 +286,7 @@ void sendReturned(int descriptor, const Transfer &transfer)
     connection->awaitsAnswer = true;
     connection->waited = 0;
     report(*connection,
-           {"sent", nullptr, transfer.parts, static_cast<std::size_t>(transfer.result)});
+           {"sent", nullptr, transfer.bytes, static_cast<std::size_t>(transfer.result)});
 }
 
 void receiveReturned(int descriptor, const Transfer &transfer)
@@ -313,7 +306,7 @@ void receiveReturned(int descriptor, const Transfer &transfer)
     if (connection->isConnecting)
         finishConnecting(connection, 0);
     connection->awaitsAnswer = false;
-    reportWait(connection, {transfer.result > 0 ? "received" : "closed", nullptr, transfer.parts,
+    reportWait(connection, {transfer.result > 0 ? "received" : "closed", nullptr, transfer.bytes,
                             static_cast<std::size_t>(transfer.result)});
 }
 
@@ -328,13 +321,6 @@ void waitReturned(int descriptor, bool timedOut, std::int64_t since)
         runOut(connection);
     else if (connection->isConnecting && isConnected(descriptor))
         finishConnecting(connection, 0);
-}
-
-void endsDirection(int descriptor)
-{
-    const Inside inside;
-    if (const Connection *const connection = inside.connection(descriptor))
-        report(*connection, {"shutdown"});
 }
 
 void closes(int descriptor)

@@ -4,7 +4,6 @@
 
 #include <array>
 
-#include <poll.h>
 #include <sys/socket.h>
 
 // Which descriptors are connections to be traced, and what happens on them. Descriptors that are
@@ -34,7 +33,7 @@ void errorAsked(int descriptor, int error);
 /// A call has sent or received `result` bytes, or failed with the error number.
 struct Transfer
 {
-    const iovec *parts = nullptr;
+    const char *bytes = nullptr;
     ssize_t result = 0;
     int error = 0;
     std::int64_t since = 0;
@@ -45,6 +44,5 @@ void receiveReturned(int descriptor, const Transfer &transfer);
 /// A wait for this descriptor is over, because something happened or because its time ran out.
 void waitReturned(int descriptor, bool timedOut, std::int64_t since);
 
-/// The host ends a direction of the connection, or is about to close it.
-void endsDirection(int descriptor);
+/// The host is about to close the connection.
 void closes(int descriptor);

@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include <sys/uio.h>
-
 /// What has happened on a connection.
 struct Event
 {
@@ -12,8 +10,8 @@ struct Event
     const char *name = nullptr;
     /// A null pointer where the event has none.
     const char *outcome = nullptr;
-    /// What was sent or received: the first `size` bytes of these parts.
-    const iovec *parts = nullptr;
+    /// What was sent or received: `size` bytes.
+    const char *bytes = nullptr;
     std::size_t size = 0;
     /// In microseconds; negative where the event has none.
     std::int64_t waited = -1;

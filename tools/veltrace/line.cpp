@@ -85,20 +85,6 @@ void appendByte(unsigned char byte)
     }
 }
 
-void appendBytes(const iovec *part, std::size_t first, std::size_t count)
-{
-    while (count > 0) {
-        if (first >= part->iov_len) {
-            first -= part->iov_len;
-            ++part;
-            continue;
-        }
-        appendByte(static_cast<const unsigned char *>(part->iov_base)[first]);
-        ++first;
-        --count;
-    }
-}
-
 void appendHead(const Event &event)
 {
     append(R"({"time":")");
@@ -135,7 +121,8 @@ Line lineOf(const Event &event, std::size_t first)
     }
     if (count > 0) {
         append(R"(,"bytes":")");
-        appendBytes(event.parts, first, count);
+        for (std::size_t i = first; i < first + count; ++i)
+            appendByte(static_cast<unsigned char>(event.bytes[i]));
         append("\"");
     }
     append("}\n");

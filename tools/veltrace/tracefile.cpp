@@ -205,10 +205,10 @@ Setting openNamedFile()
 void complain(Setting setting)
 {
     std::array<char, PATH_MAX + 200> text;
-    char *end = stpcpy(text.data(), "libvel-trace: nothing is traced: ");
-    end = stpcpy(stpcpy(end, setting.problem), ": ");
-    end = stpcpy(stpncpy(end, setting.value, PATH_MAX), "\n");
-    writeQuietly(STDERR_FILENO, text.data(), static_cast<std::size_t>(end - text.data()));
+    const int size
+        = std::snprintf(text.data(), text.size(), "libvel-trace: nothing is traced: %s: %.*s\n",
+                        setting.problem, PATH_MAX, setting.value);
+    writeQuietly(STDERR_FILENO, text.data(), static_cast<std::size_t>(size));
 }
 
 [[gnu::constructor]] void begin()

@@ -2,7 +2,6 @@
 
 #include <veltrace/connections.h>
 
-#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -12,17 +11,6 @@
 namespace {
 
 WireTap *currentTap = nullptr;
-
-QByteArray bytesOf(const Event &event)
-{
-    QByteArray bytes;
-    for (const iovec *part = event.parts; static_cast<std::size_t>(bytes.size()) < event.size;
-         ++part)
-        bytes.append(static_cast<const char *>(part->iov_base),
-                     static_cast<int>(std::min(
-                         part->iov_len, event.size - static_cast<std::size_t>(bytes.size()))));
-    return bytes;
-}
 
 qint64 microsecondsSince1970()
 {
@@ -46,7 +34,7 @@ void takeEvent(const Event &event)
     taken.name = QString::fromLatin1(event.name);
     taken.outcome = QString::fromLatin1(event.outcome);
     taken.waited = event.waited;
-    taken.bytes = bytesOf(event);
+    taken.bytes = QByteArray(event.bytes, static_cast<int>(event.size));
     currentTap->add(taken);
 }
 
