@@ -38,7 +38,7 @@ SECONDS = 60
 
 COMMENT = re.compile(r"<!-- (?:(before|prints|not run): (.+)|digits vary) -->$")
 MASKS = [
-    (re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}([+-]\d\d:\d\d)?"), "DATE"),
+    (re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}(?:\d{3})?([+-]\d\d:\d\d)?"), "DATE"),
     (re.compile(r"\d\d:\d\d:\d\d(\.\d{3})?"), "TIME"),
     (re.compile(r"(?<=\d:)[3-6]\d{4}\b"), "PORT"),
     (re.compile(r"(_ms\":)\d+\.\d+"), r"\1DURATION"),

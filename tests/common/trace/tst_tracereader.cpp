@@ -55,7 +55,7 @@ void tst_TraceReader::wholeEvent()
     QCOMPARE(result.problems, QStringList());
     QCOMPARE(result.events.size(), 1);
     const TraceEvent event = result.events.constFirst();
-    QCOMPARE(event.time, qint64(1795338875123456));
+    QCOMPARE(event.time, text("2026-11-22T09:14:35.123456Z"));
     QCOMPARE(event.process, qint64(812));
     QCOMPARE(event.thread, qint64(813));
     QCOMPARE(event.connection, qint64(7));
@@ -110,14 +110,6 @@ void tst_TraceReader::problems_data()
     QTest::newRow("an empty line") << QByteArray("\n") << text("t:2: is empty");
     QTest::newRow("a list") << QByteArray("[]\n") << text("t:2: expected an object, found a list");
     QTest::newRow("no time") << with("time", "tame") << text("t:2: time: missing; expected a text");
-    QTest::newRow("milliseconds alone")
-        << with("456Z", "Z")
-        << text("t:2: time: expected a time such as 2026-11-22T09:14:35.123456Z, found "
-                "2026-11-22T09:14:35.123Z");
-    QTest::newRow("no such day")
-        << with("11-22", "02-30")
-        << text("t:2: time: expected a time such as 2026-11-22T09:14:35.123456Z, found "
-                "2026-02-30T09:14:35.123456Z");
     QTest::newRow("connection 0") << with(
         ":1,",
         ":0,") << text("t:2: connection: expected a whole number from 1 to 9007199254740992");

@@ -44,7 +44,7 @@ ProgramRun wire(const QString &file, const QStringList &options = {})
 QStringList shownLines(const QString &output)
 {
     static const QRegularExpression head(
-        text(R"(^[0-9-]{10}T[0-9:]{8}\.[0-9]{3}Z #1 127\.0\.0\.1:[0-9]+ )"));
+        text(R"(^[0-9-]{10}T[0-9:]{8}\.[0-9]{6}Z #1 127\.0\.0\.1:[0-9]+ )"));
     static const QRegularExpression wait(text(R"(  [0-9]+\.[0-9]{3} ms)"));
     QStringList lines = output.split(u'\n', Qt::SkipEmptyParts);
     for (QString &line : lines)
@@ -136,7 +136,7 @@ void tst_Wire::everyEvent()
                           + line("1", R"("event":"close")") + line("1", R"("event":"not known")")));
     const ProgramRun run = wire(file);
     QCOMPARE(run.errors, QString());
-    const QString head = text("2026-11-22T09:14:35.123Z #1 10.0.0.1:8501 ");
+    const QString head = text("2026-11-22T09:14:35.123456Z #1 10.0.0.1:8501 ");
     QCOMPARE(
         run.output,
         head + text("connect: connected  0.412 ms\n") + head + text("> RD D7\\r\n") + head
@@ -181,11 +181,11 @@ void tst_Wire::json()
     const ProgramRun run = wire(file, {text("--format"), text("json")});
     QCOMPARE(run.errors, QString());
     QCOMPARE(run.output,
-             text(R"({"type":"event","time":"2026-11-22T09:14:35.123Z","connection":1,)"
+             text(R"({"type":"event","time":"2026-11-22T09:14:35.123456Z","connection":1,)"
                   R"("peer":"10.0.0.1:8501","event":"sent","outcome":"","waited_us":null,)"
                   R"("bytes":"RD D7\r","verdict":"","suspect":false})"
                   "\n"
-                  R"({"type":"event","time":"2026-11-22T09:14:35.123Z","connection":1,)"
+                  R"({"type":"event","time":"2026-11-22T09:14:35.123456Z","connection":1,)"
                   R"("peer":"10.0.0.1:8501","event":"received","outcome":"","waited_us":1502,)"
                   R"("bytes":"\r\n","verdict":"0 instead of 1 words","suspect":true})"
                   "\n"));

@@ -3,7 +3,6 @@
 #include <common/json/jsonfile.h>
 #include <common/json/jsonplace.h>
 
-#include <QDateTime>
 #include <QFile>
 #include <QJsonObject>
 
@@ -14,21 +13,6 @@ namespace {
 // A line has up to 65,536 bytes, each of up to six characters.
 constexpr qint64 longestLine = 500000;
 constexpr qint64 largestNumber = 1LL << 53;
-
-/// Of "2026-11-22T09:14:35.123456Z".
-qint64 readTime(const QJsonValue &value, QList<Problem> *errors)
-{
-    const QString text = readText(value, QStringLiteral("time"), errors);
-    const QDateTime seconds = QDateTime::fromString(text.left(19) + u'Z', Qt::ISODate);
-    bool isNumber = false;
-    const int fraction = text.midRef(20, 6).toInt(&isNumber);
-    const bool isTime = seconds.isValid() && isNumber && fraction >= 0 && text.size() == 27
-                        && text.at(19) == u'.' && text.endsWith(u'Z');
-    if (value.isString() && !isTime)
-        addError(QStringLiteral("time"),
-                 u"expected a time such as 2026-11-22T09:14:35.123456Z, found " + text, errors);
-    return seconds.toSecsSinceEpoch() * 1000000 + fraction;
-}
 
 QByteArray readBytes(const QJsonValue &value, QList<Problem> *errors)
 {
@@ -53,7 +37,7 @@ TraceEvent eventOf(const QJsonObject &line, QList<Problem> *errors)
         return line.contains(key) ? readText(line.value(key), key, errors) : QString();
     };
     TraceEvent event;
-    event.time = readTime(line.value(QStringLiteral("time")), errors);
+    event.time = readText(line.value(QStringLiteral("time")), QStringLiteral("time"), errors);
     event.process = number("process", 0, -1);
     event.thread = number("thread", 0, -1);
     event.connection = number("connection", 1, 1);

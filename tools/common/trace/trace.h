@@ -10,8 +10,8 @@
 /// One event of a wire trace, as docs/wire-trace.md describes it.
 struct TraceEvent
 {
-    /// Microseconds since 1970, UTC.
-    qint64 time = 0;
+    /// As it stands in the trace; nobody computes with it.
+    QString time;
     qint64 process = 0;
     qint64 thread = 0;
     qint64 connection = 0;

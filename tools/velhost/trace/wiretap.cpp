@@ -2,6 +2,8 @@
 
 #include <veltrace/connections.h>
 
+#include <QDateTime>
+
 #include <chrono>
 #include <utility>
 
@@ -12,10 +14,13 @@ namespace {
 
 WireTap *currentTap = nullptr;
 
-qint64 microsecondsSince1970()
+QString timeNow()
 {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+    const qint64 microseconds = std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+    const QDateTime seconds = QDateTime::fromSecsSinceEpoch(microseconds / 1000000, Qt::UTC);
+    return seconds.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss."))
+           + QStringLiteral("%1Z").arg(microseconds % 1000000, 6, 10, QChar(u'0'));
 }
 
 void takeEvent(const Event &event)
@@ -23,7 +28,7 @@ void takeEvent(const Event &event)
     if (currentTap == nullptr)
         return;
     TraceEvent taken;
-    taken.time = microsecondsSince1970();
+    taken.time = timeNow();
     // The system is asked once, not for each event.
     static const qint64 process = getpid();
     static thread_local const qint64 thread = syscall(SYS_gettid);

@@ -2,16 +2,7 @@
 
 #include <common/visibletext.h>
 
-#include <QDateTime>
-
 namespace {
-
-QString timeOf(qint64 microseconds)
-{
-    const QDateTime seconds = QDateTime::fromMSecsSinceEpoch(microseconds / 1000, Qt::UTC);
-    return seconds.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss."))
-           + QStringLiteral("%1Z").arg(microseconds % 1'000'000, 6, 10, QChar(u'0'));
-}
 
 QString what(const TraceEvent &event)
 {
@@ -41,9 +32,9 @@ QString wireText(const TraceEvent &event, const Verdict &verdict)
 
 QList<JsonMember> wireMembers(const TraceEvent &event)
 {
-    QList<JsonMember> members{{"time", timeOf(event.time)}, {"process", event.process},
-                              {"thread", event.thread},     {"connection", event.connection},
-                              {"peer", event.peer},         {"event", event.name}};
+    QList<JsonMember> members{{"time", event.time},     {"process", event.process},
+                              {"thread", event.thread}, {"connection", event.connection},
+                              {"peer", event.peer},     {"event", event.name}};
     if (!event.outcome.isEmpty())
         members.append({"outcome", event.outcome});
     if (event.waited >= 0)

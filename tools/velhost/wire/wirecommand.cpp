@@ -7,8 +7,6 @@
 #include <common/trace/trace.h>
 #include <common/visibletext.h>
 
-#include <QDateTime>
-
 #include <map>
 #include <utility>
 
@@ -39,21 +37,16 @@ struct Output
     int suspects = 0;
 };
 
-QString timeOf(const TraceEvent &event)
-{
-    return QDateTime::fromMSecsSinceEpoch(event.time / 1000, Qt::UTC).toString(Qt::ISODateWithMs);
-}
-
 QString lineOf(const TraceEvent &event, int connection, const Verdict &verdict)
 {
-    return timeOf(event) + u" #" + QString::number(connection) + u' ' + visible(event.peer) + u' '
-           + wireText(event, verdict) + u'\n';
+    return visible(event.time) + u" #" + QString::number(connection) + u' ' + visible(event.peer)
+           + u' ' + wireText(event, verdict) + u'\n';
 }
 
 QString jsonOf(const TraceEvent &event, int connection, const Verdict &verdict)
 {
     const QJsonValue waited = event.waited < 0 ? QJsonValue() : QJsonValue(event.waited);
-    return jsonLine("event", {{"time", timeOf(event)},
+    return jsonLine("event", {{"time", event.time},
                               {"connection", connection},
                               {"peer", event.peer},
                               {"event", event.name},
