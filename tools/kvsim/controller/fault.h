@@ -7,49 +7,20 @@
 
 #include <optional>
 
-/// What goes wrong.
-enum class FaultKind {
-    Delay,
-    Silent,
-    Late,
-    Refuse,
-    Split,
-    Dribble,
-    NoTerminator,
-    Empty,
-    Garbage,
-    Nul,
-    Long,
-    ShortAnswer,
-    ExtraWord,
-    NotANumber,
-    Duplicate,
-    PreviousAnswer,
-    Close,
-    Reset,
-    Restart,
-    // What follows strikes new clients, all others strike commands.
-    RefuseConnect,
-    AcceptThenSilent,
-    MaxClients,
-};
-
-/// When a connection ends: instead of the answer, half way through it, or behind it.
-enum class Moment { Before, In, After };
+struct FaultKind;
 
 /// One fault with the commands, or the new clients, that it strikes.
 struct Fault
 {
-    FaultKind kind = FaultKind::Silent;
+    const FaultKind *kind = nullptr;
     /// Milliseconds, bytes or clients, as the kind has it.
     int amount = 0;
-    /// Delay: by how many milliseconds the time varies at most, up or down. Split: milliseconds
-    /// between the parts.
+    /// By how many milliseconds a delay varies at most, up or down; those between the parts of an
+    /// answer.
     int variation = 0;
-    /// Refuse: the answer, for example "E1".
-    QByteArray refusal;
-    /// Close and Reset.
-    Moment moment = Moment::Before;
+    /// The answer of a refusal, for example "E1", or when a connection ends: "before", "in" or
+    /// "after" the answer.
+    QByteArray word;
 
     /// Only commands that touch this word or bit; nothing: all commands.
     std::optional<Address> address;
@@ -65,12 +36,6 @@ struct Fault
     /// The fault as it was written.
     QByteArray text;
 };
-
-/// Whether it strikes new clients and not commands.
-constexpr bool strikesClients(FaultKind kind)
-{
-    return kind >= FaultKind::RefuseConnect;
-}
 
 /// Reads KIND[=ARGUMENTS][@SELECTOR...], for example "split=3,20@DM100@nth=2". Returns an
 /// empty text, or what is wrong with it and what to write instead.

@@ -1,5 +1,6 @@
 #include "controller/faultengine.h"
 
+#include "controller/faultkind.h"
 #include "controller/interpreter.h"
 #include "controller/linebuffer.h"
 #include "memory/number.h"
@@ -9,6 +10,8 @@
 #include <algorithm>
 
 namespace {
+
+using Role = FaultKind::Role;
 
 /// The words or bits that a command names, whether they all exist or not.
 std::optional<Range> rangeOf(const QByteArray &line)
@@ -27,7 +30,7 @@ std::optional<Range> rangeOf(const QByteArray &line)
 
 bool fits(const Fault &fault, const std::optional<Range> &range)
 {
-    if (strikesClients(fault.kind))
+    if (fault.kind->strikesClients())
         return false;
     if (!fault.address)
         return true;
@@ -111,17 +114,21 @@ Reply FaultEngine::reply(const Line &line, const QByteArray &previous, const Pro
         if (!fits(entry.fault, range) || !strikesNow(&entry) || struck)
             continue;
         // Before a client's first command there is no answer that could be sent again.
-        if (entry.fault.kind != FaultKind::PreviousAnswer || !previous.isEmpty())
+        if (entry.fault.kind->role != Role::PreviousAnswer || !previous.isEmpty())
             struck = &entry;
     }
 
-    QByteArray answer;
-    if (!struck || executesCommand(struck->fault))
-        answer = answerTo(line, profile, memory);
+    const bool isExecuted = !struck || struck->fault.kind->role != Role::NoExecution;
+    const QByteArray answer = isExecuted ? answerTo(line, profile, memory) : QByteArray();
     if (!struck)
         return {{{Action::Kind::Send, 0, answer}}, false, answer, {}};
     ++struck->count.applied;
-    return faultyReply(struck->fault, answer, previous, &struck->random);
+    const Fault &fault = struck->fault;
+    Reply reply{fault.kind->actions({fault, answer, previous, &struck->random}),
+                fault.kind->role == Role::LateAnswer, answer, fault.text};
+    if (!isExecuted)
+        reply.answer = reply.bytes();
+    return reply;
 }
 
 Welcome FaultEngine::welcome(int connected, QByteArray *text)
@@ -130,11 +137,11 @@ Welcome FaultEngine::welcome(int connected, QByteArray *text)
     Welcome welcome = Welcome::Serve;
     for (Entry &entry : m_entries) {
         const Fault &fault = entry.fault;
-        if (!strikesClients(fault.kind) || !strikesNow(&entry) || welcome != Welcome::Serve)
+        if (!fault.kind->strikesClients() || !strikesNow(&entry) || welcome != Welcome::Serve)
             continue;
-        if (fault.kind == FaultKind::MaxClients && connected < fault.amount)
+        if (connected < fault.amount)
             continue;
-        welcome = fault.kind == FaultKind::AcceptThenSilent ? Welcome::Ignore : Welcome::Reset;
+        welcome = fault.kind->role == Role::IgnoreClient ? Welcome::Ignore : Welcome::Reset;
         ++entry.count.applied;
         *text = fault.text;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "controller/faultreply.h"
+#include "controller/fault.h"
+#include "controller/reply.h"
 
 #include <QMutex>
 #include <QRandomGenerator>

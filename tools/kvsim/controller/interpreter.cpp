@@ -28,19 +28,13 @@ QList<QByteArray> fieldsOf(const QByteArray &line)
     return fields;
 }
 
-std::optional<quint32> parseCount(const QByteArray &text)
-{
-    const std::optional<quint32> count = parseNumber(text, 10);
-    const bool valid = count && *count >= 1 && *count <= maximumCount;
-    return valid ? count : std::nullopt;
-}
-
 /// Decimal text from -32768 to 65535; a negative number is kept as its two's complement.
 std::optional<quint16> parseWord(const QByteArray &text)
 {
     const bool negative = text.startsWith('-');
-    const std::optional<quint32> magnitude = parseNumber(negative ? text.mid(1) : text, 10);
-    if (!magnitude || *magnitude > (negative ? 32768 : 65535))
+    const std::optional<quint32> magnitude
+        = parseDecimal(negative ? text.mid(1) : text, 0, negative ? 32768 : 65535);
+    if (!magnitude)
         return std::nullopt;
     return static_cast<quint16>(negative ? 65536 - *magnitude : *magnitude);
 }
@@ -140,7 +134,7 @@ QByteArray execute(const QByteArray &line, const Profile &profile, Memory *memor
     if (command == "WR" && fields.size() == 3)
         return write(profile, memory, fields.at(1), fields.mid(2));
 
-    const std::optional<quint32> count = parseCount(fields.value(2));
+    const std::optional<quint32> count = parseDecimal(fields.value(2), 1, maximumCount);
     if (command == "RDS" && fields.size() == 3 && count)
         return read(profile, *memory, fields.at(1), *count);
     const QList<QByteArray> texts = fields.mid(3);

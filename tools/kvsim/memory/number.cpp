@@ -14,3 +14,9 @@ std::optional<quint32> parseNumber(const QByteArray &text, int base)
     const quint32 number = text.toUInt(&ok, base);
     return ok ? std::make_optional(number) : std::nullopt;
 }
+
+std::optional<quint32> parseDecimal(const QByteArray &text, quint32 minimum, quint32 maximum)
+{
+    const std::optional<quint32> number = parseNumber(text, 10);
+    return number && *number >= minimum && *number <= maximum ? number : std::nullopt;
+}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controller/faultreply.h"
+#include "controller/reply.h"
 
 #include <QNetworkDatagram>
 #include <QObject>

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "controller/fault.h"
-
+#include <QByteArray>
 #include <QList>
-
-class QRandomGenerator;
 
 /// One step of what the simulator does after a command.
 struct Action
@@ -31,14 +28,11 @@ struct Reply
     QByteArray fault;
 
     /// Every byte that the actions send.
-    QByteArray bytes() const;
+    QByteArray bytes() const
+    {
+        QByteArray all;
+        for (const Action &action : actions)
+            all += action.bytes;
+        return all;
+    }
 };
-
-/// Whether a command that `fault` strikes is executed nevertheless.
-bool executesCommand(const Fault &fault);
-
-/// What `fault`, one that strikes commands, makes of a command. `answer` is the command's proper
-/// answer with its line end (empty when it was not executed), `previous` the proper answer to the
-/// same client's command before it. Random numbers are taken from `random`.
-Reply faultyReply(const Fault &fault, const QByteArray &answer, const QByteArray &previous,
-                  QRandomGenerator *random);
