@@ -1,5 +1,3 @@
-#include "text.h"
-
 #include <controller/controller.h>
 #include <controller/linebuffer.h>
 
@@ -25,7 +23,6 @@ private Q_SLOTS:
     void firstThatStrikesIsApplied();
     void welcome_data();
     void welcome();
-    void tooManyFaults();
 };
 
 namespace {
@@ -304,18 +301,6 @@ void tst_FaultEngine::welcome()
     QCOMPARE(struck, applied ? fault : QByteArray());
     QCOMPARE(engine.counts().constFirst().seen, quint64(fault != "silent"));
     QCOMPARE(engine.counts().constFirst().applied, quint64(applied));
-}
-
-void tst_FaultEngine::tooManyFaults()
-{
-    FaultEngine engine;
-    for (int i = 0; i < FaultEngine::maximumFaults; ++i)
-        QCOMPARE(engine.add("silent"), QString());
-    QCOMPARE(engine.add("silent"), text("100 faults are in force already; clear them first"));
-    QCOMPARE(engine.counts().size(), FaultEngine::maximumFaults);
-    engine.clear();
-    QCOMPARE(engine.counts().size(), 0);
-    QCOMPARE(engine.add("silent"), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_FaultEngine)

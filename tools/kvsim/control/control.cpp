@@ -12,6 +12,8 @@ using Fields = QList<QByteArray>;
 
 /// The most that one command shows, as with RDS.
 constexpr quint32 mostValues = 1000;
+/// While so many are in force, a client can add none.
+constexpr int mostFaults = 100;
 constexpr int anyNumber = std::numeric_limits<int>::max();
 
 QByteArray okOr(const QString &error)
@@ -55,13 +57,14 @@ QByteArray set(const Fields &fields, const ControlTarget &target)
 QByteArray fault(const Fields &fields, const ControlTarget &target)
 {
     for (const NamedController &named : target.controllers) {
-        const QString error = named.controller->faults.refusal(fields.at(1));
-        if (!error.isEmpty())
-            return okOr(error);
+        if (named.controller->faults.counts().size() >= mostFaults)
+            return okOr(
+                QStringLiteral("%1 faults are in force already; clear them first").arg(mostFaults));
     }
+    QString error;
     for (const NamedController &named : target.controllers)
-        named.controller->faults.add(fields.at(1));
-    return okOr({});
+        error = named.controller->faults.add(fields.at(1));
+    return okOr(error);
 }
 
 QByteArray clear(const Fields &fields, const ControlTarget &target)

@@ -39,27 +39,11 @@ bool fits(const Fault &fault, const std::optional<Range> &range)
 
 } // namespace
 
-QString FaultEngine::read(const QByteArray &text, Fault *fault) const
-{
-    const QString error = parseFault(text, fault);
-    if (error.isEmpty() && m_entries.size() >= maximumFaults)
-        return QStringLiteral("%1 faults are in force already; clear them first")
-            .arg(maximumFaults);
-    return error;
-}
-
-QString FaultEngine::refusal(const QByteArray &text) const
-{
-    const QMutexLocker locker(&m_mutex);
-    Fault fault;
-    return read(text, &fault);
-}
-
 QString FaultEngine::add(const QByteArray &text)
 {
     const QMutexLocker locker(&m_mutex);
     Fault fault;
-    const QString error = read(text, &fault);
+    const QString error = parseFault(text, &fault);
     if (error.isEmpty())
         m_entries.append({fault, QRandomGenerator(fault.seed), {text, 0, 0}});
     return error;

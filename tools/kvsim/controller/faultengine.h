@@ -29,12 +29,6 @@ enum class Welcome { Serve, Ignore, Reset };
 class FaultEngine
 {
 public:
-    /// The most faults that are in force at a time.
-    static constexpr int maximumFaults = 100;
-
-    /// Why add() would not take the fault; an empty text when it would.
-    QString refusal(const QByteArray &text) const;
-
     /// Puts a fault in force, see parseFault(); its counters begin at 0. Returns an empty text, or
     /// what is wrong: then nothing has changed.
     QString add(const QByteArray &text);
@@ -67,7 +61,6 @@ private:
         FaultCount count;
     };
 
-    QString read(const QByteArray &text, Fault *fault) const;
     static bool strikesNow(Entry *entry);
 
     mutable QMutex m_mutex;
