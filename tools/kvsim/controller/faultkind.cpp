@@ -88,21 +88,11 @@ Actions send(const QByteArray &bytes, int milliseconds = 0)
     return actions;
 }
 
-Actions silent(const StruckCommand & /*command*/)
-{
-    return {};
-}
-
 Actions delayed(const StruckCommand &command)
 {
     const int variation = command.fault.variation;
     const int jitter = command.random->bounded(-variation, variation + 1);
     return send(command.answer, command.fault.amount + jitter);
-}
-
-Actions refused(const StruckCommand &command)
-{
-    return send(command.fault.word + lineEnd);
 }
 
 /// There are always two parts: when the answer is too short, its last byte is the second part.
@@ -118,16 +108,6 @@ Actions dribble(const StruckCommand &command)
     for (const char byte : command.answer)
         actions += send(QByteArray(1, byte), actions.isEmpty() ? 0 : command.fault.amount);
     return actions;
-}
-
-Actions unterminated(const StruckCommand &command)
-{
-    return send(textOf(command));
-}
-
-Actions empty(const StruckCommand & /*command*/)
-{
-    return send(lineEnd);
 }
 
 /// Random bytes without those that would end the line.
@@ -162,27 +142,12 @@ Actions shortAnswer(const StruckCommand &command)
     return send(text.left(std::max(text.lastIndexOf(' '), 0)) + lineEnd);
 }
 
-Actions extraWord(const StruckCommand &command)
-{
-    return send(textOf(command) + " 65535" + lineEnd);
-}
-
 Actions notANumber(const StruckCommand &command)
 {
     QByteArray text = textOf(command);
     std::replace_if(
         text.begin(), text.end(), [](char c) { return c != ' '; }, '*');
     return send(text + lineEnd);
-}
-
-Actions duplicate(const StruckCommand &command)
-{
-    return send(command.answer + command.answer);
-}
-
-Actions previousAnswer(const StruckCommand &command)
-{
-    return send(command.previous);
 }
 
 /// The connection ends before, in or after the answer.
@@ -195,37 +160,42 @@ Actions ended(const StruckCommand &command)
     return send(command.answer.left(sent)) + Actions{{end, 0, {}}};
 }
 
-Actions restart(const StruckCommand &command)
-{
-    return {{Action::Kind::Restart, command.fault.amount, {}}};
-}
-
 constexpr std::array<FaultKind, 22> kinds{{
     {"delay", Role::Answer, readDelay,
      "delay=MS or delay=MS+-JITTER, MS from 0 to 600000 and JITTER from 0 to MS", delayed},
-    {"silent", Role::Answer, readNothing, "silent", silent},
+    {"silent", Role::Answer, readNothing, "silent",
+     [](const StruckCommand &) { return Actions(); }},
     {"late", Role::LateAnswer, readTime, "late=MS, from 0 to 600000", delayed},
-    {"refuse", Role::NoExecution, readRefusal, "refuse=E0, E1, E2, E4, E5 or E6", refused},
+    {"refuse", Role::NoExecution, readRefusal, "refuse=E0, E1, E2, E4, E5 or E6",
+     [](const StruckCommand &c) { return send(c.fault.word + lineEnd); }},
     {"split", Role::Answer, readSplit,
      "split=BYTES,MS, BYTES from 1 to 1048576 and MS from 0 to 600000", split},
     {"dribble", Role::Answer, readOptionalTime, "dribble or dribble=MS, from 0 to 600000", dribble},
-    {"no-terminator", Role::Answer, readNothing, "no-terminator", unterminated},
-    {"empty", Role::Answer, readNothing, "empty", empty},
+    {"no-terminator", Role::Answer, readNothing, "no-terminator",
+     [](const StruckCommand &c) { return send(textOf(c)); }},
+    {"empty", Role::Answer, readNothing, "empty",
+     [](const StruckCommand &) { return send(lineEnd); }},
     {"garbage", Role::Answer, readAmount<1, mostBytes>, "garbage=BYTES, from 1 to 1048576",
      garbage},
     {"nul", Role::Answer, readNothing, "nul", zeroByte},
     {"long", Role::Answer, readAmount<shortestLine, mostBytes>, "long=BYTES, from 3 to 1048576",
      longLine},
     {"short-answer", Role::Answer, readNothing, "short-answer", shortAnswer},
-    {"extra-word", Role::Answer, readNothing, "extra-word", extraWord},
+    {"extra-word", Role::Answer, readNothing, "extra-word",
+     [](const StruckCommand &c) { return send(textOf(c) + " 65535" + lineEnd); }},
     {"not-a-number", Role::Answer, readNothing, "not-a-number", notANumber},
-    {"duplicate", Role::Answer, readNothing, "duplicate", duplicate},
-    {"previous-answer", Role::PreviousAnswer, readNothing, "previous-answer", previousAnswer},
+    {"duplicate", Role::Answer, readNothing, "duplicate",
+     [](const StruckCommand &c) { return send(c.answer + c.answer); }},
+    {"previous-answer", Role::PreviousAnswer, readNothing, "previous-answer",
+     [](const StruckCommand &c) { return send(c.previous); }},
     {"close", Role::Answer, readMoment, "close=before, close=in or close=after",
      ended<Action::Kind::Close>},
     {"reset", Role::Answer, readMoment, "reset=before, reset=in or reset=after",
      ended<Action::Kind::Reset>},
-    {"restart", Role::NoExecution, readTime, "restart=MS, from 0 to 600000", restart},
+    {"restart", Role::NoExecution, readTime, "restart=MS, from 0 to 600000",
+     [](const StruckCommand &c) {
+         return Actions{{Action::Kind::Restart, c.fault.amount, {}}};
+     }},
     {"refuse-connect", Role::RefuseClient, readNothing, "refuse-connect", nullptr},
     {"accept-then-silent", Role::IgnoreClient, readNothing, "accept-then-silent", nullptr},
     {"max-clients", Role::RefuseClient, readAmount<0, mostClients>,
