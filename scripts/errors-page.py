@@ -36,7 +36,7 @@ def main():
     environment.filters["differences"] = differences
     catalogue = load("tools/velhost/explain/errors.json")
     page = environment.get_template("errors.md.j2").render(
-        errors=catalogue["errors"], places={form["id"]: form["places"] for form in catalogue["forms"]},
+        errors=catalogue["errors"], forms=catalogue["forms"],
         provocations=load("tests/velhost/explain/provocations.json"))
     if sys.argv[1:] != ["--check"]:
         PAGE.write_text(page, encoding="utf-8")

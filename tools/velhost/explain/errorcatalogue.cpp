@@ -1,9 +1,8 @@
 #include "explain/errorcatalogue.h"
 
-#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
+#include <QJsonValue>
 
 namespace {
 
@@ -16,10 +15,10 @@ QStringList texts(const QJsonValue &list)
     return result;
 }
 
-QList<KnownError::Place> placesOf(const QJsonObject &form, const QString &reason)
+QList<KnownError::Place> placesOf(const QJsonValue &form, const QString &reason)
 {
     QList<KnownError::Place> places;
-    const QJsonArray array = form.value(u"places").toArray();
+    const QJsonArray array = form.toArray();
     for (const QJsonValue &place : array) {
         QString text = place[u"text"].toString();
         text.replace(QStringLiteral("{reason}"), reason);
@@ -32,21 +31,16 @@ QList<KnownError::Place> placesOf(const QJsonObject &form, const QString &reason
 
 QList<KnownError> errorCatalogue(const QByteArray &json)
 {
-    const QJsonObject root = QJsonDocument::fromJson(json).object();
-    QHash<QString, QJsonObject> forms;
-    const QJsonArray formArray = root.value(u"forms").toArray();
-    for (const QJsonValue &form : formArray)
-        forms.insert(form[u"id"].toString(), form.toObject());
-
+    const QJsonDocument root = QJsonDocument::fromJson(json);
     QList<KnownError> errors;
-    const QJsonArray errorArray = root.value(u"errors").toArray();
-    for (const QJsonValue &error : errorArray) {
+    const QJsonArray array = root[u"errors"].toArray();
+    for (const QJsonValue &error : array) {
         const QString text = error[u"text"].toString();
-        errors.append({error[u"id"].toString(), text, error[u"title"].toString(),
-                       placesOf(forms.value(error[u"form"].toString()), text),
-                       error[u"unreported"].toString(), error[u"meaning"].toString(),
-                       texts(error[u"causes"]), texts(error[u"remedies"]), texts(error[u"aliases"]),
-                       texts(error[u"follows"])});
+        const QJsonValue form = root[u"forms"][error[u"form"].toString()];
+        errors.append(
+            {error[u"id"].toString(), text, error[u"title"].toString(), placesOf(form, text),
+             error[u"unreported"].toString(), error[u"meaning"].toString(), texts(error[u"causes"]),
+             texts(error[u"remedies"]), texts(error[u"aliases"]), texts(error[u"follows"])});
     }
     return errors;
 }
