@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -13,11 +14,14 @@ struct KnownError
     {
         QString name;
         QString text;
+        QRegularExpression expression;
     };
 
     /// Unique; the anchor in docs/errors.md.
     QString id;
     QString text;
+    /// Finds it in another text; so does that of a place with the whole text there.
+    QRegularExpression expression;
     /// What has happened, in a few words.
     QString title;
     /// Empty for a text that the plug-in reports nowhere.
