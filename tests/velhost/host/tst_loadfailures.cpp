@@ -124,6 +124,7 @@ void tst_LoadFailures::initTestCase()
                                 "ELF"));
     QVERIFY(writeFile(inFolder("text.so"), "no library at all, but a text\n"));
     QVERIFY(writeFile(inFolder("cut.so"), m_plugin.left(100)));
+    QVERIFY(writeFile(inFolder("header.so"), m_plugin.left(60)));
     QCOMPARE(mkfifo(QFile::encodeName(inFolder("pipe.so")).constData(), 0600), 0);
 
     const bool isArm64 = m_plugin.mid(machineOffset, 2) == QByteArray("\xb7\0", 2);
@@ -189,6 +190,9 @@ void tst_LoadFailures::fileRows() const
     loaderRow("other width", inFolder("class.so"),
               otherProcessor.arg(processorOf(inFolder("class.so")), processorOf(program)),
               text("'%1' is an invalid ELF object (wrong cpu architecture)"));
+    loaderRow("cut short in its header", inFolder("header.so"),
+              text("it is cut short; copy it again and compare the sizes"),
+              text("'%1' is not an ELF object (file too small)"));
     loaderRow(
         "cut short", inFolder("cut.so"),
         text("it is cut short; copy it again and compare the sizes"),

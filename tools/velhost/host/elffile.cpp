@@ -1,31 +1,15 @@
 #include "host/elffile.h"
 
-#include <QDataStream>
 #include <QHash>
+#include <QtEndian>
+
+#include <cstring>
 
 #include <elf.h>
 
 namespace {
 
 constexpr quint32 floatFlags = EF_ARM_ABI_FLOAT_HARD | EF_ARM_ABI_FLOAT_SOFT;
-
-/// Reads an address or an offset, whose size depends on the class of the file.
-quint64 readWide(QDataStream *stream, bool is64Bit)
-{
-    if (is64Bit) {
-        quint64 value = 0;
-        *stream >> value;
-        return value;
-    }
-    quint32 value = 0;
-    *stream >> value;
-    return value;
-}
-
-quint32 floatAbi(const ElfHeader &header)
-{
-    return header.machine == EM_ARM ? header.flags & floatFlags : 0;
-}
 
 QString machineName(quint16 machine)
 {
@@ -41,45 +25,25 @@ QString machineName(quint16 machine)
 
 std::optional<ElfHeader> readElfHeader(QIODevice *device)
 {
-    const QByteArray identity = device->read(EI_NIDENT);
-    if (identity.size() < EI_NIDENT || !identity.startsWith(ELFMAG))
+    // The start of the header is the same for 64 bits, and flags are needed of 32-bit ARM only.
+    Elf32_Ehdr raw{};
+    if (device->read(reinterpret_cast<char *>(&raw), sizeof raw) < qint64(sizeof raw)
+        || std::memcmp(&raw, ELFMAG, SELFMAG) != 0)
         return {};
-    ElfHeader header;
-    header.is64Bit = identity.at(EI_CLASS) == ELFCLASS64;
-    header.isBigEndian = identity.at(EI_DATA) == ELFDATA2MSB;
-
-    QDataStream stream(device);
-    stream.setByteOrder(header.isBigEndian ? QDataStream::BigEndian : QDataStream::LittleEndian);
-    quint16 type = 0;
-    quint32 version = 0;
-    stream >> type >> header.machine >> version;
-    readWide(&stream, header.is64Bit); // entry point
-    readWide(&stream, header.is64Bit); // offset of the program header table
-    header.tableOffset = readWide(&stream, header.is64Bit);
-    quint16 headerSize = 0;
-    quint16 segmentSize = 0;
-    quint16 segmentCount = 0;
-    quint16 sectionSize = 0;
-    quint16 sectionCount = 0;
-    stream >> header.flags >> headerSize >> segmentSize >> segmentCount >> sectionSize
-        >> sectionCount;
-    header.tableSize = quint32(sectionSize) * sectionCount;
-    return stream.status() == QDataStream::Ok ? std::optional(header) : std::nullopt;
-}
-
-bool isTruncated(const ElfHeader &header, qint64 fileSize)
-{
-    const auto size = static_cast<quint64>(fileSize);
-    return header.tableOffset > size || header.tableSize > size - header.tableOffset;
+    const bool isBigEndian = raw.e_ident[EI_DATA] == ELFDATA2MSB;
+    const auto ordered = [isBigEndian](auto number) {
+        return isBigEndian ? qFromBigEndian(number) : qFromLittleEndian(number);
+    };
+    const quint16 machine = ordered(raw.e_machine);
+    const quint32 floatAbi = machine == EM_ARM ? ordered(raw.e_flags) & floatFlags : 0;
+    return ElfHeader{raw.e_ident[EI_CLASS] == ELFCLASS64, isBigEndian, machine, floatAbi};
 }
 
 bool haveSameProcessor(const ElfHeader &one, const ElfHeader &other)
 {
-    const quint32 oneFloat = floatAbi(one);
-    const quint32 otherFloat = floatAbi(other);
     return one.is64Bit == other.is64Bit && one.isBigEndian == other.isBigEndian
            && one.machine == other.machine
-           && (oneFloat == otherFloat || oneFloat == 0 || otherFloat == 0);
+           && (one.floatAbi == other.floatAbi || one.floatAbi == 0 || other.floatAbi == 0);
 }
 
 QString processorText(const ElfHeader &header)
@@ -88,9 +52,9 @@ QString processorText(const ElfHeader &header)
                        .arg(machineName(header.machine),
                             header.is64Bit ? QStringLiteral("64") : QStringLiteral("32"),
                             header.isBigEndian ? QStringLiteral("big") : QStringLiteral("little"));
-    if (floatAbi(header) == EF_ARM_ABI_FLOAT_HARD)
+    if (header.floatAbi == EF_ARM_ABI_FLOAT_HARD)
         text += u", hard float";
-    if (floatAbi(header) == EF_ARM_ABI_FLOAT_SOFT)
+    if (header.floatAbi == EF_ARM_ABI_FLOAT_SOFT)
         text += u", soft float";
     return text + u')';
 }

@@ -5,25 +5,19 @@
 
 #include <optional>
 
-/// The header of a program or a shared library.
+/// What the header of a program or a shared library tells about its processor.
 struct ElfHeader
 {
     bool is64Bit = false;
     bool isBigEndian = false;
     /// The ELF number of the processor.
     quint16 machine = 0;
-    /// Requirements on the processor, for example the kind of floating point.
-    quint32 flags = 0;
-    /// The offset of the section header table, which is usually at the end of the file.
-    quint64 tableOffset = 0;
-    quint32 tableSize = 0;
+    /// On ARM EF_ARM_ABI_FLOAT_HARD or EF_ARM_ABI_FLOAT_SOFT; else, or when it is not told, 0.
+    quint32 floatAbi = 0;
 };
 
 /// Reads the header at the start of the device. Returns nothing when there is none.
 std::optional<ElfHeader> readElfHeader(QIODevice *device);
-
-/// Whether a file of that size ends before the section header table does.
-bool isTruncated(const ElfHeader &header, qint64 fileSize);
 
 /// Whether code of both can run in one process. The kind of floating point is compared only if both
 /// headers have it.

@@ -15,7 +15,7 @@ std::optional<ElfHeader> headerOf(const QString &fileName)
     return file.open(QIODevice::ReadOnly) ? readElfHeader(&file) : std::nullopt;
 }
 
-std::optional<LoadFailure> headerFailure(const QFileInfo &file)
+std::optional<LoadFailure> headerFailure(const QFileInfo &file, const QString &loaderText)
 {
     const std::optional<ElfHeader> header = headerOf(file.filePath());
     if (!header)
@@ -27,7 +27,8 @@ std::optional<LoadFailure> headerFailure(const QFileInfo &file)
             QStringLiteral("it is built for another processor: %1, this program for %2")
                 .arg(processorText(*header), processorText(*own)),
             QStringLiteral("take or build the one for this processor")};
-    if (isTruncated(*header, file.size()))
+    // Qt looks for what stands at the end of a complete file.
+    if (loaderText.contains(u"file too small") || loaderText.contains(u"exceed file size"))
         return LoadFailure{QStringLiteral("it is cut short"),
                            QStringLiteral("copy it again and compare the sizes")};
     return {};
@@ -101,7 +102,7 @@ std::optional<LoadFailure> pathFailure(const QFileInfo &file)
 LoadFailure loaderFailure(const QFileInfo &file, const QJsonObject &metadata,
                           const QString &loaderText)
 {
-    if (const std::optional<LoadFailure> failure = headerFailure(file))
+    if (const std::optional<LoadFailure> failure = headerFailure(file, loaderText))
         return *failure;
     return metadataFailure(metadata).value_or(linkFailure(loaderText));
 }
