@@ -10,7 +10,6 @@ class tst_Report : public QObject
 private Q_SLOTS:
     void times_data();
     void times();
-    void timesOfACycle();
     void errors();
 };
 
@@ -36,27 +35,6 @@ void tst_Report::times()
     QFETCH(QDateTime, time);
     QFETCH(QString, expected);
     QCOMPARE(timeText(time), expected);
-}
-
-// Each text is asked for after each other one, and after itself.
-void tst_Report::timesOfACycle()
-{
-    const QDateTime local(QDate(2024, 2, 29), QTime(1, 2, 3, 4));
-    const QList<QDateTime> times{local,
-                                 local.addMSecs(1),
-                                 local.toUTC(),
-                                 local.toOffsetFromUtc(3600),
-                                 local.toOffsetFromUtc(-3600),
-                                 local.toTimeZone(QTimeZone(7200)),
-                                 local.toTimeZone(QTimeZone(10800)),
-                                 QDateTime()};
-    for (const QDateTime &before : times) {
-        for (const QDateTime &time : times) {
-            TimeTexts texts;
-            QCOMPARE(texts.text(before), timeText(before));
-            QCOMPARE(texts.text(time), timeText(time));
-        }
-    }
 }
 
 void tst_Report::errors()

@@ -24,28 +24,12 @@ QVector<int> changeLineWidths(const QList<DeviceInstancePlugin> &devices)
     return QVector<int>{timeWidth} + columnWidths(names) + QVector<int>{valueWidth};
 }
 
-QString changeLineHeader(const QVector<int> &widths)
-{
-    return tableLine({QStringLiteral("Time"), QStringLiteral("Device"), QStringLiteral("Item"),
-                      QStringLiteral("Value"), QStringLiteral("Error")},
-                     widths);
-}
-
-/// A line for each device with a message and for each item.
-QString changeLines(const QList<DeviceReport> &devices, const QVector<int> &widths)
+/// Rows of a table without the cycle, as lines with these widths.
+QString changeLines(const QList<QStringList> &rows, const QVector<int> &widths)
 {
     QString lines;
-    TimeTexts times;
-    for (const DeviceReport &device : devices) {
-        const QString name = visible(device.device);
-        if (device.hasMessage())
-            lines += tableLine(
-                {times.text(device.time), name, {}, {}, visible(deviceMessage(device))}, widths);
-        for (const ItemReport &item : device.values)
-            lines += tableLine({times.text(item.time), name, visible(item.item), valueText(item),
-                                itemProblem(item)},
-                               widths);
-    }
+    for (const QStringList &row : rows)
+        lines += tableLine(row.mid(1), widths);
     return lines;
 }
 
@@ -60,13 +44,14 @@ CyclePrinter::CyclePrinter(OutputFormat format, Content content,
     if (m_format == OutputFormat::Csv)
         print(stdout, cycleCsvHeader());
     if (m_hasLines)
-        print(stdout, changeLineHeader(m_lineWidths));
+        print(stdout, changeLines(cycleRows({}), m_lineWidths));
 }
 
 void CyclePrinter::printCycle(const QList<DeviceReport> &devices)
 {
     const QList<DeviceReport> shown = m_onlyChanges ? m_changeFilter.filter(devices) : devices;
-    QString text = m_hasLines ? changeLines(shown, m_lineWidths) : cycleText(m_format, shown);
+    QString text = m_hasLines ? changeLines(cycleRows(shown).mid(1), m_lineWidths)
+                              : cycleText(m_format, shown);
     if (text.isEmpty())
         return;
     if (m_format == OutputFormat::Table && !m_hasLines && !m_isFirst)

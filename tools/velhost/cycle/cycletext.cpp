@@ -7,93 +7,80 @@
 
 namespace {
 
-QString deviceJsonLines(const DeviceReport &device)
+/// What is printed of a device: its own message, as if of an item without a name, then its items.
+QList<ItemReport> entriesOf(const DeviceReport &device)
 {
-    QString lines;
-    TimeTexts times;
-    const JsonMember cycle("cycle", device.cycle);
-    const JsonMember name("device", device.device);
-    if (device.hasMessage())
-        lines += jsonLine(
-            "device", {cycle, {"time", times.text(device.time)}, name, {"error", device.error}});
-    for (const ItemReport &item : device.values) {
-        QList<JsonMember> members{cycle,
-                                  {"time", times.text(item.time)},
-                                  name,
-                                  {"item", item.item},
-                                  {"value", item.value}};
-        if (item.isOld)
-            members.append({"old", true});
-        members.append({"error", item.error});
-        if (item.expected)
-            members.append({"expected", *item.expected});
-        if (!item.suspect.isEmpty())
-            members.append({"suspect", item.suspect});
-        lines += jsonLine("value", members);
-    }
-    return lines;
+    QList<ItemReport> entries = device.values;
+    if (device.errorEnded || !device.error.isEmpty())
+        entries.prepend({device.time, {}, {}, device.error});
+    return entries;
 }
 
-void appendDeviceRows(const DeviceReport &device, QList<QStringList> *rows)
+QStringList tableRow(const DeviceReport &device, const ItemReport &entry)
 {
-    const QString cycle = QString::number(device.cycle);
-    const QString name = visible(device.device);
-    TimeTexts times;
-    if (device.hasMessage())
-        rows->append(
-            {cycle, times.text(device.time), name, {}, {}, visible(deviceMessage(device))});
-    for (const ItemReport &item : device.values)
-        rows->append({cycle, times.text(item.time), name, visible(item.item), valueText(item),
-                      itemProblem(item)});
+    const bool isEnd = entry.item.isEmpty() && device.errorEnded;
+    return {QString::number(device.cycle),
+            timeText(entry.time),
+            visible(device.device),
+            visible(entry.item),
+            valueText(entry),
+            isEnd ? QStringLiteral("no error any more") : itemProblem(entry)};
 }
 
-QString cycleTable(const QList<DeviceReport> &devices)
+QString jsonOf(const DeviceReport &device, const ItemReport &entry)
 {
-    QList<QStringList> rows{{QStringLiteral("Cycle"), QStringLiteral("Time"),
-                             QStringLiteral("Device"), QStringLiteral("Item"),
-                             QStringLiteral("Value"), QStringLiteral("Error")}};
-    for (const DeviceReport &device : devices)
-        appendDeviceRows(device, &rows);
-    return rows.size() > 1 ? tableText(rows) : QString();
+    const bool isItem = !entry.item.isEmpty();
+    QList<JsonMember> members{
+        {"cycle", device.cycle}, {"time", timeText(entry.time)}, {"device", device.device}};
+    if (isItem)
+        members += {{"item", entry.item}, {"value", entry.value}};
+    if (entry.isOld)
+        members.append({"old", true});
+    members.append({"error", entry.error});
+    if (entry.expected)
+        members.append({"expected", *entry.expected});
+    if (!entry.suspect.isEmpty())
+        members.append({"suspect", entry.suspect});
+    return jsonLine(isItem ? "value" : "device", members);
 }
 
-QString cycleCsv(const QList<DeviceReport> &devices)
+QString csvOf(const DeviceReport &device, const ItemReport &entry)
 {
-    QString records;
-    TimeTexts times;
-    for (const DeviceReport &device : devices) {
-        const QString cycle = QString::number(device.cycle);
-        if (device.hasMessage())
-            records += csvRecord(
-                {cycle, times.text(device.time), device.device, {}, {}, {}, device.error, {}, {}});
-        for (const ItemReport &item : device.values) {
-            const QString isOld = item.isOld ? QStringLiteral("old") : QString();
-            records
-                += csvRecord({cycle, times.text(item.time), device.device, item.item, item.value,
-                              isOld, item.error, item.expected.value_or(QString()), item.suspect});
-        }
-    }
-    return records;
+    return csvRecord({QString::number(device.cycle), timeText(entry.time), device.device,
+                      entry.item, entry.value, entry.isOld ? QStringLiteral("old") : QString(),
+                      entry.error, entry.expected.value_or(QString()), entry.suspect});
 }
 
 } // namespace
 
+QList<QStringList> cycleRows(const QList<DeviceReport> &devices)
+{
+    QList<QStringList> rows{QStringLiteral("Cycle,Time,Device,Item,Value,Error").split(u',')};
+    for (const DeviceReport &device : devices) {
+        const QList<ItemReport> entries = entriesOf(device);
+        for (const ItemReport &entry : entries)
+            rows.append(tableRow(device, entry));
+    }
+    return rows;
+}
+
 QString cycleCsvHeader()
 {
-    return csvRecord({QStringLiteral("cycle"), QStringLiteral("time"), QStringLiteral("device"),
-                      QStringLiteral("item"), QStringLiteral("value"), QStringLiteral("old"),
-                      QStringLiteral("error"), QStringLiteral("expected"),
-                      QStringLiteral("suspect")});
+    return QStringLiteral("cycle,time,device,item,value,old,error,expected,suspect\r\n");
 }
 
 QString cycleText(OutputFormat format, const QList<DeviceReport> &devices)
 {
-    if (format == OutputFormat::Table)
-        return cycleTable(devices);
-    if (format == OutputFormat::Csv)
-        return cycleCsv(devices);
+    if (format == OutputFormat::Table) {
+        const QList<QStringList> rows = cycleRows(devices);
+        return rows.size() > 1 ? tableText(rows) : QString();
+    }
+    const auto textOf = format == OutputFormat::Csv ? csvOf : jsonOf;
     QString lines;
-    for (const DeviceReport &device : devices)
-        lines += deviceJsonLines(device);
+    for (const DeviceReport &device : devices) {
+        const QList<ItemReport> entries = entriesOf(device);
+        for (const ItemReport &entry : entries)
+            lines += textOf(device, entry);
+    }
     return lines;
 }

@@ -5,6 +5,11 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
+
+/// The rows of a table of one cycle, below a header: of each device its message, if it has one,
+/// then its items.
+QList<QStringList> cycleRows(const QList<DeviceReport> &devices);
 
 /// The header of the records that cycleText() gives in CSV.
 QString cycleCsvHeader();

@@ -19,23 +19,6 @@ QString valueText(const ItemReport &item)
     return text;
 }
 
-QString deviceMessage(const DeviceReport &device)
-{
-    return device.errorEnded ? QStringLiteral("no error any more") : device.error;
-}
-
-QString TimeTexts::text(const QDateTime &time)
-{
-    // Equal times of other kinds can have different offsets.
-    const bool isSame
-        = m_time.timeSpec() == Qt::LocalTime && time.timeSpec() == Qt::LocalTime && m_time == time;
-    if (!isSame || m_text.isEmpty()) {
-        m_time = time;
-        m_text = timeText(time);
-    }
-    return m_text;
-}
-
 QString itemProblem(const ItemReport &item)
 {
     if (!item.error.isEmpty())

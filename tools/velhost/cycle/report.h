@@ -41,9 +41,6 @@ struct DeviceReport
     /// The duration of that call.
     qint64 microseconds = 0;
 
-    /// Whether there is a message of the device itself.
-    bool hasMessage() const { return errorEnded || !error.isEmpty(); }
-
     /// Whether the device or one of its items has an error, or a value is not the expected one.
     bool hasError() const;
 };
@@ -51,24 +48,9 @@ struct DeviceReport
 /// The value as visible() makes it, marked when it is of an earlier cycle.
 QString valueText(const ItemReport &item);
 
-/// The message of the device itself: its error, or that the error has ended.
-QString deviceMessage(const DeviceReport &device);
-
 /// What is wrong with an item that was read, as visible() makes it: its error, a suspect answer or
 /// the expected value. Empty when nothing is wrong.
 QString itemProblem(const ItemReport &item);
 
 /// The item's error without what stands before the reason: the command and the item's name.
 QString reasonOf(const ItemReport &item);
-
-/// Makes the texts of the times of one cycle as timeText() does. A text is made once for all items
-/// that have the same time: the system looks up its time zone in a file each time.
-class TimeTexts
-{
-public:
-    QString text(const QDateTime &time);
-
-private:
-    QDateTime m_time;
-    QString m_text;
-};
