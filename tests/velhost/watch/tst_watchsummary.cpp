@@ -30,10 +30,10 @@ void tst_WatchSummary::summary()
     QCOMPARE(
         summaryText(OutputFormat::Table, devices),
         text("Device  Cycles  Failed  Reads  Errors  Wrong  Suspect  p50 ms  p99 ms   Max ms\n"
-             "Press   3       1       6      1       2      3        2.51    1000.00  1000.00\n"));
+             "Press   3       1       6      1       2      3        2.50    1000.00  1000.00\n"));
     QCOMPARE(summaryText(OutputFormat::Json, devices),
              text(R"({"type":"summary","device":"Press","cycles":3,"failed":1,"reads":6,)"
-                  R"("errors":1,"wrong":2,"suspect":3,"p50_ms":2.512,"p99_ms":1000,"max_ms":1000})"
+                  R"("errors":1,"wrong":2,"suspect":3,"p50_ms":2.5,"p99_ms":1000,"max_ms":1000})"
                   "\n"));
 }
 
