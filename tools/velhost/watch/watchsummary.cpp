@@ -1,17 +1,10 @@
 #include "watch/watchsummary.h"
 
-#include <common/table.h>
-
 #include <common/json/json.h>
+#include <common/table.h>
 #include <common/visibletext.h>
 
 namespace {
-
-/// Each cycle reads every item.
-qint64 readsOf(const WatchedDevice &device)
-{
-    return device.latencies.count() * static_cast<qint64>(device.items.size());
-}
 
 qint64 sumOf(const WatchedDevice &device, qint64 WatchedItem::*count)
 {
@@ -21,53 +14,51 @@ qint64 sumOf(const WatchedDevice &device, qint64 WatchedItem::*count)
     return sum;
 }
 
-double inMilliseconds(qint64 microseconds)
+/// One device, for both formats.
+struct Line
 {
-    return static_cast<double>(microseconds) / 1000;
-}
+    QList<JsonMember> members;
+    QStringList row;
+};
 
-QString summaryJson(const WatchedDevice &device)
+Line lineOf(const WatchedDevice &device)
 {
+    Line line{{{"device", device.name}}, {visible(device.name)}};
+    const auto addCount = [&line](const char *key, qint64 count) {
+        line.members.append({key, count});
+        line.row.append(QString::number(count));
+    };
+    const auto addTime = [&line](const char *key, qint64 microseconds) {
+        const double milliseconds = static_cast<double>(microseconds) / 1000;
+        line.members.append({key, milliseconds});
+        line.row.append(QString::number(milliseconds, 'f', 2));
+    };
     const Latencies &latencies = device.latencies;
-    return jsonLine("summary", {{"device", device.name},
-                                {"cycles", latencies.count()},
-                                {"failed", device.failedCycles},
-                                {"reads", readsOf(device)},
-                                {"errors", sumOf(device, &WatchedItem::errors)},
-                                {"wrong", sumOf(device, &WatchedItem::wrong)},
-                                {"suspect", sumOf(device, &WatchedItem::suspects)},
-                                {"p50_ms", inMilliseconds(latencies.percentile(50))},
-                                {"p99_ms", inMilliseconds(latencies.percentile(99))},
-                                {"max_ms", inMilliseconds(latencies.longest())}});
-}
-
-QStringList summaryRow(const WatchedDevice &device)
-{
-    QStringList row{visible(device.name), QString::number(device.latencies.count()),
-                    QString::number(device.failedCycles)};
-    for (const qint64 count :
-         {readsOf(device), sumOf(device, &WatchedItem::errors), sumOf(device, &WatchedItem::wrong),
-          sumOf(device, &WatchedItem::suspects)})
-        row.append(QString::number(count));
-    for (const qint64 time : {device.latencies.percentile(50), device.latencies.percentile(99),
-                              device.latencies.longest()})
-        row.append(QString::number(inMilliseconds(time), 'f', 2));
-    return row;
+    addCount("cycles", latencies.count());
+    addCount("failed", device.failedCycles);
+    // Each cycle reads every item.
+    addCount("reads", latencies.count() * static_cast<qint64>(device.items.size()));
+    addCount("errors", sumOf(device, &WatchedItem::errors));
+    addCount("wrong", sumOf(device, &WatchedItem::wrong));
+    addCount("suspect", sumOf(device, &WatchedItem::suspects));
+    addTime("p50_ms", latencies.percentile(50));
+    addTime("p99_ms", latencies.percentile(99));
+    addTime("max_ms", latencies.longest());
+    return line;
 }
 
 } // namespace
 
 QString summaryText(OutputFormat format, const std::vector<WatchedDevice> &devices)
 {
+    const QString header
+        = QStringLiteral("Device,Cycles,Failed,Reads,Errors,Wrong,Suspect,p50 ms,p99 ms,Max ms");
     QString lines;
-    QList<QStringList> rows{{QStringLiteral("Device"), QStringLiteral("Cycles"),
-                             QStringLiteral("Failed"), QStringLiteral("Reads"),
-                             QStringLiteral("Errors"), QStringLiteral("Wrong"),
-                             QStringLiteral("Suspect"), QStringLiteral("p50 ms"),
-                             QStringLiteral("p99 ms"), QStringLiteral("Max ms")}};
+    QList<QStringList> rows{header.split(u',')};
     for (const WatchedDevice &device : devices) {
-        lines += summaryJson(device);
-        rows.append(summaryRow(device));
+        const Line line = lineOf(device);
+        lines += jsonLine("summary", line.members);
+        rows.append(line.row);
     }
     return format == OutputFormat::Json ? lines : tableText(rows);
 }
