@@ -15,17 +15,14 @@ namespace {
 
 enum class Style { Plain, Changed, Problem };
 
-struct Cell
+struct Row
 {
-    QString text;
-    Style style = Style::Plain;
-    /// Whether the cell can be marked as changed, so that it needs room for a star.
-    bool canChange = false;
-    /// What stands there when the text does not fit; empty for none.
-    QString shortText = {};
+    QStringList cells;
+    Style valueStyle = Style::Plain;
+    Style errorStyle = Style::Plain;
+    /// What stands there when the error does not fit; empty for none.
+    QString shortError = {};
 };
-
-using Row = QVector<Cell>;
 
 struct Table
 {
@@ -37,6 +34,7 @@ constexpr int maximumLogLines = 3;
 // Device, item and value, whose texts may be of any length.
 constexpr int textColumns = 3;
 constexpr int minimumTextWidth = 8;
+constexpr int valueColumn = 2;
 // The error is the longest text, so it gets the width that the other columns leave.
 constexpr int errorColumn = 4;
 // Left out until an answer is suspect.
@@ -56,58 +54,39 @@ Style styleOf(qint64 changedCycle, qint64 sinceCycle, bool isProblem)
     return isProblem ? Style::Problem : Style::Plain;
 }
 
-Row headerRow()
-{
-    return {{QStringLiteral("Device")},
-            {QStringLiteral("Item")},
-            {QStringLiteral("Value"), Style::Plain, true},
-            {QStringLiteral("Age")},
-            {QStringLiteral("Error"), Style::Plain, true},
-            {QStringLiteral("Changes")},
-            {QStringLiteral("Errors")},
-            {QStringLiteral("Suspect")},
-            {QStringLiteral("Last read")}};
-}
-
 Row deviceRow(const WatchedDevice &device, qint64 nowMs, qint64 sinceCycle)
 {
     const QString age = device.lastGoodMs ? ageText(nowMs - *device.lastGoodMs) : QString();
-    return {{visible(device.name)},
-            {},
-            {{}, Style::Plain, true},
-            {age},
-            {visible(device.error), styleOf(device.errorCycle, sinceCycle, true), true},
-            {},
-            {QString::number(device.failedCycles)},
-            {},
-            {timeOfDay(device.time)}};
+    const QStringList cells{visible(device.name),
+                            {},
+                            {},
+                            age,
+                            visible(device.error),
+                            {},
+                            QString::number(device.failedCycles),
+                            {},
+                            timeOfDay(device.time)};
+    return {cells, Style::Plain, styleOf(device.errorCycle, sinceCycle, true)};
 }
 
 Row itemRow(const WatchedDevice &device, const WatchedItem &item, qint64 nowMs, qint64 sinceCycle)
 {
     const QString age = item.value ? ageText(nowMs - item.valueMs) : QString();
-    const Style valueStyle
-        = styleOf(item.valueCycle, sinceCycle, item.last.isOld || item.last.expected);
-    return {{visible(device.name)},
-            {visible(item.last.item)},
-            {valueText(item.last), valueStyle, true},
-            {age},
-            {itemProblem(item.last), styleOf(item.problemCycle, sinceCycle, true), true,
-             visible(reasonOf(item.last))},
-            {QString::number(item.changes)},
-            {QString::number(item.errors)},
-            {QString::number(item.suspects)},
-            {timeOfDay(item.last.time)}};
+    const QStringList cells{visible(device.name),         visible(item.last.item),
+                            valueText(item.last),         age,
+                            itemProblem(item.last),       QString::number(item.changes),
+                            QString::number(item.errors), QString::number(item.suspects),
+                            timeOfDay(item.last.time)};
+    return {cells, styleOf(item.valueCycle, sinceCycle, item.last.isOld || item.last.expected),
+            styleOf(item.problemCycle, sinceCycle, true), visible(reasonOf(item.last))};
 }
 
 Row consequenceRow(const WatchedDevice &device)
 {
-    Row row(headerRow().size());
-    row[0].text = visible(device.name);
-    row[errorColumn] = {QStringLiteral("%1 more: %2")
-                            .arg(QString::number(device.consequences), visible(device.consequence)),
-                        Style::Problem, true};
-    return row;
+    const QString text
+        = QStringLiteral("%1 more: %2")
+              .arg(QString::number(device.consequences), visible(device.consequence));
+    return {{visible(device.name), {}, {}, {}, text, {}, {}, {}, {}}, Style::Plain, Style::Problem};
 }
 
 bool anySuspect(const std::vector<WatchedDevice> &devices)
@@ -121,7 +100,9 @@ bool anySuspect(const std::vector<WatchedDevice> &devices)
 /// First the errors, then all other rows. What follows from an error is one of these.
 QVector<Row> tableRows(const std::vector<WatchedDevice> &devices, qint64 nowMs, qint64 sinceCycle)
 {
-    QVector<Row> rows{headerRow()};
+    const QString header
+        = QStringLiteral("Device,Item,Value,Age,Error,Changes,Errors,Suspect,Last read");
+    QVector<Row> rows{{header.split(u',')}};
     QVector<Row> others;
     for (const WatchedDevice &device : devices) {
         QVector<Row> &rowsOfDevice = device.error.isEmpty() ? others : rows;
@@ -136,7 +117,7 @@ QVector<Row> tableRows(const std::vector<WatchedDevice> &devices, qint64 nowMs, 
     rows += others;
     if (!anySuspect(devices)) {
         for (Row &row : rows)
-            row.remove(suspectColumn);
+            row.cells.removeAt(suspectColumn);
     }
     return rows;
 }
@@ -145,38 +126,40 @@ QVector<Row> tableRows(const std::vector<WatchedDevice> &devices, qint64 nowMs, 
 void applyFilter(const QString &filter, QVector<Row> *rows)
 {
     const auto isOther = [&filter](const Row &row) {
-        return !row.at(0).text.contains(filter, Qt::CaseInsensitive)
-               && !row.at(1).text.contains(filter, Qt::CaseInsensitive);
+        return !row.cells.at(0).contains(filter, Qt::CaseInsensitive)
+               && !row.cells.at(1).contains(filter, Qt::CaseInsensitive);
     };
     rows->erase(std::remove_if(rows->begin() + 1, rows->end(), isOther), rows->end());
 }
 
-QList<QStringList> textsOf(const QVector<Row> &rows)
+QList<QStringList> cellsOf(const QVector<Row> &rows)
 {
-    QList<QStringList> texts;
-    for (const Row &row : rows) {
-        QStringList cells;
-        for (const Cell &cell : row)
-            cells.append(cell.text);
-        texts.append(cells);
-    }
-    return texts;
+    QList<QStringList> cells;
+    for (const Row &row : rows)
+        cells.append(row.cells);
+    return cells;
 }
 
 /// The errors that are too long for the columns after them become short.
 QVector<int> fitErrors(QVector<Row> *rows, int columns)
 {
-    QVector<int> widths = columnWidths(textsOf(*rows));
+    QVector<int> widths = columnWidths(cellsOf(*rows));
     const int whole = std::accumulate(widths.begin(), widths.end(), gap * (widths.size() - 1));
     const int room = std::max(widths.at(errorColumn) - (whole - columns), minimumErrorWidth);
     for (Row &row : *rows) {
-        Cell &cell = row[errorColumn];
-        if (textWidth(cell.text) > room && !cell.shortText.isEmpty())
-            cell.text = cell.shortText;
-        cell.text = cutToWidth(cell.text, room);
+        QString &error = row.cells[errorColumn];
+        if (textWidth(error) > room && !row.shortError.isEmpty())
+            error = row.shortError;
+        error = cutToWidth(error, room);
     }
     widths[errorColumn] = std::min(widths.at(errorColumn), room);
     return widths;
+}
+
+/// A star, or a blank in its place.
+QString starOf(Style style)
+{
+    return style == Style::Changed ? QStringLiteral("*") : QStringLiteral(" ");
 }
 
 /// Cuts long texts and adds the stars. Returns the width of each column.
@@ -185,15 +168,13 @@ QVector<int> prepare(QVector<Row> *rows, ScreenSize size, Marking marking)
     const int textWidth = std::max(size.columns / 4, minimumTextWidth);
     for (Row &row : *rows) {
         for (int column = 0; column < textColumns; ++column)
-            row[column].text = cutToWidth(row.at(column).text, textWidth);
-        for (Cell &cell : row) {
-            if (marking != Marking::Star || !cell.canChange)
-                continue;
-            const QChar star = cell.style == Style::Changed ? u'*' : u' ';
-            cell.text.prepend(star);
-            if (!cell.shortText.isEmpty())
-                cell.shortText.prepend(star);
-        }
+            row.cells[column] = cutToWidth(row.cells.at(column), textWidth);
+        if (marking != Marking::Star)
+            continue;
+        row.cells[valueColumn].prepend(starOf(row.valueStyle));
+        row.cells[errorColumn].prepend(starOf(row.errorStyle));
+        if (!row.shortError.isEmpty())
+            row.shortError.prepend(starOf(row.errorStyle));
     }
     return fitErrors(rows, size.columns);
 }
@@ -211,11 +192,12 @@ QString screenLine(const Row &row, const QVector<int> &widths, int columns, Mark
 {
     QString line;
     int rest = columns;
-    for (int column = 0; column < row.size() && rest > 0; ++column) {
-        const Cell &cell = row.at(column);
-        const QString text = cutToWidth(cell.text, rest);
+    for (int column = 0; column < row.cells.size() && rest > 0; ++column) {
+        const QString text = cutToWidth(row.cells.at(column), rest);
         const int width = widths.at(column) + gap;
-        line += painted(text, cell.style, marking)
+        const Style errorStyle = column == errorColumn ? row.errorStyle : Style::Plain;
+        const Style style = column == valueColumn ? row.valueStyle : errorStyle;
+        line += painted(text, style, marking)
                 + QString(std::min(width, rest) - textWidth(text), u' ');
         rest -= width;
     }
@@ -224,7 +206,7 @@ QString screenLine(const Row &row, const QVector<int> &widths, int columns, Mark
 
 bool hasProblem(const Row &row)
 {
-    return !row.at(errorColumn).text.trimmed().isEmpty();
+    return !row.cells.at(errorColumn).trimmed().isEmpty();
 }
 
 /// The latest entries, but no error of a device that is well again, and no consequence.
@@ -257,11 +239,8 @@ Table tableOf(const WatchPicture &picture, ScreenSize size, Marking marking, con
     Table table;
     if (wish.wantsOutages) {
         const QList<QStringList> outages = outageRows(picture.state.outages);
-        for (const QStringList &texts : outages) {
-            table.rows.append(Row());
-            for (const QString &text : texts)
-                table.rows.last().append({text});
-        }
+        for (const QStringList &cells : outages)
+            table.rows.append({cells});
         table.widths = columnWidths(outages);
         return table;
     }
@@ -326,7 +305,7 @@ QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking ma
 
 QString watchTableText(const std::vector<WatchedDevice> &devices, qint64 nowMs)
 {
-    return tableText(textsOf(tableRows(devices, nowMs, 0)));
+    return tableText(cellsOf(tableRows(devices, nowMs, 0)));
 }
 
 QString ageText(qint64 milliseconds)
