@@ -163,13 +163,13 @@ QString starOf(Style style)
 }
 
 /// Cuts long texts and adds the stars. Returns the width of each column.
-QVector<int> prepare(QVector<Row> *rows, ScreenSize size, Marking marking)
+QVector<int> prepare(QVector<Row> *rows, ScreenSize size, bool hasColour)
 {
     const int textWidth = std::max(size.columns / 4, minimumTextWidth);
     for (Row &row : *rows) {
         for (int column = 0; column < textColumns; ++column)
             row.cells[column] = cutToWidth(row.cells.at(column), textWidth);
-        if (marking != Marking::Star)
+        if (hasColour)
             continue;
         row.cells[valueColumn].prepend(starOf(row.valueStyle));
         row.cells[errorColumn].prepend(starOf(row.errorStyle));
@@ -179,16 +179,16 @@ QVector<int> prepare(QVector<Row> *rows, ScreenSize size, Marking marking)
     return fitErrors(rows, size.columns);
 }
 
-QString painted(const QString &text, Style style, Marking marking)
+QString painted(const QString &text, Style style, bool hasColour)
 {
-    if (marking != Marking::Colour || style == Style::Plain || text.trimmed().isEmpty())
+    if (!hasColour || style == Style::Plain || text.trimmed().isEmpty())
         return text;
     const QString colour
         = style == Style::Changed ? QStringLiteral("\x1b[30;43m") : QStringLiteral("\x1b[31m");
     return colour + text + QStringLiteral("\x1b[0m");
 }
 
-QString screenLine(const Row &row, const QVector<int> &widths, int columns, Marking marking)
+QString screenLine(const Row &row, const QVector<int> &widths, int columns, bool hasColour)
 {
     QString line;
     int rest = columns;
@@ -197,7 +197,7 @@ QString screenLine(const Row &row, const QVector<int> &widths, int columns, Mark
         const int width = widths.at(column) + gap;
         const Style errorStyle = column == errorColumn ? row.errorStyle : Style::Plain;
         const Style style = column == valueColumn ? row.valueStyle : errorStyle;
-        line += painted(text, style, marking)
+        line += painted(text, style, hasColour)
                 + QString(std::min(width, rest) - textWidth(text), u' ');
         rest -= width;
     }
@@ -234,7 +234,7 @@ QStringList logLines(const WatchPicture &picture, int columns)
 }
 
 /// The table with its header, or the outages.
-Table tableOf(const WatchPicture &picture, ScreenSize size, Marking marking, const WatchWish &wish)
+Table tableOf(const WatchPicture &picture, ScreenSize size, bool hasColour, const WatchWish &wish)
 {
     Table table;
     if (wish.wantsOutages) {
@@ -246,7 +246,7 @@ Table tableOf(const WatchPicture &picture, ScreenSize size, Marking marking, con
     }
     table.rows = tableRows(picture.state.devices, picture.nowMs, picture.sinceCycle);
     applyFilter(wish.filter, &table.rows);
-    table.widths = prepare(&table.rows, size, marking);
+    table.widths = prepare(&table.rows, size, hasColour);
     return table;
 }
 
@@ -265,7 +265,7 @@ QString hiddenRowsText(const Table &table, int above, int end, const WatchWish &
 }
 
 /// The header and the rows that there is room for, from the first that is wished for.
-QStringList tableLines(const Table &table, ScreenSize size, Marking marking, WatchWish *wish)
+QStringList tableLines(const Table &table, ScreenSize size, bool hasColour, WatchWish *wish)
 {
     const int count = table.rows.size();
     const bool fits = count <= size.rows;
@@ -275,7 +275,7 @@ QStringList tableLines(const Table &table, ScreenSize size, Marking marking, Wat
     const int first = 1 + wish->firstRow;
     QStringList lines;
     const auto append = [&](int row) {
-        lines.append(screenLine(table.rows.at(row), table.widths, size.columns, marking));
+        lines.append(screenLine(table.rows.at(row), table.widths, size.columns, hasColour));
     };
     if (fits || size.rows > 1)
         append(0);
@@ -289,7 +289,7 @@ QStringList tableLines(const Table &table, ScreenSize size, Marking marking, Wat
 
 } // namespace
 
-QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking marking,
+QString watchScreenText(const WatchPicture &picture, ScreenSize size, bool hasColour,
                         WatchWish *wish)
 {
     QStringList lines;
@@ -299,7 +299,7 @@ QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking ma
     if (!log.isEmpty())
         log.prepend({});
     const ScreenSize room{size.columns, std::max(size.rows - lines.size() - log.size(), 1)};
-    lines += tableLines(tableOf(picture, size, marking, *wish), room, marking, wish);
+    lines += tableLines(tableOf(picture, size, hasColour, *wish), room, hasColour, wish);
     return (lines + log).mid(0, size.rows).join(u'\n');
 }
 

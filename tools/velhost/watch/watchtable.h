@@ -9,13 +9,6 @@
 
 #include <vector>
 
-/// How changed cells are marked.
-enum class Marking {
-    None,
-    Star,  ///< a star before them
-    Colour ///< marks errors, too
-};
-
 /// The content of the screen.
 struct WatchPicture
 {
@@ -31,8 +24,9 @@ struct WatchPicture
 /// The text of a screen of that size, without a line feed at the end. Errors stand first, without
 /// what follows from another error, which is counted. A cell that is cut ends in "…". Columns at
 /// the right that do not fit are left out. Rows that do not fit are counted in a line of their own.
-/// `wish` is adapted to what there is.
-QString watchScreenText(const WatchPicture &picture, ScreenSize size, Marking marking,
+/// What has changed is marked by a colour, as errors are, or else by a star. `wish` is adapted to
+/// what there is.
+QString watchScreenText(const WatchPicture &picture, ScreenSize size, bool hasColour,
                         WatchWish *wish);
 
 /// The whole table, not cut and without marks.

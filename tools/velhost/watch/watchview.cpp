@@ -58,8 +58,8 @@ QString waitText(const WatchState &state, qint64 nowMs)
 
 WatchView::WatchView(WatchState *state, LogOutput *log)
     : m_state(state), m_log(log), m_screen(new TerminalScreen),
-      m_marking(qEnvironmentVariableIsEmpty("NO_COLOR") ? Marking::Colour : Marking::Star),
-      m_wake(::eventfd(0, EFD_CLOEXEC)), m_drawnMs(-maximumRedrawMs)
+      m_hasColour(qEnvironmentVariableIsEmpty("NO_COLOR")), m_wake(::eventfd(0, EFD_CLOEXEC)),
+      m_drawnMs(-maximumRedrawMs)
 {
     if (::isatty(STDERR_FILENO) == 1)
         m_log->pause();
@@ -120,7 +120,7 @@ void WatchView::draw()
             m_drawnCycle = m_state->cycle;
         }
         lines = watchScreenText({title(), *m_state, m_drawnMs, m_sinceCycle},
-                                TerminalScreen::size(), m_marking, &m_wish);
+                                TerminalScreen::size(), m_hasColour, &m_wish);
     }
     m_screen->draw(lines);
 }

@@ -35,7 +35,7 @@ private:
     WatchState *m_state;
     LogOutput *m_log;
     std::unique_ptr<TerminalScreen> m_screen;
-    Marking m_marking;
+    bool m_hasColour;
     WatchWish m_wish;
     int m_wake;
     std::atomic<bool> m_isEnding = false;
