@@ -1,11 +1,9 @@
 #include "text.h"
 
 #include <cli/commandline.h>
-#include <discover/searchoptions.h>
 #include <discover/searchsettings.h>
 #include <program/commands.h>
 
-#include <QMap>
 #include <QTest>
 
 Q_DECLARE_METATYPE(DatabaseColumnStructure)
@@ -43,6 +41,14 @@ QList<InterfaceNetwork> networks()
 QStringList words(const char *line)
 {
     return text(line).split(u'|');
+}
+
+/// The arguments with these options.
+Arguments given(const QMap<QString, QStringList> &options)
+{
+    Arguments arguments;
+    arguments.options = options;
+    return arguments;
 }
 
 std::optional<Request> parse(const QStringList &arguments, QString *error)
@@ -84,13 +90,15 @@ void tst_SearchSettings::commandLine()
         &error);
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
-    const SearchOptions search = searchOptions(line->arguments);
-    QCOMPARE(search.parameters, (QMap<QString, QString>{{text("network_interface"), QString()},
-                                                        {text("udp_ports"), text("1")},
-                                                        {text("tcp_ports"), text("2,3")},
-                                                        {text("timeout_ms"), text("x")}}));
-    QCOMPARE(search.subnet.value_or(QString()), text("10.0.0.0/24"));
-    QCOMPARE(search.isForced, true);
+    QCOMPARE(line->arguments.options,
+             (QMap<QString, QStringList>{{text("interface"), {QString()}},
+                                         {text("subnet"), {text("10.0.0.0/24")}},
+                                         {text("udp-ports"), {text("1")}},
+                                         {text("tcp-ports"), {text("2,3")}},
+                                         {text("timeout"), {text("x")}},
+                                         {text("force"), {}},
+                                         {text("plant"), {text("p.json")}},
+                                         {text("format"), {text("json")}}}));
     QCOMPARE(line->arguments.plantFile, text("p.json"));
     QCOMPARE(line->arguments.format, OutputFormat::Json);
 }
@@ -101,10 +109,7 @@ void tst_SearchSettings::commandLineWithoutOptions()
     const auto line = parse(words("velhost|discover"), &error);
     QVERIFY(line.has_value());
     QCOMPARE(line->command->name, text("discover"));
-    const SearchOptions search = searchOptions(line->arguments);
-    QCOMPARE(search.parameters, (QMap<QString, QString>()));
-    QCOMPARE(search.subnet.has_value(), false);
-    QCOMPARE(search.isForced, false);
+    QCOMPARE(line->arguments.options, (QMap<QString, QStringList>()));
     QCOMPARE(line->arguments.plantFile, QString());
 }
 
@@ -142,32 +147,29 @@ void tst_SearchSettings::defaults()
     QStringList notes;
     const auto plan = searchPlan({}, columns(), networks(), &errors, &notes);
     QCOMPARE(errors + notes, QStringList());
-    QVERIFY(plan.has_value());
-    QCOMPARE(plan->area.interfaces, QStringList(text("eth0")));
-    QCOMPARE(plan->udpPorts, QVector<quint16>({8500, 8501}));
-    QCOMPARE(plan->tcpPorts, QVector<quint16>({8501}));
-    QCOMPARE(plan->timeoutMs, 60000);
+    QCOMPARE(plan.area.interfaces, QStringList(text("eth0")));
+    QCOMPARE(plan.udpPorts, QVector<quint16>({8500, 8501}));
+    QCOMPARE(plan.tcpPorts, QVector<quint16>({8501}));
+    QCOMPARE(plan.timeoutMs, 60000);
 }
 
 void tst_SearchSettings::everything()
 {
-    const SearchOptions options{{{text("network_interface"), text("eth1")},
-                                 {text("udp_ports"), text("1")},
-                                 {text("tcp_ports"), text("2,3")},
-                                 {text("timeout_ms"), text("700")}},
-                                text("10.0.1.8/30"),
-                                false};
+    const Arguments options = given({{text("interface"), {text("eth1")}},
+                                     {text("udp-ports"), {text("1")}},
+                                     {text("tcp-ports"), {text("2,3")}},
+                                     {text("timeout"), {text("700")}},
+                                     {text("subnet"), {text("10.0.1.8/30")}}});
     QStringList errors;
     QStringList notes;
     const auto plan = searchPlan(options, columns(), networks(), &errors, &notes);
     QCOMPARE(errors + notes, QStringList());
-    QVERIFY(plan.has_value());
-    QCOMPARE(plan->area.interfaces, QStringList(text("eth1")));
-    QCOMPARE(plan->area.tcp.size(), 1);
-    QCOMPARE(subnetText(plan->area.tcp.first()), text("10.0.1.8/30"));
-    QCOMPARE(plan->udpPorts, QVector<quint16>({1}));
-    QCOMPARE(plan->tcpPorts, QVector<quint16>({2, 3}));
-    QCOMPARE(plan->timeoutMs, 700);
+    QCOMPARE(plan.area.interfaces, QStringList(text("eth1")));
+    QCOMPARE(plan.area.tcp.size(), 1);
+    QCOMPARE(subnetText(plan.area.tcp.first()), text("10.0.1.8/30"));
+    QCOMPARE(plan.udpPorts, QVector<quint16>({1}));
+    QCOMPARE(plan.tcpPorts, QVector<quint16>({2, 3}));
+    QCOMPARE(plan.timeoutMs, 700);
 }
 
 void tst_SearchSettings::everyInterface_data()
@@ -184,24 +186,22 @@ void tst_SearchSettings::everyInterface()
 
     QStringList errors;
     QStringList notes;
-    const auto plan = searchPlan({{{text("network_interface"), interface}}, {}, false}, columns(),
-                                 networks(), &errors, &notes);
+    const auto plan = searchPlan(given({{text("interface"), {interface}}}), columns(), networks(),
+                                 &errors, &notes);
     QCOMPARE(errors + notes, QStringList());
-    QVERIFY(plan.has_value());
-    QCOMPARE(plan->area.interfaces, QStringList({text("eth0"), text("eth1")}));
+    QCOMPARE(plan.area.interfaces, QStringList({text("eth0"), text("eth1")}));
 }
 
 void tst_SearchSettings::wideRange()
 {
     QStringList errors;
     QStringList notes;
-    const auto plan = searchPlan({{{text("tcp_ports"), text("8501,1-65535")}}, {}, false},
-                                 columns(), networks(), &errors, &notes);
+    const auto plan = searchPlan(given({{text("tcp-ports"), {text("8501,1-65535")}}}), columns(),
+                                 networks(), &errors, &notes);
     QCOMPARE(errors, QStringList());
     QCOMPARE(notes, QStringList(text("--tcp-ports: \"8501,1-65535\" names more than 64 ports; only "
                                      "the first 64 are asked, up to 63")));
-    QVERIFY(plan.has_value());
-    QCOMPARE(plan->tcpPorts.size(), 64);
+    QCOMPARE(plan.tcpPorts.size(), 64);
 }
 
 void tst_SearchSettings::times_data()
@@ -230,9 +230,10 @@ void tst_SearchSettings::times()
 
     QStringList errors;
     QStringList notes;
-    const auto plan = searchPlan({{{text("timeout_ms"), time}}, {}, false}, columns(), networks(),
-                                 &errors, &notes);
-    QCOMPARE(plan ? plan->timeoutMs : -1, milliseconds);
+    const auto plan
+        = searchPlan(given({{text("timeout"), {time}}}), columns(), networks(), &errors, &notes);
+    if (milliseconds > 0)
+        QCOMPARE(plan.timeoutMs, milliseconds);
     const QString refused = text("--timeout: \"%1\" is no time; write milliseconds as a whole "
                                  "number from 1 to 3600000")
                                 .arg(time);
@@ -241,14 +242,13 @@ void tst_SearchSettings::times()
 
 void tst_SearchSettings::everyErrorAtOnce()
 {
-    const SearchOptions options{{{text("udp_ports"), text("0")},
-                                 {text("tcp_ports"), text("8000-7000")},
-                                 {text("timeout_ms"), text("1 s")}},
-                                QString(),
-                                false};
+    const Arguments options = given({{text("udp-ports"), {text("0")}},
+                                     {text("tcp-ports"), {text("8000-7000")}},
+                                     {text("timeout"), {text("1 s")}},
+                                     {text("subnet"), {QString()}}});
     QStringList errors;
     QStringList notes;
-    QCOMPARE(searchPlan(options, columns(), networks(), &errors, &notes).has_value(), false);
+    searchPlan(options, columns(), networks(), &errors, &notes);
     QCOMPARE(errors,
              QStringList(
                  {text("--udp-ports: \"0\" is out of range; ports are 1 to 65535"),
@@ -266,7 +266,7 @@ void tst_SearchSettings::badDefault()
     declared[3].defaultValue = text("many");
     QStringList errors;
     QStringList notes;
-    QCOMPARE(searchPlan({}, declared, networks(), &errors, &notes).has_value(), false);
+    searchPlan({}, declared, networks(), &errors, &notes);
     QCOMPARE(errors,
              QStringList(text("--udp-ports: \"many\" is no port and no range; write numbers from 1 "
                               "to 65535 with commas between, for example 8501,8600-8605")));
@@ -289,7 +289,7 @@ void tst_SearchSettings::noSearch()
 
     QStringList errors;
     QStringList notes;
-    QCOMPARE(searchPlan({}, declared, networks(), &errors, &notes).has_value(), false);
+    searchPlan({}, declared, networks(), &errors, &notes);
     QCOMPARE(errors,
              QStringList(text("the plug-in declares no device search: its device parameters lack "
                               "%1; name another one with --plugin")

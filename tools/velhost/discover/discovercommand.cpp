@@ -2,7 +2,6 @@
 
 #include "cli/plantarguments.h"
 #include "discover/discoveroutput.h"
-#include "discover/searchoptions.h"
 #include "discover/searchsettings.h"
 #include "host/progressline.h"
 #include "host/stopsignals.h"
@@ -13,30 +12,31 @@
 
 namespace {
 
+constexpr int stepMs = 10;
+
 /// Why the plant file must not be written; empty when it may be written.
 QString plantFileError(const Arguments &arguments)
 {
-    const QFileInfo file(arguments.plantFile);
-    const bool isForced = arguments.has(QStringLiteral("force"));
     if (arguments.plantFile.isEmpty())
         return {};
-    if (file.exists() && !isForced)
+    if (QFileInfo::exists(arguments.plantFile) && !arguments.has(forceOption))
         return arguments.plantFile + u": is already there; add --force to replace it";
     return outputFileError(arguments.plantFile);
 }
 
-/// Runs the search until its end or a signal, whose number is then in `signal`. On a terminal it
+/// Runs the search until its end or a signal. Returns the signal's number, or 0. On a terminal it
 /// shows the progress in one line.
-SearchResult searchAndShow(const SearchPlan &plan, int *signal)
+int runToEnd(Search *search)
 {
     StopSignals stopSignals;
     ProgressLine line(0);
-    return runSearch(plan, [&](const SearchProgress &progress) {
+    int signal = 0;
+    while (signal == 0 && search->step()) {
         if (line.isDue())
-            line.show(progressText(progress));
-        *signal = stopSignals.wait(0);
-        return *signal == 0;
-    });
+            line.show(progressText(*search));
+        signal = stopSignals.wait(stepMs);
+    }
+    return signal;
 }
 
 bool writePlant(const Arguments &arguments, const SearchArea &area, const Findings &findings)
@@ -58,16 +58,16 @@ bool writePlant(const Arguments &arguments, const SearchArea &area, const Findin
 
 /// Prints what is no controller and what is wrong with the result. Returns whether the search is
 /// complete and found a controller.
-bool reportProblems(const SearchResult &result)
+bool reportProblems(const Search &search, bool wasStopped)
 {
-    printError(nonControllerTexts(result.findings));
-    if (result.wasStopped) {
+    printError(nonControllerTexts(search.findings()));
+    if (wasStopped) {
         printError(QStringLiteral("the search was ended early; there may be more controllers"));
         return false;
     }
-    printError(result.gaps);
-    if (result.findings.controllerCount() > 0)
-        return result.gaps.isEmpty();
+    printError(search.gaps());
+    if (search.findings().controllerCount() > 0)
+        return search.gaps().isEmpty();
     printError(QStringLiteral("no controller found; check that it has power and an address in this "
                               "network, that its Host Link port is among those asked, and that no "
                               "firewall is between"));
@@ -78,9 +78,8 @@ ExitCode discover(const Session &session, const Arguments &arguments)
 {
     QStringList errors;
     QStringList notes;
-    const std::optional<SearchPlan> plan
-        = searchPlan(searchOptions(arguments), session.registration.deviceColumns,
-                     machineNetworks(), &errors, &notes);
+    const SearchPlan plan = searchPlan(arguments, session.registration.deviceColumns,
+                                       machineNetworks(), &errors, &notes);
     const QString fileError = plantFileError(arguments);
     if (!fileError.isEmpty())
         errors.append(fileError);
@@ -88,14 +87,15 @@ ExitCode discover(const Session &session, const Arguments &arguments)
     if (!errors.isEmpty())
         return WrongUsage;
     printError(notes);
-    printError(searchText(*plan));
+    printError(searchText(plan));
 
-    int signal = 0;
-    const SearchResult result = searchAndShow(*plan, &signal);
-    print(stdout, controllersText(arguments.format, result.findings));
-    bool isWell = reportProblems(result);
-    if (!arguments.plantFile.isEmpty() && result.findings.controllerCount() > 0)
-        isWell = writePlant(arguments, plan->area, result.findings) && isWell;
+    Search search(plan);
+    const int signal = runToEnd(&search);
+    const Findings &findings = search.findings();
+    print(stdout, controllersText(arguments.format, findings));
+    bool isWell = reportProblems(search, signal != 0);
+    if (!arguments.plantFile.isEmpty() && findings.controllerCount() > 0)
+        isWell = writePlant(arguments, plan.area, findings) && isWell;
     if (signal != 0)
         return exitCodeOf(signal);
     return isWell ? AllWell : ErrorFound;

@@ -21,14 +21,10 @@ QString modelText(const Identity &identity)
 QString controllerJson(const Finding &finding)
 {
     const QString name = modelName(finding.identity.text);
-    QJsonArray protocols;
-    if (finding.byTcp)
-        protocols.append(QStringLiteral("tcp"));
-    if (finding.byUdp)
-        protocols.append(QStringLiteral("udp"));
+    const QStringList protocols = finding.protocols().toLower().split(QStringLiteral(", "));
     return jsonLine("controller", {{"address", QHostAddress(finding.address).toString()},
                                    {"port", finding.port},
-                                   {"protocols", protocols},
+                                   {"protocols", QJsonArray::fromStringList(protocols)},
                                    {"model", name.isEmpty() ? QJsonValue() : QJsonValue(name)},
                                    {"answer", finding.identity.text}});
 }
@@ -96,11 +92,12 @@ QString searchText(const SearchPlan &plan)
              QString::number(plan.timeoutMs));
 }
 
-QString progressText(const SearchProgress &progress)
+QString progressText(const Search &search)
 {
     return QStringLiteral("%1 of %2 asked by TCP, %3 controllers found")
-        .arg(QString::number(progress.tcpAsked), QString::number(progress.tcpCount),
-             QString::number(progress.controllers));
+        .arg(search.tcp().asked)
+        .arg(search.tcp().count())
+        .arg(search.findings().controllerCount());
 }
 
 QByteArray plantJson(const SearchArea &area, const Findings &findings)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "discover/search/discovery.h"
+#include "discover/search/search.h"
 #include "host/outputformat.h"
 
 #include <QByteArray>
@@ -18,7 +18,7 @@ QStringList nonControllerTexts(const Findings &findings);
 QString searchText(const SearchPlan &plan);
 
 /// The progress of the search in one line.
-QString progressText(const SearchProgress &progress);
+QString progressText(const Search &search);
 
 /// A plant file with the controllers as devices without items, each named after its address and
 /// port.

@@ -14,47 +14,50 @@ int portNumber(const QString &digits)
     return isNumber && number <= 65535 ? number : 0;
 }
 
-void appendRange(int first, int last, PortList *list)
+/// Adds the ports of one part of the list, one more than the maximum at most. Returns what is wrong
+/// with the part; empty when it is right.
+QString appendPart(const QString &part, QVector<quint16> *ports)
 {
-    for (int port = first; port <= last && !list->isTruncated; ++port) {
-        if (list->ports.contains(static_cast<quint16>(port)))
-            continue;
-        if (list->ports.size() == maximumPorts)
-            list->isTruncated = true;
-        else
-            list->ports.append(static_cast<quint16>(port));
+    static const QRegularExpression range(QStringLiteral("\\A *([0-9]+) *(?:- *([0-9]+) *)?\\z"));
+    const QRegularExpressionMatch match = range.match(part);
+    if (!match.hasMatch())
+        return QStringLiteral("\"%1\" is no port and no range; write numbers from 1 to 65535 with "
+                              "commas between, for example 8501,8600-8605")
+            .arg(part);
+    const int first = portNumber(match.captured(1));
+    const int last = match.captured(2).isEmpty() ? first : portNumber(match.captured(2));
+    if (first == 0 || last == 0)
+        return QStringLiteral("\"%1\" is out of range; ports are 1 to 65535").arg(part);
+    if (last < first)
+        return QStringLiteral("\"%1\" ends before it begins; write %2-%3")
+            .arg(part, QString::number(last), QString::number(first));
+    for (int port = first; port <= last && ports->size() <= maximumPorts; ++port) {
+        if (!ports->contains(static_cast<quint16>(port)))
+            ports->append(static_cast<quint16>(port));
     }
+    return {};
 }
 
 } // namespace
 
-std::optional<PortList> parsePortList(const QString &text, QString *error)
+QVector<quint16> parsePortList(const QString &text, const QString &option, QStringList *errors,
+                               QStringList *notes)
 {
-    static const QRegularExpression range(QStringLiteral("\\A *([0-9]+) *(?:- *([0-9]+) *)?\\z"));
-    PortList list;
+    QVector<quint16> ports;
     const QStringList parts = text.split(u',');
     for (const QString &part : parts) {
-        const QRegularExpressionMatch match = range.match(part);
-        if (!match.hasMatch()) {
-            *error = QStringLiteral("\"%1\" is no port and no range; write numbers from 1 to 65535 "
-                                    "with commas between, for example 8501,8600-8605")
-                         .arg(part);
+        const QString error = appendPart(part, &ports);
+        if (!error.isEmpty()) {
+            errors->append(option + u": " + error);
             return {};
         }
-        const int first = portNumber(match.captured(1));
-        const int last = match.captured(2).isEmpty() ? first : portNumber(match.captured(2));
-        if (first == 0 || last == 0) {
-            *error = QStringLiteral("\"%1\" is out of range; ports are 1 to 65535").arg(part);
-            return {};
-        }
-        if (last < first) {
-            *error = QStringLiteral("\"%1\" ends before it begins; write %2-%3")
-                         .arg(part)
-                         .arg(last)
-                         .arg(first);
-            return {};
-        }
-        appendRange(first, last, &list);
     }
-    return list;
+    if (ports.size() > maximumPorts) {
+        ports.resize(maximumPorts);
+        notes->append(
+            QStringLiteral("%1: \"%2\" names more than %3 ports; only the first %3 are "
+                           "asked, up to %4")
+                .arg(option, text, QString::number(maximumPorts), QString::number(ports.last())));
+    }
+    return ports;
 }

@@ -1,20 +1,11 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
-#include <optional>
-
-/// The ports of a text.
-struct PortList
-{
-    /// 1 to 64 different ports, in the order given.
-    QVector<quint16> ports;
-    /// The text has more than 64 ports; only the first 64 are in `ports`.
-    bool isTruncated = false;
-};
-
-/// Reads ports and ranges of ports, separated by commas, for example "8501,8600-8605". Blanks
-/// around a number are ignored. Returns nothing when the text is wrong; `error` then says what to
-/// write.
-std::optional<PortList> parsePortList(const QString &text, QString *error);
+/// Reads ports and ranges of ports, separated by commas, for example "8501,8600-8605": at most 64
+/// different ports, in the order given. Blanks around a number are ignored. What is wrong is added
+/// to `errors`; that there are more ports, to `notes`. `option` is named there.
+QVector<quint16> parsePortList(const QString &text, const QString &option, QStringList *errors,
+                               QStringList *notes);

@@ -8,12 +8,40 @@
 
 namespace {
 
+const QString subnetOption = QStringLiteral("subnet");
 const QString timeoutKey = QStringLiteral("timeout_ms");
 const QString interfaceKey = QStringLiteral("network_interface");
 const QString udpPortsKey = QStringLiteral("udp_ports");
 const QString tcpPortsKey = QStringLiteral("tcp_ports");
 /// A longer time-out is taken for a mistake.
 constexpr int maximumTimeoutMs = 60 * 60 * 1000;
+
+/// A search parameter of the plug-in and the option that gives it.
+struct SearchParameter
+{
+    QString column;
+    Option option;
+};
+
+QList<SearchParameter> searchParameters()
+{
+    const QString ports = QStringLiteral("PORTS");
+    return {{interfaceKey,
+             {QStringLiteral("interface"), QStringLiteral("NAME"),
+              QStringLiteral("ask by broadcast on this network interface, empty for all of them "
+                             "(default as the plug-in declares)")}},
+            {udpPortsKey,
+             {QStringLiteral("udp-ports"), ports,
+              QStringLiteral("ports to ask by UDP, for example 8501,8600-8605 (default as the "
+                             "plug-in declares)")}},
+            {tcpPortsKey,
+             {QStringLiteral("tcp-ports"), ports,
+              QStringLiteral("ports to ask by TCP (default as the plug-in declares)")}},
+            {timeoutKey,
+             {QStringLiteral("timeout"), QStringLiteral("MS"),
+              QStringLiteral("milliseconds for the whole search (default as the plug-in "
+                             "declares)")}}};
+}
 
 QString missingColumns(const QList<DatabaseColumnStructure> &columns)
 {
@@ -23,39 +51,16 @@ QString missingColumns(const QList<DatabaseColumnStructure> &columns)
     return missing.join(QStringLiteral(", "));
 }
 
-/// The parameters with the declared defaults, by column name.
-QMap<QString, QString> withDefaults(const QMap<QString, QString> &parameters,
-                                    const QList<DatabaseColumnStructure> &columns,
-                                    QStringList *errors)
+/// The parameters that were given.
+ParameterTexts givenParameters(const Arguments &arguments)
 {
     ParameterTexts texts;
-    for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter)
-        texts.insert(parameter.key(), parameter.value());
-    QList<Problem> problems;
-    const QMap<QString, QString> resolved = resolveParameters(
-        texts, columns, QStringLiteral("device"), QStringLiteral("search"), &problems);
-    for (const Problem &problem : std::as_const(problems))
-        errors->append(problem.place + u": " + problem.text);
-    return resolved;
-}
-
-/// `option` is named in the messages.
-QVector<quint16> parsePorts(const QString &text, const QString &option, QStringList *errors,
-                            QStringList *notes)
-{
-    QString error;
-    const std::optional<PortList> list = parsePortList(text, &error);
-    if (!list) {
-        errors->append(option + u": " + error);
-        return {};
+    const QList<SearchParameter> parameters = searchParameters();
+    for (const auto &[column, option] : parameters) {
+        if (arguments.has(option.name))
+            texts.insert(column, arguments.value(option.name));
     }
-    if (list->isTruncated)
-        notes->append(
-            QStringLiteral(
-                "%1: \"%2\" names more than %3 ports; only the first %3 are asked, up to %4")
-                .arg(option, text, QString::number(list->ports.size()),
-                     QString::number(list->ports.last())));
-    return list->ports;
+    return texts;
 }
 
 int parseTimeout(const QString &text, QStringList *errors)
@@ -70,10 +75,26 @@ int parseTimeout(const QString &text, QStringList *errors)
 
 } // namespace
 
-std::optional<SearchPlan> searchPlan(const SearchOptions &options,
-                                     const QList<DatabaseColumnStructure> &columns,
-                                     const QList<InterfaceNetwork> &networks, QStringList *errors,
-                                     QStringList *notes)
+QList<Option> discoverOptions()
+{
+    QList<Option> options{{QStringLiteral("plant"), QStringLiteral("FILE"),
+                           QStringLiteral("write the controllers to this plant file")},
+                          {subnetOption, QStringLiteral("NETWORK"),
+                           QStringLiteral("ask the addresses of this network, for example "
+                                          "192.168.0.0/24, and not all of the interface's")},
+                          {forceOption,
+                           {},
+                           QStringLiteral("ask a network larger than a /22, replace a file that is "
+                                          "already there")}};
+    const QList<SearchParameter> parameters = searchParameters();
+    for (const SearchParameter &parameter : parameters)
+        options.append(parameter.option);
+    return options;
+}
+
+SearchPlan searchPlan(const Arguments &arguments, const QList<DatabaseColumnStructure> &columns,
+                      const QList<InterfaceNetwork> &networks, QStringList *errors,
+                      QStringList *notes)
 {
     const QString missing = missingColumns(columns);
     if (!missing.isEmpty()) {
@@ -82,20 +103,25 @@ std::optional<SearchPlan> searchPlan(const SearchOptions &options,
                            .arg(missing));
         return {};
     }
-    const QMap<QString, QString> parameters = withDefaults(options.parameters, columns, errors);
+    const ParameterTexts given = givenParameters(arguments);
+    QList<Problem> problems;
+    const QMap<QString, QString> parameters = resolveParameters(
+        given, columns, QStringLiteral("device"), QStringLiteral("search"), &problems);
+    for (const Problem &problem : std::as_const(problems))
+        errors->append(problem.place + u": " + problem.text);
     SearchPlan plan;
-    plan.udpPorts
-        = parsePorts(parameters.value(udpPortsKey), QStringLiteral("--udp-ports"), errors, notes);
-    plan.tcpPorts
-        = parsePorts(parameters.value(tcpPortsKey), QStringLiteral("--tcp-ports"), errors, notes);
+    plan.udpPorts = parsePortList(parameters.value(udpPortsKey), QStringLiteral("--udp-ports"),
+                                  errors, notes);
+    plan.tcpPorts = parsePortList(parameters.value(tcpPortsKey), QStringLiteral("--tcp-ports"),
+                                  errors, notes);
     plan.timeoutMs = parseTimeout(parameters.value(timeoutKey), errors);
+    const std::optional<QString> subnet
+        = arguments.has(subnetOption) ? std::optional(arguments.value(subnetOption)) : std::nullopt;
     QString error;
-    const AreaChoice choice{parameters.value(interfaceKey),
-                            options.parameters.contains(interfaceKey), options.subnet,
-                            options.isForced};
-    if (const std::optional<SearchArea> area = searchArea(choice, networks, &error))
-        plan.area = *area;
-    else
+    const AreaChoice choice{parameters.value(interfaceKey), given.contains(interfaceKey), subnet,
+                            arguments.has(forceOption)};
+    plan.area = searchArea(choice, networks, &error).value_or(SearchArea());
+    if (!error.isEmpty())
         errors->append(error);
-    return errors->isEmpty() ? std::optional(plan) : std::nullopt;
+    return plan;
 }

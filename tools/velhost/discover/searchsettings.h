@@ -1,19 +1,22 @@
 #pragma once
 
-#include "discover/search/discovery.h"
-#include "discover/searchoptions.h"
+#include "cli/command.h"
+#include "discover/search/search.h"
 
 #include <vel/databasecolumnstructure.h>
 
 #include <QList>
 #include <QStringList>
 
-#include <optional>
+/// Allows a large network to be asked, and a plant file to be replaced.
+inline const QString forceOption = QStringLiteral("force");
 
-/// Makes a search of the options. Parameters that are not given have the defaults of the plug-in's
-/// device columns. Returns nothing when the plug-in declares no search or an option is wrong;
-/// `errors` then has every error. `notes` gets messages that do not prevent the search.
-std::optional<SearchPlan> searchPlan(const SearchOptions &options,
-                                     const QList<DatabaseColumnStructure> &columns,
-                                     const QList<InterfaceNetwork> &networks, QStringList *errors,
-                                     QStringList *notes);
+/// The options of `discover`.
+QList<Option> discoverOptions();
+
+/// Makes a search of these options. Parameters that are not given have the defaults of the
+/// plug-in's device columns. With an error in `errors` the search must not run: the plug-in
+/// declares none, or an option is wrong. `notes` gets messages that do not prevent the search.
+SearchPlan searchPlan(const Arguments &arguments, const QList<DatabaseColumnStructure> &columns,
+                      const QList<InterfaceNetwork> &networks, QStringList *errors,
+                      QStringList *notes);
