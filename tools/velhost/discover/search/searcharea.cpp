@@ -6,16 +6,23 @@ namespace {
 
 constexpr int shortestPrefix = 22;
 
-QList<InterfaceNetwork> chosenNetworks(const QString &interface,
-                                       const QList<InterfaceNetwork> &networks)
+/// The networks of that interface, by broadcast and by TCP; of all but loopback when it is empty.
+SearchArea areaOf(const QString &interface, const QList<InterfaceNetwork> &networks)
 {
-    QList<InterfaceNetwork> chosen;
+    SearchArea area;
     for (const InterfaceNetwork &network : networks) {
-        if (interface.isEmpty() ? !QHostAddress(network.subnet.first).isLoopback()
-                                : network.interface == interface)
-            chosen.append(network);
+        const bool isChosen = interface.isEmpty() ? !QHostAddress(network.subnet.first).isLoopback()
+                                                  : network.interface == interface;
+        if (!isChosen)
+            continue;
+        area.interfaces.append(network.interface);
+        if (!area.tcp.contains(network.subnet)) {
+            area.udp.append(broadcastOf(network.subnet));
+            area.tcp.append(network.subnet);
+        }
     }
-    return chosen;
+    area.interfaces.removeDuplicates();
+    return area;
 }
 
 QString noNetworkError(const QString &interface, const QList<InterfaceNetwork> &networks)
@@ -87,21 +94,11 @@ std::optional<SearchArea> searchArea(const AreaChoice &choice,
 {
     SearchArea area;
     const bool broadcasts = choice.isInterfaceGiven || !choice.subnet;
-    const QList<InterfaceNetwork> chosen
-        = broadcasts ? chosenNetworks(choice.interface, networks) : QList<InterfaceNetwork>();
-    if (broadcasts && chosen.isEmpty()) {
+    if (broadcasts)
+        area = areaOf(choice.interface, networks);
+    if (broadcasts && area.tcp.isEmpty()) {
         *error = noNetworkError(choice.interface, networks);
         return {};
-    }
-    for (const InterfaceNetwork &network : chosen) {
-        area.interfaces.append(network.interface);
-        area.tcp.append(network.subnet);
-    }
-    area.interfaces.removeDuplicates();
-    area.tcp = withoutOverlap(area.tcp);
-    for (const Subnet &subnet : std::as_const(area.tcp)) {
-        const std::optional<QHostAddress> broadcast = broadcastAddress(subnet);
-        area.udp.append(broadcast ? Subnet{broadcast->toIPv4Address(), 32} : subnet);
     }
     if (choice.subnet) {
         const std::optional<Subnet> subnet = parseSubnet(*choice.subnet, error);

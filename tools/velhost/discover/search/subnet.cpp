@@ -4,14 +4,12 @@
 
 #include <QRegularExpression>
 
-#include <algorithm>
-
 namespace {
 
-quint32 lastAddress(Subnet subnet)
+/// How many addresses a network with that prefix has.
+quint64 sizeOf(int prefix)
 {
-    const quint64 size = quint64{1} << (32 - subnet.prefix);
-    return static_cast<quint32>(subnet.first + (size - 1));
+    return quint64{1} << (32 - prefix);
 }
 
 /// In such a network each address is a device's.
@@ -20,17 +18,11 @@ bool isTiny(Subnet subnet)
     return subnet.prefix >= 31;
 }
 
-bool isPartOf(Subnet part, Subnet whole)
-{
-    return part.prefix >= whole.prefix && subnetOf(part.first, whole.prefix).first == whole.first;
-}
-
 } // namespace
 
 Subnet subnetOf(quint32 address, int prefix)
 {
-    const quint64 size = quint64{1} << (32 - prefix);
-    return {static_cast<quint32>(address & ~(size - 1)), prefix};
+    return {static_cast<quint32>(address & ~(sizeOf(prefix) - 1)), prefix};
 }
 
 std::optional<Subnet> parseSubnet(const QString &text, QString *error)
@@ -56,8 +48,7 @@ QString subnetText(Subnet subnet)
 
 quint32 hostCount(Subnet subnet)
 {
-    const quint64 size = quint64{1} << (32 - subnet.prefix);
-    return static_cast<quint32>(isTiny(subnet) ? size : size - 2);
+    return static_cast<quint32>(sizeOf(subnet.prefix) - (isTiny(subnet) ? 0 : 2));
 }
 
 QHostAddress hostAt(Subnet subnet, quint32 number)
@@ -65,21 +56,9 @@ QHostAddress hostAt(Subnet subnet, quint32 number)
     return QHostAddress(subnet.first + number + (isTiny(subnet) ? 0 : 1));
 }
 
-std::optional<QHostAddress> broadcastAddress(Subnet subnet)
+Subnet broadcastOf(Subnet subnet)
 {
-    return isTiny(subnet) ? std::nullopt : std::optional(QHostAddress(lastAddress(subnet)));
-}
-
-QList<Subnet> withoutOverlap(const QList<Subnet> &subnets)
-{
-    QList<Subnet> result;
-    for (const Subnet &subnet : subnets) {
-        const auto holdsIt = [&](Subnet other) { return isPartOf(subnet, other); };
-        if (std::any_of(result.begin(), result.end(), holdsIt))
-            continue;
-        const auto isInIt = [&](Subnet other) { return isPartOf(other, subnet); };
-        result.erase(std::remove_if(result.begin(), result.end(), isInIt), result.end());
-        result.append(subnet);
-    }
-    return result;
+    if (isTiny(subnet))
+        return subnet;
+    return {static_cast<quint32>(subnet.first + sizeOf(subnet.prefix) - 1), 32};
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QHostAddress>
-#include <QList>
 #include <QString>
 
 #include <optional>
@@ -13,6 +12,11 @@ struct Subnet
     quint32 first = 0;
     /// How many bits are shared, 0 to 32.
     int prefix = 32;
+
+    bool operator==(const Subnet &other) const
+    {
+        return first == other.first && prefix == other.prefix;
+    }
 };
 Q_DECLARE_TYPEINFO(Subnet, Q_MOVABLE_TYPE);
 
@@ -33,8 +37,6 @@ quint32 hostCount(Subnet subnet);
 /// The device address with that number, from 0 to hostCount() - 1.
 QHostAddress hostAt(Subnet subnet, quint32 number);
 
-/// The broadcast address; nothing for a network of one or two addresses.
-std::optional<QHostAddress> broadcastAddress(Subnet subnet);
-
-/// The networks without those that are part of another one, so that no address is in two.
-QList<Subnet> withoutOverlap(const QList<Subnet> &subnets);
+/// The broadcast address as a network of its own. One of one or two addresses has none, and is
+/// returned itself.
+Subnet broadcastOf(Subnet subnet);
