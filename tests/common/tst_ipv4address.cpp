@@ -50,6 +50,7 @@ void tst_Ipv4Address::dottedQuad_data()
     row("blank in front", " 1.2.3.4", false, -1);
     row("blank behind", "1.2.3.4 ", false, -1);
     row("line feed behind", "1.2.3.4\n", false, -1);
+    QTest::newRow("zero byte behind") << text("1.2.3.4") + QChar(0) << false << qint64{-1};
     row("sign", "+1.2.3.4", false, -1);
     row("hexadecimal", "0x1.2.3.4", false, -1);
     row("other digits", "١.2.3.4", false, -1);
