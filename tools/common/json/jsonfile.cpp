@@ -1,15 +1,20 @@
 #include <common/json/jsonfile.h>
 
 #include <common/inputfile.h>
-#include <common/json/duplicatekey.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
+#include <QVector>
 
 #include <algorithm>
 
 namespace {
+
+/// A file with more keys given twice was written by a faulty program; the first ones show the
+/// fault.
+constexpr int maximumDuplicates = 100;
 
 /// The line and the column of an offset in bytes, both from 1, as LINE:COLUMN; columns count
 /// characters.
@@ -48,6 +53,63 @@ Problem syntaxProblem(const QByteArray &json, QJsonParseError syntax)
     return {lineAndColumn(json, syntax.offset), {}, u"not valid JSON: " + syntax.errorString()};
 }
 
+/// The offset after the string that begins with the quote at `offset`.
+int endOfString(const QByteArray &json, int offset)
+{
+    int end = offset + 1;
+    while (end < json.size() && json.at(end) != '"')
+        end += json.at(end) == '\\' ? 2 : 1;
+    return std::min(end + 1, json.size());
+}
+
+bool isKey(const QByteArray &json, int endOfString)
+{
+    const QByteArray space = QByteArrayLiteral(" \t\r\n");
+    int next = endOfString;
+    while (next < json.size() && space.contains(json.at(next)))
+        ++next;
+    return next < json.size() && json.at(next) == ':';
+}
+
+/// The string without its quotes and escapes: "a" and "\u0061" are the same key.
+QString plainKey(const QByteArray &string)
+{
+    return string.contains('\\')
+               ? QJsonDocument::fromJson('[' + string + ']').array().at(0).toString()
+               : QString::fromUtf8(string.mid(1, string.size() - 2));
+}
+
+/// Adds a problem for each key that its object already has: QJsonDocument silently keeps one of
+/// them. The text must be valid JSON.
+void checkDuplicates(const QByteArray &json, QList<Problem> *problems)
+{
+    int count = 0;
+    QVector<QSet<QString>> keysOfOpenObjects;
+    for (int offset = 0; offset < json.size() && count < maximumDuplicates; ++offset) {
+        const char character = json.at(offset);
+        if (character == '{')
+            keysOfOpenObjects.append(QSet<QString>());
+        else if (character == '}')
+            keysOfOpenObjects.removeLast();
+        if (character != '"')
+            continue;
+        const int end = endOfString(json, offset);
+        if (isKey(json, end)) {
+            const QString key = plainKey(json.mid(offset, end - offset));
+            if (keysOfOpenObjects.last().contains(key)) {
+                ++count;
+                problems->append(
+                    {lineAndColumn(json, offset),
+                     {},
+                     QStringLiteral("the key \"%1\" is given twice in one object; leave one out")
+                         .arg(key)});
+            }
+            keysOfOpenObjects.last().insert(key);
+        }
+        offset = end - 1;
+    }
+}
+
 } // namespace
 
 std::optional<QByteArray> readJsonBytes(const QString &fileName, const QString &kind,
@@ -69,12 +131,6 @@ std::optional<QJsonValue> parseJson(const QByteArray &json, QList<Problem> *prob
         problems->append(syntaxProblem(json, syntax));
         return {};
     }
-    const QList<DuplicateKey> duplicates = findDuplicateKeys(json);
-    for (const DuplicateKey &duplicate : duplicates)
-        problems->append(
-            {lineAndColumn(json, duplicate.offset),
-             {},
-             QStringLiteral("the key \"%1\" is given twice in one object; leave one out")
-                 .arg(duplicate.key)});
+    checkDuplicates(json, problems);
     return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
 }
