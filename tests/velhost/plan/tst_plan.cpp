@@ -4,7 +4,6 @@
 #include "text.h"
 
 #include <plan/recorder.h>
-#include <plan/redirection.h>
 
 #include <QJsonDocument>
 #include <QJsonObject>

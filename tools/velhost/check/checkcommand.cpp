@@ -3,7 +3,6 @@
 #include "check/dryrun.h"
 #include "cli/plantarguments.h"
 #include "plan/recorder.h"
-#include "plan/redirection.h"
 #include "plant/plantcheck.h"
 
 #include <common/json/jsonplace.h>
@@ -45,7 +44,8 @@ ExitCode runCheck(const Arguments &arguments)
     Recorder recorder;
     // No device of the plant is contacted: the plug-in gets the recorder in place of each.
     SessionSetup setup = sessionSetup(arguments, devicesOnly(*draft));
-    setup.redirection = redirectionTo(recorder.port());
+    setup.redirection
+        = [&](const DeviceInstancePlugin &device) { return redirected(device, recorder.port()); };
     bool isChecked = false;
     const ExitCode result = runSession(setup, [&](const Session &session) {
         isChecked = true;

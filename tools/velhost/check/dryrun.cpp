@@ -2,7 +2,6 @@
 
 #include "cycle/cycle.h"
 #include "plan/recorder.h"
-#include "plan/redirection.h"
 #include "plant/records.h"
 #include "plant/samevalue.h"
 

@@ -5,7 +5,6 @@
 #include "host/progressline.h"
 #include "plan/plan.h"
 #include "plan/recorder.h"
-#include "plan/redirection.h"
 #include "plant/rules.h"
 
 #include <algorithm>
@@ -137,7 +136,8 @@ ExitCode runPlan(const Arguments &arguments)
     ProgressLine progress(quietMs);
     SessionSetup setup = sessionSetup(arguments, *plant);
     setup.progress = &progress;
-    setup.redirection = redirectionTo(recorder.port());
+    setup.redirection
+        = [&](const DeviceInstancePlugin &device) { return redirected(device, recorder.port()); };
     return runSession(setup, [&](const Session &session) {
         const Plan plan = makePlan(session, *assignments, &recorder, &progress);
         print(stdout, planText(arguments.format, plan, arguments.number(rttOption, defaultRttMs)));

@@ -1,6 +1,8 @@
 #include "plan/recorder.h"
 
-#include <QTcpServer>
+#include <common/ipv4address.h>
+
+#include <QRegularExpression>
 #include <QTcpSocket>
 
 #include <algorithm>
@@ -14,6 +16,8 @@ constexpr int maximumWords = 65536;
 // More than any controller gives in one answer, and few enough to arrive in one piece: what arrives
 // later, a plug-in may take for the answer to its next command.
 constexpr int maximumAnswer = 2000;
+const QString portKey = QStringLiteral("port");
+const QString timeoutKey = QStringLiteral("timeout");
 
 QByteArray answerTo(const QByteArray &line, const QByteArray &words)
 {
@@ -30,14 +34,22 @@ QByteArray answerTo(const QByteArray &line, const QByteArray &words)
 
 Recorder::Recorder()
 {
-    start();
-    m_started.acquire();
+    QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
+        while (QTcpSocket *const socket = m_server.nextPendingConnection()) {
+            QObject::connect(socket, &QTcpSocket::readyRead, socket,
+                             [this, socket] { answer(socket); });
+            QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        }
+    });
+    m_server.listen(QHostAddress(QHostAddress::LocalHost));
+    m_server.moveToThread(&m_thread);
+    m_thread.start();
 }
 
 Recorder::~Recorder()
 {
-    quit();
-    wait();
+    m_thread.quit();
+    m_thread.wait();
 }
 
 QList<QByteArray> Recorder::takeLines()
@@ -50,21 +62,6 @@ void Recorder::setWords(const QByteArray &words)
 {
     const QMutexLocker locker(&m_mutex);
     m_words = words;
-}
-
-void Recorder::run()
-{
-    QTcpServer server;
-    connect(&server, &QTcpServer::newConnection, &server, [this, &server] {
-        while (QTcpSocket *const socket = server.nextPendingConnection()) {
-            connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { answer(socket); });
-            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        }
-    });
-    if (server.listen(QHostAddress(QHostAddress::LocalHost)))
-        m_port = server.serverPort();
-    m_started.release();
-    exec();
 }
 
 void Recorder::answer(QTcpSocket *socket)
@@ -86,6 +83,30 @@ void Recorder::answer(QTcpSocket *socket)
         }
         socket->write(answerTo(line, words));
     }
+}
+
+DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port)
+{
+    device.ipAddress = QStringLiteral("127.0.0.1");
+    device.parameters.insert(portKey, QString::number(port));
+    // With a time-out of a few milliseconds the recorder itself could be too slow.
+    if (device.parameters.contains(timeoutKey))
+        device.parameters.insert(timeoutKey, QStringLiteral("10000"));
+    return device;
+}
+
+DeviceInstancePlugin redirectedWhereValid(const DeviceInstancePlugin &device, quint16 port)
+{
+    static const QRegularExpression digit(QStringLiteral("[0-9]"));
+    DeviceInstancePlugin result = redirected(device, port);
+    if (!isDottedQuad(device.ipAddress))
+        result.ipAddress = device.ipAddress;
+    const auto original = device.parameters.constFind(portKey);
+    if (original == device.parameters.constEnd())
+        result.parameters.remove(portKey);
+    else if (!digit.match(*original).hasMatch())
+        result.parameters.insert(portKey, *original);
+    return result;
 }
 
 int wordCount(const QByteArray &line)
