@@ -10,11 +10,6 @@
 
 namespace {
 
-QString operationText(const PlannedItem &item)
-{
-    return item.isWrite ? QStringLiteral("write") : QStringLiteral("read");
-}
-
 /// How long this many time-outs last in milliseconds; null where the time-out is unknown.
 QJsonValue worstJson(const DeviceBudget &budget, qint64 timeouts)
 {
@@ -37,7 +32,7 @@ QString planJson(const Plan &plan, int rttMs)
                                         {QStringLiteral("words"), wordCount(line)}});
         text += jsonLine("plan", {{"device", item.device},
                                   {"item", item.item},
-                                  {"operation", operationText(item)},
+                                  {"operation", item.operation},
                                   {"commands", commands},
                                   {"error", item.error}});
     }
@@ -55,7 +50,7 @@ QString planJson(const Plan &plan, int rttMs)
 /// A row for each command line, the error in the first one.
 void appendItemRows(const PlannedItem &item, QList<QStringList> *rows)
 {
-    const QStringList names{visible(item.device), visible(item.item), operationText(item)};
+    const QStringList names{visible(item.device), visible(item.item), item.operation};
     if (item.lines.isEmpty())
         rows->append(names + QStringList{{}, {}, visible(item.error)});
     for (int i = 0; i < item.lines.size(); ++i) {

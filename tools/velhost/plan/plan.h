@@ -13,7 +13,8 @@ struct PlannedItem
 {
     QString device;
     QString item;
-    bool isWrite = false;
+    /// read or write
+    QString operation;
     /// The command lines, each with its carriage return; empty when nothing is sent.
     QList<QByteArray> lines;
     /// Empty: no error.

@@ -52,71 +52,55 @@ struct Planning
     Plan plan = {};
 };
 
-void addItem(const PlannedItem &item, Planning *planning)
+/// Adds what the plug-in sends to write the value to the item; to read it where there is no value.
+void addItem(int deviceIndex, int itemIndex, const std::optional<QString> &value,
+             Planning *planning)
 {
-    QList<PlannedItem> &items = planning->plan.items;
-    items.append(item);
-    if (planning->progress->isDue())
-        planning->progress->show(
-            QStringLiteral("planned %1 of %2 items").arg(items.size()).arg(planning->total));
-}
-
-void addReads(const DeviceInstancePlugin &device, Planning *planning)
-{
-    const Session &session = planning->session;
-    const quint16 port = planning->recorder->port();
-    DeviceBudget budget = budgetOf(device, refusal(session, device, port));
-    const DeviceInstancePlugin target = redirected(device, port);
-    for (int i = 0; i < device.items.size(); ++i) {
-        PlannedItem item{device.name, device.items.at(i).name, false, {}, budget.error};
-        if (budget.error.isEmpty()) {
-            item.error = readItem(session, target, i).error;
-            item.lines = planning->recorder->takeLines();
-        }
-        budget.exchanges += item.lines.size();
-        addItem(item, planning);
-    }
-    planning->plan.budgets.append(budget);
-}
-
-void addWrite(const Assignment &assignment, Planning *planning)
-{
-    const DeviceInstancePlugin &device = planning->session.devices.at(assignment.device);
-    const QString itemName = device.items.at(assignment.item).name;
-    PlannedItem item{
-        device.name, itemName, true, {}, planning->plan.budgets.at(assignment.device).error};
+    auto &[session, recorder, progress, total, plan] = *planning;
+    const DeviceInstancePlugin &device = session.devices.at(deviceIndex);
+    PlannedItem item{device.name,
+                     device.items.at(itemIndex).name,
+                     value ? QStringLiteral("write") : QStringLiteral("read"),
+                     {},
+                     plan.budgets.at(deviceIndex).error};
     if (item.error.isEmpty()) {
-        item.error = writeError(planning->session, redirected(device, planning->recorder->port()),
-                                assignment);
-        item.lines = planning->recorder->takeLines();
+        const DeviceInstancePlugin target = redirected(device, recorder->port());
+        item.error = value ? writeError(session, target, {deviceIndex, itemIndex, *value})
+                           : readItem(session, target, itemIndex).error;
+        item.lines = recorder->takeLines();
     }
-    addItem(item, planning);
+    plan.items.append(item);
+    if (progress->isDue())
+        progress->show(QStringLiteral("planned %1 of %2 items").arg(plan.items.size()).arg(total));
 }
 
 Plan makePlan(const Session &session, const QList<Assignment> &assignments, Recorder *recorder,
               ProgressLine *progress)
 {
+    const QList<DeviceInstancePlugin> &devices = session.devices;
     int total = assignments.size();
-    for (const DeviceInstancePlugin &device : session.devices)
+    for (const DeviceInstancePlugin &device : devices)
         total += device.items.size();
     Planning planning{session, recorder, progress, total};
-    for (const DeviceInstancePlugin &device : session.devices)
-        addReads(device, &planning);
-    for (const Assignment &assignment : assignments)
-        addWrite(assignment, &planning);
+    for (int i = 0; i < devices.size(); ++i) {
+        const DeviceInstancePlugin &device = devices.at(i);
+        planning.plan.budgets.append(budgetOf(device, refusal(session, device, recorder->port())));
+        for (int item = 0; item < device.items.size(); ++item) {
+            addItem(i, item, {}, &planning);
+            planning.plan.budgets.last().exchanges += planning.plan.items.last().lines.size();
+        }
+    }
+    for (const auto &[device, item, value] : assignments)
+        addItem(device, item, value, &planning);
     progress->clear();
     return planning.plan;
 }
 
 bool hasError(const Plan &plan)
 {
-    const bool itemFailed
-        = std::any_of(plan.items.begin(), plan.items.end(),
-                      [](const PlannedItem &item) { return !item.error.isEmpty(); });
-    const bool deviceFailed
-        = std::any_of(plan.budgets.begin(), plan.budgets.end(),
-                      [](const DeviceBudget &budget) { return !budget.error.isEmpty(); });
-    return itemFailed || deviceFailed;
+    const auto hasFailed = [](const auto &part) { return !part.error.isEmpty(); };
+    return std::any_of(plan.items.begin(), plan.items.end(), hasFailed)
+           || std::any_of(plan.budgets.begin(), plan.budgets.end(), hasFailed);
 }
 
 ExitCode runPlan(const Arguments &arguments)
