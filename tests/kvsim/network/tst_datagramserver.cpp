@@ -112,7 +112,7 @@ void tst_DatagramServer::manyDatagrams()
     Controller controller;
     Server server(&controller);
     QVERIFY(server.listen(QHostAddress(QHostAddress::LocalHost), 0));
-    UdpClient client(server.port());
+    UdpClient client(server.serverPort());
     for (int i = 0; i < 50; ++i)
         client.send("RD DM" + QByteArray::number(i));
     QVERIFY(QTest::qWaitFor([&] { return controller.counters.answers == 50; }, timeout));
@@ -318,12 +318,12 @@ void tst_DatagramServer::answersFromItsOwnAddress()
     QUdpSocket client;
     QVERIFY(client.bind(QHostAddress(QHostAddress::LocalHost)));
     QSignalSpy arrival(&client, &QUdpSocket::readyRead);
-    QCOMPARE(client.writeDatagram("?K", address, server.port()), qint64(2));
+    QCOMPARE(client.writeDatagram("?K", address, server.serverPort()), qint64(2));
     QVERIFY(arrival.wait(timeout));
     const QNetworkDatagram answer = client.receiveDatagram();
     QCOMPARE(answer.data(), QByteArray("55\r\n"));
     QCOMPARE(answer.senderAddress(), address);
-    QCOMPARE(answer.senderPort(), int(server.port()));
+    QCOMPARE(answer.senderPort(), int(server.serverPort()));
 }
 
 // The built program: answers, traces and counts datagrams.

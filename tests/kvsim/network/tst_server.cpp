@@ -155,7 +155,7 @@ void tst_Server::clientThatDoesNotRead()
 
     QTcpSocket client;
     client.setReadBufferSize(1);
-    client.connectToHost(server.address(), server.port());
+    client.connectToHost(server.serverAddress(), server.serverPort());
     client.write(command.repeated(commands));
     QVERIFY(QTest::qWaitFor([&] { return mostUnsent > Connection::unsentLimit; }, timeout));
     QVERIFY(answers < commands);
@@ -183,7 +183,7 @@ void tst_Server::tracedEvents()
     };
 
     QTcpSocket client;
-    client.connectToHost(server.address(), server.port());
+    client.connectToHost(server.serverAddress(), server.serverPort());
     client.write("\nRD DM1\r" + QByteArray(LineBuffer::maximumLength + 1, 'A'));
     QVERIFY(QTest::qWaitFor([&] { return events.size() >= 5; }, timeout));
     const QByteArray name = "127.0.0.1:" + QByteArray::number(client.localPort());

@@ -92,7 +92,7 @@ void SimulatorThread::run()
     Server server(&m_controller);
     if (!server.listen(m_address, m_port))
         m_errorString = server.errorString();
-    m_port = server.port();
+    m_port = server.serverPort();
     m_started.release();
     exec();
 }

@@ -1,6 +1,5 @@
 #include "control/controlserver.h"
 
-#include <QHostAddress>
 #include <QTcpSocket>
 
 namespace {
@@ -10,18 +9,9 @@ constexpr int unsentLimit = 64 * 1024;
 
 } // namespace
 
-ControlServer::ControlServer(ControlTarget target, QObject *parent)
-    : QObject(parent), m_target(std::move(target))
-{
-    connect(&m_listener, &Listener::clientCame, this, &ControlServer::accept);
-}
+ControlServer::ControlServer(ControlTarget target) : m_target(std::move(target)) {}
 
-bool ControlServer::listen(quint16 port)
-{
-    return m_listener.listen(QHostAddress(QHostAddress::LocalHost), port);
-}
-
-void ControlServer::accept(QTcpSocket *socket)
+void ControlServer::welcome(QTcpSocket *socket)
 {
     socket->setReadBufferSize(maximumLine);
     const auto serveIt = [this, socket] { serve(socket); };

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controller/reply.h"
 #include "controller/linebuffer.h"
+#include "controller/reply.h"
 
 #include <QObject>
 #include <QTimer>

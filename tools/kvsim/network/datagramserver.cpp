@@ -13,11 +13,6 @@ namespace {
 /// What an answer that waits takes beside its bytes, so that many short ones are limited too.
 constexpr int pendingOverhead = 256;
 
-int pendingSize(const Action &datagram)
-{
-    return datagram.bytes.size() + pendingOverhead;
-}
-
 QByteArray clientOf(const QNetworkDatagram &question)
 {
     return endpointText(question.senderAddress(), static_cast<quint16>(question.senderPort()))
@@ -65,10 +60,7 @@ void appendDatagrams(const QList<Action> &actions, QList<Action> *datagrams)
 
 } // namespace
 
-DatagramServer::DatagramServer(Controller *controller, QObject *parent)
-    : QObject(parent), m_controller(controller)
-{
-}
+DatagramServer::DatagramServer(Controller *controller) : m_controller(controller) {}
 
 bool DatagramServer::listen(const QHostAddress &address, quint16 port)
 {
@@ -114,36 +106,34 @@ void DatagramServer::receive()
 
 void DatagramServer::schedule(const QNetworkDatagram &question, const QList<Action> &datagrams)
 {
-    for (const Action &datagram : datagrams)
-        m_pendingBytes += pendingSize(datagram);
-    sendDue(std::make_shared<PendingAnswer>(PendingAnswer{question, datagrams}));
+    int wait = 0;
+    for (const Action &datagram : datagrams) {
+        wait += datagram.milliseconds;
+        if (wait == 0) {
+            send(question, datagram.bytes);
+            continue;
+        }
+        const int size = datagram.bytes.size() + pendingOverhead;
+        m_pendingBytes += size;
+        auto *due = new QTimer(m_socket);
+        due->setSingleShot(true);
+        due->setTimerType(Qt::PreciseTimer);
+        connect(due, &QTimer::timeout, this, [this, due, question, size, bytes = datagram.bytes] {
+            due->deleteLater();
+            m_pendingBytes -= size;
+            send(question, bytes);
+        });
+        due->start(wait);
+    }
 }
 
-void DatagramServer::sendDue(const std::shared_ptr<PendingAnswer> &pending)
+void DatagramServer::send(const QNetworkDatagram &question, const QByteArray &answer)
 {
-    QList<Action> &datagrams = pending->datagrams;
-    while (!datagrams.isEmpty()) {
-        const int wait = std::exchange(datagrams.first().milliseconds, 0);
-        if (wait > 0) {
-            auto *due = new QTimer(m_socket);
-            due->setTimerType(Qt::PreciseTimer);
-            connect(due, &QTimer::timeout, this, [this, due, pending] {
-                due->deleteLater();
-                sendDue(pending);
-            });
-            due->setSingleShot(true);
-            due->start(wait);
-            return;
-        }
-        const Action datagram = datagrams.takeFirst();
-        m_pendingBytes -= pendingSize(datagram);
-        // It does not matter whether it is sent: a datagram may be lost. It is not sent by
-        // makeReply(), with which Qt names the interface: the system would then send from the first
-        // address of that interface.
-        const QNetworkDatagram &question = pending->question;
-        const QByteArray bytes = datagram.bytes.left(largestDatagram);
-        m_socket->writeDatagram(bytes, question.senderAddress(),
-                                static_cast<quint16>(question.senderPort()));
-        m_controller->traced(clientOf(question), ClientEvent::Sent, bytes);
-    }
+    // It does not matter whether it is sent: a datagram may be lost. It is not sent by makeReply(),
+    // with which Qt names the interface: the system would then send from the first address of that
+    // interface.
+    const QByteArray bytes = answer.left(largestDatagram);
+    m_socket->writeDatagram(bytes, question.senderAddress(),
+                            static_cast<quint16>(question.senderPort()));
+    m_controller->traced(clientOf(question), ClientEvent::Sent, bytes);
 }

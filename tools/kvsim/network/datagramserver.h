@@ -5,8 +5,6 @@
 #include <QNetworkDatagram>
 #include <QObject>
 
-#include <memory>
-
 class QUdpSocket;
 
 struct Controller;
@@ -26,7 +24,7 @@ public:
     static constexpr int pendingLimit = 256 * 1024;
 
     /// `controller` must outlive the server.
-    DatagramServer(Controller *controller, QObject *parent);
+    explicit DatagramServer(Controller *controller);
 
     /// Starts to answer. False when that is not possible: `errorString()` then tells why.
     bool listen(const QHostAddress &address, quint16 port);
@@ -41,16 +39,9 @@ Q_SIGNALS:
     void restartWanted(int milliseconds);
 
 private:
-    /// The datagrams that are still to be sent for one that was received.
-    struct PendingAnswer
-    {
-        QNetworkDatagram question;
-        QList<Action> datagrams;
-    };
-
     void receive();
     void schedule(const QNetworkDatagram &question, const QList<Action> &datagrams);
-    void sendDue(const std::shared_ptr<PendingAnswer> &pending);
+    void send(const QNetworkDatagram &question, const QByteArray &answer);
 
     Controller *m_controller;
     /// Null while the server does not listen. It owns the timers of the answers that wait.

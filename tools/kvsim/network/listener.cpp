@@ -2,8 +2,8 @@
 
 #include <common/console.h>
 
-#include <QSocketNotifier>
 #include <QTcpSocket>
+#include <QTimer>
 
 #include <atomic>
 #include <cerrno>
@@ -22,21 +22,12 @@ bool isShortage(int error)
 
 } // namespace
 
-Listener::Listener(QObject *parent) : QObject(parent), m_pause(this)
-{
-    m_pause.setSingleShot(true);
-    m_pause.setInterval(pauseMs);
-    connect(&m_pause, &QTimer::timeout, this, [this] { m_notifier->setEnabled(true); });
-}
-
-Listener::~Listener() = default;
-
 bool Listener::listen(const QHostAddress &address, quint16 port)
 {
-    if (!m_server.listen(address, port))
+    if (!QTcpServer::listen(address, port))
         return false;
-    m_server.pauseAccepting();
-    const auto descriptor = static_cast<int>(m_server.socketDescriptor());
+    pauseAccepting();
+    const auto descriptor = static_cast<int>(socketDescriptor());
     // Qt lets 50 clients wait; of more, each loses a second before it tries again.
     ::listen(descriptor, SOMAXCONN);
     m_notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
@@ -46,20 +37,19 @@ bool Listener::listen(const QHostAddress &address, quint16 port)
 
 void Listener::close()
 {
-    m_pause.stop();
     m_notifier.reset();
-    m_server.close();
+    QTcpServer::close();
 }
 
 // Takes one client, so that other sockets get their turn. The notifier tells again of the next one.
 void Listener::accept()
 {
     const int descriptor
-        = ::accept4(static_cast<int>(m_server.socketDescriptor()), nullptr, nullptr, SOCK_CLOEXEC);
+        = ::accept4(static_cast<int>(socketDescriptor()), nullptr, nullptr, SOCK_CLOEXEC);
     if (descriptor >= 0) {
         auto *socket = new QTcpSocket(this);
         socket->setSocketDescriptor(descriptor);
-        Q_EMIT clientCame(socket);
+        welcome(socket);
     } else if (isShortage(errno)) {
         pause();
     }
@@ -69,7 +59,12 @@ void Listener::pause()
 {
     const QString reason = qt_error_string(errno);
     m_notifier->setEnabled(false);
-    m_pause.start();
+    auto *timer = new QTimer(m_notifier.get());
+    connect(timer, &QTimer::timeout, this, [this, timer] {
+        timer->deleteLater();
+        m_notifier->setEnabled(true);
+    });
+    timer->start(pauseMs);
     static std::atomic_flag isTold = ATOMIC_FLAG_INIT;
     if (!isTold.test_and_set())
         printError(QStringLiteral("cannot accept more clients: %1. They wait until others go; "

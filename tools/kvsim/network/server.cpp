@@ -3,21 +3,15 @@
 #include "controller/controller.h"
 #include "controller/endpoint.h"
 #include "network/connection.h"
-#include "network/datagramserver.h"
-#include "network/listener.h"
 
 #include <QTcpSocket>
+#include <QTimer>
 
 Server::Server(Controller *controller, QObject *parent)
-    : QObject(parent), m_controller(controller), m_listener(new Listener(this)),
-      m_datagrams(new DatagramServer(controller, this)), m_restartTimer(this)
+    : Listener(parent), m_controller(controller), m_datagrams(controller)
 {
-    m_restartTimer.setSingleShot(true);
-    m_restartTimer.setTimerType(Qt::PreciseTimer);
-    connect(&m_restartTimer, &QTimer::timeout, this, &Server::listenAgain);
-    connect(m_listener, &Listener::clientCame, this, &Server::accept);
     // Queued: the server is still busy with the datagram.
-    connect(m_datagrams, &DatagramServer::restartWanted, this, &Server::restart,
+    connect(&m_datagrams, &DatagramServer::restartWanted, this, &Server::restart,
             Qt::QueuedConnection);
 }
 
@@ -26,40 +20,25 @@ bool Server::listen(const QHostAddress &address, quint16 port)
     // A port that is free for TCP may be in use for UDP.
     const int attempts = port == 0 ? 20 : 1;
     for (int i = 0; i < attempts; ++i) {
-        if (!m_listener->listen(address, port)) {
-            m_errorString = m_listener->errorString();
+        if (!Listener::listen(address, port)) {
+            m_errorString = QTcpServer::errorString();
             return false;
         }
-        if (m_datagrams->listen(m_listener->address(), m_listener->port()))
+        if (m_datagrams.listen(serverAddress(), serverPort()))
             return true;
-        m_errorString = m_datagrams->errorString() + u" (UDP)";
-        m_listener->close();
+        m_errorString = m_datagrams.errorString() + u" (UDP)";
+        Listener::close();
     }
     return false;
 }
 
 void Server::close()
 {
-    m_listener->close();
-    m_datagrams->close();
+    Listener::close();
+    m_datagrams.close();
 }
 
-bool Server::isListening() const
-{
-    return m_listener->isListening();
-}
-
-QHostAddress Server::address() const
-{
-    return m_listener->address();
-}
-
-quint16 Server::port() const
-{
-    return m_listener->port();
-}
-
-void Server::accept(QTcpSocket *socket)
+void Server::welcome(QTcpSocket *socket)
 {
     ++m_controller->counters.clients;
     const QByteArray client = endpointText(socket->peerAddress(), socket->peerPort());
@@ -92,19 +71,21 @@ void Server::accept(QTcpSocket *socket)
 void Server::restart(int milliseconds)
 {
     // Two clients may cause a restart at the same time.
-    if (!m_listener->isListening())
+    if (!isListening())
         return;
-    m_restartAddress = address();
-    m_restartPort = port();
+    const QHostAddress address = serverAddress();
+    const quint16 port = serverPort();
     close();
     const QList<Connection *> connections = m_connections;
     for (Connection *connection : connections)
         connection->abort();
-    m_restartTimer.start(milliseconds);
-}
-
-void Server::listenAgain()
-{
-    if (!listen(m_restartAddress, m_restartPort))
-        Q_EMIT restartFailed();
+    auto *away = new QTimer(this);
+    away->setSingleShot(true);
+    away->setTimerType(Qt::PreciseTimer);
+    connect(away, &QTimer::timeout, this, [this, away, address, port] {
+        away->deleteLater();
+        if (!listen(address, port))
+            Q_EMIT restartFailed();
+    });
+    away->start(milliseconds);
 }

@@ -67,13 +67,13 @@ ExitCode listen(const Options &options, const QJsonObject &plant,
         lines += "listening " + named.endpoint + '\n';
     if (options.control) {
         const QHostAddress loopback(QHostAddress::LocalHost);
-        if (!control->listen(*options.control)) {
+        if (!control->listen(loopback, *options.control)) {
             printError(QStringLiteral("cannot listen on %1: %2. Choose another --control.")
                            .arg(QString::fromLatin1(endpointText(loopback, *options.control)),
                                 control->errorString()));
             return ErrorFound;
         }
-        lines += "control " + endpointText(loopback, control->port()) + '\n';
+        lines += "control " + endpointText(loopback, control->serverPort()) + '\n';
     }
     const QString error = options.writePlant.isEmpty()
                               ? QString()

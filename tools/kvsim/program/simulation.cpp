@@ -53,7 +53,7 @@ bool Simulation::listenOnce()
         const Place &place = served->place;
         int port = place.port;
         if (port == 0 && place.portOffset && first.isListening())
-            port = first.port() + *place.portOffset;
+            port = first.serverPort() + *place.portOffset;
         Server &server = served->server;
         if (port > 65535 || !server.listen(place.address, static_cast<quint16>(port))) {
             m_errorString
@@ -61,7 +61,7 @@ bool Simulation::listenOnce()
                   + u": " + server.errorString();
             return false;
         }
-        served->endpoint = endpointText(server.address(), server.port());
+        served->endpoint = endpointText(server.serverAddress(), server.serverPort());
     }
     return true;
 }
