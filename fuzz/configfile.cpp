@@ -9,11 +9,10 @@
 #include <files/memoryfile.h>
 #include <files/memoryobject.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
-
-#include <algorithm>
-#include <memory>
-#include <vector>
 
 namespace {
 
@@ -38,86 +37,58 @@ void checkErrors(const QStringList &errors, const QString &file)
                 "an error names its file and says something");
 }
 
-// The controllers of a configuration, set up as the program does it.
-struct Simulated
+Controllers readControllers(QList<Problem> *problems)
 {
-    explicit Simulated(const QList<Setup> &setups)
-    {
-        for (const Setup &setup : setups) {
-            owned.push_back(std::make_unique<Controller>(setup.profile));
-            Controller *controller = owned.back().get();
-            for (const GeneratedValue &generated : setup.generators)
-                controller->memory.generate(generated.address, generated.generator);
-            named.append({setup.place.name, {}, controller});
-        }
-    }
+    return readConfig(folder().configuration, {"", QHostAddress::LocalHost, 0, {}}, problems);
+}
 
-    std::vector<std::unique_ptr<Controller>> owned;
-    NamedControllers named;
-};
-
-void checkGenerators(const Setup &setup, Memory *memory)
+// Whatever the time is, what the generators of one controller make can be read.
+void checkGenerators(const QJsonObject &generators, Memory *memory)
 {
     for (const qint64 elapsed : {0LL, 1LL, 999LL, 86400000LL, 1000000000001LL}) {
         memory->setClock([=] { return elapsed; });
-        for (const GeneratedValue &generated : setup.generators)
-            require(memory->value(generated.address)
-                        <= maximumValue(generated.address.device->kind),
+        for (auto entry = generators.begin(); entry != generators.end(); ++entry) {
+            const std::optional<Address> address = parseAddress(entry.key().toUtf8());
+            require(address && memory->isGenerated(*address), "a generator of the file is there");
+            require(memory->value(*address) <= maximumValue(address->device->kind),
                     "a generated value fits its word or bit");
+        }
     }
 }
 
-void checkSetup(const Setup &setup, Controller *controller)
-{
-    checkGenerators(setup, &controller->memory);
-    for (const StoredValue &stored : setup.memory) {
-        controller->memory.setValue(stored.address, stored.value);
-        requireSame(controller->memory.value(stored.address), stored.value,
-                    "a value of the file is in the memory");
-    }
-    requireSame(controller->memory.stored().size(), setup.memory.size(),
-                "a file has each address once");
-    for (const QByteArray &fault : setup.faults)
-        requireSame(controller->faults.add(fault), QString(), "a fault of the file is one");
-}
-
-void checkSavedMemory(const QList<Setup> &setups, const NamedControllers &controllers)
+void checkSavedMemory(const Controllers &controllers)
 {
     requireSame(saveMemory(folder().memory, controllers), QString(), "memory can be saved");
-    const Simulated again(setups);
-    requireSame(loadMemory(folder().memory, again.named), QStringList(),
-                "memory that was saved can be loaded");
+    QList<Problem> problems;
+    const Controllers again = readControllers(&problems);
+    for (const auto &controller : again) {
+        const QVector<StoredValue> stored = controller->memory.stored();
+        for (const StoredValue &cell : stored)
+            controller->memory.setValue(cell.address, cell.value ^ 1U);
+    }
+    require(loadMemory(folder().memory, again).isEmpty(), "memory that was saved can be loaded");
     for (int i = 0; i < controllers.size(); ++i)
-        requireSame(memoryText(again.named.at(i).controller->memory.stored(), {}),
-                    memoryText(controllers.at(i).controller->memory.stored(), {}),
+        requireSame(memoryText(again.at(i)->memory.stored(), {}),
+                    memoryText(controllers.at(i)->memory.stored(), {}),
                     "memory that was saved is loaded as it was");
 }
 
-void checkSetups(const QList<Setup> &setups)
+void checkControllers(const Controllers &controllers, const QJsonObject &configuration)
 {
-    require(!setups.isEmpty() && setups.size() <= maximumControllers,
+    require(!controllers.isEmpty() && controllers.size() <= maximumControllers,
             "a configuration without errors has controllers");
+    const QJsonArray objects = configuration.value(QStringLiteral("controllers")).toArray();
     QList<QByteArray> names;
-    for (const Setup &setup : setups) {
-        require(!setup.place.name.isEmpty() && !names.contains(setup.place.name),
+    for (int i = 0; i < controllers.size(); ++i) {
+        const Place &place = controllers.at(i)->place;
+        require(!place.name.isEmpty() && !names.contains(place.name),
                 "a controller has a name of its own");
-        names.append(setup.place.name);
-        require(!setup.place.address.isNull(), "a controller has an address");
+        names.append(place.name);
+        require(!place.address.isNull(), "a controller has an address");
+        checkGenerators(objects.at(i).toObject().value(QStringLiteral("generators")).toObject(),
+                        &controllers.at(i)->memory);
     }
-    const Simulated simulated(setups);
-    for (int i = 0; i < setups.size(); ++i)
-        checkSetup(setups.at(i), simulated.named.at(i).controller);
-    checkSavedMemory(setups, simulated.named);
-}
-
-void checkMemoryFile()
-{
-    const QString &file = folder().configuration;
-    Controller controller;
-    const QStringList errors = loadMemory(file, {{"a", {}, &controller}});
-    checkErrors(errors, file);
-    require(errors.isEmpty() || controller.memory.stored().isEmpty(),
-            "a file with an error stores nothing");
+    checkSavedMemory(controllers);
 }
 
 } // namespace
@@ -127,13 +98,13 @@ void check(Input input)
     const QByteArray configuration = input.field();
     require(writeFile(folder().configuration, configuration), "the file can be written");
     require(writeFile(folder().values, input.rest()), "the values can be written");
-    QStringList errors;
     const QString &file = folder().configuration;
-    const QList<Setup> setups = readConfig(file, {"", QHostAddress::LocalHost, 0, {}}, &errors);
-    checkErrors(errors, file);
-    if (errors.isEmpty())
-        checkSetups(setups);
-    else
-        require(setups.isEmpty(), "a configuration with an error has no controllers");
-    checkMemoryFile();
+    QList<Problem> problems;
+    const Controllers controllers = readControllers(&problems);
+    checkErrors(problemLines(file, problems), file);
+    if (problems.isEmpty())
+        checkControllers(controllers, QJsonDocument::fromJson(configuration).object());
+    const auto one = std::make_shared<Controller>();
+    one->place.name = "a";
+    checkErrors(problemLines(file, loadMemory(file, {one})), file);
 }

@@ -6,7 +6,6 @@
 
 #include <controller/interpreter.h>
 #include <controller/linebuffer.h>
-#include <controller/profile.h>
 #include <files/memoryobject.h>
 
 #include <algorithm>

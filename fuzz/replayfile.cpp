@@ -5,11 +5,14 @@
 #include "writefile.h"
 
 #include <controller/linebuffer.h>
-#include <controller/replay.h>
 #include <files/plantfile.h>
 #include <files/replayfile.h>
 
+#include <QJsonArray>
+#include <QRegularExpression>
 #include <QTemporaryDir>
+
+#include <algorithm>
 
 namespace {
 
@@ -45,33 +48,49 @@ void checkAnswers(const QByteArray &command, Replay *replay)
 void checkReplay(bool withDelays)
 {
     QList<Problem> problems;
-    const QList<Setup> setups = readReplay(file(), withDelays, &problems);
+    const Controllers controllers = readReplay(file(), withDelays, &problems);
     checkErrors(problemLines(file(), problems));
-    require(hasError(problems) || !setups.isEmpty(), "a trace without errors has a peer");
-    for (const Setup &setup : setups) {
-        const QList<QByteArray> commands = setup.replay->answers.keys();
+    require(hasError(problems) || !controllers.isEmpty(), "a trace without errors has a peer");
+    for (const auto &controller : controllers) {
+        Replay *replay = &*controller->replay;
+        const QList<QByteArray> commands = replay->answers.keys();
         for (const QByteArray &command : commands)
-            checkAnswers(command, setup.replay.get());
-        requireSame<quint64>(setup.replay->unknown, 0, "what was recorded is known");
+            checkAnswers(command, replay);
+        requireSame<quint64>(replay->unknown, 0, "what was recorded is known");
+    }
+}
+
+// Whatever the time is, what an item moves can be read.
+void checkItem(const QJsonObject &parameters, Memory *memory)
+{
+    const QString text = parameters.value(QStringLiteral("memory_address")).toString();
+    const int end = text.indexOf(QRegularExpression(QStringLiteral("[.-]")));
+    const std::optional<Address> address = parseAddress(text.left(end).toUtf8());
+    // What is not there stands in "itemDefaults".
+    if (!address)
+        return;
+    require(memory->isGenerated(*address), "an item moves its first word");
+    for (const qint64 elapsed : {0LL, 999LL, 86400000LL, 1000000000001LL}) {
+        memory->setClock([=] { return elapsed; });
+        memory->values({*address, std::min(1000U, countToEnd(*address))});
     }
 }
 
 void checkPlant()
 {
     QJsonObject plant;
-    QStringList errors;
-    const QList<Setup> setups = readPlant(file(), {}, &plant, &errors);
-    checkErrors(errors);
-    require(!errors.isEmpty() || !setups.isEmpty(), "a plant without errors has a device");
-    for (const Setup &setup : setups) {
-        Memory memory;
-        for (const GeneratedValue &generated : setup.generators) {
-            require(!memory.isGenerated(generated.address), "one item moves a word");
-            memory.generate(generated.address, generated.generator);
-            for (const qint64 elapsed : {0LL, 999LL, 86400000LL, 1000000000001LL})
-                require(generated.generator(elapsed) >= 0 && generated.generator(elapsed) <= 65535,
-                        "a value fits its word");
-        }
+    QList<Problem> problems;
+    const Controllers controllers = readPlant(file(), true, &plant, &problems);
+    checkErrors(problemLines(file(), problems));
+    require(!problems.isEmpty() || !controllers.isEmpty(), "a plant without errors has a device");
+    if (!problems.isEmpty())
+        return;
+    const QJsonArray devices = plant.value(QStringLiteral("devices")).toArray();
+    for (int i = 0; i < controllers.size(); ++i) {
+        const QJsonArray items = devices.at(i).toObject().value(QStringLiteral("items")).toArray();
+        for (const QJsonValue &item : items)
+            checkItem(item.toObject().value(QStringLiteral("parameters")).toObject(),
+                      &controllers.at(i)->memory);
     }
 }
 

@@ -52,9 +52,9 @@ public:
     quint16 control() const { return port(1); }
 };
 
-QByteArray answer(const QByteArray &line, Controller *controller)
+QByteArray answer(const QByteArray &line, const Controllers &controllers)
 {
-    return answerControl(line, {{{"1", {}, controller}}, {}}).text;
+    return answerControl(line, {controllers, {}});
 }
 
 ProgramRun runCtl(const QStringList &arguments)
@@ -121,10 +121,7 @@ void tst_Control::lines()
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, answer);
 
-    Controller controller;
-    const ControlAnswer result = answerControl(line, {{{"1", {}, &controller}}, {}});
-    QCOMPARE(result.text, answer);
-    QCOMPARE(result.quit, line == "quit");
+    QCOMPARE(answerControl(line, {{std::make_shared<Controller>()}, {}}), answer);
 }
 
 void tst_Control::typedValues_data()
@@ -158,9 +155,9 @@ void tst_Control::typedValues()
     QFETCH(QByteArray, value);
     QFETCH(QByteArray, words);
 
-    Controller controller;
-    QCOMPARE(answer("set D200 " + value, &controller), QByteArray("ok\n"));
-    QCOMPARE(answer("get DM200..DM204", &controller), QByteArray(words + '\n'));
+    const auto controller = std::make_shared<Controller>();
+    QCOMPARE(answer("set D200 " + value, {controller}), QByteArray("ok\n"));
+    QCOMPARE(answer("get DM200..DM204", {controller}), QByteArray(words + '\n'));
 }
 
 void tst_Control::typesThatDoNotFit_data()
@@ -202,35 +199,35 @@ void tst_Control::typesThatDoNotFit()
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, error);
 
-    Controller controller;
-    QCOMPARE(answer(line, &controller), QByteArray("error " + error + '\n'));
-    QCOMPARE(controller.memory.stored().size(), 0);
+    const auto controller = std::make_shared<Controller>();
+    QCOMPARE(answer(line, {controller}), QByteArray("error " + error + '\n'));
+    QCOMPARE(controller->memory.stored().size(), 0);
 }
 
 void tst_Control::changesTheController()
 {
-    Controller controller;
-    QCOMPARE(answer("set DM100 5", &controller), QByteArray("ok\n"));
-    QCOMPARE(answer("get DM100", &controller), QByteArray("5\n"));
-    QCOMPARE(answer("fault silent", &controller), QByteArray("ok\n"));
-    QCOMPARE(answer("counters", &controller),
+    const auto controller = std::make_shared<Controller>();
+    QCOMPARE(answer("set DM100 5", {controller}), QByteArray("ok\n"));
+    QCOMPARE(answer("get DM100", {controller}), QByteArray("5\n"));
+    QCOMPARE(answer("fault silent", {controller}), QByteArray("ok\n"));
+    QCOMPARE(answer("counters", {controller}),
              QByteArray("commands 0, answers 0, refusals 0, clients 0\n"
                         "fault silent: seen 0, applied 0\n\n"));
-    QCOMPARE(answer("clear", &controller), QByteArray("ok\n"));
-    QCOMPARE(controller.faults.counts().size(), 0);
+    QCOMPARE(answer("clear", {controller}), QByteArray("ok\n"));
+    QCOMPARE(controller->faults.counts().size(), 0);
 }
 
 void tst_Control::clearsOneFault()
 {
-    Controller controller;
+    const auto controller = std::make_shared<Controller>();
     for (const char *fault : {"empty@DM7", "silent@DM7", "empty@DM7", "empty"})
-        QCOMPARE(answer(QByteArray("fault ") + fault, &controller), QByteArray("ok\n"));
-    QCOMPARE(answer("clear empty@DM7", &controller), QByteArray("ok\n"));
-    QCOMPARE(answer("counters", &controller),
+        QCOMPARE(answer(QByteArray("fault ") + fault, {controller}), QByteArray("ok\n"));
+    QCOMPARE(answer("clear empty@DM7", {controller}), QByteArray("ok\n"));
+    QCOMPARE(answer("counters", {controller}),
              QByteArray("commands 0, answers 0, refusals 0, clients 0\n"
                         "fault silent@DM7: seen 0, applied 0\n"
                         "fault empty: seen 0, applied 0\n\n"));
-    QCOMPARE(answer("clear empty@DM7", &controller),
+    QCOMPARE(answer("clear empty@DM7", {controller}),
              QByteArray("error no fault 'empty@DM7' is in force; counters shows those that are\n"));
 }
 

@@ -1,6 +1,5 @@
-#include <controller/endpoint.h>
+#include <controller/place.h>
 
-#include <QHostAddress>
 #include <QTest>
 
 // Where a controller or a client is, as text.

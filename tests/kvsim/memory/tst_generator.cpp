@@ -155,18 +155,18 @@ void tst_Generator::oneMomentForARange()
 
 void tst_Generator::writesAreLost()
 {
-    Controller controller;
-    controller.memory.generate(address("DM7"), [](qint64) { return 70; });
-    QCOMPARE(ask(&controller.memory, "WRS DM6 3 1 2 3"), QByteArray("OK\r\n"));
-    QCOMPARE(ask(&controller.memory, "RDS DM6 3"), QByteArray("00001 00070 00003\r\n"));
-    QCOMPARE(controller.memory.stored().size(), 2);
-    QCOMPARE(storeText(&controller, "D7", "5"),
+    const auto controller = std::make_shared<Controller>();
+    controller->memory.generate(address("DM7"), [](qint64) { return 70; });
+    QCOMPARE(ask(&controller->memory, "WRS DM6 3 1 2 3"), QByteArray("OK\r\n"));
+    QCOMPARE(ask(&controller->memory, "RDS DM6 3"), QByteArray("00001 00070 00003\r\n"));
+    QCOMPARE(controller->memory.stored().size(), 2);
+    QCOMPARE(storeText({controller}, "D7", "5"),
              text("a generator makes the value of 'DM7'; choose another address"));
-    QVERIFY(!storeText(&controller, "DM7", "5").isEmpty());
-    QCOMPARE(storeText(&controller, "DM6", "2 Long"),
+    QVERIFY(!storeText({controller}, "DM7", "5").isEmpty());
+    QCOMPARE(storeText({controller}, "DM6", "2 Long"),
              text("a generator makes the value of 'DM7'; choose another address"));
-    QCOMPARE(int(controller.memory.value(*parseAddress("DM6"))), 1);
-    QCOMPARE(int(controller.memory.value(*parseAddress("DM7"))), 70);
+    QCOMPARE(int(controller->memory.value(*parseAddress("DM6"))), 1);
+    QCOMPARE(int(controller->memory.value(*parseAddress("DM7"))), 70);
 }
 
 // Memory's own clock starts when the memory is made.

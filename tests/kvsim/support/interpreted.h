@@ -2,7 +2,6 @@
 
 #include <controller/interpreter.h>
 #include <controller/linebuffer.h>
-#include <controller/profile.h>
 #include <memory/memory.h>
 
 /// What the simulated controller answers with this memory, without a network.

@@ -15,7 +15,7 @@ void SimulatorErrands::waitForResume()
 SimulatorThread::SimulatorThread(const QHostAddress &address, quint16 port, QObject *parent)
     : QThread(parent), m_address(address), m_port(port)
 {
-    m_controller.traced = [this](const QByteArray &, ClientEvent event, const QByteArray &bytes) {
+    m_controller->traced = [this](const QByteArray &, ClientEvent event, const QByteArray &bytes) {
         if (event == ClientEvent::Received)
             recordCommand(bytes);
     };
@@ -33,27 +33,27 @@ SimulatorThread::~SimulatorThread()
 int SimulatorThread::word(const QByteArray &address) const
 {
     const std::optional<Address> place = parseAddress(address);
-    return place ? m_controller.memory.value(*place) : -1;
+    return place ? m_controller->memory.value(*place) : -1;
 }
 
 bool SimulatorThread::setWord(const QByteArray &address, int value)
 {
-    return storeText(&m_controller, address, QByteArray::number(value)).isEmpty();
+    return storeText({m_controller}, address, QByteArray::number(value)).isEmpty();
 }
 
 QString SimulatorThread::addFault(const QByteArray &fault)
 {
-    return m_controller.faults.add(fault);
+    return m_controller->faults.add(fault);
 }
 
 void SimulatorThread::clearFaults()
 {
-    m_controller.faults.clear();
+    m_controller->faults.clear();
 }
 
 QVector<FaultCount> SimulatorThread::faultCounts() const
 {
-    return m_controller.faults.counts();
+    return m_controller->faults.counts();
 }
 
 void SimulatorThread::recordCommand(const QByteArray &bytes)
@@ -89,7 +89,7 @@ void SimulatorThread::resume()
 
 void SimulatorThread::run()
 {
-    Server server(&m_controller);
+    Server server(m_controller.get());
     if (!server.listen(m_address, m_port))
         m_errorString = server.errorString();
     m_port = server.serverPort();

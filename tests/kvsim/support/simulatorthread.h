@@ -65,7 +65,7 @@ public:
     QVector<FaultCount> faultCounts() const;
 
     /// What all clients together have done. May be called from any thread at any time.
-    const Counters &counters() const { return m_controller.counters; }
+    const Counters &counters() const { return m_controller->counters; }
 
     /// The commands since the last call, without their line ends, in the order in which they
     /// came. May be called from any thread at any time.
@@ -87,7 +87,7 @@ private:
     void recordCommand(const QByteArray &bytes);
 
     QHostAddress m_address;
-    Controller m_controller;
+    const std::shared_ptr<Controller> m_controller{std::make_shared<Controller>()};
     QMutex m_commandsMutex;
     QByteArrayList m_commands;
     SimulatorErrands m_errands;

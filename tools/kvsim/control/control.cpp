@@ -1,5 +1,6 @@
 #include "control/control.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <algorithm>
@@ -33,8 +34,8 @@ QByteArray get(const Fields &fields, const ControlTarget &target)
                         .arg(QString::fromUtf8(fields.at(1)))
                         .arg(mostValues));
     QList<QByteArray> values;
-    for (const NamedController &named : target.controllers) {
-        const QVector<quint16> read = named.controller->memory.values(*range);
+    for (const auto &controller : target.controllers) {
+        const QVector<quint16> read = controller->memory.values(*range);
         for (const quint16 value : read)
             values.append(QByteArray::number(value));
     }
@@ -43,35 +44,27 @@ QByteArray get(const Fields &fields, const ControlTarget &target)
 
 QByteArray set(const Fields &fields, const ControlTarget &target)
 {
-    const QByteArray value = fields.mid(2).join(' ');
-    for (const NamedController &named : target.controllers) {
-        const QString error = storeRefusal(*named.controller, fields.at(1), value);
-        if (!error.isEmpty())
-            return okOr(error);
-    }
-    for (const NamedController &named : target.controllers)
-        storeText(named.controller, fields.at(1), value);
-    return okOr({});
+    return okOr(storeText(target.controllers, fields.at(1), fields.mid(2).join(' ')));
 }
 
 QByteArray fault(const Fields &fields, const ControlTarget &target)
 {
-    for (const NamedController &named : target.controllers) {
-        if (named.controller->faults.counts().size() >= mostFaults)
+    for (const auto &controller : target.controllers) {
+        if (controller->faults.counts().size() >= mostFaults)
             return okOr(
                 QStringLiteral("%1 faults are in force already; clear them first").arg(mostFaults));
     }
     QString error;
-    for (const NamedController &named : target.controllers)
-        error = named.controller->faults.add(fields.at(1));
+    for (const auto &controller : target.controllers)
+        error = controller->faults.add(fields.at(1));
     return okOr(error);
 }
 
 QByteArray clear(const Fields &fields, const ControlTarget &target)
 {
     bool isDone = fields.size() == 1;
-    for (const NamedController &named : target.controllers) {
-        FaultEngine &faults = named.controller->faults;
+    for (const auto &controller : target.controllers) {
+        FaultEngine &faults = controller->faults;
         if (fields.size() == 1)
             faults.clear();
         else
@@ -97,6 +90,7 @@ QByteArray dump(const Fields & /*fields*/, const ControlTarget &target)
 
 QByteArray quit(const Fields & /*fields*/, const ControlTarget & /*target*/)
 {
+    QCoreApplication::quit();
     return okOr({});
 }
 
@@ -128,39 +122,39 @@ QString unknownCommand(const QByteArray &name)
         .arg(QString::fromUtf8(name), names.join(QStringLiteral(", ")));
 }
 
-QString unknownController(const QByteArray &name, const NamedControllers &controllers)
+QString unknownController(const QByteArray &name, const Controllers &controllers)
 {
     QStringList names;
-    for (const NamedController &controller : controllers)
-        names.append(u'@' + QString::fromUtf8(controller.name));
+    for (const auto &controller : controllers)
+        names.append(u'@' + QString::fromUtf8(controller->place.name));
     return QStringLiteral("unknown controller '@%1'; use one of: %2")
         .arg(QString::fromUtf8(name), names.join(QStringLiteral(", ")));
 }
 
-ControlAnswer answerFields(const Fields &fields, const ControlTarget &target)
+QByteArray answerFields(const Fields &fields, const ControlTarget &target)
 {
     const QByteArray name = fields.value(0);
     const auto *command = std::find_if(commands.cbegin(), commands.cend(),
                                        [&](const ControlCommand &c) { return name == c.name; });
     if (command == commands.cend())
-        return {okOr(unknownCommand(name))};
+        return okOr(unknownCommand(name));
     if (fields.size() < command->fewestFields || fields.size() > command->mostFields)
-        return {okOr(QStringLiteral("'%1' is wrong; write %2")
-                         .arg(QString::fromUtf8(fields.join(' ')), QLatin1String(command->usage)))};
-    return {command->answer(fields, target), command->answer == quit};
+        return okOr(QStringLiteral("'%1' is wrong; write %2")
+                        .arg(QString::fromUtf8(fields.join(' ')), QLatin1String(command->usage)));
+    return command->answer(fields, target);
 }
 
 } // namespace
 
-ControlAnswer answerControl(const QByteArray &line, const ControlTarget &target)
+QByteArray answerControl(const QByteArray &line, const ControlTarget &target)
 {
     Fields fields = line.simplified().split(' ');
     if (!fields.constFirst().startsWith('@'))
         return answerFields(fields, target);
     const QByteArray name = fields.takeFirst().mid(1);
-    const auto one = std::find_if(target.controllers.cbegin(), target.controllers.cend(),
-                                  [&](const NamedController &named) { return named.name == name; });
-    if (one == target.controllers.cend())
-        return {okOr(unknownController(name, target.controllers))};
-    return answerFields(fields, {{*one}, target.dump});
+    for (const auto &controller : target.controllers) {
+        if (controller->place.name == name)
+            return answerFields(fields, {{controller}, target.dump});
+    }
+    return okOr(unknownController(name, target.controllers));
 }

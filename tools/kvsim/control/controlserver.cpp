@@ -22,15 +22,8 @@ void ControlServer::welcome(QTcpSocket *socket)
 
 void ControlServer::serve(QTcpSocket *socket)
 {
-    while (socket->bytesToWrite() <= unsentLimit && socket->canReadLine()) {
-        const ControlAnswer answer = answerControl(socket->readLine().trimmed(), m_target);
-        socket->write(answer.text);
-        if (answer.quit) {
-            socket->flush();
-            Q_EMIT quitWanted();
-            return;
-        }
-    }
+    while (socket->bytesToWrite() <= unsentLimit && socket->canReadLine())
+        socket->write(answerControl(socket->readLine().trimmed(), m_target));
     // A search for controllers, which would wait in vain: Host Link has no line feed.
     if (socket->peek(4) == "?K\r") {
         socket->write("error this is the control port of kvsim\n");

@@ -15,10 +15,6 @@ public:
 
     explicit ControlServer(ControlTarget target);
 
-Q_SIGNALS:
-    /// A client wants the simulator to end. Its answer is sent.
-    void quitWanted();
-
 protected:
     void welcome(QTcpSocket *socket) override;
 

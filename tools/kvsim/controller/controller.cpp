@@ -51,9 +51,8 @@ QString readValue(const QByteArray &text, DeviceKind kind, QVector<quint16> *val
              QString::number(type->maximum, type->base).toUpper());
 }
 
-/// What storeText() stores. Returns an empty text, or what is wrong.
-QString readStored(const Memory &memory, const QByteArray &address, const QByteArray &text,
-                   QVector<StoredValue> *stored)
+/// Returns an empty text, or what is wrong.
+QString readStored(const QByteArray &address, const QByteArray &text, QVector<StoredValue> *stored)
 {
     const std::optional<Address> first = parseAddress(address);
     if (!first)
@@ -67,13 +66,9 @@ QString readStored(const Memory &memory, const QByteArray &address, const QByteA
     if (static_cast<quint32>(values.size()) > countToEnd(*first))
         return QStringLiteral("'%1' runs over the end of the device; choose an address before '%2'")
             .arg(QString::fromUtf8(text), QString::fromUtf8(address));
-    for (const quint16 value : qAsConst(values)) {
-        const Address place{first->device, first->index + static_cast<quint32>(stored->size())};
-        if (memory.isGenerated(place))
-            return QStringLiteral("a generator makes the value of '%1'; choose another address")
-                .arg(QString::fromLatin1(addressText(place)));
-        stored->append({place, value});
-    }
+    quint32 index = first->index;
+    for (const quint16 value : qAsConst(values))
+        stored->append({{first->device, index++}, value});
     return {};
 }
 
@@ -85,7 +80,7 @@ Reply replyTo(const QByteArray &client, const Line &line, Controller *controller
     controller->traced(client, ClientEvent::Received, line.ended ? line.text + '\r' : line.text);
     const Reply reply
         = controller->replay
-              ? replayed(line, controller->replay.get())
+              ? replayed(line, &*controller->replay)
               : controller->faults.reply(line, *previous, controller->profile, &controller->memory);
     if (!reply.answer.isEmpty())
         *previous = reply.answer;
@@ -101,31 +96,33 @@ Reply replyTo(const QByteArray &client, const Line &line, Controller *controller
     return reply;
 }
 
-QByteArray countersText(const NamedControllers &controllers)
+QByteArray countersText(const Controllers &controllers)
 {
     QByteArray text;
-    for (const NamedController &named : controllers) {
+    for (const auto &controller : controllers) {
         if (controllers.size() > 1)
-            text += "controller " + named.name + ' ' + named.endpoint + '\n';
-        text += countersText(*named.controller);
+            text += "controller " + controller->place.name + ' ' + controller->endpoint + '\n';
+        text += countersText(*controller);
     }
     return text;
 }
 
-QString storeRefusal(const Controller &controller, const QByteArray &address,
-                     const QByteArray &value)
+QString storeText(const Controllers &controllers, const QByteArray &address, const QByteArray &text)
 {
     QVector<StoredValue> stored;
-    return readStored(controller.memory, address, value, &stored);
-}
-
-QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value)
-{
-    QVector<StoredValue> stored;
-    QString error = readStored(controller->memory, address, value, &stored);
-    if (error.isEmpty()) {
+    const QString error = readStored(address, text, &stored);
+    if (!error.isEmpty())
+        return error;
+    for (const auto &controller : controllers) {
+        for (const StoredValue &cell : qAsConst(stored)) {
+            if (controller->memory.isGenerated(cell.address))
+                return QStringLiteral("a generator makes the value of '%1'; choose another address")
+                    .arg(QString::fromLatin1(addressText(cell.address)));
+        }
+    }
+    for (const auto &controller : controllers) {
         for (const StoredValue &cell : qAsConst(stored))
             controller->memory.setValue(cell.address, cell.value);
     }
-    return error;
+    return {};
 }

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "controller/faultengine.h"
+#include "controller/interpreter.h"
 #include "controller/linebuffer.h"
-#include "controller/profile.h"
+#include "controller/place.h"
 #include "controller/replay.h"
 #include "memory/memory.h"
 
@@ -31,35 +32,28 @@ enum class ClientEvent : char {
     Closed = '-',
 };
 
-/// The controller behind all connections. Safe to use from several threads.
+/// One controller, behind all its connections. Safe to use from several threads.
 struct Controller
 {
-    explicit Controller(Profile theProfile = {}) : profile(std::move(theProfile)) {}
+    // What follows is set before clients come.
+    Place place;
+    /// Where it listens, for example "127.0.0.1:8501".
+    QByteArray endpoint;
+    Profile profile;
+    /// What answers all commands instead of the memory and the faults; nothing: they do.
+    std::optional<Replay> replay;
+    /// Called for each event at its time. `client` is the client's address and port, with "/udp"
+    /// behind for a datagram. `bytes` are those of the command or the answer, the fault as it was
+    /// written, or a text.
+    std::function<void(const QByteArray &client, ClientEvent event, const QByteArray &bytes)> traced
+        = [](const QByteArray &, ClientEvent, const QByteArray &) {};
 
-    const Profile profile;
     Memory memory;
     FaultEngine faults;
     Counters counters;
-    /// What answers all commands instead of the memory and the faults; a null pointer: they do. Set
-    /// it before clients come.
-    std::shared_ptr<Replay> replay = nullptr;
-    /// Called for each event at its time; set it before clients come. `client` is the client's
-    /// address and port, with "/udp" behind for a datagram. `bytes` are those of the command or the
-    /// answer, the fault as it was written, or a text.
-    std::function<void(const QByteArray &client, ClientEvent event, const QByteArray &bytes)> traced
-        = [](const QByteArray &, ClientEvent, const QByteArray &) {};
 };
 
-/// One of the controllers of a program.
-struct NamedController
-{
-    QByteArray name;
-    /// Where it listens, for example "127.0.0.1:8501".
-    QByteArray endpoint;
-    Controller *controller;
-};
-
-using NamedControllers = QVector<NamedController>;
+using Controllers = QVector<std::shared_ptr<Controller>>;
 
 /// Executes one client's command unless a fault prevents it, counts it and says what to send.
 /// `previous` is the proper answer to the client's command before, or empty; it becomes the one to
@@ -71,14 +65,10 @@ Reply replyTo(const QByteArray &client, const Line &line, Controller *controller
 /// each fault in force, "fault silent@DM100: seen 2, applied 2", with a replay "not in the trace
 /// 0". Where there are several controllers, a line "controller 1 127.0.0.1:8501" stands before
 /// those of each.
-QByteArray countersText(const NamedControllers &controllers);
+QByteArray countersText(const Controllers &controllers);
 
-/// Why storeText() would store nothing: what is wrong and what to write instead. An empty text when
-/// it would store.
-QString storeRefusal(const Controller &controller, const QByteArray &address,
-                     const QByteArray &value);
-
-/// Stores what two texts say, for example "DM100" and "5", in a read-only device too. Behind the
-/// value a type of dataType() may stand: "3.14 Float" takes as many words as that type has. Returns
-/// an empty text, or what is wrong: then nothing is stored.
-QString storeText(Controller *controller, const QByteArray &address, const QByteArray &value);
+/// Stores in all controllers, or in none, what two texts say, for example "DM100" and "5", in a
+/// read-only device too. Behind the value a type of dataType() may stand: "3.14 Float" takes as
+/// many words as that type has. Returns an empty text, or what is wrong.
+QString storeText(const Controllers &controllers, const QByteArray &address,
+                  const QByteArray &text);

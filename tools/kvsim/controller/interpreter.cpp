@@ -1,7 +1,6 @@
 #include "controller/interpreter.h"
 
 #include "controller/linebuffer.h"
-#include "controller/profile.h"
 #include "memory/memory.h"
 #include "memory/number.h"
 

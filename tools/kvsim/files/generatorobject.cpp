@@ -155,9 +155,8 @@ QString unknownKind(const QString &name)
 
 } // namespace
 
-std::optional<Generator> readGenerator(const QJsonValue &value, DeviceKind kind,
-                                       const QString &folder, const QString &place,
-                                       QList<Problem> *errors)
+Generator readGenerator(const QJsonValue &value, DeviceKind kind, const QString &folder,
+                        const QString &place, QList<Problem> *errors)
 {
     const QJsonObject object = readObject(value, place, errors);
     if (!value.isObject())
@@ -175,6 +174,5 @@ std::optional<Generator> readGenerator(const QJsonValue &value, DeviceKind kind,
         return {};
     }
     checkKeys(object, QString::fromLatin1(known->keys).split(u' '), place, errors);
-    const Generator generator = known->read({object, kind, folder, place, errors});
-    return errors->size() > before ? std::nullopt : std::make_optional(generator);
+    return known->read({object, kind, folder, place, errors});
 }

@@ -6,7 +6,7 @@
 #include <common/json/jsonplace.h>
 
 /// Reads a generator, for example {"kind": "ramp", "from": 0, "to": 100, "period": 1000}, for a
-/// word or a bit. A file that it names is looked for in `folder`. Nothing when it has a fault.
-std::optional<Generator> readGenerator(const QJsonValue &value, DeviceKind kind,
-                                       const QString &folder, const QString &place,
-                                       QList<Problem> *errors);
+/// word or a bit. A file that it names is looked for in `folder`. What it returns with an error is
+/// not to be used.
+Generator readGenerator(const QJsonValue &value, DeviceKind kind, const QString &folder,
+                        const QString &place, QList<Problem> *errors);

@@ -9,9 +9,8 @@ constexpr int longestRun = 16;
 
 struct Reader
 {
-    const Memory &generated;
+    Memory *memory;
     QList<Problem> *errors;
-    QVector<StoredValue> stored;
     QSet<QPair<const Device *, quint32>> seen;
 
     void read(Address address, const QJsonValue &value, const QString &place)
@@ -19,7 +18,7 @@ struct Reader
         const QString text = QString::fromLatin1(addressText(address));
         const std::optional<qint64> number
             = readWhole(value, 0, maximumValue(address.device->kind), place, errors);
-        if (generated.isGenerated(address))
+        if (memory->isGenerated(address))
             addError(place,
                      QStringLiteral("a generator makes the value of %1; leave one of the two out")
                          .arg(text),
@@ -29,7 +28,7 @@ struct Reader
                      QStringLiteral("%1 has a value already; leave one of the two out").arg(text),
                      errors);
         else if (number)
-            stored.append({address, static_cast<quint16>(*number)});
+            memory->setValue(address, static_cast<quint16>(*number));
         seen.insert({address.device, address.index});
     }
 
@@ -88,13 +87,13 @@ std::optional<Address> readAddress(const QString &text, const QString &place,
     return address;
 }
 
-QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place,
-                                const Memory &generated, QList<Problem> *errors)
+void readMemory(const QJsonValue &value, const QString &place, Memory *memory,
+                QList<Problem> *errors)
 {
     if (value.isUndefined())
-        return {};
+        return;
     const QJsonObject object = readObject(value, place, errors);
-    Reader reader{generated, errors, {}, {}};
+    Reader reader{memory, errors, {}};
     for (auto entry = object.begin(); entry != object.end(); ++entry) {
         const QString entryPlace = member(place, entry.key());
         const std::optional<Address> address = readAddress(entry.key(), entryPlace, errors);
@@ -105,7 +104,6 @@ QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place,
         else
             reader.read(*address, entry.value(), entryPlace);
     }
-    return reader.stored;
 }
 
 QByteArray memoryText(const QVector<StoredValue> &stored, const QByteArray &indent)

@@ -8,11 +8,11 @@
 std::optional<Address> readAddress(const QString &text, const QString &place,
                                    QList<Problem> *errors);
 
-/// Reads {"DM100": 5, "DM200": [1, 2, 3]}: values, or runs of values, with the address of the
-/// first. An address that a generator of `generated` makes is a problem, and so is an address that
+/// Stores {"DM100": 5, "DM200": [1, 2, 3]}: values, or runs of values, with the address of the
+/// first. An address that a generator of the memory makes is a problem, and so is an address that
 /// stands there twice.
-QVector<StoredValue> readMemory(const QJsonValue &value, const QString &place,
-                                const Memory &generated, QList<Problem> *errors);
+void readMemory(const QJsonValue &value, const QString &place, Memory *memory,
+                QList<Problem> *errors);
 
 /// As readMemory() reads it, without the braces: an entry a line, each indented by `indent`.
 QByteArray memoryText(const QVector<StoredValue> &stored, const QByteArray &indent);

@@ -46,19 +46,17 @@ QByteArray movingValue(const DataType &type, int words, qint64 elapsed)
 
 /// Moves the words that an item reads, or the bits, for which there is no type. What a word does
 /// already is left alone.
-void moveWords(Address first, const DataType *type, int words, qint64 start, Memory *moved,
-               Setup *setup)
+void moveWords(Address first, const DataType *type, int words, qint64 start, Memory *memory)
 {
     for (int i = 0; i < words; ++i) {
         const Address address{first.device, first.index + static_cast<quint32>(i)};
-        const Generator generator = [=](qint64 elapsed) -> qint64 {
+        if (memory->isGenerated(address))
+            continue;
+        memory->generate(address, [=](qint64 elapsed) -> qint64 {
             if (!type)
                 return square(0, 65535, 2 * second)(start + elapsed);
             return wordsOf(*type, movingValue(*type, words, start + elapsed))->value(i);
-        };
-        if (!moved->isGenerated(address))
-            setup->generators.append({address, generator});
-        moved->generate(address, generator);
+        });
     }
 }
 
@@ -72,16 +70,16 @@ int wordCount(const QString &address)
     return last > first ? last - first + 1 : last;
 }
 
-void readItem(const QJsonObject &parameters, qint64 start, const QString &place, Memory *moved,
-              Setup *setup, QList<Problem> *errors)
+void readItem(const QJsonObject &parameters, qint64 start, const QString &place, Memory *memory,
+              QList<Problem> *errors)
 {
     static const QRegularExpression separator(QStringLiteral("[.-]"));
     const QString addressPlace = member(place, QStringLiteral("memory_address"));
     const QString text = parameters.value(QStringLiteral("memory_address")).toString();
     const auto address = readAddress(text.section(separator, 0, 0), addressPlace, errors);
-    const QString memory = parameters.value(QStringLiteral("memory_type")).toString();
+    const QString device = parameters.value(QStringLiteral("memory_type")).toString();
     const QString name = parameters.value(QStringLiteral("data_type")).toString();
-    const bool isBit = memory == u"Bit device" || memory == u"0" || name.isEmpty() || name == u"BIT"
+    const bool isBit = device == u"Bit device" || device == u"0" || name.isEmpty() || name == u"BIT"
                        || name == u"0";
     const int number = name.toInt();
     const DataType *type = number > 0 ? dataType(number) : dataType(name.toUtf8());
@@ -103,7 +101,7 @@ void readItem(const QJsonObject &parameters, qint64 start, const QString &place,
                      .arg(most),
                  errors);
     else
-        moveWords(*address, isBit ? nullptr : type, words, start, moved, setup);
+        moveWords(*address, isBit ? nullptr : type, words, start, memory);
 }
 
 quint16 readPort(const QJsonObject &parameters, const QString &place, QList<Problem> *errors)
@@ -117,8 +115,8 @@ quint16 readPort(const QJsonObject &parameters, const QString &place, QList<Prob
     return static_cast<quint16>(port.value_or(0));
 }
 
-Setup readDevice(const QJsonValue &value, const QString &place, std::optional<quint16> port,
-                 QList<Problem> *errors)
+std::shared_ptr<Controller> readDevice(const QJsonValue &value, const QString &place, bool hasPort,
+                                       QList<Problem> *errors)
 {
     const QJsonObject device = readObject(value, place, errors);
     const QString itemsPlace = member(place, QStringLiteral("items"));
@@ -126,9 +124,9 @@ Setup readDevice(const QJsonValue &value, const QString &place, std::optional<qu
     const QJsonObject parameters = readOptional(device, parametersKey, place, errors);
     const QJsonObject defaults
         = readOptional(device, QStringLiteral("itemDefaults"), place, errors);
-    Setup setup;
-    setup.place.port = port ? *port : readPort(parameters, member(place, parametersKey), errors);
-    Memory moved;
+    auto controller = std::make_shared<Controller>();
+    if (hasPort)
+        controller->place.port = readPort(parameters, member(place, parametersKey), errors);
     for (int i = 0; i < items.size(); ++i) {
         const QString itemPlace = element(itemsPlace, i);
         const QJsonObject item = readObject(items.at(i), itemPlace, errors);
@@ -136,38 +134,36 @@ Setup readDevice(const QJsonValue &value, const QString &place, std::optional<qu
         const QJsonObject own = readOptional(item, parametersKey, itemPlace, errors);
         for (auto parameter = own.begin(); parameter != own.end(); ++parameter)
             all.insert(parameter.key(), parameter.value());
-        readItem(all, i * second, member(itemPlace, parametersKey), &moved, &setup, errors);
+        readItem(all, i * second, member(itemPlace, parametersKey), &controller->memory, errors);
     }
-    return setup;
+    return controller;
 }
 
 } // namespace
 
-QList<Setup> readPlant(const QString &fileName, std::optional<quint16> port, QJsonObject *plant,
-                       QStringList *errors)
+Controllers readPlant(const QString &fileName, bool hasPorts, QJsonObject *plant,
+                      QList<Problem> *problems)
 {
-    QList<Problem> problems;
-    const auto json = readJsonBytes(fileName, QStringLiteral("plant file"), &problems);
-    const auto root = json ? parseJson(*json, &problems) : std::nullopt;
-    QList<Setup> setups;
+    const auto json = readJsonBytes(fileName, QStringLiteral("plant file"), problems);
+    const auto root = json ? parseJson(*json, problems) : std::nullopt;
     if (root)
-        *plant = readObject(*root, {}, &problems);
-    if (problems.isEmpty()) {
-        const QJsonArray devices = readList(plant->value(devicesKey), devicesKey, &problems);
-        for (int i = 0; i < devices.size(); ++i)
-            setups.append(readDevice(devices.at(i), element(devicesKey, i), port, &problems));
-        if (problems.isEmpty() && devices.isEmpty())
-            addError(devicesKey, QStringLiteral("must have one device at least"), &problems);
-    }
-    errors->append(problemLines(fileName, problems));
-    return setups;
+        *plant = readObject(*root, {}, problems);
+    if (!problems->isEmpty())
+        return {};
+    Controllers controllers;
+    const QJsonArray devices = readList(plant->value(devicesKey), devicesKey, problems);
+    for (int i = 0; i < devices.size(); ++i)
+        controllers.append(readDevice(devices.at(i), element(devicesKey, i), hasPorts, problems));
+    if (problems->isEmpty() && devices.isEmpty())
+        addError(devicesKey, QStringLiteral("must have one device at least"), problems);
+    return controllers;
 }
 
-QString writePlant(const QString &fileName, QJsonObject plant, const NamedControllers &controllers)
+QString writePlant(const QString &fileName, QJsonObject plant, const Controllers &controllers)
 {
     QJsonArray devices = plant.value(devicesKey).toArray();
     for (int i = 0; i < devices.size(); ++i) {
-        const QString endpoint = QString::fromLatin1(controllers.at(i).endpoint);
+        const QString endpoint = QString::fromLatin1(controllers.at(i)->endpoint);
         QJsonObject device = devices.at(i).toObject();
         QJsonObject parameters = device.value(parametersKey).toObject();
         parameters.insert(portKey, endpoint.section(u':', 1));

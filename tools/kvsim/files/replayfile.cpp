@@ -1,7 +1,5 @@
 #include "files/replayfile.h"
 
-#include "controller/replay.h"
-
 #include <common/json/jsonplace.h>
 #include <common/trace/trace.h>
 
@@ -16,7 +14,7 @@ namespace {
 /// A connection, as far as it has been read.
 struct Course
 {
-    std::shared_ptr<Replay> peer;
+    Replay *peer;
     /// The beginning of a command whose end is still to come.
     QByteArray unended;
     QByteArray command;
@@ -29,17 +27,15 @@ struct Course
 /// By the numbers of process and connection.
 using Courses = QMap<QPair<qint64, qint64>, Course>;
 
-std::shared_ptr<Replay> replayOf(const QByteArray &peer, QList<Setup> *setups)
+Replay *replayOf(const QByteArray &peer, Controllers *controllers)
 {
-    const auto known = std::find_if(setups->cbegin(), setups->cend(),
-                                    [&](const Setup &setup) { return setup.place.name == peer; });
-    if (known != setups->cend())
-        return known->replay;
-    Setup setup;
-    setup.place.name = peer;
-    setup.replay = std::make_shared<Replay>();
-    setups->append(setup);
-    return setup.replay;
+    for (const auto &controller : qAsConst(*controllers)) {
+        if (controller->place.name == peer)
+            return &*controller->replay;
+    }
+    controllers->append(std::make_shared<Controller>());
+    controllers->constLast()->place.name = peer;
+    return &controllers->constLast()->replay.emplace();
 }
 
 void beginCommands(const QByteArray &bytes, Course *course)
@@ -55,7 +51,7 @@ void beginCommands(const QByteArray &bytes, Course *course)
     }
 }
 
-void take(const TraceEvent &event, bool withDelays, Courses *courses, QList<Setup> *setups)
+void take(const TraceEvent &event, bool withDelays, Courses *courses, Controllers *controllers)
 {
     static const QStringList known{QStringLiteral("connect"),  QStringLiteral("sent"),
                                    QStringLiteral("received"), QStringLiteral("timeout"),
@@ -65,7 +61,7 @@ void take(const TraceEvent &event, bool withDelays, Courses *courses, QList<Setu
         return;
     const QPair<qint64, qint64> key(event.process, event.connection);
     if (event.name == u"connect" || !courses->contains(key))
-        courses->insert(key, {replayOf(event.peer.toUtf8(), setups), {}, {}, -1, 0});
+        courses->insert(key, {replayOf(event.peer.toUtf8(), controllers), {}, {}, -1, 0});
     Course &course = (*courses)[key];
     course.waitedUs += std::max<qint64>(event.waited, 0);
     if (event.name == u"timeout")
@@ -87,13 +83,14 @@ void take(const TraceEvent &event, bool withDelays, Courses *courses, QList<Setu
 
 } // namespace
 
-QList<Setup> readReplay(const QString &fileName, bool withDelays, QList<Problem> *problems)
+Controllers readReplay(const QString &fileName, bool withDelays, QList<Problem> *problems)
 {
-    QList<Setup> setups;
+    Controllers controllers;
     Courses courses;
-    *problems += readTrace(
-        fileName, [&](const TraceEvent &event) { take(event, withDelays, &courses, &setups); });
-    if (setups.isEmpty() && !hasError(*problems))
+    *problems += readTrace(fileName, [&](const TraceEvent &event) {
+        take(event, withDelays, &courses, &controllers);
+    });
+    if (controllers.isEmpty() && !hasError(*problems))
         addError({}, QStringLiteral("holds no connection"), problems);
-    return setups;
+    return controllers;
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "controller/setup.h"
+#include "controller/controller.h"
 
 #include <common/json/problem.h>
 
 /// Reads a wire trace and makes a controller of each peer in it, named by its address and port,
 /// that answers as the peer did; with the delays too, if wanted. Adds what is wrong with the file.
-QList<Setup> readReplay(const QString &fileName, bool withDelays, QList<Problem> *problems);
+Controllers readReplay(const QString &fileName, bool withDelays, QList<Problem> *problems);

@@ -1,9 +1,7 @@
 #include "network/connection.h"
 
 #include "controller/controller.h"
-#include "controller/endpoint.h"
 
-#include <QHostAddress>
 #include <QTcpSocket>
 
 #include <array>

@@ -1,7 +1,6 @@
 #include "network/datagramserver.h"
 
 #include "controller/controller.h"
-#include "controller/endpoint.h"
 
 #include <QTimer>
 #include <QUdpSocket>

@@ -1,7 +1,6 @@
 #include "network/server.h"
 
 #include "controller/controller.h"
-#include "controller/endpoint.h"
 #include "network/connection.h"
 
 #include <QTcpSocket>
@@ -24,8 +23,10 @@ bool Server::listen(const QHostAddress &address, quint16 port)
             m_errorString = QTcpServer::errorString();
             return false;
         }
-        if (m_datagrams.listen(serverAddress(), serverPort()))
+        if (m_datagrams.listen(serverAddress(), serverPort())) {
+            m_controller->endpoint = endpointText(serverAddress(), serverPort());
             return true;
+        }
         m_errorString = m_datagrams.errorString() + u" (UDP)";
         Listener::close();
     }

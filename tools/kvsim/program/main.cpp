@@ -21,18 +21,16 @@ int main(int argc, char *argv[])
     if (arguments.value(1) == u"ctl")
         return runCtl(arguments.mid(2));
 
-    const Options options = parseOptions(arguments);
-    switch (options.action) {
-    case Options::Action::ShowHelp:
-        return printHelp();
-    case Options::Action::ShowVersion:
-        return printOutput(u"kvsim " + QCoreApplication::applicationVersion() + u'\n');
-    case Options::Action::RefuseUsage:
-        printError(options.text + u" See kvsim --help.");
+    Options options;
+    const QString error = parseOptions(arguments, &options);
+    if (!error.isEmpty()) {
+        printError(error + u" See kvsim --help.");
         return WrongUsage;
-    case Options::Action::Serve:
-        break;
     }
+    if (options.help)
+        return printHelp();
+    if (options.version)
+        return printOutput(u"kvsim " + QCoreApplication::applicationVersion() + u'\n');
     const ExitCode result = serve(options);
     // A trace that lacks lines must not pass for a whole one.
     const bool isTraceWhole = !options.trace || std::ferror(stderr) == 0;

@@ -50,62 +50,15 @@ constexpr std::array<Relation, 4> exclusions{{
     {"replay", "config plant controllers load dump state fault set"},
 }};
 
-Options answered(Options::Action action, const QString &text)
+QString readPort(const QCommandLineParser &parser, const QString &option, quint16 *port)
 {
-    Options options;
-    options.action = action;
-    options.text = text;
-    return options;
-}
-
-Options refused(const QString &text)
-{
-    return answered(Options::Action::RefuseUsage, text);
-}
-
-QString portError(const QString &option, const QString &port)
-{
-    return QStringLiteral(
-               "'%1' is no port; %2 takes a number from 0 to 65535, 0 picks a free port.")
-        .arg(port, option);
-}
-
-std::optional<quint16> parsePort(const QString &text)
-{
-    const std::optional<int> port = wholeNumber(text, 0, 65535);
-    return port ? std::make_optional(static_cast<quint16>(*port)) : std::nullopt;
-}
-
-std::optional<Consecutive> parseConsecutive(const QString &text)
-{
-    if (text == u"addresses")
-        return Consecutive::Addresses;
-    if (text == u"ports")
-        return Consecutive::Ports;
-    return std::nullopt;
-}
-
-/// Returns what is wrong, or an empty text, as readListening() does.
-QString readPlaces(const QCommandLineParser &parser, const QHostAddress &address, quint16 port,
-                   QList<Place> *places)
-{
-    const QString controllers = parser.value(controllersOption);
-    const std::optional<int> count = wholeNumber(controllers, 1, maximumControllers);
-    if (!count)
-        return QStringLiteral("'%1' is no number of controllers; --controllers takes a "
-                              "number from 1 to %2.")
-            .arg(controllers)
-            .arg(maximumControllers);
-    const QString consecutive = parser.value(consecutiveOption);
-    const std::optional<Consecutive> differ = parseConsecutive(consecutive);
-    if (!differ)
-        return QStringLiteral("'%1' is wrong; --consecutive takes addresses or ports.")
-            .arg(consecutive);
-    if (parser.isSet(QStringLiteral("plant"))
-        && address.protocol() != QAbstractSocket::IPv4Protocol)
-        return QStringLiteral("'%1' is no address for a plant; write --bind with an IPv4 address.")
-            .arg(address.toString());
-    return addPlaces(address, port, *count, *differ, places);
+    const QString text = parser.value(option);
+    const std::optional<int> number = wholeNumber(text, 0, 65535);
+    *port = static_cast<quint16>(number.value_or(0));
+    return number ? QString()
+                  : QStringLiteral("'%1' is no port; --%2 takes a number from 0 to 65535, 0 picks "
+                                   "a free port.")
+                        .arg(text, option);
 }
 
 /// Which options do not go together. Returns an empty text when all do.
@@ -147,21 +100,39 @@ QString readFiles(const QCommandLineParser &parser, Options *options)
 QString readListening(const QCommandLineParser &parser, Options *options)
 {
     const QString bind = parser.value(QStringLiteral("bind"));
-    QHostAddress address;
-    if (!address.setAddress(bind))
+    Place &place = options->place;
+    if (!place.address.setAddress(bind))
         return QStringLiteral("'%1' is no IP address; --bind takes one such as 127.0.0.1, "
                               "or 0.0.0.0 for all interfaces.")
             .arg(bind);
-    const QString port = parser.value(QStringLiteral("port"));
-    const std::optional<quint16> number = parsePort(port);
-    if (!number)
-        return portError(QStringLiteral("--port"), port);
-    const QString control = parser.value(QStringLiteral("control"));
-    options->control = parsePort(control);
+    if (parser.isSet(QStringLiteral("plant"))
+        && place.address.protocol() != QAbstractSocket::IPv4Protocol)
+        return QStringLiteral("'%1' is no address for a plant; write --bind with an IPv4 address.")
+            .arg(bind);
     options->hasPort = parser.isSet(QStringLiteral("port"));
-    if (parser.isSet(QStringLiteral("control")) && !options->control)
-        return portError(QStringLiteral("--control"), control);
-    return readPlaces(parser, address, *number, &options->places);
+    const QString error = readPort(parser, QStringLiteral("port"), &place.port);
+    if (!error.isEmpty() || !parser.isSet(QStringLiteral("control")))
+        return error;
+    return readPort(parser, QStringLiteral("control"), &options->control.emplace());
+}
+
+/// The same for how many controllers there are.
+QString readControllers(const QCommandLineParser &parser, Options *options)
+{
+    const QString controllers = parser.value(controllersOption);
+    const std::optional<int> count = wholeNumber(controllers, 1, maximumControllers);
+    if (!count)
+        return QStringLiteral("'%1' is no number of controllers; --controllers takes a "
+                              "number from 1 to %2.")
+            .arg(controllers)
+            .arg(maximumControllers);
+    const QString consecutive = parser.value(consecutiveOption);
+    options->controllers = *count;
+    options->consecutivePorts = consecutive == u"ports";
+    if (!options->consecutivePorts && consecutive != u"addresses")
+        return QStringLiteral("'%1' is wrong; --consecutive takes addresses or ports.")
+            .arg(consecutive);
+    return placesError(options->place, *count, options->consecutivePorts);
 }
 
 /// The options with their defaults. help.txt explains them.
@@ -188,29 +159,28 @@ void addOptions(QCommandLineParser *parser)
 
 } // namespace
 
-Options parseOptions(const QStringList &arguments)
+QString parseOptions(const QStringList &arguments, Options *options)
 {
     QCommandLineParser parser;
     addOptions(&parser);
     if (!parser.parse(arguments))
-        return refused(parser.errorText());
-    if (parser.isSet(QStringLiteral("help")))
-        return answered(Options::Action::ShowHelp, {});
-    if (parser.isSet(QStringLiteral("version")))
-        return answered(Options::Action::ShowVersion, {});
+        return parser.errorText();
+    options->help = parser.isSet(QStringLiteral("help"));
+    options->version = parser.isSet(QStringLiteral("version"));
+    if (options->help || options->version)
+        return {};
     if (!parser.positionalArguments().isEmpty())
-        return refused(QStringLiteral("Unexpected argument '%1'; kvsim takes options only.")
-                           .arg(parser.positionalArguments().constFirst()));
+        return QStringLiteral("Unexpected argument '%1'; kvsim takes options only.")
+            .arg(parser.positionalArguments().constFirst());
 
-    Options options;
-    for (const auto read : {checkRelations, readFiles, readListening}) {
-        const QString error = read(parser, &options);
+    for (const auto read : {checkRelations, readFiles, readListening, readControllers}) {
+        const QString error = read(parser, options);
         if (!error.isEmpty())
-            return refused(error);
+            return error;
     }
-    options.replayDelays = parser.isSet(QStringLiteral("replay-delays"));
-    options.trace = parser.isSet(QStringLiteral("trace"));
-    options.faults = parser.values(QStringLiteral("fault"));
-    options.values = parser.values(QStringLiteral("set"));
-    return options;
+    options->replayDelays = parser.isSet(QStringLiteral("replay-delays"));
+    options->trace = parser.isSet(QStringLiteral("trace"));
+    options->faults = parser.values(QStringLiteral("fault"));
+    options->values = parser.values(QStringLiteral("set"));
+    return {};
 }

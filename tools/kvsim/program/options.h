@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controller/setup.h"
+#include "controller/place.h"
 
 #include <QString>
 #include <QStringList>
@@ -10,14 +10,15 @@
 /// What the command line asks for.
 struct Options
 {
-    enum class Action { Serve, ShowHelp, ShowVersion, RefuseUsage };
-
-    Action action = Action::Serve;
-    /// Where the controllers listen. With a configuration, this is one place, for those controllers
-    /// to which it gives none; with a plant, that of the first controller.
-    QList<Place> places;
-    /// The port of `places` was asked for. Without it, the devices of a plant keep theirs.
+    bool help = false;
+    bool version = false;
+    /// Where the first controller listens; with a configuration, those that it gives no place.
+    Place place;
+    /// The port of `place` was asked for. Without it, the devices of a plant keep theirs.
     bool hasPort = false;
+    int controllers = 1;
+    /// They have consecutive ports, not addresses.
+    bool consecutivePorts = false;
     /// Files; empty: none.
     QString config;
     QString plant;
@@ -33,9 +34,8 @@ struct Options
     QStringList faults;
     /// The values at the start, each ADDRESS=VALUE as it was given, in their order.
     QStringList values;
-    /// What is wrong, for `RefuseUsage`.
-    QString text;
 };
 
-/// Reads the command line; `arguments` begins with the program's name.
-Options parseOptions(const QStringList &arguments);
+/// Reads the command line; `arguments` begins with the program's name. Returns an empty text, or
+/// what is wrong.
+QString parseOptions(const QStringList &arguments, Options *options);

@@ -24,39 +24,36 @@ QString addressesError(const QHostAddress &address, int count)
     return {};
 }
 
-QString placesError(const QHostAddress &address, quint16 port, int count, Consecutive consecutive)
+} // namespace
+
+QString placesError(const Place &first, int count, bool consecutivePorts)
 {
-    if (count == 1)
+    if (count <= 1)
         return {};
-    if (consecutive == Consecutive::Addresses)
-        return addressesError(address, count);
-    if (port + count - 1 > lastPort)
+    if (!consecutivePorts)
+        return addressesError(first.address, count);
+    if (first.port + count - 1 > lastPort)
         return QStringLiteral("%1 controllers from port %2 on do not fit before 65536; write "
                               "fewer, or a lower --port.")
             .arg(count)
-            .arg(port);
+            .arg(first.port);
     return {};
 }
 
-} // namespace
-
-QString addPlaces(const QHostAddress &address, quint16 port, int count, Consecutive consecutive,
-                  QList<Place> *places)
+void placeControllers(const Place &first, bool consecutivePorts, const Controllers &controllers)
 {
-    QString error = placesError(address, port, count, consecutive);
-    if (!error.isEmpty())
-        return error;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < controllers.size(); ++i) {
+        Place &place = controllers.at(i)->place;
         const auto offset = static_cast<quint16>(i);
-        Place place{QByteArray::number(i + 1), address, port, {}};
-        if (i > 0 && consecutive == Consecutive::Addresses)
-            place.address = QHostAddress(address.toIPv4Address() + offset);
-        const quint16 portOffset = consecutive == Consecutive::Ports ? offset : 0;
-        if (port == 0)
+        const quint16 portOffset = consecutivePorts ? offset : 0;
+        if (place.name.isEmpty())
+            place.name = QByteArray::number(i + 1);
+        place.address = first.address;
+        if (i > 0 && !consecutivePorts)
+            place.address = QHostAddress(first.address.toIPv4Address() + offset);
+        if (place.port == 0 && first.port == 0)
             place.portOffset = portOffset;
-        else
-            place.port = static_cast<quint16>(port + portOffset);
-        places->append(place);
+        else if (place.port == 0)
+            place.port = static_cast<quint16>(first.port + portOffset);
     }
-    return {};
 }

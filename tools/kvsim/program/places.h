@@ -1,12 +1,12 @@
 #pragma once
 
-#include "controller/setup.h"
+#include "controller/controller.h"
 
-/// In what several controllers differ.
-enum class Consecutive { Addresses, Ports };
+/// Why so many controllers cannot listen at consecutive addresses, or ports, from `first` on, and
+/// what to write instead; an empty text when they can.
+QString placesError(const Place &first, int count, bool consecutivePorts);
 
-/// Adds the places of `count` controllers, named by their number from 1. The first one is at
-/// `address` and `port`, the others follow it. With port 0 the first one takes a free port. Returns
-/// an empty text, or what is wrong and what to write instead: then nothing is added.
-QString addPlaces(const QHostAddress &address, quint16 port, int count, Consecutive consecutive,
-                  QList<Place> *places);
+/// Places controllers one after the other from `first` on, for which there is no placesError().
+/// With port 0 the first one takes a free port. Those that have a port keep it; those that have no
+/// name get their number from 1.
+void placeControllers(const Place &first, bool consecutivePorts, const Controllers &controllers);

@@ -1,17 +1,17 @@
 #include "program/serve.h"
 
 #include "control/controlserver.h"
-#include "controller/endpoint.h"
 #include "files/config.h"
 #include "files/memoryfile.h"
 #include "files/plantfile.h"
 #include "files/replayfile.h"
+#include "network/server.h"
 #include "network/trace.h"
 #include "program/options.h"
 #include "program/places.h"
 #include "program/processsignals.h"
-#include "program/simulation.h"
 
+#include <common/json/jsonplace.h>
 #include <common/outputfile.h>
 
 #include <QCoreApplication>
@@ -20,16 +20,20 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <vector>
 
 namespace {
 
+using Servers = std::vector<std::unique_ptr<Server>>;
+
 /// Writes what happens to clients to standard error. Where there are several controllers, the name
 /// of the one that it concerns stands before the client.
-void traceClients(const NamedControllers &controllers)
+void traceClients(const Controllers &controllers)
 {
-    for (const NamedController &named : controllers) {
-        const QByteArray prefix = controllers.size() > 1 ? named.name + ' ' : QByteArray();
-        named.controller->traced
+    for (const auto &controller : controllers) {
+        const QByteArray prefix
+            = controllers.size() > 1 ? controller->place.name + ' ' : QByteArray();
+        controller->traced
             = [prefix](const QByteArray &client, ClientEvent event, const QByteArray &bytes) {
                   const QByteArray line = traceLine(localTime(), prefix + client, event, bytes);
                   std::fputs(line.constData(), stderr);
@@ -37,11 +41,41 @@ void traceClients(const NamedControllers &controllers)
     }
 }
 
+/// The controllers that a file or the command line describes. What is wrong is printed: then there
+/// are none.
+Controllers controllersOf(const Options &options, QJsonObject *plant)
+{
+    QList<Problem> problems;
+    Controllers controllers;
+    if (!options.config.isEmpty())
+        controllers = readConfig(options.config, options.place, &problems);
+    else if (!options.plant.isEmpty())
+        controllers = readPlant(options.plant, !options.hasPort, plant, &problems);
+    else if (!options.replay.isEmpty())
+        controllers = readReplay(options.replay, options.replayDelays, &problems);
+    else
+        while (controllers.size() < options.controllers)
+            controllers.append(std::make_shared<Controller>());
+    if (options.config.isEmpty()) {
+        const QString error
+            = placesError(options.place, controllers.size(), options.consecutivePorts);
+        if (error.isEmpty())
+            placeControllers(options.place, options.consecutivePorts, controllers);
+        else
+            addError({}, error, &problems);
+    }
+    // There is one of these files at most.
+    printError(problemLines(options.config + options.plant + options.replay, problems));
+    return hasError(problems) ? Controllers() : controllers;
+}
+
 /// Carries out --fault and --set. Returns what is wrong with them, or an empty text.
-QString applyOptions(const Options &options, Controller *controller)
+QString applyOptions(const Options &options, const Controllers &controllers)
 {
     for (const QString &fault : options.faults) {
-        const QString error = controller->faults.add(fault.toUtf8());
+        QString error;
+        for (const auto &controller : controllers)
+            error = controller->faults.add(fault.toUtf8());
         if (!error.isEmpty())
             return QStringLiteral("--fault: %1.").arg(error);
     }
@@ -50,21 +84,81 @@ QString applyOptions(const Options &options, Controller *controller)
         if (equals < 0)
             return QStringLiteral("--set: '%1' has no '='; write for example DM100=5.").arg(value);
         const QString error
-            = storeText(controller, value.left(equals).toUtf8(), value.mid(equals + 1).toUtf8());
+            = storeText(controllers, value.left(equals).toUtf8(), value.mid(equals + 1).toUtf8());
         if (!error.isEmpty())
             return QStringLiteral("--set: %1.").arg(error);
     }
     return {};
 }
 
+/// Puts into the controllers what the file of memory and the options say.
+ExitCode fillControllers(const Options &options, const Controllers &controllers)
+{
+    const QList<Problem> problems
+        = options.load.isEmpty() ? QList<Problem>() : loadMemory(options.load, controllers);
+    printError(problemLines(options.load, problems));
+    const QString error = problems.isEmpty() ? applyOptions(options, controllers) : QString();
+    if (!error.isEmpty())
+        printError(error + u" See kvsim --help.");
+    return problems.isEmpty() && error.isEmpty() ? AllWell : WrongUsage;
+}
+
+Servers serversOf(const Controllers &controllers)
+{
+    Servers servers;
+    for (const auto &controller : controllers) {
+        servers.push_back(std::make_unique<Server>(controller.get()));
+        const Server *server = servers.back().get();
+        QObject::connect(server, &Server::restartFailed, server, [server] {
+            printError(QStringLiteral("cannot listen again after a restart: %1. End what listens "
+                                      "on that port.")
+                           .arg(server->errorString()));
+            QCoreApplication::exit(ErrorFound);
+        });
+    }
+    return servers;
+}
+
+/// Starts the servers. Returns an empty text, or where one cannot listen and why.
+QString startOnce(const Servers &servers, const Controllers &controllers)
+{
+    for (std::size_t i = 0; i < servers.size(); ++i) {
+        const Place &place = controllers.at(static_cast<int>(i))->place;
+        int port = place.port;
+        if (port == 0 && place.portOffset && i > 0)
+            port = servers.front()->serverPort() + *place.portOffset;
+        const auto number = static_cast<quint16>(port);
+        if (port > 65535 || !servers.at(i)->listen(place.address, number))
+            return QString::fromLatin1(endpointText(place.address, number)) + u": "
+                   + servers.at(i)->errorString();
+    }
+    return {};
+}
+
+/// The same; when one cannot listen, none does.
+QString start(const Servers &servers, const Controllers &controllers)
+{
+    // While the first port is free, one of those that follow it may be in use.
+    const bool choose = controllers.size() > 1 && controllers.constLast()->place.port == 0;
+    QString error;
+    for (int attempts = choose ? 20 : 1; attempts > 0; --attempts) {
+        error = startOnce(servers, controllers);
+        if (error.isEmpty())
+            break;
+        for (const auto &server : servers)
+            server->close();
+    }
+    return error;
+}
+
 /// Opens the control port and writes the plant, then prints all ports: the first line of output
 /// promises that all of that is done.
-ExitCode listen(const Options &options, const QJsonObject &plant,
-                const NamedControllers &controllers, ControlServer *control)
+ExitCode listen(const Options &options, const QJsonObject &plant, const Controllers &controllers,
+                ControlServer *control)
 {
     QByteArray lines;
-    for (const NamedController &named : controllers)
-        lines += "listening " + named.endpoint + '\n';
+    for (const auto &controller : controllers)
+        lines += "listening " + controller->endpoint + '\n';
     if (options.control) {
         const QHostAddress loopback(QHostAddress::LocalHost);
         if (!control->listen(loopback, *options.control)) {
@@ -85,117 +179,32 @@ ExitCode listen(const Options &options, const QJsonObject &plant,
     return printOutput(QString::fromLatin1(lines));
 }
 
-/// Puts controllers at addresses one after the other. Those that have no name get their number.
-void placeAll(const Options &options, const QString &fileName, QList<Setup> *setups,
-              QStringList *errors)
-{
-    const Place &first = options.places.constFirst();
-    QList<Place> places;
-    const QString error
-        = addPlaces(first.address, first.port, setups->size(), Consecutive::Addresses, &places);
-    if (!error.isEmpty())
-        errors->append(fileName + u": " + error);
-    for (int i = 0; i < places.size(); ++i) {
-        const Place own = setups->at(i).place;
-        Place &place = (*setups)[i].place;
-        place = places.at(i);
-        if (!own.name.isEmpty())
-            place.name = own.name;
-        if (!options.plant.isEmpty())
-            place.port = own.port;
-    }
-}
-
-QList<Setup> setupsOfPlant(const Options &options, QJsonObject *plant, QStringList *errors)
-{
-    const auto port
-        = options.hasPort ? std::make_optional(options.places.constFirst().port) : std::nullopt;
-    QList<Setup> setups = readPlant(options.plant, port, plant, errors);
-    placeAll(options, options.plant, &setups, errors);
-    return setups;
-}
-
-QList<Setup> setupsOfReplay(const Options &options, QStringList *errors)
-{
-    QList<Problem> problems;
-    QList<Setup> setups = readReplay(options.replay, options.replayDelays, &problems);
-    if (hasError(problems))
-        errors->append(problemLines(options.replay, problems));
-    else
-        printError(problemLines(options.replay, problems));
-    placeAll(options, options.replay, &setups, errors);
-    return setups;
-}
-
-QList<Setup> setupsOf(const Options &options, QJsonObject *plant, QStringList *errors)
-{
-    if (!options.plant.isEmpty())
-        return setupsOfPlant(options, plant, errors);
-    if (!options.replay.isEmpty())
-        return setupsOfReplay(options, errors);
-    if (!options.config.isEmpty())
-        return readConfig(options.config, options.places.constFirst(), errors);
-    QList<Setup> setups;
-    for (const Place &place : options.places) {
-        Setup setup;
-        setup.place = place;
-        setups.append(setup);
-    }
-    return setups;
-}
-
-/// Puts into the controllers what the options and the file of memory say.
-ExitCode fillControllers(const Options &options, const NamedControllers &controllers)
-{
-    const QStringList errors
-        = options.load.isEmpty() ? QStringList() : loadMemory(options.load, controllers);
-    printError(errors);
-    if (!errors.isEmpty())
-        return WrongUsage;
-    for (const NamedController &named : controllers) {
-        const QString error = applyOptions(options, named.controller);
-        if (!error.isEmpty()) {
-            printError(error + u" See kvsim --help.");
-            return WrongUsage;
-        }
-    }
-    return AllWell;
-}
-
 /// Whether no client has asked what is not in the trace.
-bool isReplayWhole(const NamedControllers &controllers)
+bool isReplayWhole(const Controllers &controllers)
 {
-    return std::all_of(controllers.cbegin(), controllers.cend(), [](const NamedController &named) {
-        return !named.controller->replay || named.controller->replay->unknown == 0;
+    return std::all_of(controllers.cbegin(), controllers.cend(), [](const auto &controller) {
+        return !controller->replay || controller->replay->unknown == 0;
     });
 }
 
 /// Runs until it is told to end.
-ExitCode run(const Options &options, const QJsonObject &plant, Simulation *simulation,
+ExitCode run(const Options &options, const QJsonObject &plant, const Controllers &controllers,
              const std::function<void()> &report)
 {
     if (options.trace)
-        traceClients(simulation->controllers());
-    QObject::connect(simulation, &Simulation::restartFailed, simulation, [](const QString &reason) {
-        printError(QStringLiteral("cannot listen again after a restart: %1. End what listens on "
-                                  "that port.")
-                       .arg(reason));
-        QCoreApplication::exit(ErrorFound);
-    });
-    if (!simulation->listen()) {
+        traceClients(controllers);
+    const Servers servers = serversOf(controllers);
+    const QString failure = start(servers, controllers);
+    if (!failure.isEmpty()) {
         printError(QStringLiteral("cannot listen on %1. Choose another %2.")
-                       .arg(simulation->errorString(),
-                            options.config.isEmpty()
-                                ? QStringLiteral("--bind or --port")
-                                : QStringLiteral("address or port in the file")));
+                       .arg(failure, options.config.isEmpty()
+                                         ? QStringLiteral("--bind or --port")
+                                         : QStringLiteral("address or port in the file")));
         return ErrorFound;
     }
 
-    const NamedControllers controllers = simulation->controllers();
     const DumpFunction dump = [&] { return saveMemory(options.dump, controllers); };
     ControlServer control({controllers, options.dump.isEmpty() ? DumpFunction() : dump});
-    QObject::connect(&control, &ControlServer::quitWanted, QCoreApplication::instance(),
-                     &QCoreApplication::quit);
     const ExitCode listening = listen(options, plant, controllers, &control);
     if (listening != AllWell)
         return listening;
@@ -211,15 +220,12 @@ ExitCode run(const Options &options, const QJsonObject &plant, Simulation *simul
 
 ExitCode serve(const Options &options)
 {
-    QStringList errors;
     QJsonObject plant;
-    const QList<Setup> setups = setupsOf(options, &plant, &errors);
-    printError(errors);
-    if (!errors.isEmpty())
+    const Controllers controllers = controllersOf(options, &plant);
+    if (controllers.isEmpty())
         return WrongUsage;
-    Simulation simulation(setups);
     const auto report
-        = [&simulation] { std::fputs(countersText(simulation.controllers()).constData(), stderr); };
+        = [&controllers] { std::fputs(countersText(controllers).constData(), stderr); };
     if (!handleSignals(QCoreApplication::instance(), report)) {
         printError(u"cannot catch signals: " + qt_error_string(errno));
         return ErrorFound;
@@ -231,6 +237,6 @@ ExitCode serve(const Options &options)
             return WrongUsage;
         }
     }
-    const ExitCode filled = fillControllers(options, simulation.controllers());
-    return filled == AllWell ? run(options, plant, &simulation, report) : filled;
+    const ExitCode filled = fillControllers(options, controllers);
+    return filled == AllWell ? run(options, plant, controllers, report) : filled;
 }

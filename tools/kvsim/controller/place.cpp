@@ -1,6 +1,4 @@
-#include "controller/endpoint.h"
-
-#include <QHostAddress>
+#include "controller/place.h"
 
 QByteArray endpointText(const QHostAddress &address, quint16 port)
 {
