@@ -1,10 +1,10 @@
 #include "memory/datatype.h"
 
 #include <QList>
+#include <QtEndian>
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 namespace {
 
@@ -21,36 +21,22 @@ constexpr std::array<DataType, 9> dataTypes{{
     {"ASCII", 0, 0, 0, 0},
 }};
 
-QVector<quint16> charactersOf(const QByteArray &text)
-{
-    QVector<quint16> words((text.size() + 1) / 2);
-    for (int i = 0; i < text.size(); ++i) {
-        const auto character = static_cast<uchar>(text.at(i));
-        words[i / 2] |= static_cast<quint16>(i % 2 == 0 ? character : character << 8);
-    }
-    return words;
-}
-
-template<typename Bits, typename Number>
-quint64 bitsOf(Number number)
-{
-    static_assert(sizeof(Bits) == sizeof(Number));
-    Bits bits = 0;
-    std::memcpy(&bits, &number, sizeof bits);
-    return bits;
-}
-
-std::optional<quint64> parseNumber(const DataType &type, const QByteArray &text)
+/// The value in the bytes of its words, the lowest one first; nothing when the type has no such
+/// value.
+QByteArray bytesOf(const DataType &type, const QByteArray &text)
 {
     bool ok = false;
-    if (type.base == 0) {
-        const quint64 bits = type.words == 2 ? bitsOf<quint32>(text.toFloat(&ok))
-                                             : bitsOf<quint64>(text.toDouble(&ok));
-        return ok ? std::make_optional(bits) : std::nullopt;
+    std::array<char, 8> bytes{};
+    if (type.base != 0) {
+        const qint64 number = text.toLongLong(&ok, type.base);
+        ok = ok && number >= type.minimum && number <= type.maximum;
+        qToLittleEndian(number, bytes.data());
+    } else if (type.words == 2) {
+        qToLittleEndian(text.toFloat(&ok), bytes.data());
+    } else {
+        qToLittleEndian(text.toDouble(&ok), bytes.data());
     }
-    const qint64 number = text.toLongLong(&ok, type.base);
-    const bool fits = ok && number >= type.minimum && number <= type.maximum;
-    return fits ? std::make_optional(static_cast<quint64>(number)) : std::nullopt;
+    return ok ? QByteArray(bytes.data(), 2 * type.words) : QByteArray();
 }
 
 } // namespace
@@ -78,11 +64,11 @@ QByteArray dataTypeNames()
 
 std::optional<QVector<quint16>> wordsOf(const DataType &type, const QByteArray &text)
 {
-    if (type.words == 0)
-        return charactersOf(text);
-    const std::optional<quint64> bits = parseNumber(type, text);
-    QVector<quint16> words;
-    for (int i = 0; bits && i < type.words; ++i)
-        words.append(static_cast<quint16>(*bits >> (16 * i)));
-    return bits ? std::make_optional(words) : std::nullopt;
+    const QByteArray bytes = type.words == 0 ? text : bytesOf(type, text);
+    if (type.words != 0 && bytes.isEmpty())
+        return std::nullopt;
+    QVector<quint16> words((bytes.size() + 1) / 2);
+    for (int i = 0; i < bytes.size(); ++i)
+        words[i / 2] |= static_cast<quint16>(static_cast<uchar>(bytes.at(i)) << (i % 2 * 8));
+    return words;
 }

@@ -34,23 +34,14 @@ struct NamedDevice
     int nameLength = 0;
 };
 
-/// How many characters `name` has when `text` begins with it, else 0.
-int matchLength(const char *name, const char *text)
-{
-    int length = 0;
-    while (name && name[length] != '\0' && name[length] == text[length])
-        ++length;
-    return name && name[length] == '\0' ? length : 0;
-}
-
 /// The longest name wins: "ZF1" is ZF and not Z, "DM1" is DM and not D.
 NamedDevice longestMatch(const QByteArray &text)
 {
     NamedDevice best;
     for (const Device &device : devices) {
         for (const char *name : {device.name, device.alias}) {
-            const int length = matchLength(name, text.constData());
-            if (length > best.nameLength)
+            const auto length = static_cast<int>(qstrlen(name));
+            if (length > best.nameLength && text.startsWith(name))
                 best = {&device, length};
         }
     }

@@ -15,7 +15,6 @@
 #include <common/outputfile.h>
 
 #include <QCoreApplication>
-#include <QDateTime>
 
 #include <algorithm>
 #include <cerrno>
@@ -35,7 +34,7 @@ void traceClients(const Controllers &controllers)
             = controllers.size() > 1 ? controller->place.name + ' ' : QByteArray();
         controller->traced
             = [prefix](const QByteArray &client, ClientEvent event, const QByteArray &bytes) {
-                  const QByteArray line = traceLine(localTime(), prefix + client, event, bytes);
+                  const QByteArray line = traceLine(prefix + client, event, bytes);
                   std::fputs(line.constData(), stderr);
               };
     }
