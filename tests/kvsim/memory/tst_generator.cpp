@@ -2,7 +2,6 @@
 #include "text.h"
 
 #include <controller/controller.h>
-#include <files/valuesfile.h>
 #include <memory/generator.h>
 
 #include <QTest>
@@ -65,13 +64,13 @@ void tst_Generator::values_data()
     row("sine of a flat line", sine(100, 0, 7), {{0, 100}, {3, 100}});
     row("square", square(2, 8, 1000), {{0, 8}, {499, 8}, {500, 2}, {999, 2}, {1000, 8}});
     row("square of an odd period", square(0, 1, 3), {{0, 1}, {1, 1}, {2, 0}, {3, 1}});
-    row("steps", replay(evenTimeline({5, 9, 7}, 100, false)),
+    row("steps", replay({{0, 100, 200}, {5, 9, 7}}, false),
         {{0, 5}, {99, 5}, {100, 9}, {200, 7}, {299, 7}, {300, 5}, {hour + 100, 9}});
-    row("steps once", replay(evenTimeline({5, 9, 7}, 100, true)),
+    row("steps once", replay({{0, 100, 200}, {5, 9, 7}}, true),
         {{0, 5}, {199, 9}, {200, 7}, {300, 7}, {hour, 7}});
-    row("times", replay({{100, 250, 400}, {1, 2, 3}, 0}),
+    row("times", replay({{100, 250, 400}, {1, 2, 3}}, true),
         {{0, 1}, {100, 1}, {249, 1}, {250, 2}, {400, 3}, {hour, 3}});
-    row("times again", replay({{100, 250, 400}, {1, 2, 3}, 550}),
+    row("times again", replay({{100, 250, 400}, {1, 2, 3}}, false),
         {{0, 1}, {549, 3}, {550, 1}, {799, 1}, {800, 2}});
 }
 

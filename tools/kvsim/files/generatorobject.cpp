@@ -105,9 +105,11 @@ Generator readRandom(const GeneratorFields &fields)
 
 Generator readSteps(const GeneratorFields &fields)
 {
-    const QVector<qint64> values = fields.levels(QStringLiteral("values"));
+    Timeline timeline{{}, fields.levels(QStringLiteral("values"))};
     const qint64 hold = fields.time(QStringLiteral("hold"));
-    return replay(evenTimeline(values, hold, fields.isOnce()));
+    for (int i = 0; i < timeline.values.size(); ++i)
+        timeline.times.append(i * hold);
+    return replay(timeline, fields.isOnce());
 }
 
 Generator readCsv(const GeneratorFields &fields)
@@ -120,11 +122,12 @@ Generator readCsv(const GeneratorFields &fields)
         = fields.has(QStringLiteral("period")) ? fields.time(QStringLiteral("period")) : 0;
     if (fileName.isEmpty())
         return {};
-    const ValuesFile file = readValuesFile(QDir(fields.folder).filePath(fileName), fields.lowest(),
-                                           fields.highest(), period, once);
-    for (const QString &error : file.errors)
+    QStringList errors;
+    const Timeline timeline = readValuesFile(QDir(fields.folder).filePath(fileName),
+                                             fields.lowest(), fields.highest(), period, &errors);
+    for (const QString &error : qAsConst(errors))
         fields.addProblem(key, error);
-    return file.errors.isEmpty() ? replay(file.timeline) : Generator();
+    return replay(timeline, once);
 }
 
 struct GeneratorKind

@@ -28,9 +28,11 @@ QString readTime(const QByteArray &text, Timeline *timeline)
 }
 
 /// What is wrong with a line, or an empty text.
-QString readLine(QByteArray line, qint64 minimum, qint64 maximum, bool timed, Timeline *timeline)
+QString readLine(QByteArray line, qint64 minimum, qint64 maximum, qint64 period, Timeline *timeline)
 {
-    if (timed) {
+    if (period > 0) {
+        timeline->times.append(timeline->times.size() * period);
+    } else {
         const int separator = line.replace(';', ',').indexOf(',');
         if (separator < 0)
             return QStringLiteral("'%1' has no comma; write TIME,VALUE, or give a period")
@@ -50,47 +52,29 @@ QString readLine(QByteArray line, qint64 minimum, qint64 maximum, bool timed, Ti
     return {};
 }
 
-qint64 lengthOf(const QVector<qint64> &times, bool once)
-{
-    const int last = times.size() - 1;
-    return once || last < 1 ? 0 : 2 * times.at(last) - times.at(last - 1);
-}
-
 } // namespace
 
-Timeline evenTimeline(const QVector<qint64> &values, qint64 period, bool once)
+Timeline readValuesFile(const QString &fileName, qint64 minimum, qint64 maximum, qint64 period,
+                        QStringList *errors)
 {
-    Timeline timeline{{}, values, once ? 0 : values.size() * period};
-    for (int i = 0; i < values.size(); ++i)
-        timeline.times.append(i * period);
-    return timeline;
-}
-
-ValuesFile readValuesFile(const QString &fileName, qint64 minimum, qint64 maximum, qint64 period,
-                          bool once)
-{
+    Timeline timeline;
     QString readError;
     const std::optional<QByteArray> bytes = readInputFile(
         fileName, QStringLiteral("is larger than 16 MiB; write a shorter one"), &readError);
-    if (!bytes)
-        return {{}, {fileName + u' ' + readError}};
-
-    ValuesFile result;
+    if (!bytes) {
+        errors->append(fileName + u' ' + readError);
+        return timeline;
+    }
     const QList<QByteArray> lines = bytes->split('\n');
-    for (int i = 0; i < lines.size() && result.errors.size() < mostErrors; ++i) {
+    for (int i = 0; i < lines.size() && errors->size() < mostErrors; ++i) {
         const QByteArray line = lines.at(i).trimmed();
         if (line.isEmpty() || line.startsWith('#'))
             continue;
-        const QString error = readLine(line, minimum, maximum, period == 0, &result.timeline);
+        const QString error = readLine(line, minimum, maximum, period, &timeline);
         if (!error.isEmpty())
-            result.errors.append(
-                QStringLiteral("%1, line %2: %3").arg(fileName).arg(i + 1).arg(error));
+            errors->append(QStringLiteral("%1, line %2: %3").arg(fileName).arg(i + 1).arg(error));
     }
-    if (result.timeline.values.isEmpty() && result.errors.isEmpty())
-        result.errors.append(fileName + u" has no value; write one at least");
-    if (period > 0)
-        result.timeline = evenTimeline(result.timeline.values, period, once);
-    else
-        result.timeline.length = lengthOf(result.timeline.times, once);
-    return result;
+    if (timeline.values.isEmpty() && errors->isEmpty())
+        errors->append(fileName + u" has no value; write one at least");
+    return timeline;
 }

@@ -48,10 +48,13 @@ Generator randomNumbers(qint64 minimum, qint64 maximum, qint64 period, quint32 s
     };
 }
 
-Generator replay(Timeline timeline)
+Generator replay(Timeline timeline, bool once)
 {
-    return [timeline = std::move(timeline)](qint64 elapsed) {
-        const qint64 time = timeline.length > 0 ? elapsed % timeline.length : elapsed;
+    const QVector<qint64> &times = timeline.times;
+    const int last = times.size() - 1;
+    const qint64 length = once || last < 1 ? 0 : 2 * times.at(last) - times.at(last - 1);
+    return [length, timeline = std::move(timeline)](qint64 elapsed) {
+        const qint64 time = length > 0 ? elapsed % length : elapsed;
         const auto next = std::upper_bound(timeline.times.cbegin(), timeline.times.cend(), time);
         const auto index = std::max<qint64>(next - timeline.times.cbegin() - 1, 0);
         return timeline.values.at(static_cast<int>(index));

@@ -28,8 +28,8 @@ struct Timeline
     QVector<qint64> times;
     /// One for each time, at least one.
     QVector<qint64> values;
-    /// The timeline starts again after this time. 0: it does not, the last value stays.
-    qint64 length = 0;
 };
 
-Generator replay(Timeline timeline);
+/// The values at their times. They start again when the last one has held as long as the one before
+/// it; if `once`, the last one stays.
+Generator replay(Timeline timeline, bool once);
