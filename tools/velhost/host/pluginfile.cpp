@@ -2,6 +2,8 @@
 
 #include "host/loadfailure.h"
 
+#include <common/console.h>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -28,19 +30,33 @@ LoadFailure classFailure(const QString &className)
             QStringLiteral("derive it from VELInterface and name that in Q_INTERFACES")};
 }
 
-/// Adds the failure as a line and the text of the loader, if there is one, as another line.
-void addFailure(const QString &fileName, const LoadFailure &failure, const QString &loaderText,
-                QStringList *errors)
+void printFailure(const QString &fileName, const LoadFailure &failure,
+                  const QString &loaderText = {})
 {
-    errors->append(QStringLiteral("cannot load the plug-in %1: %2; %3")
-                       .arg(fileName, failure.fault, failure.remedy));
+    printError(QStringLiteral("cannot load the plug-in %1: %2; %3")
+                   .arg(fileName, failure.fault, failure.remedy));
     if (!loaderText.isEmpty())
-        errors->append(u"the loader says: " + loaderText);
+        printError(u"the loader says: " + loaderText);
+}
+
+/// Where the plug-in is looked for when no file is named.
+QStringList defaultFiles()
+{
+    const QString name = QStringLiteral("libkeyence.so");
+    QStringList folders{QStringLiteral("."), QStringLiteral("../lib"),
+                        QStringLiteral(KEYENCE_PLUGIN_FOLDER)};
+    folders += QCoreApplication::libraryPaths();
+    const QDir programFolder(QCoreApplication::applicationDirPath());
+    QStringList files;
+    for (const QString &folder : std::as_const(folders))
+        files.append(QDir::cleanPath(programFolder.filePath(folder + u'/' + name)));
+    files.removeDuplicates();
+    return files;
 }
 
 } // namespace
 
-std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *errors)
+std::optional<LoadedPlugin> loadPlugin(const QString &fileName)
 {
     const QFileInfo file(fileName);
     // An absolute path, because the loader searches its own folders for a bare name.
@@ -49,44 +65,33 @@ std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *err
     const std::optional<LoadFailure> pathFault = pathFailure(file);
     const std::optional<LoadFailure> failure = pathFault ? pathFault : identifierFailure(metadata);
     if (failure) {
-        addFailure(fileName, *failure, {}, errors);
+        printFailure(fileName, *failure);
         return {};
     }
     // This is the first call that runs code of the plug-in.
     QObject *const instance = loader.instance();
     if (instance == nullptr) {
-        addFailure(fileName, loaderFailure(file, metadata, loader.errorString()),
-                   loader.errorString(), errors);
+        printFailure(fileName, loaderFailure(file, metadata, loader.errorString()),
+                     loader.errorString());
         return {};
     }
     const QString className = metadata.value(u"className").toString();
     auto *const plugin = qobject_cast<VELInterface *>(instance);
     if (plugin == nullptr) {
-        addFailure(fileName, classFailure(className), {}, errors);
+        printFailure(fileName, classFailure(className));
         return {};
     }
     return LoadedPlugin{file.absoluteFilePath(), className, plugin};
 }
 
-std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStringList *errors)
+std::optional<LoadedPlugin> loadDefaultPlugin()
 {
-    const QString name = QStringLiteral("libkeyence.so");
-    const QDir folder(programFolder);
-    QStringList tried{
-        folder.filePath(name), QDir::cleanPath(folder.filePath(QStringLiteral("../lib/") + name)),
-        QDir::cleanPath(folder.filePath(QStringLiteral(KEYENCE_PLUGIN_FOLDER "/") + name))};
-    for (const QString &candidate : std::as_const(tried)) {
-        if (QFileInfo::exists(candidate))
-            return loadPlugin(candidate, errors);
+    const QStringList files = defaultFiles();
+    for (const QString &file : files) {
+        if (QFileInfo::exists(file))
+            return loadPlugin(file);
     }
-    const QPluginLoader byName(name);
-    if (!byName.fileName().isEmpty())
-        return loadPlugin(byName.fileName(), errors);
-    const QStringList pluginFolders = QCoreApplication::libraryPaths();
-    for (const QString &pluginFolder : pluginFolders)
-        tried.append(QDir(pluginFolder).filePath(name));
-    tried.removeDuplicates();
-    errors->append(QStringLiteral("there is no plug-in at %1; name its file with --plugin")
-                       .arg(tried.join(QStringLiteral(", "))));
+    printError(QStringLiteral("there is no plug-in at %1; name its file with --plugin")
+                   .arg(files.join(QStringLiteral(", "))));
     return {};
 }

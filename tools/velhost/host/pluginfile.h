@@ -3,7 +3,6 @@
 #include <vel/velinterface.h>
 
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 
@@ -15,12 +14,10 @@ struct LoadedPlugin
     VELInterface *plugin = nullptr;
 };
 
-/// Loads the plug-in and creates its instance, but calls none of its operations. Returns nothing
-/// when that fails; `errors` then has a line with the fault and its remedy and, if the loader
-/// failed, one with its text.
-std::optional<LoadedPlugin> loadPlugin(const QString &fileName, QStringList *errors);
+/// Loads the plug-in and creates its instance, but calls none of its operations. When that fails,
+/// prints the fault, its remedy and the text of the loader, and returns nothing.
+std::optional<LoadedPlugin> loadPlugin(const QString &fileName);
 
-/// Loads the first libkeyence.so that exists: in `programFolder`, in ../lib relative to it, in the
-/// folder where the build installs it, in Qt's plug-in folders. Errors as with loadPlugin(); when
-/// no file exists, `errors` names the places.
-std::optional<LoadedPlugin> loadDefaultPlugin(const QString &programFolder, QStringList *errors);
+/// Loads the first libkeyence.so that exists: in the program's folder, in ../lib relative to it, in
+/// the folder where the build installs it, in Qt's plug-in folders.
+std::optional<LoadedPlugin> loadDefaultPlugin();

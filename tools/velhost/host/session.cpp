@@ -5,7 +5,6 @@
 #include <common/textwidth.h>
 #include <common/visibletext.h>
 
-#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <chrono>
@@ -85,15 +84,10 @@ bool finishWire(WireOutput *wire)
 
 ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(const Session &)> &work)
 {
-    QStringList errors;
     const std::optional<LoadedPlugin> loaded
-        = setup.pluginFile.isEmpty()
-              ? loadDefaultPlugin(QCoreApplication::applicationDirPath(), &errors)
-              : loadPlugin(setup.pluginFile, &errors);
-    if (!loaded) {
-        printError(errors);
+        = setup.pluginFile.isEmpty() ? loadDefaultPlugin() : loadPlugin(setup.pluginFile);
+    if (!loaded)
         return NotLoaded;
-    }
     if (!setup.wire.file.isEmpty() && QFileInfo(setup.wire.file) == QFileInfo(setup.plantFile)) {
         printError(QStringLiteral("the trace would replace the plant file %1; name another file")
                        .arg(setup.plantFile));
