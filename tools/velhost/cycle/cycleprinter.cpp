@@ -49,7 +49,8 @@ CyclePrinter::CyclePrinter(OutputFormat format, Content content,
 
 void CyclePrinter::printCycle(const QList<DeviceReport> &devices)
 {
-    const QList<DeviceReport> shown = m_onlyChanges ? m_changeFilter.filter(devices) : devices;
+    const QList<DeviceReport> shown = m_onlyChanges ? changesOf(m_before, devices) : devices;
+    m_before = devices;
     QString text = m_hasLines ? changeLines(cycleRows(shown).mid(1), m_lineWidths)
                               : cycleText(m_format, shown);
     if (text.isEmpty())

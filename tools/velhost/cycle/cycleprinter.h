@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cycle/changefilter.h"
+#include "cycle/report.h"
 #include "host/outputformat.h"
 
 #include <vel/records.h>
@@ -29,5 +29,5 @@ private:
     bool m_onlyChanges;
     bool m_isFirst = true;
     QVector<int> m_lineWidths;
-    ChangeFilter m_changeFilter;
+    QList<DeviceReport> m_before;
 };

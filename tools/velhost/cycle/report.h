@@ -54,3 +54,10 @@ QString itemProblem(const ItemReport &item);
 
 /// The item's error without what stands before the reason: the command and the item's name.
 QString reasonOf(const ItemReport &item);
+
+/// What has changed in a cycle since the one before; that one is empty for the first. All devices,
+/// but only the items whose value or error has changed, or whose value is fresh again after it was
+/// old. A device has its error only where the error is new; in the first cycle without it,
+/// `errorEnded` is set: otherwise nobody could see whether the error still persists.
+QList<DeviceReport> changesOf(const QList<DeviceReport> &before,
+                              const QList<DeviceReport> &devices);
