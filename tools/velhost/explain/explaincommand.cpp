@@ -17,19 +17,14 @@ constexpr int maximumLine = 1024 * 1024;
 // Of a longer unknown text only the end is shown.
 constexpr int shownCharacters = 200;
 
-QString paragraph(const QString &name, const QString &text)
+/// A part with its name before it, in which each text begins with the mark.
+QString section(const QString &name, const QStringList &texts, const QString &mark)
 {
-    const QString indent = QStringLiteral("          ");
-    return wrappedText(text, indent).replace(0, indent.size(), name.leftJustified(indent.size()));
-}
-
-QString listing(const QString &name, const QStringList &texts)
-{
+    const QString indent(10 + mark.size(), u' ');
     QString result;
     for (const QString &text : texts) {
-        const QString indent = QStringLiteral("            ");
-        const QString head = result.isEmpty() ? name.leftJustified(10) : indent.left(10);
-        result += wrappedText(text, indent).replace(0, indent.size(), head + u"- ");
+        const QString head = (result.isEmpty() ? name : QString()).leftJustified(10) + mark;
+        result += wrappedText(text, indent).replace(0, indent.size(), head);
     }
     return result;
 }
@@ -37,16 +32,16 @@ QString listing(const QString &name, const QStringList &texts)
 QString explanationText(const KnownError &error)
 {
     QString result = error.text.trimmed() + u": " + error.title + u"\n\n";
-    result += paragraph(QStringLiteral("Meaning"), error.meaning);
-    result += listing(QStringLiteral("Causes"), error.causes);
-    result += listing(QStringLiteral("Remedy"), error.remedies);
+    const QString bullet = QStringLiteral("- ");
+    result += section(QStringLiteral("Meaning"), {error.meaning}, {});
+    result += section(QStringLiteral("Causes"), error.causes, bullet);
+    result += section(QStringLiteral("Remedy"), error.remedies, bullet);
     QStringList places;
     for (const KnownError::Place &place : error.places)
         places.append(place.name + u": " + place.text);
-    result += listing(QStringLiteral("Seen in"), places);
     if (places.isEmpty())
-        result += paragraph(QStringLiteral("Seen in"), u"nothing. " + error.unreported);
-    return result;
+        return result + section(QStringLiteral("Seen in"), {u"nothing. " + error.unreported}, {});
+    return result + section(QStringLiteral("Seen in"), places, bullet);
 }
 
 QString explanationJson(const KnownError &error)
