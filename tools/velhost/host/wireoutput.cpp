@@ -23,14 +23,13 @@ QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
     QMap<int, QString> suspects;
     const QList<WireEvent> events = m_tap.takeEvents();
     for (const WireEvent &wireEvent : events) {
-        const auto &[event, item] = wireEvent;
-        const Verdict verdict = judge(event);
+        const Verdict verdict = judge(wireEvent.event);
         if (isSuspect(verdict)) {
-            suspects.insert(item, verdict.text);
+            suspects.insert(wireEvent.item, verdict.text);
             m_wasSuspect = true;
         }
-        const QString itemName = item < 0 ? QString() : list.dataItems.at(item).item.name;
-        show(event, {cycle, list.name, itemName}, verdict);
+        if (m_prints || m_file.isOpen())
+            show(wireEvent, verdict, list, cycle);
     }
     return suspects;
 }
@@ -44,27 +43,25 @@ Verdict WireOutput::judge(const TraceEvent &event)
     return m_conversations[event.connection].take(event, false);
 }
 
-void WireOutput::show(const TraceEvent &event, const Place &place, const Verdict &verdict)
+void WireOutput::show(const WireEvent &wireEvent, const Verdict &verdict, const LogList &list,
+                      qint64 cycle)
 {
-    if (!m_prints && !m_file.isOpen())
-        return;
+    const auto &[event, item] = wireEvent;
+    QString place = visible(list.name.isEmpty() ? event.peer : list.name);
     QList<JsonMember> members = wireMembers(event);
-    if (!place.device.isEmpty())
-        members += {{"cycle", place.cycle}, {"device", place.device}};
-    if (!place.item.isEmpty())
-        members.append({"item", place.item});
+    if (!list.name.isEmpty())
+        members += {{"cycle", cycle}, {"device", list.name}};
+    if (item >= 0) {
+        const QString name = list.dataItems.at(item).item.name;
+        members.append({"item", name});
+        place += u'/' + visible(name);
+    }
     if (isSuspect(verdict))
         members.append({"suspect", verdict.text});
     if (m_file.isOpen())
         m_file.write(wireLine(members));
-    if (!m_prints)
-        return;
-    if (m_format == OutputFormat::Json) {
+    if (m_prints && m_format == OutputFormat::Json)
         print(stdout, jsonLine("wire", members));
-        return;
-    }
-    QString text = visible(place.device.isEmpty() ? event.peer : place.device);
-    if (!place.item.isEmpty())
-        text += u'/' + visible(place.item);
-    print(stderr, u"wire: " + text + u' ' + wireText(event, verdict) + u'\n');
+    else if (m_prints)
+        print(stderr, u"wire: " + place + u' ' + wireText(event, verdict) + u'\n');
 }

@@ -39,15 +39,9 @@ public:
     bool wasSuspect() const { return m_wasSuspect; }
 
 private:
-    /// Where an event belongs to; the device and the item are empty when they are not known.
-    struct Place
-    {
-        qint64 cycle;
-        QString device;
-        QString item;
-    };
     Verdict judge(const TraceEvent &event);
-    void show(const TraceEvent &event, const Place &place, const Verdict &verdict);
+    void show(const WireEvent &wireEvent, const Verdict &verdict, const LogList &list,
+              qint64 cycle);
 
     OutputFormat m_format;
     bool m_prints;
