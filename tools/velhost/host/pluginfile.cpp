@@ -24,12 +24,6 @@ std::optional<LoadFailure> identifierFailure(const QJsonObject &metadata)
         QStringLiteral("build both with the same VEL_INTERFACE_PREFIX")};
 }
 
-LoadFailure classFailure(const QString &className)
-{
-    return {QStringLiteral("its class \"%1\" is not a VELInterface").arg(className),
-            QStringLiteral("derive it from VELInterface and name that in Q_INTERFACES")};
-}
-
 void printFailure(const QString &fileName, const LoadFailure &failure,
                   const QString &loaderText = {})
 {
@@ -78,7 +72,9 @@ std::optional<LoadedPlugin> loadPlugin(const QString &fileName)
     const QString className = metadata.value(u"className").toString();
     auto *const plugin = qobject_cast<VELInterface *>(instance);
     if (plugin == nullptr) {
-        printFailure(fileName, classFailure(className));
+        printFailure(fileName,
+                     {QStringLiteral("its class \"%1\" is not a VELInterface").arg(className),
+                      QStringLiteral("derive it from VELInterface and name that in Q_INTERFACES")});
         return {};
     }
     return LoadedPlugin{file.absoluteFilePath(), className, plugin};
