@@ -36,22 +36,6 @@ void beginCycle(LogList *list)
     }
 }
 
-DeviceReport report(const LogList &list, qint64 cycle)
-{
-    const QDateTime now = QDateTime::currentDateTime();
-    DeviceReport report;
-    report.time = now;
-    report.cycle = cycle;
-    report.device = list.name;
-    report.error = list.lastError;
-    for (const DataItem &dataItem : list.dataItems) {
-        report.values.append({dataItem.timestamp.isValid() ? dataItem.timestamp : now,
-                              dataItem.item.name, dataItem.values.value(valueKey()),
-                              dataItem.item.lastError, false});
-    }
-    return report;
-}
-
 void beginCall(const Session &session, const LogList &list, qint64 cycle, bool isRead)
 {
     session.host.beginCall(list.name, cycle);
@@ -104,6 +88,22 @@ QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
     return lists;
 }
 
+DeviceReport reportOf(const LogList &list, qint64 cycle)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    DeviceReport report;
+    report.time = now;
+    report.cycle = cycle;
+    report.device = list.name;
+    report.error = list.lastError;
+    for (const DataItem &dataItem : list.dataItems) {
+        report.values.append({dataItem.timestamp.isValid() ? dataItem.timestamp : now,
+                              dataItem.item.name, dataItem.values.value(valueKey()),
+                              dataItem.item.lastError, false});
+    }
+    return report;
+}
+
 DeviceReport readDevice(const Session &session, LogList *list, qint64 cycle)
 {
     beginCycle(list);
@@ -113,7 +113,7 @@ DeviceReport readDevice(const Session &session, LogList *list, qint64 cycle)
     const bool done = session.loaded.plugin->readData(list);
     const qint64 nanoseconds = sinceCall.nsecsElapsed();
     const QMap<int, QString> suspects = endCall(session, *list, cycle);
-    DeviceReport result = report(*list, cycle);
+    DeviceReport result = reportOf(*list, cycle);
     for (auto suspect = suspects.begin(); suspect != suspects.end(); ++suspect) {
         if (suspect.key() >= 0)
             result.values[suspect.key()].suspect = suspect.value();
@@ -155,7 +155,7 @@ DeviceReport writeDevice(const Session &session, LogList *list, qint64 cycle)
     const bool done = session.loaded.plugin->writeData(list);
     endCall(session, *list, cycle);
     const int errors = session.host.errorCount() - errorsBefore;
-    DeviceReport result = report(*list, cycle);
+    DeviceReport result = reportOf(*list, cycle);
     if (result.error.isEmpty() && errors > 0)
         result.error = QStringLiteral("write failed: %1 in the error log")
                            .arg(errors == 1 ? QStringLiteral("1 entry")

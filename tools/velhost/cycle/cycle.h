@@ -20,6 +20,9 @@ QList<LogList> readLists(const QList<DeviceInstancePlugin> &devices);
 QList<LogList> writeLists(const QList<DeviceInstancePlugin> &devices,
                           const QList<Assignment> &assignments);
 
+/// What the list holds. An item without a time stamp has that of the report.
+DeviceReport reportOf(const LogList &list, qint64 cycle);
+
 /// Clears the errors of the last cycle, lets the plug-in read the list and reports the result. The
 /// items keep the values of the last cycle until the plug-in replaces them. The device has an error
 /// when the plug-in set one or readData() returned false.

@@ -5,7 +5,7 @@
 #include "cycle/cycle.h"
 #include "cycle/cycleprinter.h"
 #include "host/stopsignals.h"
-#include "write/verifiedwrite.h"
+#include "plant/samevalue.h"
 
 #include <common/csv.h>
 #include <common/ipv4address.h>
@@ -15,6 +15,7 @@
 
 #include <cstring>
 #include <functional>
+#include <optional>
 
 namespace {
 
@@ -76,29 +77,73 @@ ExitCode writeUntilSignal(int count, const std::function<bool(int index, int sig
     return signal == 0 ? result : exitCodeOf(signal);
 }
 
-DeviceReport unwrittenDevice(const LogList &list, const QString &error)
-{
-    DeviceReport report;
-    report.device = list.name;
-    report.time = QDateTime::currentDateTime();
-    for (const DataItem &dataItem : list.dataItems)
-        report.values.append({report.time, dataItem.item.name,
-                              dataItem.values.value(QStringLiteral("value")), error});
-    return report;
-}
-
 ExitCode writeOnly(const Session &session, const QList<Assignment> &assignments,
                    OutputFormat format)
 {
     QList<LogList> lists = writeLists(session.devices, assignments);
     CyclePrinter printer(format, CyclePrinter::Content::Everything, session.devices);
     return writeUntilSignal(lists.size(), [&](int index, int signal) {
-        const DeviceReport report = signal == 0
-                                        ? writeDevice(session, &lists[index], 1)
-                                        : unwrittenDevice(lists.at(index), endedText(signal));
+        DeviceReport report
+            = signal == 0 ? writeDevice(session, &lists[index], 1) : reportOf(lists.at(index), 1);
+        for (ItemReport &item : report.values)
+            item.error = signal == 0 ? item.error : endedText(signal);
         printer.printCycle({report});
         return !report.hasError();
     });
+}
+
+/// The result of writing one item between two reads.
+struct WriteReport
+{
+    /// When the value was read back or the attempt failed.
+    QDateTime time;
+    QString device;
+    QString item;
+    /// The value before the write; nothing when it could not be read.
+    std::optional<QString> oldValue;
+    QString newValue;
+    /// The value after the write; nothing when it could not be read or nothing was written.
+    std::optional<QString> readBack;
+    /// Empty if the value that was read back is the one that was written.
+    QString error;
+};
+
+/// The report of an item before it is read and written.
+WriteReport unwritten(const Session &session, const Assignment &assignment)
+{
+    const DeviceInstancePlugin &device = session.devices.at(assignment.device);
+    const ItemInstancePlugin &item = device.items.at(assignment.item);
+    return {QDateTime::currentDateTime(), device.name, item.name, {}, assignment.value, {}, {}};
+}
+
+/// Reads the item, writes it and reads it back. Each is a cycle with that item only, so that an
+/// error belongs to this item. An item that cannot be read is not written.
+WriteReport writeVerified(const Session &session, const Assignment &assignment)
+{
+    const DeviceInstancePlugin &device = session.devices.at(assignment.device);
+    const ItemInstancePlugin &item = device.items.at(assignment.item);
+    const ItemRead before = readItem(session, device, assignment.item);
+    WriteReport report = unwritten(session, assignment);
+    report.time = before.time;
+    report.oldValue = before.value;
+    if (!before.value) {
+        report.error = u"not written, the old value cannot be read: " + before.error;
+        return report;
+    }
+    const QString failure = writeError(session, device, assignment);
+    if (!failure.isEmpty())
+        report.error = u"write failed: " + failure;
+    const ItemRead after = readItem(session, device, assignment.item);
+    report.time = after.time;
+    report.readBack = after.value;
+    if (!report.error.isEmpty())
+        return report;
+    const ValueKind kind = valueKind(item.parameters, session.registration.itemColumns);
+    if (!after.value)
+        report.error = u"written, but cannot be read back: " + after.error;
+    else if (!sameValue(assignment.value, *after.value, kind))
+        report.error = QStringLiteral("the value read back is not the one written");
+    return report;
 }
 
 const QString columns = QStringLiteral("Cycle,Time,Device,Item,Old,New,Read back,Error");
