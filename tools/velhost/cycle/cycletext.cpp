@@ -27,7 +27,7 @@ QStringList tableRow(const DeviceReport &device, const ItemReport &entry)
             isEnd ? QStringLiteral("no error any more") : itemProblem(entry)};
 }
 
-QString jsonOf(const DeviceReport &device, const ItemReport &entry)
+QString jsonEntry(const DeviceReport &device, const ItemReport &entry)
 {
     const bool isItem = !entry.item.isEmpty();
     QList<JsonMember> members{
@@ -44,7 +44,7 @@ QString jsonOf(const DeviceReport &device, const ItemReport &entry)
     return jsonLine(isItem ? "value" : "device", members);
 }
 
-QString csvOf(const DeviceReport &device, const ItemReport &entry)
+QString csvEntry(const DeviceReport &device, const ItemReport &entry)
 {
     return csvRecord({QString::number(device.cycle), timeText(entry.time), device.device,
                       entry.item, entry.value, entry.isOld ? QStringLiteral("old") : QString(),
@@ -75,7 +75,7 @@ QString cycleText(OutputFormat format, const QList<DeviceReport> &devices)
         const QList<QStringList> rows = cycleRows(devices);
         return rows.size() > 1 ? tableText(rows) : QString();
     }
-    const auto textOf = format == OutputFormat::Csv ? csvOf : jsonOf;
+    const auto textOf = format == OutputFormat::Csv ? csvEntry : jsonEntry;
     QString lines;
     for (const DeviceReport &device : devices) {
         const QList<ItemReport> entries = entriesOf(device);

@@ -6,7 +6,7 @@
 
 namespace {
 
-bool isSame(const ItemReport &before, const ItemReport &now)
+bool isUnchanged(const ItemReport &before, const ItemReport &now)
 {
     return before.value == now.value && before.error == now.error && (now.isOld || !before.isOld);
 }
@@ -55,7 +55,7 @@ QList<DeviceReport> changesOf(const QList<DeviceReport> &before, const QList<Dev
         change.values.clear();
         for (int item = 0; item < devices.at(i).values.size(); ++item) {
             const ItemReport &now = devices.at(i).values.at(item);
-            if (item >= last.values.size() || !isSame(last.values.at(item), now))
+            if (item >= last.values.size() || !isUnchanged(last.values.at(item), now))
                 change.values.append(now);
         }
         changes.append(change);

@@ -15,15 +15,15 @@ qint64 sumOf(const WatchedDevice &device, qint64 WatchedItem::*count)
 }
 
 /// One device, for both formats.
-struct Line
+struct SummaryLine
 {
     QList<JsonMember> members;
     QStringList row;
 };
 
-Line lineOf(const WatchedDevice &device)
+SummaryLine summaryLine(const WatchedDevice &device)
 {
-    Line line{{{"device", device.name}}, {visible(device.name)}};
+    SummaryLine line{{{"device", device.name}}, {visible(device.name)}};
     const auto addCount = [&line](const char *key, qint64 count) {
         line.members.append({key, count});
         line.row.append(QString::number(count));
@@ -56,7 +56,7 @@ QString summaryText(OutputFormat format, const std::vector<WatchedDevice> &devic
     QString lines;
     QList<QStringList> rows{header.split(u',')};
     for (const WatchedDevice &device : devices) {
-        const Line line = lineOf(device);
+        const SummaryLine line = summaryLine(device);
         lines += jsonLine("summary", line.members);
         rows.append(line.row);
     }
