@@ -35,27 +35,30 @@ QString changeLines(const QList<QStringList> &rows, const QVector<int> &widths)
 
 } // namespace
 
-CyclePrinter::CyclePrinter(OutputFormat format, Content content,
-                           const QList<DeviceInstancePlugin> &devices)
-    : m_format(format), m_hasLines(content == Content::ChangeLines),
-      m_onlyChanges(content != Content::Everything),
-      m_lineWidths(m_hasLines ? changeLineWidths(devices) : QVector<int>())
+CyclePrinter::CyclePrinter(OutputFormat format, bool onlyChanges,
+                           const QList<DeviceInstancePlugin> &lineDevices)
+    : m_format(format), m_onlyChanges(onlyChanges)
 {
-    if (m_format == OutputFormat::Csv)
+    if (format == OutputFormat::Csv)
         print(stdout, cycleCsvHeader());
-    if (m_hasLines)
-        print(stdout, changeLines(cycleRows({}), m_lineWidths));
+    if (lineDevices.isEmpty())
+        return;
+    m_lineWidths = changeLineWidths(lineDevices);
+    print(stdout, changeLines(cycleRows({}), m_lineWidths));
 }
 
 void CyclePrinter::printCycle(const QList<DeviceReport> &devices)
 {
     const QList<DeviceReport> shown = m_onlyChanges ? changesOf(m_before, devices) : devices;
     m_before = devices;
-    QString text = m_hasLines ? changeLines(cycleRows(shown).mid(1), m_lineWidths)
-                              : cycleText(m_format, shown);
+    if (!m_lineWidths.isEmpty()) {
+        print(stdout, changeLines(cycleRows(shown).mid(1), m_lineWidths));
+        return;
+    }
+    QString text = cycleText(m_format, shown);
     if (text.isEmpty())
         return;
-    if (m_format == OutputFormat::Table && !m_hasLines && !m_isFirst)
+    if (m_format == OutputFormat::Table && !m_isFirst)
         text.prepend(u'\n');
     m_isFirst = false;
     print(stdout, text);

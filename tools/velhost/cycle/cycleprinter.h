@@ -12,22 +12,18 @@
 class CyclePrinter
 {
 public:
-    enum class Content {
-        Everything, ///< as a table: one for each cycle
-        Changes,    ///< as a table: the same, with the changes only
-        ChangeLines ///< as a table: one header, then a line for each change
-    };
-
-    /// Prints the header, if there is one for all cycles.
-    CyclePrinter(OutputFormat format, Content content, const QList<DeviceInstancePlugin> &devices);
+    /// Prints the header, if there is one for all cycles. As a table each cycle has one of its own,
+    /// or, with the devices, there is one header and then a line for each change.
+    CyclePrinter(OutputFormat format, bool onlyChanges,
+                 const QList<DeviceInstancePlugin> &lineDevices = {});
 
     void printCycle(const QList<DeviceReport> &devices);
 
 private:
     OutputFormat m_format;
-    bool m_hasLines;
     bool m_onlyChanges;
     bool m_isFirst = true;
+    /// Empty without lines.
     QVector<int> m_lineWidths;
     QList<DeviceReport> m_before;
 };

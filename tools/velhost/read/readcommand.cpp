@@ -25,10 +25,7 @@ ExitCode readCycles(const Session &session, const Arguments &arguments)
 {
     const int cycles = arguments.number(QStringLiteral("cycles"), 1);
     StopSignals stopSignals;
-    CyclePrinter printer(arguments.format,
-                         printsOnlyChanges(arguments) ? CyclePrinter::Content::Changes
-                                                      : CyclePrinter::Content::Everything,
-                         session.devices);
+    CyclePrinter printer(arguments.format, printsOnlyChanges(arguments));
     QList<LogList> lists = readLists(session.devices);
     ExitCode result = AllWell;
     for (int cycle = 1; cycle <= cycles; ++cycle) {

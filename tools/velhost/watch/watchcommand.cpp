@@ -19,15 +19,6 @@ namespace {
 constexpr int maximumForSeconds = 1'000'000'000;
 const QString forOption = QStringLiteral("for");
 
-/// What is printed without a view. Lines of changes are for the table format only.
-CyclePrinter::Content printedContent(const Arguments &arguments)
-{
-    if (arguments.format == OutputFormat::Table)
-        return CyclePrinter::Content::ChangeLines;
-    return printsOnlyChanges(arguments) ? CyclePrinter::Content::Changes
-                                        : CyclePrinter::Content::Everything;
-}
-
 /// Watches one plant. Has either a view on the terminal or a printer.
 class Watch
 {
@@ -38,13 +29,13 @@ public:
         m_state.devices = watchedDevices(session.devices);
         m_state.intervalMs = intervalMs(arguments);
         m_state.clock.start();
-        const bool hasView = arguments.format == OutputFormat::Table
-                             && !printsOnlyChanges(arguments) && TerminalScreen::isUsable();
-        if (hasView)
-            m_view = std::make_unique<WatchView>(&m_state, session.log);
+        const bool onlyChanges = printsOnlyChanges(arguments);
+        if (arguments.format != OutputFormat::Table)
+            m_printer = std::make_unique<CyclePrinter>(arguments.format, onlyChanges);
+        else if (onlyChanges || !TerminalScreen::isUsable())
+            m_printer = std::make_unique<CyclePrinter>(arguments.format, true, session.devices);
         else
-            m_printer = std::make_unique<CyclePrinter>(arguments.format, printedContent(arguments),
-                                                       session.devices);
+            m_view = std::make_unique<WatchView>(&m_state, session.log);
     }
 
     /// Runs until a signal comes, whose number it returns, or until the time is over, then 0. An

@@ -81,7 +81,7 @@ ExitCode writeOnly(const Session &session, const QList<Assignment> &assignments,
                    OutputFormat format)
 {
     QList<LogList> lists = writeLists(session.devices, assignments);
-    CyclePrinter printer(format, CyclePrinter::Content::Everything, session.devices);
+    CyclePrinter printer(format, false);
     return writeUntilSignal(lists.size(), [&](int index, int signal) {
         DeviceReport report
             = signal == 0 ? writeDevice(session, &lists[index], 1) : reportOf(lists.at(index), 1);
