@@ -5,18 +5,15 @@
 
 #include <QTime>
 
-#include <algorithm>
-#include <array>
 #include <csignal>
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace {
 
 // Limits the output of a terminal on a slow line.
-constexpr qint64 minimumRedrawMs = 100;
+constexpr int minimumRedrawMs = 100;
 // Ages are shown in seconds.
 constexpr qint64 maximumRedrawMs = 1000;
 // A shorter call is no wait, and a shorter delay of the cycles none that shows.
@@ -58,8 +55,7 @@ QString waitText(const WatchState &state, qint64 nowMs)
 
 WatchView::WatchView(WatchState *state, LogOutput *log)
     : m_state(state), m_log(log), m_screen(new TerminalScreen),
-      m_hasColour(qEnvironmentVariableIsEmpty("NO_COLOR")), m_wake(::eventfd(0, EFD_CLOEXEC)),
-      m_drawnMs(-maximumRedrawMs)
+      m_hasColour(qEnvironmentVariableIsEmpty("NO_COLOR")), m_drawnMs(-maximumRedrawMs)
 {
     if (::isatty(STDERR_FILENO) == 1)
         m_log->pause();
@@ -69,43 +65,27 @@ WatchView::WatchView(WatchState *state, LogOutput *log)
 WatchView::~WatchView()
 {
     m_isEnding = true;
-    ::eventfd_write(m_wake, 1);
     m_thread.join();
-    ::close(m_wake);
     m_screen.reset();
     print(stdout, watchTableText(m_state->devices, m_state->clock.elapsed()) + u'\n');
     m_log->resume();
 }
 
-void WatchView::update()
-{
-    m_hasUpdate = true;
-    ::eventfd_write(m_wake, 1);
-}
-
 void WatchView::run()
 {
     while (!m_isEnding) {
-        if (dueInMs() == 0)
+        const qint64 dueMs = m_drawnMs + (m_hasUpdate ? minimumRedrawMs : maximumRedrawMs);
+        if (m_state->clock.elapsed() >= dueMs)
             draw();
-        std::array<pollfd, 2> descriptors{{{m_wake, POLLIN, 0}, {m_screen->keyboard(), POLLIN, 0}}};
-        ::poll(descriptors.data(), descriptors.size(), static_cast<int>(dueInMs()));
-        eventfd_t count = 0;
-        if (descriptors.front().revents != 0)
-            ::eventfd_read(m_wake, &count);
-        if (descriptors.back().revents == 0)
+        pollfd keyboard{m_screen->keyboard(), POLLIN, 0};
+        ::poll(&keyboard, 1, minimumRedrawMs);
+        if (keyboard.revents == 0)
             continue;
         // As Ctrl+C would.
         if (applyKeys(QString::fromUtf8(m_screen->takeKeys()), &m_wish))
             ::kill(::getpid(), SIGINT);
         m_hasUpdate = true;
     }
-}
-
-qint64 WatchView::dueInMs() const
-{
-    const qint64 between = m_hasUpdate ? minimumRedrawMs : maximumRedrawMs;
-    return std::max<qint64>(m_drawnMs + between - m_state->clock.elapsed(), 0);
 }
 
 void WatchView::draw()

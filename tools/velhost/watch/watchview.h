@@ -23,12 +23,10 @@ public:
     WatchView &operator=(const WatchView &) = delete;
 
     /// Tells the view that the state has changed, so that it draws soon.
-    void update();
+    void update() { m_hasUpdate = true; }
 
 private:
     void run();
-    /// Milliseconds until drawing is due, 0 or more.
-    qint64 dueInMs() const;
     void draw();
     QStringList title() const;
 
@@ -37,7 +35,6 @@ private:
     std::unique_ptr<TerminalScreen> m_screen;
     bool m_hasColour;
     WatchWish m_wish;
-    int m_wake;
     std::atomic<bool> m_isEnding = false;
     std::atomic<bool> m_hasUpdate = false;
     /// The first drawing is due immediately.
