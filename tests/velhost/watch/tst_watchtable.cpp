@@ -274,6 +274,7 @@ void tst_WatchTable::oldLogEntries()
 
     std::vector<WatchedDevice> devices = pressWith(1);
     devices.at(0).consequence = text("closed");
+    devices.at(0).consequences = 2;
     devices.emplace_back();
     devices.at(1).name = text("Oven");
     const QStringList lines

@@ -5,7 +5,6 @@
 
 #include <common/visibletext.h>
 
-#include <QHash>
 #include <QVector>
 
 #include <algorithm>
@@ -210,25 +209,21 @@ bool hasProblem(const Row &row)
 }
 
 /// The latest entries, but no error of a device that is well again, and no consequence.
-QStringList logLines(const WatchPicture &picture, int columns)
+QStringList logLines(const WatchState &state, int columns)
 {
-    QHash<QString, QString> consequences;
-    for (const WatchedDevice &device : picture.state.devices) {
-        if (!device.isWell())
-            consequences.insert(device.name, device.consequence);
-    }
     QStringList lines;
-    for (int i = picture.state.log.size() - 1; i >= 0 && lines.size() < maximumLogLines; --i) {
-        const LogEntry &entry = picture.state.log.at(i).entry;
-        const auto device = consequences.constFind(entry.device);
-        const bool isUnwell = device != consequences.constEnd();
-        const bool isPast
-            = entry.level == LogEntry::Level::Error && !entry.device.isEmpty() && !isUnwell;
-        const bool follows = isUnwell && !device->isEmpty() && entry.text.endsWith(*device);
+    for (int i = state.log.size() - 1; i >= 0 && lines.size() < maximumLogLines; --i) {
+        const LogEntry &entry = state.log.at(i).entry;
+        const auto device
+            = std::find_if(state.devices.begin(), state.devices.end(),
+                           [&entry](const WatchedDevice &any) { return any.name == entry.device; });
+        const bool isKnown = device != state.devices.end();
+        const bool isPast = isKnown && entry.level == LogEntry::Level::Error && device->isWell();
+        const bool follows
+            = isKnown && device->consequences > 0 && entry.text.endsWith(device->consequence);
         if (!isPast && !follows)
-            lines.prepend(cutToWidth(timeOfDay(entry.time) + u"  "
-                                         + countedText(picture.state.log.at(i)).chopped(1),
-                                     columns));
+            lines.prepend(cutToWidth(
+                timeOfDay(entry.time) + u"  " + countedText(state.log.at(i)).chopped(1), columns));
     }
     return lines;
 }
@@ -295,7 +290,7 @@ QString watchScreenText(const WatchPicture &picture, ScreenSize size, bool hasCo
     QStringList lines;
     for (const QString &line : picture.title)
         lines.append(cutToWidth(line, size.columns));
-    QStringList log = logLines(picture, size.columns);
+    QStringList log = logLines(picture.state, size.columns);
     if (!log.isEmpty())
         log.prepend({});
     const ScreenSize room{size.columns, std::max(size.rows - lines.size() - log.size(), 1)};
