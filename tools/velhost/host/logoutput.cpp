@@ -56,7 +56,15 @@ void LogOutput::add(const LogEntry &entry)
         printEntry(stdout, logText(m_format, entry));
         return;
     }
-    CountedEntry counted = takeKept(entry);
+    const auto kept
+        = std::find_if(m_latest.begin(), m_latest.end(), [&entry](const CountedEntry &counted) {
+              return isSame(counted.entry, entry);
+          });
+    CountedEntry counted;
+    if (kept != m_latest.end()) {
+        counted = *kept;
+        m_latest.erase(kept);
+    }
     counted.entry = entry;
     ++counted.count;
     if (counted.count == 1 && !m_isPaused) {
@@ -92,19 +100,6 @@ void LogOutput::resume()
     printPendingCounts();
 }
 
-CountedEntry LogOutput::takeKept(const LogEntry &entry)
-{
-    const auto kept
-        = std::find_if(m_latest.rbegin(), m_latest.rend(), [&entry](const CountedEntry &counted) {
-              return isSame(counted.entry, entry);
-          });
-    if (kept == m_latest.rend())
-        return {entry};
-    const CountedEntry counted = *kept;
-    m_latest.erase(kept.base() - 1);
-    return counted;
-}
-
 void LogOutput::printPendingCount(const CountedEntry &counted) const
 {
     if (!m_isPaused && counted.count != counted.printedCount)
@@ -113,7 +108,6 @@ void LogOutput::printPendingCount(const CountedEntry &counted) const
 
 void LogOutput::printEntry(FILE *stream, const QString &text) const
 {
-    if (m_progress != nullptr)
-        m_progress->clear();
+    m_progress->clear();
     print(stream, text);
 }

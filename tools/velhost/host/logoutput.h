@@ -30,9 +30,8 @@ QString countedText(const CountedEntry &counted);
 class LogOutput
 {
 public:
-    /// `progress` is cleared before an entry is printed; a null pointer when there is none.
-    explicit LogOutput(OutputFormat format, ProgressLine *progress = nullptr)
-        : m_format(format), m_progress(progress)
+    /// `progress` is cleared before an entry is printed.
+    LogOutput(OutputFormat format, ProgressLine *progress) : m_format(format), m_progress(progress)
     {
     }
 
@@ -54,8 +53,6 @@ public:
     const QList<CountedEntry> &latest() const { return m_latest; }
 
 private:
-    /// The kept entry of the same device with the same text, which is removed; else a new one.
-    CountedEntry takeKept(const LogEntry &entry);
     void printPendingCount(const CountedEntry &counted) const;
     void printEntry(FILE *stream, const QString &text) const;
 
