@@ -9,15 +9,12 @@
 
 namespace {
 
-QString valueKey()
-{
-    return QStringLiteral("value");
-}
+const QString valueKey = QStringLiteral("value");
 
 void appendItem(LogList *list, const DeviceInstancePlugin &device, int item, const QString &value)
 {
     DataItem dataItem;
-    dataItem.values.insert(valueKey(), value);
+    dataItem.values.insert(valueKey, value);
     dataItem.item = device.items.at(item);
     dataItem.device = device;
     list->dataItems.append(dataItem);
@@ -98,7 +95,7 @@ DeviceReport reportOf(const LogList &list, qint64 cycle)
     report.error = list.lastError;
     for (const DataItem &dataItem : list.dataItems) {
         report.values.append({dataItem.timestamp.isValid() ? dataItem.timestamp : now,
-                              dataItem.item.name, dataItem.values.value(valueKey()),
+                              dataItem.item.name, dataItem.values.value(valueKey),
                               dataItem.item.lastError, false});
     }
     return report;
