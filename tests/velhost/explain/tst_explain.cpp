@@ -2,7 +2,7 @@
 #include "text.h"
 #include "writefile.h"
 
-#include <explain/explain.h>
+#include <explain/errorcatalogue.h>
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -3,6 +3,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonValue>
+#include <QSet>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <optional>
 
 namespace {
 
@@ -11,14 +17,20 @@ QStringList texts(const QJsonValue &list)
     return list.toVariant().toStringList();
 }
 
-/// Finds the parts of a template between its placeholders, in their order. Any text may stand
-/// between them, so the first place of each is sufficient: no other is tried, and the time is
-/// linear in the length of the text. Blanks at the ends of the template do not count: they are
+/// The parts of a template between its placeholders. Blanks at its ends do not count: they are
 /// often lost when a text is copied.
-QRegularExpression expressionOf(const QString &textTemplate)
+QStringList partsOf(const QString &textTemplate)
 {
     static const QRegularExpression placeholder(QStringLiteral("\\{[a-z]+\\}"));
-    QStringList parts = textTemplate.trimmed().split(placeholder, Qt::SkipEmptyParts);
+    return textTemplate.trimmed().split(placeholder, Qt::SkipEmptyParts);
+}
+
+/// Finds the parts of a template in their order. Any text may stand between them, so the first
+/// place of each is sufficient: no other is tried, and the time is linear in the length of the
+/// text.
+QRegularExpression expressionOf(const QString &textTemplate)
+{
+    QStringList parts = partsOf(textTemplate);
     if (parts.isEmpty())
         return QRegularExpression(QStringLiteral("(?!)"));
     for (QString &part : parts)
@@ -42,6 +54,55 @@ QList<KnownError::Place> placesOf(const QJsonValue &form, const QString &reason)
     return places;
 }
 
+struct Match
+{
+    KnownError error;
+    int begin = 0;
+    int end = 0;
+    /// The whole text of a log or an item ranks above a short one, and a short one above a text
+    /// that is never reported.
+    int rank = 0;
+};
+
+std::optional<Match> matchOf(const KnownError &error, const QString &text)
+{
+    for (const KnownError::Place &place : error.places) {
+        if (place.text == error.text)
+            continue;
+        if (const auto match = place.expression.match(text); match.hasMatch())
+            return Match{error, match.capturedStart(), match.capturedEnd(), 2};
+    }
+    const int rank = error.places.isEmpty() ? 0 : 1;
+    if (error.aliases.contains(text.trimmed().toUpper()))
+        return Match{error, 0, text.size(), rank};
+    if (const auto match = error.expression.match(text); match.hasMatch())
+        return Match{error, match.capturedStart(), match.capturedEnd(), rank};
+    return {};
+}
+
+/// Whether the other match contains this one and is longer.
+bool isPartOf(const Match &match, const Match &other)
+{
+    const bool isInside = other.begin <= match.begin && match.end <= other.end;
+    return isInside && other.end - other.begin > match.end - match.begin;
+}
+
+/// Every sequence of three characters.
+QSet<QString> trigrams(const QString &text)
+{
+    QSet<QString> result;
+    for (int i = 0; i + 3 <= text.size(); ++i)
+        result.insert(text.mid(i, 3));
+    return result;
+}
+
+/// From 0 to 1: the part of the smaller set that is in the other set, too.
+double similarity(const QSet<QString> &one, const QSet<QString> &other)
+{
+    const int smaller = std::min(one.size(), other.size());
+    return smaller == 0 ? 0.0 : static_cast<double>((QSet<QString>(one) & other).size()) / smaller;
+}
+
 } // namespace
 
 QList<KnownError> errorCatalogue(const QByteArray &json)
@@ -59,4 +120,44 @@ QList<KnownError> errorCatalogue(const QByteArray &json)
                        texts(error[u"follows"])});
     }
     return errors;
+}
+
+QList<KnownError> explanations(const QString &text, const QList<KnownError> &catalogue)
+{
+    QList<Match> matches;
+    for (const KnownError &error : catalogue) {
+        if (const auto match = matchOf(error, text))
+            matches.append(*match);
+    }
+    std::stable_sort(matches.begin(), matches.end(),
+                     [](const Match &one, const Match &other) { return one.begin < other.begin; });
+    QList<KnownError> result;
+    for (const Match &match : std::as_const(matches)) {
+        const auto isBetter = [&match](const Match &other) {
+            return match.rank < other.rank || isPartOf(match, other);
+        };
+        if (std::none_of(matches.cbegin(), matches.cend(), isBetter))
+            result.append(match.error);
+    }
+    return result;
+}
+
+QStringList nearestTexts(const QString &text, const QList<KnownError> &catalogue)
+{
+    constexpr int longest = 300;
+    constexpr int most = 3;
+    constexpr double least = 0.4;
+    const QSet<QString> wanted = trigrams(text.right(longest).toLower());
+    std::multimap<double, QString, std::greater<>> candidates;
+    for (const KnownError &error : catalogue) {
+        const QString fixed = partsOf(error.text).join(QString()).toLower();
+        const double value = similarity(trigrams(fixed), wanted);
+        if (value >= least)
+            candidates.emplace(value, error.text);
+    }
+    QStringList result;
+    for (const auto &candidate : candidates)
+        result.append(candidate.second);
+    result.removeDuplicates();
+    return result.mid(0, most);
 }

@@ -1,6 +1,5 @@
 #include "explain/explaincommand.h"
 
-#include "explain/explain.h"
 #include "explain/logdigest.h"
 
 #include <common/json/json.h>

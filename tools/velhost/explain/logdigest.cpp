@@ -1,7 +1,5 @@
 #include "explain/logdigest.h"
 
-#include "explain/explain.h"
-
 #include <common/json/json.h>
 #include <common/table.h>
 #include <common/visibletext.h>
