@@ -15,44 +15,42 @@ std::optional<ElfHeader> headerOf(const QString &fileName)
     return file.open(QIODevice::ReadOnly) ? readElfHeader(&file) : std::nullopt;
 }
 
-std::optional<LoadFailure> headerFailure(const QFileInfo &file, const QString &loaderText)
+QString headerFailure(const QFileInfo &file, const QString &loaderText)
 {
     const std::optional<ElfHeader> header = headerOf(file.filePath());
     if (!header)
-        return LoadFailure{QStringLiteral("it is no shared library"),
-                           QStringLiteral("name the libkeyence.so that the build made")};
+        return QStringLiteral(
+            "it is no shared library; name the libkeyence.so that the build made");
     const std::optional<ElfHeader> own = headerOf(QStringLiteral("/proc/self/exe"));
     if (own && !haveSameProcessor(*header, *own))
-        return LoadFailure{
-            QStringLiteral("it is built for another processor: %1, this program for %2")
-                .arg(processorText(*header), processorText(*own)),
-            QStringLiteral("take or build the one for this processor")};
+        return QStringLiteral("it is built for another processor: %1, this program for %2; take or "
+                              "build the one for this processor")
+            .arg(processorText(*header), processorText(*own));
     // Qt looks for what stands at the end of a complete file.
     if (loaderText.contains(u"file too small") || loaderText.contains(u"exceed file size"))
-        return LoadFailure{QStringLiteral("it is cut short"),
-                           QStringLiteral("copy it again and compare the sizes")};
+        return QStringLiteral("it is cut short; copy it again and compare the sizes");
     return {};
 }
 
 /// Qt itself loads plug-ins of the same major and the same or an older minor version.
-std::optional<LoadFailure> metadataFailure(const QJsonObject &metadata)
+QString metadataFailure(const QJsonObject &metadata)
 {
     if (metadata.isEmpty())
-        return LoadFailure{QStringLiteral("it is a library, but no plug-in of Qt 5"),
-                           QStringLiteral("name libkeyence.so itself, built with Qt 5.15")};
+        return QStringLiteral("it is a library, but no plug-in of Qt 5; name libkeyence.so itself, "
+                              "built with Qt 5.15");
     const int number = metadata.value(u"version").toInt();
     const QVersionNumber version(number >> 16 & 0xff, number >> 8 & 0xff);
     const QVersionNumber own = QLibraryInfo::version();
     if (version.majorVersion() == own.majorVersion()
         && version.minorVersion() <= own.minorVersion())
         return {};
-    return LoadFailure{QStringLiteral("it is built with Qt %1, and this program runs on Qt %2")
-                           .arg(version.toString(), own.toString()),
-                       QStringLiteral("build it with the Qt of this machine")};
+    return QStringLiteral("it is built with Qt %1, and this program runs on Qt %2; build it with "
+                          "the Qt of this machine")
+        .arg(version.toString(), own.toString());
 }
 
 /// Explains the text of the system's loader for a complete library of the right kind.
-LoadFailure linkFailure(const QString &loaderText)
+QString linkFailure(const QString &loaderText)
 {
     static const QRegularExpression missingSymbol(
         QStringLiteral(": undefined symbol: ([^\\s,)]+)"));
@@ -62,47 +60,44 @@ LoadFailure linkFailure(const QString &loaderText)
     static const QRegularExpression missingLibrary(
         QStringLiteral("\\(([^/\\s(]+): cannot open shared object file"));
     if (const auto match = missingSymbol.match(loaderText); match.hasMatch())
-        return {QStringLiteral("no library here has the symbol %1, which it needs")
-                    .arg(match.captured(1)),
-                QStringLiteral("give it the libvel.so.1 and the Qt that it was built with")};
+        return QStringLiteral("no library here has the symbol %1, which it needs; give it the "
+                              "libvel.so.1 and the Qt that it was built with")
+            .arg(match.captured(1));
     if (const auto match = missingVersion.match(loaderText); match.hasMatch())
-        return {QStringLiteral("it needs version %1 of %2, and the one here is another")
-                    .arg(match.captured(2), match.captured(1)),
-                QStringLiteral("build it against the libraries of this machine")};
+        return QStringLiteral("it needs version %1 of %2, and the one here is another; build it "
+                              "against the libraries of this machine")
+            .arg(match.captured(2), match.captured(1));
     if (const auto match = missingLibrary.match(loaderText); match.hasMatch())
-        return {QStringLiteral("the library %1, which it or one of its libraries needs, is missing "
-                               "or there for another processor only")
-                    .arg(match.captured(1)),
-                QStringLiteral("install it, or name its folder in LD_LIBRARY_PATH")};
-    return {QStringLiteral("the system's loader refuses it"),
-            QStringLiteral("go by what it says below")};
+        return QStringLiteral("the library %1, which it or one of its libraries needs, is missing "
+                              "or there for another processor only; install it, or name its folder "
+                              "in LD_LIBRARY_PATH")
+            .arg(match.captured(1));
+    return QStringLiteral("the system's loader refuses it; go by what it says below");
 }
 
 } // namespace
 
-std::optional<LoadFailure> pathFailure(const QFileInfo &file)
+QString pathFailure(const QFileInfo &file)
 {
     if (!file.exists())
-        return LoadFailure{QStringLiteral("there is no such file"),
-                           QStringLiteral("look at the path, or build the plug-in")};
+        return QStringLiteral("there is no such file; look at the path, or build the plug-in");
     if (file.isDir())
-        return LoadFailure{QStringLiteral("it is a folder"),
-                           QStringLiteral("name the plug-in's file in it")};
+        return QStringLiteral("it is a folder; name the plug-in's file in it");
     // To open a pipe would wait for its other end.
     if (!file.isFile())
-        return LoadFailure{QStringLiteral("it is a pipe or a device and no file"),
-                           QStringLiteral("name the plug-in's file")};
+        return QStringLiteral("it is a pipe or a device and no file; name the plug-in's file");
     QFile content(file.filePath());
     if (!content.open(QIODevice::ReadOnly))
-        return LoadFailure{u"it cannot be read: " + content.errorString(),
-                           QStringLiteral("let this user read it, with chmod a+r")};
+        return QStringLiteral("it cannot be read: %1; let this user read it, with chmod a+r")
+            .arg(content.errorString());
     return {};
 }
 
-LoadFailure loaderFailure(const QFileInfo &file, const QJsonObject &metadata,
-                          const QString &loaderText)
+QString loaderFailure(const QFileInfo &file, const QJsonObject &metadata, const QString &loaderText)
 {
-    if (const std::optional<LoadFailure> failure = headerFailure(file, loaderText))
-        return *failure;
-    return metadataFailure(metadata).value_or(linkFailure(loaderText));
+    for (const QString &failure : {headerFailure(file, loaderText), metadataFailure(metadata)}) {
+        if (!failure.isEmpty())
+            return failure;
+    }
+    return linkFailure(loaderText);
 }

@@ -12,25 +12,20 @@
 
 namespace {
 
-/// Returns nothing for a file without metadata: the loader refuses that one itself.
-std::optional<LoadFailure> identifierFailure(const QJsonObject &metadata)
+/// Empty for a file without metadata, too: the loader refuses that one itself.
+QString identifierFailure(const QJsonObject &metadata)
 {
     const QString identifier = metadata.value(u"IID").toString();
     if (metadata.isEmpty() || identifier == QLatin1String(VELInterface_iid))
         return {};
-    return LoadFailure{
-        QStringLiteral("its interface identifier is \"%1\", this host asks for \"%2\"")
-            .arg(identifier, QLatin1String(VELInterface_iid)),
-        QStringLiteral("build both with the same VEL_INTERFACE_PREFIX")};
+    return QStringLiteral("its interface identifier is \"%1\", this host asks for \"%2\"; build "
+                          "both with the same VEL_INTERFACE_PREFIX")
+        .arg(identifier, QLatin1String(VELInterface_iid));
 }
 
-void printFailure(const QString &fileName, const LoadFailure &failure,
-                  const QString &loaderText = {})
+void printFailure(const QString &fileName, const QString &failure)
 {
-    printError(QStringLiteral("cannot load the plug-in %1: %2; %3")
-                   .arg(fileName, failure.fault, failure.remedy));
-    if (!loaderText.isEmpty())
-        printError(u"the loader says: " + loaderText);
+    printError(QStringLiteral("cannot load the plug-in %1: %2").arg(fileName, failure));
 }
 
 /// Where the plug-in is looked for when no file is named.
@@ -56,25 +51,25 @@ std::optional<LoadedPlugin> loadPlugin(const QString &fileName)
     // An absolute path, because the loader searches its own folders for a bare name.
     QPluginLoader loader(file.absoluteFilePath());
     const QJsonObject metadata = loader.metaData();
-    const std::optional<LoadFailure> pathFault = pathFailure(file);
-    const std::optional<LoadFailure> failure = pathFault ? pathFault : identifierFailure(metadata);
-    if (failure) {
-        printFailure(fileName, *failure);
+    const QString pathFault = pathFailure(file);
+    const QString failure = pathFault.isEmpty() ? identifierFailure(metadata) : pathFault;
+    if (!failure.isEmpty()) {
+        printFailure(fileName, failure);
         return {};
     }
     // This is the first call that runs code of the plug-in.
     QObject *const instance = loader.instance();
     if (instance == nullptr) {
-        printFailure(fileName, loaderFailure(file, metadata, loader.errorString()),
-                     loader.errorString());
+        printFailure(fileName, loaderFailure(file, metadata, loader.errorString()));
+        printError(u"the loader says: " + loader.errorString());
         return {};
     }
     const QString className = metadata.value(u"className").toString();
     auto *const plugin = qobject_cast<VELInterface *>(instance);
     if (plugin == nullptr) {
-        printFailure(fileName,
-                     {QStringLiteral("its class \"%1\" is not a VELInterface").arg(className),
-                      QStringLiteral("derive it from VELInterface and name that in Q_INTERFACES")});
+        printFailure(fileName, QStringLiteral("its class \"%1\" is not a VELInterface; derive it "
+                                              "from VELInterface and name that in Q_INTERFACES")
+                                   .arg(className));
         return {};
     }
     return LoadedPlugin{file.absoluteFilePath(), className, plugin};
