@@ -70,14 +70,13 @@ ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, H
     return work({loaded, *host, *registration, setup.plant, devices, log, wire});
 }
 
-/// Shows what is left and returns whether the answers and the trace are in order.
-bool finishWire(WireOutput *wire)
+/// Prints why the trace cannot be written. Returns whether it can.
+bool canWrite(const WireOutput &wire)
 {
-    wire->endCall({}, 0);
-    const QString error = wire->fileError();
+    const QString error = wire.fileError();
     if (!error.isEmpty())
         printError(error);
-    return error.isEmpty() && !wire->wasSuspect();
+    return error.isEmpty();
 }
 
 } // namespace
@@ -94,12 +93,8 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
         return WrongUsage;
     }
     std::optional<WireOutput> wire;
-    if (setup.wire.isOn)
-        wire.emplace(setup.format, setup.wire);
-    if (wire && !wire->fileError().isEmpty()) {
-        printError(wire->fileError());
+    if (setup.wire.isOn && !canWrite(wire.emplace(setup.format, setup.wire)))
         return WrongUsage;
-    }
     ProgressLine line(0);
     LogOutput log(setup.format, setup.progress == nullptr ? &line : setup.progress);
     Host host(
@@ -107,16 +102,17 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
     const bool initDone = init(setup, loaded->plugin, &line);
     if (wire)
         wire->endCall({}, 0);
-    ExitCode result
+    const ExitCode result
         = runInitialised(setup, *loaded, &host, initDone, &log, wire ? &*wire : nullptr, work);
     const bool isStopped = loaded->plugin->stopPlugin();
     log.printPendingCounts();
-    if (wire && !finishWire(&*wire) && result == AllWell)
-        result = ErrorFound;
+    if (wire)
+        wire->endCall({}, 0);
+    bool isWell = !wire || (canWrite(*wire) && !wire->wasSuspect());
     if (!isStopped) {
         printError(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
                        .arg(loaded->fileName));
-        result = result == AllWell ? ErrorFound : result;
+        isWell = false;
     }
-    return result;
+    return result == AllWell && !isWell ? ErrorFound : result;
 }
