@@ -35,9 +35,7 @@ void handleEndingSignals(void (*handler)(int))
 bool ProgressLine::isDue()
 {
     const std::lock_guard lock(m_mutex);
-    if (!m_due)
-        m_due.emplace(m_firstMs);
-    return m_due->hasExpired() && ::isatty(STDERR_FILENO) == 1;
+    return m_due.hasExpired() && ::isatty(STDERR_FILENO) == 1;
 }
 
 void ProgressLine::show(const QString &text)
@@ -46,7 +44,7 @@ void ProgressLine::show(const QString &text)
     if (!m_isShown)
         handleEndingSignals(clearAtSignal);
     print(stderr, lineStart + text + clearRest);
-    m_due.emplace(redrawMs);
+    m_due = QDeadlineTimer(redrawMs);
     m_isShown = true;
 }
 

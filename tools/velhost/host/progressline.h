@@ -4,7 +4,6 @@
 #include <QString>
 
 #include <mutex>
-#include <optional>
 
 /// One line of progress on the terminal of standard error, which each text overwrites. Shows
 /// nothing where standard error is no terminal. A signal that ends the program removes the text
@@ -12,8 +11,8 @@
 class ProgressLine
 {
 public:
-    /// The first text is due `firstMs` milliseconds after isDue() was asked first.
-    explicit ProgressLine(int firstMs) : m_firstMs(firstMs) {}
+    /// The first text is due after so many milliseconds.
+    explicit ProgressLine(int firstMs) : m_due(firstMs) {}
     ~ProgressLine() { clear(); }
     ProgressLine(const ProgressLine &) = delete;
     ProgressLine &operator=(const ProgressLine &) = delete;
@@ -27,8 +26,7 @@ public:
     void clear();
 
 private:
-    int m_firstMs;
     std::mutex m_mutex;
-    std::optional<QDeadlineTimer> m_due;
+    QDeadlineTimer m_due;
     bool m_isShown = false;
 };
