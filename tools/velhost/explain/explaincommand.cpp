@@ -86,12 +86,6 @@ void printUnknown(const QString &text, const QStringList &nearest, OutputFormat 
         printError(QStringLiteral("known is: %1").arg(known.trimmed()));
 }
 
-QByteArray catalogueJson()
-{
-    QFile file(QStringLiteral(":/errors.json"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 ExitCode explainText(const QString &text, const QList<KnownError> &catalogue, OutputFormat format)
 {
     if (text.isEmpty()) {
@@ -142,7 +136,9 @@ ExitCode explainInput(const QList<KnownError> &catalogue, OutputFormat format)
 
 ExitCode runExplain(const Arguments &arguments)
 {
-    const QList<KnownError> catalogue = errorCatalogue(catalogueJson());
+    QFile file(QStringLiteral(":/errors.json"));
+    file.open(QIODevice::ReadOnly);
+    const QList<KnownError> catalogue = errorCatalogue(file.readAll());
     const QString &text = arguments.operands.first();
     return text == u"-" ? explainInput(catalogue, arguments.format)
                         : explainText(text.trimmed(), catalogue, arguments.format);

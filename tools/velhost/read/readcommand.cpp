@@ -8,18 +8,11 @@
 
 #include <QElapsedTimer>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace {
 
 constexpr int maximumCycles = 1'000'000'000;
-
-bool hasError(const QList<DeviceReport> &devices)
-{
-    return std::any_of(devices.begin(), devices.end(),
-                       [](const DeviceReport &device) { return device.hasError(); });
-}
 
 ExitCode readCycles(const Session &session, const Arguments &arguments)
 {
@@ -32,11 +25,12 @@ ExitCode readCycles(const Session &session, const Arguments &arguments)
         QElapsedTimer sinceStart;
         sinceStart.start();
         QList<DeviceReport> reports;
-        for (int i = 0; i < lists.size(); ++i)
+        for (int i = 0; i < lists.size(); ++i) {
             reports.append(readPlantDevice(session, i, &lists[i], cycle));
+            if (reports.last().hasError())
+                result = ErrorFound;
+        }
         printer.printCycle(reports);
-        if (hasError(reports))
-            result = ErrorFound;
         // Nobody would see what the other cycles read.
         if (std::ferror(stdout) != 0)
             return result;

@@ -306,15 +306,14 @@ QString watchTableText(const std::vector<WatchedDevice> &devices, qint64 nowMs)
 QString ageText(qint64 milliseconds)
 {
     const qint64 seconds = milliseconds / 1000;
-    const auto twoDigits
-        = [](qint64 number) { return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0')); };
+    const auto text = [](const QString &form, qint64 larger, qint64 smaller) {
+        return form.arg(larger).arg(smaller, 2, 10, QLatin1Char('0'));
+    };
     if (seconds < 60)
         return QStringLiteral("%1 s").arg(seconds);
     if (seconds < 3600)
-        return QStringLiteral("%1 min %2 s").arg(seconds / 60).arg(twoDigits(seconds % 60));
-    const qint64 minutes = seconds / 60;
-    if (minutes < 1440)
-        return QStringLiteral("%1 h %2 min").arg(minutes / 60).arg(twoDigits(minutes % 60));
-    const qint64 hours = minutes / 60;
-    return QStringLiteral("%1 d %2 h").arg(hours / 24).arg(twoDigits(hours % 24));
+        return text(QStringLiteral("%1 min %2 s"), seconds / 60, seconds % 60);
+    if (seconds < 86400)
+        return text(QStringLiteral("%1 h %2 min"), seconds / 3600, seconds / 60 % 60);
+    return text(QStringLiteral("%1 d %2 h"), seconds / 86400, seconds / 3600 % 24);
 }
