@@ -98,9 +98,9 @@ Plan makePlan(const Session &session, const QList<Assignment> &assignments, Reco
 
 bool hasError(const Plan &plan)
 {
-    const auto hasFailed = [](const auto &part) { return !part.error.isEmpty(); };
-    return std::any_of(plan.items.begin(), plan.items.end(), hasFailed)
-           || std::any_of(plan.budgets.begin(), plan.budgets.end(), hasFailed);
+    const auto fails = [](const auto &part) { return !part.error.isEmpty(); };
+    return std::any_of(plan.items.begin(), plan.items.end(), fails)
+           || std::any_of(plan.budgets.begin(), plan.budgets.end(), fails);
 }
 
 ExitCode runPlan(const Arguments &arguments)

@@ -17,7 +17,6 @@ constexpr int maximumWords = 65536;
 // later, a plug-in may take for the answer to its next command.
 constexpr int maximumAnswer = 2000;
 const QString portKey = QStringLiteral("port");
-const QString timeoutKey = QStringLiteral("timeout");
 
 QByteArray answerTo(const QByteArray &line, const QByteArray &words)
 {
@@ -90,8 +89,9 @@ DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port)
     device.ipAddress = QStringLiteral("127.0.0.1");
     device.parameters.insert(portKey, QString::number(port));
     // With a time-out of a few milliseconds the recorder itself could be too slow.
-    if (device.parameters.contains(timeoutKey))
-        device.parameters.insert(timeoutKey, QStringLiteral("10000"));
+    const QString timeout = QStringLiteral("timeout");
+    if (device.parameters.contains(timeout))
+        device.parameters.insert(timeout, QStringLiteral("10000"));
     return device;
 }
 
