@@ -137,7 +137,7 @@ void tst_SameValue::kinds_data()
     QTest::newRow("neither") << QStringLiteral("0") << ValueKind::Number;
     QTest::newRow("hexadecimal") << QStringLiteral("1") << ValueKind::Hexadecimal;
     QTest::newRow("text") << QStringLiteral("2") << ValueKind::Text;
-    QTest::newRow("not among the choices") << QStringLiteral("ASCII") << ValueKind::Number;
+    QTest::newRow("not among the choices") << QStringLiteral("3") << ValueKind::Number;
     QTest::newRow("left out") << QString() << ValueKind::Number;
 }
 

@@ -6,12 +6,10 @@
 #include <common/ipv4address.h>
 #include <common/json/jsonplace.h>
 
-#include <QHash>
-#include <QPair>
+#include <QMap>
 #include <QSet>
 
-#include <algorithm>
-#include <optional>
+#include <utility>
 
 namespace {
 
@@ -27,19 +25,13 @@ struct Rule
     QString meaning;
 };
 
-const QList<Rule> &deviceRules()
+const QList<Rule> &parameterRules()
 {
     static const QList<Rule> rules{
         {QStringLiteral("port"), isPort,
          QStringLiteral("no TCP port; write a number from 1 to 65535")},
         {QStringLiteral("timeout"), isTimeout,
-         QStringLiteral("no time-out; write milliseconds as a whole number, for example 2000")}};
-    return rules;
-}
-
-const QList<Rule> &itemRules()
-{
-    static const QList<Rule> rules{
+         QStringLiteral("no time-out; write milliseconds as a whole number, for example 2000")},
         {memoryAddress, isMemoryAddress,
          QStringLiteral("no address in a controller; write a device and its number, for example "
                         "D201, DM100.3, D200-10 or D200-209")}};
@@ -53,30 +45,19 @@ struct Review
     QSet<QString> faultyPlaces;
 };
 
-Review reviewFrom(const QList<Problem> &problems)
-{
-    Review review{problems, {}};
-    for (const Problem &problem : problems)
-        review.faultyPlaces.insert(problem.place);
-    return review;
-}
-
 void addFinding(const QString &place, const QString &text, Review *review)
 {
     if (!review->faultyPlaces.contains(place))
         review->problems.append({{}, place, text});
 }
 
-void checkParameters(const QMap<QString, QString> &parameters, const QList<Rule> &rules,
+void checkParameters(const QMap<QString, QString> &parameters,
                      const QList<DatabaseColumnStructure> &columns, const QString &place,
                      Review *review)
 {
-    for (const Rule &rule : rules) {
-        const bool isDeclared
-            = std::any_of(columns.begin(), columns.end(),
-                          [&](const auto &column) { return column.name == rule.name; });
+    for (const Rule &rule : parameterRules()) {
         const QString text = parameters.value(rule.name);
-        if (isDeclared && !rule.isRight(text))
+        if (columnNamed(rule.name, columns) != nullptr && !rule.isRight(text))
             addFinding(place + u".parameters." + rule.name,
                        QStringLiteral("\"%1\" is %2").arg(text, rule.meaning), review);
     }
@@ -86,11 +67,9 @@ void checkParameters(const QMap<QString, QString> &parameters, const QList<Rule>
 void checkMemoryType(const ItemInstancePlugin &item, const QList<DatabaseColumnStructure> &columns,
                      const QString &parametersPlace, Review *review)
 {
-    const auto column = std::find_if(columns.begin(), columns.end(), [](const auto &candidate) {
-        return candidate.name == memoryType;
-    });
+    const DatabaseColumnStructure *const column = columnNamed(memoryType, columns);
     const QString place = parametersPlace + memoryType;
-    if (column == columns.end() || review->faultyPlaces.contains(place))
+    if (column == nullptr || review->faultyPlaces.contains(place))
         return;
     const QString address = item.parameters.value(memoryAddress);
     const bool isBitDevice
@@ -136,14 +115,13 @@ void checkDevice(const PlantDevice &device, const DeviceInstancePlugin &record,
                                   "255 without leading zeros, for example 192.168.0.10")
                        .arg(device.ip),
                    review);
-    checkParameters(record.parameters, deviceRules(), registration.deviceColumns, device.place,
-                    review);
+    checkParameters(record.parameters, registration.deviceColumns, device.place, review);
     for (int i = 0; i < device.items.size(); ++i) {
         const ItemInstancePlugin &item = record.items.at(i);
         const QString &itemPlace = device.items.at(i).place;
         if (review->faultyPlaces.contains(itemPlace))
             continue;
-        checkParameters(item.parameters, itemRules(), registration.itemColumns, itemPlace, review);
+        checkParameters(item.parameters, registration.itemColumns, itemPlace, review);
         checkAddress(item, registration.itemColumns, itemPlace + u".parameters.", review);
     }
 }
@@ -151,16 +129,17 @@ void checkDevice(const PlantDevice &device, const DeviceInstancePlugin &record,
 /// Warns of each device that has the address and the port of one before it.
 void checkEndpoints(const Plant &draft, const QList<DeviceInstancePlugin> &records, Review *review)
 {
-    QHash<QPair<quint32, int>, QString> firstPlace;
+    QMap<QString, QString> firstPlaces;
     for (int i = 0; i < records.size(); ++i) {
-        const std::optional<quint32> address = ipv4Address(records.at(i).ipAddress);
+        const QString &ip = records.at(i).ipAddress;
         const QString port = records.at(i).parameters.value(QStringLiteral("port"));
-        if (!address || !isPort(port))
+        if (!ipv4Address(ip) || !isPort(port))
             continue;
         const QString place = draft.devices.at(i).place;
-        const QString first = firstPlace.value({*address, port.toInt()}, place);
-        firstPlace.insert({*address, port.toInt()}, first);
-        if (first != place)
+        QString &first = firstPlaces[ip + u':' + QString::number(port.toInt())];
+        if (first.isEmpty())
+            first = place;
+        else
             addWarning(place,
                        QStringLiteral("%1 has the same address and port; one device can have the "
                                       "items of both")
@@ -174,9 +153,11 @@ void checkEndpoints(const Plant &draft, const QList<DeviceInstancePlugin> &recor
 QList<Problem> plantProblems(const Plant &draft, const PluginRegistration &registration,
                              const QList<Problem> &found)
 {
-    QList<Problem> problems = found;
-    const QList<DeviceInstancePlugin> devices = deviceRecords(draft, registration, &problems);
-    Review review = reviewFrom(problems);
+    Review review{found, {}};
+    const QList<DeviceInstancePlugin> devices
+        = deviceRecords(draft, registration, &review.problems);
+    for (const Problem &problem : std::as_const(review.problems))
+        review.faultyPlaces.insert(problem.place);
     for (int i = 0; i < devices.size(); ++i) {
         const PlantDevice &device = draft.devices.at(i);
         // A device that is no object in the file is not checked further.

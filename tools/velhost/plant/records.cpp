@@ -43,12 +43,6 @@ QString notOfferedError(const QString &text, const Column &column)
         .arg(text, offered.join(QStringLiteral(", ")));
 }
 
-bool isDeclared(const QString &parameter, const QList<Column> &columns)
-{
-    return std::any_of(columns.begin(), columns.end(),
-                       [&](const Column &column) { return column.name == parameter; });
-}
-
 QString unknownParameterError(const QList<Column> &columns, const QString &scope)
 {
     QStringList names;
@@ -58,34 +52,43 @@ QString unknownParameterError(const QList<Column> &columns, const QString &scope
         .arg(scope, names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", ")));
 }
 
-/// The item's own parameters, those of `defaults` where it has none.
-QMap<QString, QString> itemParameters(const PlantItem &item, const QMap<QString, QString> &defaults,
-                                      const QList<Column> &columns, QList<Problem> *errors)
+/// Sets the parameters in the record as resolveParameters() does, those that are given alone.
+void setParameters(const ParameterTexts &parameters, const QList<Column> &columns,
+                   const QString &scope, const QString &place, QList<Problem> *errors,
+                   QMap<QString, QString> *record)
 {
-    QMap<QString, QString> record = defaults;
-    const QMap<QString, QString> own = resolveParameters(
-        item.parameters, columns, QStringLiteral("item"), item.place + u".parameters", errors);
     for (const Column &column : columns) {
-        if (!item.parameters.contains(column.name))
+        const auto text = parameters.constFind(column.name);
+        if (text == parameters.constEnd())
             continue;
-        record.remove(column.name);
-        if (own.contains(column.name))
-            record.insert(column.name, own.value(column.name));
+        record->remove(column.name);
+        if (!*text)
+            continue;
+        if (const std::optional<QString> value = valueFor(**text, column))
+            record->insert(column.name, *value);
+        else
+            errors->append({{}, place + u'.' + column.name, notOfferedError(**text, column)});
     }
-    return record;
+    for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter) {
+        const QString &name = parameter.key();
+        if (columnNamed(name, columns) == nullptr)
+            errors->append({{}, place + u'.' + name, unknownParameterError(columns, scope)});
+    }
 }
 
 QList<ItemInstancePlugin> itemRecords(const PlantDevice &device, const QList<Column> &columns,
                                       QList<Problem> *errors)
 {
-    const QMap<QString, QString> defaults
-        = resolveParameters(device.itemDefaults, columns, QStringLiteral("item"),
-                            device.place + u".itemDefaults", errors);
+    const QString scope = QStringLiteral("item");
+    const QMap<QString, QString> defaults = resolveParameters(
+        device.itemDefaults, columns, scope, device.place + u".itemDefaults", errors);
     QList<ItemInstancePlugin> records;
     for (const PlantItem &item : device.items) {
         ItemInstancePlugin record;
         record.name = item.name;
-        record.parameters = itemParameters(item, defaults, columns, errors);
+        record.parameters = defaults;
+        setParameters(item.parameters, columns, scope, item.place + u".parameters", errors,
+                      &record.parameters);
         records.append(record);
     }
     return records;
@@ -93,28 +96,24 @@ QList<ItemInstancePlugin> itemRecords(const PlantDevice &device, const QList<Col
 
 } // namespace
 
+const DatabaseColumnStructure *columnNamed(const QString &name,
+                                           const QList<DatabaseColumnStructure> &columns)
+{
+    const auto column = std::find_if(columns.begin(), columns.end(), [&](const Column &candidate) {
+        return candidate.name == name;
+    });
+    return column == columns.end() ? nullptr : &*column;
+}
+
 QMap<QString, QString> resolveParameters(const ParameterTexts &parameters,
                                          const QList<DatabaseColumnStructure> &columns,
                                          const QString &scope, const QString &place,
                                          QList<Problem> *errors)
 {
     QMap<QString, QString> record;
-    for (const Column &column : columns) {
-        const auto text = parameters.constFind(column.name);
-        if (text == parameters.constEnd())
-            record.insert(column.name, column.defaultValue);
-        else if (!*text)
-            continue;
-        else if (const std::optional<QString> value = valueFor(**text, column))
-            record.insert(column.name, *value);
-        else
-            errors->append({{}, place + u'.' + column.name, notOfferedError(**text, column)});
-    }
-    for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter) {
-        const QString &name = parameter.key();
-        if (!isDeclared(name, columns))
-            errors->append({{}, place + u'.' + name, unknownParameterError(columns, scope)});
-    }
+    for (const Column &column : columns)
+        record.insert(column.name, column.defaultValue);
+    setParameters(parameters, columns, scope, place, errors, &record);
     return record;
 }
 

@@ -10,6 +10,10 @@
 #include <QMap>
 #include <QString>
 
+/// The column with that name; a null pointer when there is none.
+const DatabaseColumnStructure *columnNamed(const QString &name,
+                                           const QList<DatabaseColumnStructure> &columns);
+
 /// Converts parameters of the plant file to those of a record. A column that the file does not have
 /// gets its default; one that is `null` in the file is left out of the record. In a column with a
 /// selection a text is compared with the values, then with the display texts. Selection entries

@@ -1,17 +1,13 @@
 #include "plant/samevalue.h"
 
+#include "plant/records.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-using Column = DatabaseColumnStructure;
-
-/// The beginnings of the display texts of these types.
-const QString hexadecimalText = QStringLiteral("Hexadecimal");
-const QString asciiText = QStringLiteral("ASCII");
 
 constexpr int minimumDigits = 5;
 /// The relative rounding error of the storage: a 32-bit float, which reads back with few digits, or
@@ -91,18 +87,12 @@ bool sameHexadecimal(const QString &written, const QString &readBack)
 ValueKind valueKind(const QMap<QString, QString> &parameters,
                     const QList<DatabaseColumnStructure> &columns)
 {
-    for (const Column &column : columns) {
-        const auto parameter = parameters.find(column.name);
-        if (parameter == parameters.end())
-            continue;
-        for (const Column::SelectionValue &entry : column.selectionValues) {
-            if (entry.value != parameter.value())
-                continue;
-            if (entry.text.startsWith(hexadecimalText))
-                return ValueKind::Hexadecimal;
-            if (entry.text.startsWith(asciiText))
-                return ValueKind::Text;
-        }
+    for (const DatabaseColumnStructure &column : columns) {
+        const QString text = displayText(parameters.value(column.name), column);
+        if (text.startsWith(u"Hexadecimal"))
+            return ValueKind::Hexadecimal;
+        if (text.startsWith(u"ASCII"))
+            return ValueKind::Text;
     }
     return ValueKind::Number;
 }

@@ -16,8 +16,8 @@ enum class ValueKind {
 };
 
 /// The kind of an item's value. A host does not know the types, but it has the display texts that
-/// the plug-in declares. A chosen text that begins with "Hexadecimal" or "ASCII" gives the kind;
-/// every other item is a number.
+/// the plug-in declares. One that begins with "Hexadecimal" or "ASCII" gives the kind; every other
+/// item is a number.
 ValueKind valueKind(const QMap<QString, QString> &parameters,
                     const QList<DatabaseColumnStructure> &columns);
 
