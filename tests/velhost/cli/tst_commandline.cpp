@@ -55,7 +55,7 @@ void tst_CommandLine::defaults()
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
     QCOMPARE(line->command->name, QStringLiteral("columns"));
-    QCOMPARE(line->arguments.pluginFile, QString());
+    QCOMPARE(line->arguments.value(QStringLiteral("plugin")), QString());
     QCOMPARE(line->arguments.plantFile, QString());
     QCOMPARE(line->arguments.format, OutputFormat::Table);
     QCOMPARE(line->arguments.number(QStringLiteral("cycles"), 1), 1);
@@ -75,7 +75,7 @@ void tst_CommandLine::everyOption()
     QCOMPARE(error, QString());
     QVERIFY(line.has_value());
     QCOMPARE(line->command->name, QStringLiteral("read"));
-    QCOMPARE(line->arguments.pluginFile, QStringLiteral("a.so"));
+    QCOMPARE(line->arguments.value(QStringLiteral("plugin")), QStringLiteral("a.so"));
     QCOMPARE(line->arguments.plantFile, QStringLiteral("p.json"));
     QCOMPARE(line->arguments.format, OutputFormat::Json);
     QCOMPARE(line->arguments.number(QStringLiteral("cycles"), 1), 3);

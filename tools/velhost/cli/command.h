@@ -42,8 +42,6 @@ enum class Operands {
 /// The arguments of the user, already checked against the command.
 struct Arguments
 {
-    /// Empty: the default plug-in.
-    QString pluginFile;
     /// Empty when none was given and the command needs none. With --ip its value, as the name of
     /// the plant in messages.
     QString plantFile;

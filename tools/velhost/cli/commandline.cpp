@@ -10,27 +10,21 @@ namespace {
 
 const QString helpWord = QStringLiteral("help");
 
-/// Adds the options that the parser does not have yet.
-void addOptions(const QList<Option> &options, QStringList *known, QCommandLineParser *parser)
-{
-    for (const Option &option : options) {
-        if (known->contains(option.name))
-            continue;
-        known->append(option.name);
-        parser->addOption({option.name, option.help, option.value});
-    }
-}
-
-/// Adds the options of these commands to the parser: of all commands to find out which one is
-/// given, then of that one.
-void prepare(const QList<Command> &commands, QCommandLineParser *parser)
+/// Adds the options of all commands: which word is the command shows only where the parser knows
+/// which options take a value.
+void addOptions(const QList<Command> &commands, QCommandLineParser *parser)
 {
     parser->addOption(QCommandLineOption(QStringList{QStringLiteral("h"), helpWord}));
-    parser->addOption(
-        QCommandLineOption(QStringList{QStringLiteral("v"), QStringLiteral("version")}));
+    parser->addVersionOption();
     QStringList known;
-    for (const Command &command : commands)
-        addOptions(optionsOf(command), &known, parser);
+    for (const Command &command : commands) {
+        const QList<Option> options = optionsOf(command);
+        for (const Option &option : options) {
+            if (!known.contains(option.name))
+                parser->addOption({option.name, option.help, option.value});
+            known.append(option.name);
+        }
+    }
 }
 
 /// "a, b or c"
@@ -60,46 +54,52 @@ const Command *commandNamed(const QString &name, const QList<Command> &commands,
     return nullptr;
 }
 
-/// Returns the error of a repeated option or an empty file name; empty when there is none.
-QString occurrenceError(const Option &option, const QCommandLineParser &parser)
+/// Returns what is wrong with an option that was given; empty when nothing is.
+QString optionError(const Option &option, const QCommandLineParser &parser)
 {
     if (!option.mayRepeat && parser.optionNames().count(option.name) > 1)
         return QStringLiteral("--%1 is given more than once").arg(option.name);
-    const bool namesFile = option.value == u"FILE";
-    if (namesFile && parser.isSet(option.name) && parser.value(option.name).isEmpty())
+    const QString value = parser.value(option.name);
+    if (option.value == u"FILE" && value.isEmpty())
         return QStringLiteral("--%1 needs a file name").arg(option.name);
-    return {};
-}
-
-/// Returns the error of a number; empty when it is right, not given or when the option takes
-/// another text.
-QString numberError(const Option &option, const QCommandLineParser &parser)
-{
-    if (!option.range || !parser.isSet(option.name))
-        return {};
-    const auto [minimum, maximum] = *option.range;
-    const QString text = parser.value(option.name);
-    if (wholeNumber(text, minimum, maximum))
+    if (!option.range || wholeNumber(value, option.range->minimum, option.range->maximum))
         return {};
     return QStringLiteral("--%1 needs a whole number from %2 to %3, not \"%4\"")
-        .arg(option.name, QString::number(minimum), QString::number(maximum), text);
+        .arg(option.name, QString::number(option.range->minimum),
+             QString::number(option.range->maximum), value);
 }
 
-/// Returns the first error of the options; empty when there is none.
-QString optionError(const Command &command, const QCommandLineParser &parser)
+OutputFormat formatNamed(const QString &name)
+{
+    if (name == u"json")
+        return OutputFormat::Json;
+    return name == u"csv" ? OutputFormat::Csv : OutputFormat::Table;
+}
+
+/// Stores the options. Returns their first error; empty when there is none.
+QString takeOptions(const Command &command, const QCommandLineParser &parser, Arguments *arguments)
 {
     const QList<Option> options = optionsOf(command);
-    for (const auto check : {occurrenceError, numberError}) {
-        for (const Option &option : options) {
-            const QString error = check(option, parser);
-            if (!error.isEmpty())
-                return error;
-        }
+    for (const Option &option : options) {
+        if (parser.isSet(option.name))
+            arguments->options.insert(option.name, parser.values(option.name));
+    }
+    const QStringList given = parser.optionNames();
+    for (const QString &name : given) {
+        if (!arguments->has(name))
+            return QStringLiteral("%1 has no use for --%2").arg(command.name, name);
+    }
+    for (const Option &option : options) {
+        const QString error = arguments->has(option.name) ? optionError(option, parser) : QString();
+        if (!error.isEmpty())
+            return error;
     }
     const QString format = QStringLiteral("format");
-    if (parser.isSet(format) && !command.formats.contains(parser.value(format)))
+    if (arguments->has(format) && !command.formats.contains(arguments->value(format)))
         return QStringLiteral("--format of %1 is %2, not \"%3\"")
-            .arg(command.name, choice(command.formats), parser.value(format));
+            .arg(command.name, choice(command.formats), arguments->value(format));
+    arguments->format = formatNamed(arguments->value(format));
+    arguments->plantFile = arguments->value(QStringLiteral("plant"));
     return {};
 }
 
@@ -155,47 +155,13 @@ QString takeOperands(const Command &command, QStringList operands, Arguments *ar
                               : command.name + u" takes no argument \"" + operands.first() + u'"';
 }
 
-OutputFormat formatNamed(const QString &name)
-{
-    if (name == u"json")
-        return OutputFormat::Json;
-    return name == u"csv" ? OutputFormat::Csv : OutputFormat::Table;
-}
-
-/// Reads the arguments for this command. They have no option that no command has.
-std::optional<Arguments> parseArguments(const Command &command, const QStringList &words,
-                                        QString *error)
-{
-    QCommandLineParser parser;
-    prepare({command}, &parser);
-    if (!parser.parse(words)) {
-        *error = QStringLiteral("%1 has no use for --%2")
-                     .arg(command.name, parser.unknownOptionNames().value(0));
-        return {};
-    }
-    Arguments arguments;
-    *error = optionError(command, parser);
-    if (!error->isEmpty())
-        return {};
-    const QList<Option> options = optionsOf(command);
-    for (const Option &option : options) {
-        if (parser.isSet(option.name))
-            arguments.options.insert(option.name, parser.values(option.name));
-    }
-    arguments.pluginFile = arguments.value(QStringLiteral("plugin"));
-    arguments.plantFile = arguments.value(QStringLiteral("plant"));
-    arguments.format = formatNamed(arguments.value(QStringLiteral("format")));
-    *error = takeOperands(command, parser.positionalArguments().mid(1), &arguments);
-    return error->isEmpty() ? std::optional(arguments) : std::nullopt;
-}
-
 } // namespace
 
 std::optional<Request> parseCommandLine(const QStringList &arguments,
                                         const QList<Command> &commands, QString *error)
 {
     QCommandLineParser parser;
-    prepare(commands, &parser);
+    addOptions(commands, &parser);
     if (!parser.parse(arguments)) {
         *error = parser.errorText();
         return {};
@@ -217,6 +183,9 @@ std::optional<Request> parseCommandLine(const QStringList &arguments,
         return {};
     if (asksForHelp)
         return Request{Request::Action::Help, command, {}};
-    const std::optional<Arguments> taken = parseArguments(*command, arguments, error);
-    return taken ? std::optional(Request{Request::Action::Run, command, *taken}) : std::nullopt;
+    Request request{Request::Action::Run, command, {}};
+    *error = takeOptions(*command, parser, &request.arguments);
+    if (error->isEmpty())
+        *error = takeOperands(*command, words.mid(1), &request.arguments);
+    return error->isEmpty() ? std::optional(request) : std::nullopt;
 }

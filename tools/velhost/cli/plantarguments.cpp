@@ -101,7 +101,8 @@ std::optional<QList<Assignment>> readAssignments(const Arguments &arguments,
 
 SessionSetup sessionSetup(const Arguments &arguments, const Plant &plant)
 {
-    SessionSetup setup{arguments.pluginFile, arguments.format, plant, arguments.plantFile};
+    SessionSetup setup{arguments.value(QStringLiteral("plugin")), arguments.format, plant,
+                       arguments.plantFile};
     setup.wire = wireSetup(arguments);
     return setup;
 }
