@@ -101,15 +101,9 @@ ExitCode discover(const Session &session, const Arguments &arguments)
     return isWell ? AllWell : ErrorFound;
 }
 
-/// The plug-in gets the machine's interfaces, but no device.
 ExitCode runDiscover(const Arguments &arguments)
 {
-    Plant plant;
-    const QList<InterfaceNetwork> networks = machineNetworks();
-    for (const InterfaceNetwork &network : networks)
-        plant.networkInterfaces.append(network.interface);
-    plant.networkInterfaces.removeDuplicates();
-    return runSession(sessionSetup(arguments, plant), [&arguments](const Session &session) {
+    return runSession(sessionSetup(arguments, Plant()), [&arguments](const Session &session) {
         return discover(session, arguments);
     });
 }

@@ -3,21 +3,7 @@
 #include <QHostAddress>
 
 #include <algorithm>
-#include <tuple>
-
-namespace {
-
-auto sortKey(const Finding &finding)
-{
-    return std::tie(finding.address, finding.port, finding.identity.text, finding.identity.kind);
-}
-
-bool isBefore(const Finding &one, const Finding &other)
-{
-    return sortKey(one) < sortKey(other);
-}
-
-} // namespace
+#include <functional>
 
 QString Finding::place() const
 {
@@ -33,16 +19,18 @@ QString Finding::protocols() const
 
 void Findings::add(const Finding &finding)
 {
-    const auto place = std::lower_bound(m_all.begin(), m_all.end(), finding, isBefore);
-    if (place != m_all.end() && !isBefore(finding, *place)) {
-        place->byTcp = place->byTcp || finding.byTcp;
-        place->byUdp = place->byUdp || finding.byUdp;
-        return;
-    }
-    if (m_all.size() == maximum) {
+    const auto &[address, port, identity, byTcp, byUdp] = finding;
+    const Key key(address, port, identity.text, identity.kind);
+    if (m_all.size() == maximum && !m_all.contains(key)) {
         m_isFull = true;
         return;
     }
-    m_controllerCount += finding.isController() ? 1 : 0;
-    m_all.insert(place, finding);
+    Finding &known = m_all[key];
+    known = {address, port, identity, byTcp || known.byTcp, byUdp || known.byUdp};
+}
+
+int Findings::controllerCount() const
+{
+    return static_cast<int>(
+        std::count_if(m_all.begin(), m_all.end(), std::mem_fn(&Finding::isController)));
 }

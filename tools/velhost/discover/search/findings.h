@@ -2,7 +2,9 @@
 
 #include "discover/search/identity.h"
 
-#include <QList>
+#include <QMap>
+
+#include <tuple>
 
 /// What answered at one port of one address.
 struct Finding
@@ -31,12 +33,12 @@ public:
 
     void add(const Finding &finding);
 
-    const QList<Finding> &all() const { return m_all; }
-    int controllerCount() const { return m_controllerCount; }
+    using Key = std::tuple<quint32, quint16, QString, Identity::Kind>;
+    const QMap<Key, Finding> &all() const { return m_all; }
+    int controllerCount() const;
     bool isFull() const { return m_isFull; }
 
 private:
-    QList<Finding> m_all;
-    int m_controllerCount = 0;
+    QMap<Key, Finding> m_all;
     bool m_isFull = false;
 };
