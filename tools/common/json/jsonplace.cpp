@@ -114,15 +114,12 @@ void checkUnique(const QStringList &texts, const QString &key, const QString &pl
     QHash<QString, int> firstIndex;
     for (int i = 0; i < texts.size(); ++i) {
         const QString &text = texts.at(i);
-        if (text.isEmpty())
-            continue;
-        const auto first = firstIndex.constFind(text);
-        if (first == firstIndex.constEnd())
-            firstIndex.insert(text, i);
-        else
+        const int first = firstIndex.value(text, i);
+        firstIndex.insert(text, first);
+        if (first != i && !text.isEmpty())
             addError(member(element(place, i), key),
                      QStringLiteral("\"%1\" is already the %2 of %3; write another one")
-                         .arg(text, key, element(place, *first)),
+                         .arg(text, key, element(place, first)),
                      errors);
     }
 }
