@@ -6,8 +6,6 @@
 
 // What an answer means, and how the findings are shown.
 
-Q_DECLARE_METATYPE(Identity::Kind)
-
 namespace {
 
 Finding finding(quint32 address, quint16 port, const QByteArray &answer, bool byTcp, bool byUdp)
@@ -53,35 +51,36 @@ void tst_DiscoverOutput::identities_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<bool>("isWhole");
-    QTest::addColumn<Identity::Kind>("kind");
+    QTest::addColumn<bool>("isController");
     QTest::addColumn<QString>("line");
 
-    const auto row
-        = [](const char *title, const QByteArray &bytes, bool isWhole, Identity::Kind kind,
-             const char *line) { QTest::newRow(title) << bytes << isWhole << kind << text(line); };
-    row("two digits", "55\r\n", false, Identity::Model, "55");
-    row("one digit", "5\r\n", false, Identity::Model, "5");
-    row("three digits", "134\r\n", false, Identity::Model, "134");
-    row("four digits", "1234\r\n", false, Identity::Other, "1234");
-    row("no digit", "\r\n", false, Identity::Other, "");
-    row("carriage return alone", "55\r", false, Identity::Model, "55");
-    row("line feed alone", "55\n", false, Identity::Model, "55");
-    row("twice", "55\r\n55\r\n", false, Identity::Model, "55");
-    row("no end", "55", false, Identity::Other, "55");
-    row("no end, datagram", "55", true, Identity::Model, "55");
-    row("nothing", "", false, Identity::Other, "");
-    row("nothing, datagram", "", true, Identity::Other, "");
-    row("refusal", "E1\r\n", false, Identity::Refusal, "E1");
-    row("refusal without a digit", "E\r\n", false, Identity::Other, "E");
-    row("refusal of two digits", "E10\r\n", false, Identity::Other, "E10");
-    row("values", "00055 00056\r\n", false, Identity::Other, "00055 00056");
-    row("blank", " 55\r\n", false, Identity::Other, " 55");
-    row("greeting", "220 ready\r\n", false, Identity::Other, "220 ready");
-    row("zero byte instead of an end", QByteArray("55\0\n", 4), false, Identity::Other, "55?");
-    row("zero byte in a datagram", QByteArray("55\0", 3), true, Identity::Other, "55?");
-    row("end at the limit", QByteArray(63, 'x') + '\r', false, Identity::Other,
+    const auto row = [](const char *title, const QByteArray &bytes, bool isWhole, bool isController,
+                        const char *line) {
+        QTest::newRow(title) << bytes << isWhole << isController << text(line);
+    };
+    row("two digits", "55\r\n", false, true, "55");
+    row("one digit", "5\r\n", false, true, "5");
+    row("three digits", "134\r\n", false, true, "134");
+    row("four digits", "1234\r\n", false, false, "1234");
+    row("no digit", "\r\n", false, false, "");
+    row("carriage return alone", "55\r", false, true, "55");
+    row("line feed alone", "55\n", false, true, "55");
+    row("twice", "55\r\n55\r\n", false, true, "55");
+    row("no end", "55", false, false, "55");
+    row("no end, datagram", "55", true, true, "55");
+    row("nothing", "", false, false, "");
+    row("nothing, datagram", "", true, false, "");
+    row("refusal", "E1\r\n", false, true, "E1");
+    row("refusal without a digit", "E\r\n", false, false, "E");
+    row("refusal of two digits", "E10\r\n", false, false, "E10");
+    row("values", "00055 00056\r\n", false, false, "00055 00056");
+    row("blank", " 55\r\n", false, false, " 55");
+    row("greeting", "220 ready\r\n", false, false, "220 ready");
+    row("zero byte instead of an end", QByteArray("55\0\n", 4), false, false, "55?");
+    row("zero byte in a datagram", QByteArray("55\0", 3), true, false, "55?");
+    row("end at the limit", QByteArray(63, 'x') + '\r', false, false,
         QByteArray(63, 'x').constData());
-    row("end behind the limit", QByteArray(65, 'x') + '\r', false, Identity::Other,
+    row("end behind the limit", QByteArray(65, 'x') + '\r', false, false,
         QByteArray(64, 'x').constData());
 }
 
@@ -89,11 +88,11 @@ void tst_DiscoverOutput::identities()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(bool, isWhole);
-    QFETCH(Identity::Kind, kind);
+    QFETCH(bool, isController);
     QFETCH(QString, line);
 
     const Identity identity = identityOf(bytes, isWhole);
-    QCOMPARE(identity.kind, kind);
+    QCOMPARE(identity.isController, isController);
     QCOMPARE(QString(identity.text).replace(QChar(0), u'?'), line);
 }
 

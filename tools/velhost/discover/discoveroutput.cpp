@@ -12,7 +12,7 @@ namespace {
 
 QString modelText(const Identity &identity)
 {
-    if (identity.kind == Identity::Refusal)
+    if (identity.text.startsWith(u'E'))
         return u"not told, refused with " + identity.text;
     const QString name = modelName(identity.text);
     return name.isEmpty() ? QString(u"model code " + identity.text) : name;

@@ -1,18 +1,12 @@
 #include "discover/portlist.h"
 
+#include <common/wholenumber.h>
+
 #include <QRegularExpression>
 
 namespace {
 
 constexpr int maximumPorts = 64;
-
-/// The port; 0 when the number is larger than 65535.
-int portNumber(const QString &digits)
-{
-    bool isNumber = false;
-    const int number = digits.toInt(&isNumber);
-    return isNumber && number <= 65535 ? number : 0;
-}
 
 /// Adds the ports of one part of the list, one more than the maximum at most. Returns what is wrong
 /// with the part; empty when it is right.
@@ -24,14 +18,15 @@ QString appendPart(const QString &part, QVector<quint16> *ports)
         return QStringLiteral("\"%1\" is no port and no range; write numbers from 1 to 65535 with "
                               "commas between, for example 8501,8600-8605")
             .arg(part);
-    const int first = portNumber(match.captured(1));
-    const int last = match.captured(2).isEmpty() ? first : portNumber(match.captured(2));
-    if (first == 0 || last == 0)
+    const std::optional<int> first = wholeNumber(match.captured(1), 1, 65535);
+    const std::optional<int> last
+        = match.captured(2).isEmpty() ? first : wholeNumber(match.captured(2), 1, 65535);
+    if (!first || !last)
         return QStringLiteral("\"%1\" is out of range; ports are 1 to 65535").arg(part);
-    if (last < first)
+    if (*last < *first)
         return QStringLiteral("\"%1\" ends before it begins; write %2-%3")
-            .arg(part, QString::number(last), QString::number(first));
-    for (int port = first; port <= last && ports->size() <= maximumPorts; ++port) {
+            .arg(part, QString::number(*last), QString::number(*first));
+    for (int port = *first; port <= *last && ports->size() <= maximumPorts; ++port) {
         if (!ports->contains(static_cast<quint16>(port)))
             ports->append(static_cast<quint16>(port));
     }

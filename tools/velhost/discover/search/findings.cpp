@@ -20,7 +20,7 @@ QString Finding::protocols() const
 void Findings::add(const Finding &finding)
 {
     const auto &[address, port, identity, byTcp, byUdp] = finding;
-    const Key key(address, port, identity.text, identity.kind);
+    const Key key(address, port, identity.text, identity.isController);
     if (m_all.size() == maximum && !m_all.contains(key)) {
         m_isFull = true;
         return;

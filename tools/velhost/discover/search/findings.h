@@ -15,7 +15,7 @@ struct Finding
     bool byTcp = false;
     bool byUdp = false;
 
-    bool isController() const { return identity.kind != Identity::Other; }
+    bool isController() const { return identity.isController; }
     /// ADDRESS:PORT
     QString place() const;
     /// TCP, UDP or both.
@@ -33,7 +33,7 @@ public:
 
     void add(const Finding &finding);
 
-    using Key = std::tuple<quint32, quint16, QString, Identity::Kind>;
+    using Key = std::tuple<quint32, quint16, QString, bool>;
     const QMap<Key, Finding> &all() const { return m_all; }
     int controllerCount() const;
     bool isFull() const { return m_isFull; }

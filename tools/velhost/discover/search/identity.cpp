@@ -7,17 +7,12 @@
 Identity identityOf(const QByteArray &bytes, bool isWhole)
 {
     static const QRegularExpression lineEnd(QStringLiteral("[\r\n]"));
-    static const QRegularExpression model(QStringLiteral("\\A[0-9]{1,3}\\z"));
-    static const QRegularExpression refusal(QStringLiteral("\\AE[0-9]\\z"));
+    static const QRegularExpression modelOrRefusal(QStringLiteral("\\A([0-9]{1,3}|E[0-9])\\z"));
     const QString text
         = QString::fromLatin1(bytes.constData(), std::min(bytes.size(), maximumIdentity));
     const int end = text.indexOf(lineEnd);
     const QString line = text.left(end);
-    if (end < 0 && !isWhole)
-        return {Identity::Other, line};
-    if (model.match(line).hasMatch())
-        return {Identity::Model, line};
-    return {refusal.match(line).hasMatch() ? Identity::Refusal : Identity::Other, line};
+    return {(end >= 0 || isWhole) && modelOrRefusal.match(line).hasMatch(), line};
 }
 
 QString modelName(const QString &code)

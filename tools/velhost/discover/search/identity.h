@@ -15,18 +15,15 @@ constexpr int maximumIdentity = 64;
 /// The answer to the question.
 struct Identity
 {
-    enum Kind {
-        Model,   ///< one to three digits, the model code
-        Refusal, ///< E and a digit: a controller that refuses the question
-        Other    ///< anything else or nothing: no controller
-    };
-    Kind kind = Other;
+    /// Whether it is a model code of one to three digits, or E and a digit: a controller that
+    /// refuses the question.
+    bool isController = false;
     /// The first line of the answer without its end.
     QString text;
 };
 
 /// Reads the first line of the answer. `isWhole` means that the answer is complete, as a datagram
-/// is; otherwise a line without an end is Other.
+/// is; otherwise a line without an end is no controller's.
 Identity identityOf(const QByteArray &bytes, bool isWhole);
 
 /// The name of the model with that code; empty when it is not known.
