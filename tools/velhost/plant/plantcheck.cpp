@@ -63,15 +63,24 @@ void checkParameters(const QMap<QString, QString> &parameters,
     }
 }
 
-/// Warns of a memory type that is another than that of the address.
-void checkMemoryType(const ItemInstancePlugin &item, const QList<DatabaseColumnStructure> &columns,
-                     const QString &parametersPlace, Review *review)
+/// Warns of an address that is sent, but hardly means what was wanted, and of a memory type that is
+/// another than that of the address.
+void checkAddress(const ItemInstancePlugin &item, const QList<DatabaseColumnStructure> &columns,
+                  const QString &parametersPlace, Review *review)
 {
+    const QString address = item.parameters.value(memoryAddress);
+    if (!isMemoryAddress(address))
+        return;
+    if (address != address.toUpper())
+        addWarning(parametersPlace + memoryAddress,
+                   QStringLiteral("\"%1\" is sent in small letters, which a controller may refuse; "
+                                  "write \"%2\"")
+                       .arg(address, address.toUpper()),
+                   &review->problems);
     const DatabaseColumnStructure *const column = columnNamed(memoryType, columns);
     const QString place = parametersPlace + memoryType;
     if (column == nullptr || review->faultyPlaces.contains(place))
         return;
-    const QString address = item.parameters.value(memoryAddress);
     const bool isBitDevice
         = displayText(item.parameters.value(memoryType), *column).startsWith(u"Bit");
     if (!isBitDevice && holdsBits(address))
@@ -86,23 +95,6 @@ void checkMemoryType(const ItemInstancePlugin &item, const QList<DatabaseColumnS
                                   "but 0 or 1 in it; choose \"Word device\"")
                        .arg(address),
                    &review->problems);
-}
-
-/// Warns of an address that is sent, but hardly means what was wanted.
-void checkAddress(const ItemInstancePlugin &item, const QList<DatabaseColumnStructure> &columns,
-                  const QString &parametersPlace, Review *review)
-{
-    const QString address = item.parameters.value(memoryAddress);
-    const QString place = parametersPlace + memoryAddress;
-    if (!isMemoryAddress(address) || review->faultyPlaces.contains(place))
-        return;
-    if (address != address.toUpper())
-        addWarning(place,
-                   QStringLiteral("\"%1\" is sent in small letters, which a controller may refuse; "
-                                  "write \"%2\"")
-                       .arg(address, address.toUpper()),
-                   &review->problems);
-    checkMemoryType(item, columns, parametersPlace, review);
 }
 
 /// `record` is made of `device`.
