@@ -1,5 +1,6 @@
 #include <common/visibletext.h>
 
+#include <QMap>
 #include <QVector>
 
 namespace {
@@ -7,18 +8,13 @@ namespace {
 // The character as an escape sequence, or unchanged when it is printable.
 QString visibleCharacter(uint character)
 {
-    switch (character) {
-    case '\\':
-        return QStringLiteral("\\\\");
-    case '\r':
-        return QStringLiteral("\\r");
-    case '\n':
-        return QStringLiteral("\\n");
-    case '\t':
-        return QStringLiteral("\\t");
-    default:
-        break;
-    }
+    static const QMap<uint, QString> escapes{{'\\', QStringLiteral("\\\\")},
+                                             {'\r', QStringLiteral("\\r")},
+                                             {'\n', QStringLiteral("\\n")},
+                                             {'\t', QStringLiteral("\\t")}};
+    const auto escape = escapes.constFind(character);
+    if (escape != escapes.constEnd())
+        return *escape;
     const QChar::Category category = QChar::category(character);
     const bool breaksLine
         = category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
