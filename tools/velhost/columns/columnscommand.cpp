@@ -96,10 +96,8 @@ QString pluginTable(const LoadedPlugin &plugin, const PluginRegistration &regist
 /// A row for each column, and one more for each further entry of its selection.
 QString columnsTable(const PluginRegistration &registration)
 {
-    QList<QStringList> rows{{QStringLiteral("Scope"), QStringLiteral("Name"),
-                             QStringLiteral("Type"), QStringLiteral("Int"),
-                             QStringLiteral("Default"), QStringLiteral("Selection"),
-                             QStringLiteral("Description")}};
+    QList<QStringList> rows{
+        QStringLiteral("Scope Name Type Int Default Selection Description").split(u' ')};
     const QList<ScopedColumn> all = allColumns(registration);
     for (const auto &[scope, column] : all) {
         QStringList selection;

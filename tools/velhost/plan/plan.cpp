@@ -64,9 +64,8 @@ void appendItemRows(const PlannedItem &item, QList<QStringList> *rows)
 
 QString planTable(const Plan &plan, int rttMs)
 {
-    QList<QStringList> items{{QStringLiteral("Device"), QStringLiteral("Item"),
-                              QStringLiteral("Operation"), QStringLiteral("Words"),
-                              QStringLiteral("Command"), QStringLiteral("Error")}};
+    QList<QStringList> items{
+        QStringLiteral("Device Item Operation Words Command Error").split(u' ')};
     for (const PlannedItem &item : plan.items)
         appendItemRows(item, &items);
     QList<QStringList> budgets{{QStringLiteral("Device"), QStringLiteral("Exchanges a cycle"),

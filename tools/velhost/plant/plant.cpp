@@ -15,8 +15,6 @@
 
 namespace {
 
-const QString kindOfFile = QStringLiteral("plant file");
-
 int readId(const QJsonValue &value, const QString &place, QList<Problem> *errors)
 {
     const qint64 most = std::numeric_limits<int>::max();
@@ -201,6 +199,7 @@ std::optional<Plant> parsePlantDraft(const QByteArray &json, QList<Problem> *pro
 
 std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems)
 {
-    const std::optional<QByteArray> json = readJsonBytes(fileName, kindOfFile, problems);
+    const std::optional<QByteArray> json
+        = readJsonBytes(fileName, QStringLiteral("plant file"), problems);
     return json ? parsePlantDraft(*json, problems) : std::nullopt;
 }
