@@ -5,7 +5,6 @@
 #include "host/progressline.h"
 #include "plan/plan.h"
 #include "plan/recorder.h"
-#include "plant/rules.h"
 
 #include <algorithm>
 
@@ -26,8 +25,9 @@ QString refusal(const Session &session, const DeviceInstancePlugin &device, quin
     const DeviceReport report = readDevice(session, &list, 1);
     if (!report.error.isEmpty())
         return report.error;
+    // The plug-in also takes a sign, and spaces around the number.
     const QString port = device.parameters.value(QStringLiteral("port"));
-    if (isUsablePort(port))
+    if (port.toInt() >= 1 && port.toInt() <= 65535)
         return {};
     return QStringLiteral("the port \"%1\" is no number from 1 to 65535: no connection is possible")
         .arg(port);

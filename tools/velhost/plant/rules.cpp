@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int largestPort = 65535;
-
 /// Whether the device's name, which ends at the first digit, is one of the names.
 bool isNamed(const QString &address, const QStringList &names)
 {
@@ -22,14 +20,7 @@ bool isNamed(const QString &address, const QStringList &names)
 
 bool isPort(const QString &text)
 {
-    return wholeNumber(text, 1, largestPort).has_value();
-}
-
-bool isUsablePort(const QString &text)
-{
-    bool isNumber = false;
-    const int port = text.toInt(&isNumber);
-    return isNumber && port >= 1 && port <= largestPort;
+    return wholeNumber(text, 1, 65535).has_value();
 }
 
 bool isTimeout(const QString &text)

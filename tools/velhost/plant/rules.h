@@ -7,10 +7,6 @@
 /// A TCP port, 1 to 65535 in plain digits.
 bool isPort(const QString &text);
 
-/// Whether a connection is possible to what the plug-in makes of the text: it also takes a sign,
-/// and spaces around the number.
-bool isUsablePort(const QString &text);
-
 /// Milliseconds, 1 or more in plain digits.
 bool isTimeout(const QString &text);
 
