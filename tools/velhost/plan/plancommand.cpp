@@ -3,8 +3,14 @@
 #include "cli/plantarguments.h"
 #include "cycle/cycle.h"
 #include "host/progressline.h"
-#include "plan/plan.h"
 #include "plan/recorder.h"
+
+#include <common/json/json.h>
+#include <common/table.h>
+#include <common/visibletext.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
 
 #include <algorithm>
 
@@ -16,6 +22,37 @@ constexpr int defaultRttMs = 1;
 constexpr int quietMs = 500;
 const QString rttOption = QStringLiteral("rtt");
 const QString writeOption = QStringLiteral("write");
+
+/// What the plug-in sends for one item.
+struct PlannedItem
+{
+    QString device;
+    QString item;
+    /// read or write
+    QString operation;
+    /// The command lines, each with its carriage return; empty when nothing is sent.
+    QList<QByteArray> lines;
+    /// Empty: no error.
+    QString error;
+};
+
+/// The exchanges and times of one read cycle of a device.
+struct DeviceBudget
+{
+    QString device;
+    int exchanges = 0;
+    /// The device's time-out in milliseconds. Nothing when its parameter "timeout" is no whole
+    /// number above 1: only the plug-in knows what it makes of that.
+    std::optional<int> timeoutMs;
+    /// Why the plug-in never serves the device; empty: no error.
+    QString error;
+};
+
+struct Plan
+{
+    QList<PlannedItem> items;
+    QList<DeviceBudget> budgets;
+};
 
 /// Why the plug-in never serves the device; empty when it can. The plug-in itself is asked first,
 /// with a list without items.
@@ -96,6 +133,78 @@ Plan makePlan(const Session &session, const QList<Assignment> &assignments, Reco
     return planning.plan;
 }
 
+/// How long this many time-outs last in milliseconds; null where the time-out is unknown.
+QJsonValue worstJson(const DeviceBudget &budget, qint64 timeouts)
+{
+    return budget.timeoutMs ? QJsonValue(timeouts * *budget.timeoutMs) : QJsonValue();
+}
+
+QString worstText(const DeviceBudget &budget, qint64 timeouts)
+{
+    return budget.timeoutMs ? QString::number(timeouts * *budget.timeoutMs)
+                            : QStringLiteral("unknown");
+}
+
+/// The items with their command lines, then the budget of each device. An exchange takes `rttMs`
+/// milliseconds at best and the device's time-out at worst.
+QString planJson(const Plan &plan, int rttMs)
+{
+    QString text;
+    for (const PlannedItem &item : plan.items) {
+        QJsonArray commands;
+        for (const QByteArray &line : item.lines)
+            commands.append(QJsonObject{{QStringLiteral("line"), QString::fromLocal8Bit(line)},
+                                        {QStringLiteral("words"), wordCount(line)}});
+        text += jsonLine("plan", {{"device", item.device},
+                                  {"item", item.item},
+                                  {"operation", item.operation},
+                                  {"commands", commands},
+                                  {"error", item.error}});
+    }
+    for (const DeviceBudget &budget : plan.budgets) {
+        text += jsonLine("budget", {{"device", budget.device},
+                                    {"exchanges", budget.exchanges},
+                                    {"best_ms", qint64(budget.exchanges) * rttMs},
+                                    {"worst_ms", worstJson(budget, budget.exchanges)},
+                                    {"connect_ms", worstJson(budget, 1)},
+                                    {"error", budget.error}});
+    }
+    return text;
+}
+
+/// A row for each command line, the error in the first one.
+void appendItemRows(const PlannedItem &item, QList<QStringList> *rows)
+{
+    const QStringList names{visible(item.device), visible(item.item), item.operation};
+    if (item.lines.isEmpty())
+        rows->append(names + QStringList{{}, {}, visible(item.error)});
+    for (int i = 0; i < item.lines.size(); ++i) {
+        const QByteArray &line = item.lines.at(i);
+        rows->append(names
+                     + QStringList{QString::number(wordCount(line)),
+                                   visible(QString::fromLocal8Bit(line)),
+                                   i == 0 ? visible(item.error) : QString()});
+    }
+}
+
+QString planTable(const Plan &plan, int rttMs)
+{
+    QList<QStringList> items{
+        QStringLiteral("Device Item Operation Words Command Error").split(u' ')};
+    for (const PlannedItem &item : plan.items)
+        appendItemRows(item, &items);
+    QList<QStringList> budgets{{QStringLiteral("Device"), QStringLiteral("Exchanges a cycle"),
+                                QStringLiteral("Best ms"), QStringLiteral("Worst ms"),
+                                QStringLiteral("Connect ms"), QStringLiteral("Error")}};
+    for (const DeviceBudget &budget : plan.budgets) {
+        budgets.append({visible(budget.device), QString::number(budget.exchanges),
+                        QString::number(qint64(budget.exchanges) * rttMs),
+                        worstText(budget, budget.exchanges), worstText(budget, 1),
+                        visible(budget.error)});
+    }
+    return tableText(items) + u'\n' + tableText(budgets);
+}
+
 bool hasError(const Plan &plan)
 {
     const auto fails = [](const auto &part) { return !part.error.isEmpty(); };
@@ -123,8 +232,10 @@ ExitCode runPlan(const Arguments &arguments)
     setup.redirection
         = [&](const DeviceInstancePlugin &device) { return redirected(device, recorder.port()); };
     return runSession(setup, [&](const Session &session) {
+        const int rttMs = arguments.number(rttOption, defaultRttMs);
         const Plan plan = makePlan(session, *assignments, &recorder, &progress);
-        print(stdout, planText(arguments.format, plan, arguments.number(rttOption, defaultRttMs)));
+        print(stdout, arguments.format == OutputFormat::Json ? planJson(plan, rttMs)
+                                                             : planTable(plan, rttMs));
         return hasError(plan) ? ErrorFound : AllWell;
     });
 }
