@@ -15,15 +15,13 @@ constexpr int minimumDigits = 5;
 constexpr double floatError = 6e-8;
 constexpr double doubleError = 1e-15;
 
-/// The parts of a number's text.
+/// A decimal number and what its text tells of it.
 struct Number
 {
-    bool isValid = false;
-    bool isWhole = false;
-    /// Sign and digits without leading zeros; for a whole number only.
-    QString canonical;
-    int significantDigits = 0;
     double value = 0;
+    /// Sign and digits without leading zeros; empty when it has a point or an exponent.
+    QString whole;
+    int significantDigits = 0;
 };
 
 QString withoutLeadingZeros(const QString &digits)
@@ -34,7 +32,7 @@ QString withoutLeadingZeros(const QString &digits)
     return digits.mid(zeros);
 }
 
-Number parseNumber(const QString &text)
+std::optional<Number> parseNumber(const QString &text)
 {
     // The exponent must have a sign, as programs print it: 1E5 may be hexadecimal.
     static const QRegularExpression form(
@@ -44,26 +42,21 @@ Number parseNumber(const QString &text)
         return {};
     const QString fraction = match.captured(3);
     const QString digits = withoutLeadingZeros(match.captured(2));
-    Number number;
-    number.isValid = true;
-    number.isWhole = fraction.isEmpty() && match.captured(4).isEmpty();
-    number.canonical = digits == u"0" ? digits : QString(match.captured(1) + digits);
-    number.significantDigits = withoutLeadingZeros(match.captured(2) + fraction).size();
-    number.value = text.toDouble();
+    Number number{text.toDouble(), {}, withoutLeadingZeros(match.captured(2) + fraction).size()};
+    if (fraction.isEmpty() && match.captured(4).isEmpty())
+        number.whole = digits == u"0" ? digits : QString(match.captured(1) + digits);
     return number;
 }
 
 bool sameNumber(const Number &written, const Number &readBack, double tolerance)
 {
-    if (!written.isValid || !readBack.isValid)
-        return false;
     // In binary, 20.5 and 20.4 are a little more than 0.1 apart.
     const double larger = std::max(std::abs(written.value), std::abs(readBack.value));
     if (tolerance > 0
         && std::abs(written.value - readBack.value) <= tolerance + larger * doubleError)
         return true;
-    if (written.isWhole && readBack.isWhole)
-        return written.canonical == readBack.canonical;
+    if (!written.whole.isEmpty() && !readBack.whole.isEmpty())
+        return written.whole == readBack.whole;
     const double smaller = std::min(std::abs(written.value), std::abs(readBack.value));
     if (smaller == 0.0 || !std::isfinite(written.value) || !std::isfinite(readBack.value))
         return written.value == readBack.value;
@@ -101,13 +94,15 @@ bool sameValue(const QString &written, const QString &readBack, ValueKind kind, 
 {
     if (written == readBack)
         return true;
-    if (kind == ValueKind::Number)
-        return sameNumber(parseNumber(written), parseNumber(readBack), tolerance);
-    return kind == ValueKind::Hexadecimal && sameHexadecimal(written, readBack);
+    if (kind != ValueKind::Number)
+        return kind == ValueKind::Hexadecimal && sameHexadecimal(written, readBack);
+    const std::optional<Number> one = parseNumber(written);
+    const std::optional<Number> other = parseNumber(readBack);
+    return one && other && sameNumber(*one, *other, tolerance);
 }
 
 std::optional<double> decimalNumber(const QString &text)
 {
-    const Number number = parseNumber(text);
-    return number.isValid ? std::make_optional(number.value) : std::nullopt;
+    const std::optional<Number> number = parseNumber(text);
+    return number ? std::optional(number->value) : std::nullopt;
 }
