@@ -130,7 +130,7 @@ void tst_SearchArea::refusedSubnets()
 
 void tst_SearchArea::endpoints()
 {
-    const Endpoints endpoints({subnet("10.0.0.0/30"), subnet("10.9.0.1/32")}, {8501, 8500});
+    const Endpoints endpoints{{subnet("10.0.0.0/30"), subnet("10.9.0.1/32")}, {8501, 8500}};
     QStringList all;
     for (quint64 i = 0; i < endpoints.count(); ++i) {
         const Endpoint endpoint = endpoints.at(i);
@@ -143,7 +143,7 @@ void tst_SearchArea::endpoints()
 
 void tst_SearchArea::millionsOfEndpoints()
 {
-    const Endpoints endpoints({subnet("0.0.0.0/0")}, {1, 2, 3});
+    const Endpoints endpoints{{subnet("0.0.0.0/0")}, {1, 2, 3}};
     QCOMPARE(endpoints.count(), quint64{3} * 4294967294);
     const Endpoint last = endpoints.at(endpoints.count() - 1);
     QCOMPARE(last.address.toString(), text("255.255.255.254"));

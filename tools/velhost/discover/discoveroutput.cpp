@@ -39,11 +39,6 @@ QString deviceJson(int id, const Finding &finding)
                        {"items", QJsonArray()}});
 }
 
-quint64 addressCount(const QList<Subnet> &subnets)
-{
-    return Endpoints(subnets, {1}).count();
-}
-
 } // namespace
 
 QString controllersText(OutputFormat format, const Findings &findings)

@@ -48,26 +48,27 @@ QString tooLargeError(Subnet subnet)
 
 } // namespace
 
-Endpoints::Endpoints(const QList<Subnet> &subnets, const QVector<quint16> &ports)
-    : m_subnets(subnets), m_ports(ports)
+quint64 addressCount(const QList<Subnet> &subnets)
 {
+    quint64 count = 0;
     for (const Subnet &subnet : subnets)
-        m_hosts += hostCount(subnet);
+        count += hostCount(subnet);
+    return count;
 }
 
 quint64 Endpoints::count() const
 {
-    return m_hosts * static_cast<quint64>(m_ports.size());
+    return addressCount(subnets) * static_cast<quint64>(ports.size());
 }
 
 Endpoint Endpoints::at(quint64 number) const
 {
-    const quint16 port = m_ports.at(static_cast<int>(number / m_hosts));
-    quint64 host = number % m_hosts;
-    for (const Subnet &subnet : m_subnets) {
-        if (host < hostCount(subnet))
-            return {hostAt(subnet, static_cast<quint32>(host)), port};
-        host -= hostCount(subnet);
+    for (const quint16 port : ports) {
+        for (const Subnet &subnet : subnets) {
+            if (number < hostCount(subnet))
+                return {hostAt(subnet, static_cast<quint32>(number)), port};
+            number -= hostCount(subnet);
+        }
     }
     return {};
 }

@@ -47,22 +47,20 @@ struct Endpoint
 };
 
 /// Every port of every address. They are computed, not stored: a network may have millions.
-class Endpoints
+struct Endpoints
 {
-public:
-    Endpoints(const QList<Subnet> &subnets, const QVector<quint16> &ports);
+    QList<Subnet> subnets;
+    QVector<quint16> ports;
 
     quint64 count() const;
 
     /// `number` is 0 to count() - 1. All addresses come with the first port, then all with the
     /// second one: a controller accepts few connections at once.
     Endpoint at(quint64 number) const;
-
-private:
-    QList<Subnet> m_subnets;
-    QVector<quint16> m_ports;
-    quint64 m_hosts = 0;
 };
+
+/// How many addresses devices can have in these networks.
+quint64 addressCount(const QList<Subnet> &subnets);
 
 /// The IPv4 networks of the machine's interfaces that are up.
 QList<InterfaceNetwork> machineNetworks();
