@@ -10,32 +10,22 @@
 #include <QLocale>
 #include <QSet>
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
 
 using Column = DatabaseColumnStructure;
 
-/// The plug-in, the controller that it gets, and what was found.
+/// The plug-in, the controller and the device that it gets, and what was found.
 struct DryRun
 {
     const Session &session;
     /// Takes the plug-in's log entries, which the findings tell.
     const Host &listener;
     Recorder *recorder = nullptr;
+    DeviceInstancePlugin device = {};
     QList<Problem> problems = {};
 };
-
-/// Whether the parameters at that place came out of the file without an error.
-bool areReadable(const QSet<QString> &faultyPlaces, const QString &parameters,
-                 const QList<Column> &columns)
-{
-    return !faultyPlaces.contains(parameters)
-           && std::none_of(columns.begin(), columns.end(), [&](const Column &column) {
-                  return faultyPlaces.contains(member(parameters, column.name));
-              });
-}
 
 /// The item's parameters as its user knows them.
 QString parametersText(const ItemInstancePlugin &item, const QList<Column> &columns)
@@ -51,14 +41,13 @@ QString parametersText(const ItemInstancePlugin &item, const QList<Column> &colu
     return texts.join(QStringLiteral(", "));
 }
 
-ItemRead readWith(const QByteArray &words, const DeviceInstancePlugin &device, int item,
-                  DryRun *dryRun)
+ItemRead readWith(const QByteArray &words, int item, DryRun *dryRun)
 {
     // What is recorded then is this item's alone.
     dryRun->recorder->takeLines();
     dryRun->recorder->setWords(words);
     const int errorsBefore = dryRun->listener.errorCount();
-    ItemRead read = readItem(dryRun->session, device, item);
+    ItemRead read = readItem(dryRun->session, dryRun->device, item);
     // The log tells more than the item's own error.
     if (!read.error.isEmpty() && dryRun->listener.errorCount() > errorsBefore)
         read.error = dryRun->listener.lastError();
@@ -66,11 +55,10 @@ ItemRead readWith(const QByteArray &words, const DeviceInstancePlugin &device, i
 }
 
 /// Writes the text, as if to the controller, and reads what was sent.
-ItemRead writeAndRead(const QString &text, const DeviceInstancePlugin &device, int item,
-                      DryRun *dryRun)
+ItemRead writeAndRead(const QString &text, int item, DryRun *dryRun)
 {
     dryRun->recorder->takeLines();
-    writeError(dryRun->session, device, {0, item, text});
+    writeError(dryRun->session, dryRun->device, {0, item, text});
     const QList<QByteArray> lines = dryRun->recorder->takeLines();
     if (lines.isEmpty() || !lines.last().startsWith("WR"))
         return {};
@@ -80,15 +68,14 @@ ItemRead writeAndRead(const QString &text, const DeviceInstancePlugin &device, i
     for (const QByteArray &field : sent)
         words += QByteArray::number(static_cast<quint16>(field.toInt())) + ' ';
     // Words that are not written are left as they were.
-    return readWith(words + "00000", device, item, dryRun);
+    return readWith(words + "00000", item, dryRun);
 }
 
 /// The plug-in itself tells whether the item can have the value: it is written and read back.
-void checkExpected(const PlantItem &draft, const DeviceInstancePlugin &device, int item,
-                   DryRun *dryRun)
+void checkExpected(const PlantItem &draft, int item, DryRun *dryRun)
 {
     const QList<Column> &columns = dryRun->session.registration.itemColumns;
-    const ItemInstancePlugin &record = device.items.at(item);
+    const ItemInstancePlugin &record = dryRun->device.items.at(item);
     const ValueKind kind = valueKind(record.parameters, columns);
     if (kind != ValueKind::Number && draft.tolerance > 0)
         addError(member(draft.place, QStringLiteral("tolerance")),
@@ -99,7 +86,7 @@ void checkExpected(const PlantItem &draft, const DeviceInstancePlugin &device, i
         candidates << QString::number(*number, 'f', QLocale::FloatingPointShortest)
                    << QString::number(std::round(*number), 'f', 0);
     for (const QString &candidate : std::as_const(candidates)) {
-        const ItemRead read = writeAndRead(candidate, device, item, dryRun);
+        const ItemRead read = writeAndRead(candidate, item, dryRun);
         if (read.value && sameValue(*draft.expect, *read.value, kind, draft.tolerance))
             return;
     }
@@ -109,11 +96,11 @@ void checkExpected(const PlantItem &draft, const DeviceInstancePlugin &device, i
              &dryRun->problems);
 }
 
-void checkItem(const PlantItem &draft, const DeviceInstancePlugin &device, int item, DryRun *dryRun)
+void checkItem(const PlantItem &draft, int item, DryRun *dryRun)
 {
-    const ItemRead zeros = readWith("00000", device, item, dryRun);
+    const ItemRead zeros = readWith("00000", item, dryRun);
     const QString parameters
-        = parametersText(device.items.at(item), dryRun->session.registration.itemColumns);
+        = parametersText(dryRun->device.items.at(item), dryRun->session.registration.itemColumns);
     if (!zeros.error.isEmpty()) {
         addError(draft.place,
                  QStringLiteral("the plug-in refuses %1: %2; velhost explain tells what to do")
@@ -126,7 +113,7 @@ void checkItem(const PlantItem &draft, const DeviceInstancePlugin &device, int i
                    &dryRun->problems);
         return;
     }
-    const ItemRead ones = readWith("65535", device, item, dryRun);
+    const ItemRead ones = readWith("65535", item, dryRun);
     if (ones.error.isEmpty() && ones.value == zeros.value)
         addWarning(draft.place,
                    QStringLiteral("%1 reads %2 for ever, whatever the controller holds; choose "
@@ -134,7 +121,7 @@ void checkItem(const PlantItem &draft, const DeviceInstancePlugin &device, int i
                        .arg(parameters, *zeros.value),
                    &dryRun->problems);
     else if (draft.expect && draft.expect != zeros.value && draft.expect != ones.value)
-        checkExpected(draft, device, item, dryRun);
+        checkExpected(draft, item, dryRun);
 }
 
 } // namespace
@@ -151,34 +138,36 @@ Plant devicesOnly(const Plant &draft)
 QList<Problem> dryRunProblems(const Session &session, const Plant &draft, Recorder *recorder,
                               const QList<Problem> &found)
 {
+    // An error in a parameter is one of the parameters together.
     QSet<QString> faultyPlaces;
     for (const Problem &problem : found) {
         if (!problem.isWarning)
-            faultyPlaces.insert(problem.place);
+            faultyPlaces << problem.place << problem.place.section(u'.', 0, -2) + u".*";
     }
+    const auto areReadable = [&](const QString &parameters) {
+        return !faultyPlaces.contains(parameters) && !faultyPlaces.contains(parameters + u".*");
+    };
     const Host listener({}, [](const LogEntry &) {});
     DryRun dryRun{session, listener, recorder};
     QList<Problem> known;
     const QList<DeviceInstancePlugin> devices = deviceRecords(draft, session.registration, &known);
-    const QList<Column> &columns = session.registration.itemColumns;
     for (int i = 0; i < devices.size(); ++i) {
         const PlantDevice &source = draft.devices.at(i);
         const QString defaults = member(source.place, QStringLiteral("itemDefaults"));
-        if (source.items.isEmpty() || !areReadable(faultyPlaces, defaults, columns))
+        if (source.items.isEmpty() || !areReadable(defaults))
             continue;
-        DeviceInstancePlugin device = redirected(devices.at(i), recorder->port());
-        device.id = i;
-        LogList withoutItems{device, {}};
+        dryRun.device = redirected(devices.at(i), recorder->port());
+        dryRun.device.id = i;
+        LogList withoutItems{dryRun.device, {}};
         const QString error = readDevice(session, &withoutItems, 1).error;
         if (!error.isEmpty())
             addWarning(source.place, u"its items were not checked, the plug-in says: " + error,
                        &dryRun.problems);
-        for (int item = 0; error.isEmpty() && item < device.items.size(); ++item) {
+        for (int item = 0; error.isEmpty() && item < source.items.size(); ++item) {
             const QString &itemPlace = source.items.at(item).place;
             if (!faultyPlaces.contains(itemPlace)
-                && areReadable(faultyPlaces, member(itemPlace, QStringLiteral("parameters")),
-                               columns))
-                checkItem(source.items.at(item), device, item, &dryRun);
+                && areReadable(member(itemPlace, QStringLiteral("parameters"))))
+                checkItem(source.items.at(item), item, &dryRun);
         }
     }
     return dryRun.problems;
