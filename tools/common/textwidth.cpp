@@ -4,6 +4,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <utility>
 
 #include <clocale>
 #include <cwchar>
@@ -61,17 +62,13 @@ QString paddedToWidth(const QString &text, int width)
 
 QString wrappedText(const QString &text, const QString &indent)
 {
-    QString result;
-    QString line = indent;
-    const QStringList words = text.split(u' ');
-    for (const QString &word : words) {
-        if (line.size() > indent.size() && line.size() + 1 + word.size() > lineWidth) {
-            result += line + u'\n';
-            line = indent;
-        }
-        if (line.size() > indent.size())
-            line += u' ';
-        line += word;
+    QStringList words = text.split(u' ');
+    QStringList lines{indent + words.takeFirst()};
+    for (const QString &word : std::as_const(words)) {
+        if (lines.last().size() + 1 + word.size() > lineWidth)
+            lines.append(indent + word);
+        else
+            lines.last() += u' ' + word;
     }
-    return result + line + u'\n';
+    return lines.join(u'\n') + u'\n';
 }

@@ -43,17 +43,6 @@ QStringList namesOf(const QList<Command> &commands)
     return names;
 }
 
-/// Returns a null pointer and sets `error` when no command has that name.
-const Command *commandNamed(const QString &name, const QList<Command> &commands, QString *error)
-{
-    for (const Command &command : commands) {
-        if (command.name == name)
-            return &command;
-    }
-    *error = u"unknown command \"" + name + u"\"; use " + choice(namesOf(commands));
-    return nullptr;
-}
-
 /// Returns what is wrong with an option that was given; empty when nothing is.
 QString optionError(const Option &option, const QCommandLineParser &parser)
 {
@@ -174,13 +163,15 @@ std::optional<Request> parseCommandLine(const QStringList &arguments,
         words.removeFirst();
     if (words.isEmpty() && asksForHelp)
         return Request{Request::Action::Help, nullptr, {}};
-    if (words.isEmpty()) {
-        *error = u"no command given; use " + choice(namesOf(commands));
+    const QStringList names = namesOf(commands);
+    const int index = words.isEmpty() ? -1 : names.indexOf(words.first());
+    if (index < 0) {
+        const QString fault = words.isEmpty() ? QStringLiteral("no command given")
+                                              : u"unknown command \"" + words.first() + u'"';
+        *error = fault + u"; use " + choice(names);
         return {};
     }
-    const Command *const command = commandNamed(words.first(), commands, error);
-    if (command == nullptr)
-        return {};
+    const Command *const command = &commands.at(index);
     if (asksForHelp)
         return Request{Request::Action::Help, command, {}};
     Request request{Request::Action::Run, command, {}};
