@@ -152,78 +152,64 @@ bool arePorts(const char *text, Ports *ports)
     }
 }
 
-// A setting, and what is wrong with it; a null pointer when nothing is.
-struct Setting
-{
-    const char *value = nullptr;
-    const char *problem = nullptr;
-};
-
 const char *valueOf(const char *name, const char *otherwise)
 {
     const char *const value = secure_getenv(name);
     return value != nullptr ? value : otherwise;
 }
 
-Setting readSize()
+// Returns false.
+bool complain(const char *problem, const char *value)
+{
+    std::array<char, PATH_MAX + 200> text;
+    const int size
+        = std::snprintf(text.data(), text.size(), "libvel-trace: nothing is traced: %s: %.*s\n",
+                        problem, PATH_MAX, value);
+    writeQuietly(STDERR_FILENO, text.data(), static_cast<std::size_t>(size));
+    return false;
+}
+
+bool readSize()
 {
     const char *const value = valueOf("VEL_TRACE_SIZE", "16777216");
     char *end = nullptr;
     mostBytes = std::strtol(value, &end, 10);
     const bool isSize = *value >= '0' && *value <= '9' && *end == '\0';
-    if (isSize && mostBytes >= 1 && mostBytes <= 1000000000)
-        return {};
-    return {value, "VEL_TRACE_SIZE is no number of bytes from 1 to 1000000000"};
+    return (isSize && mostBytes >= 1 && mostBytes <= 1000000000)
+           || complain("VEL_TRACE_SIZE is no number of bytes from 1 to 1000000000", value);
 }
 
-Setting readPorts(Ports *ports)
+bool readPorts(Ports *ports)
 {
     const char *const value = valueOf("VEL_TRACE_PORTS", "8501");
-    if (arePorts(value, ports))
-        return {};
-    return {value, "VEL_TRACE_PORTS is no list of ports such as 8501,8502"};
+    return arePorts(value, ports)
+           || complain("VEL_TRACE_PORTS is no list of ports such as 8501,8502", value);
 }
 
 // Opens the file; a relative name stays in this folder, whatever folder the host changes to.
-Setting openNamedFile()
+bool openNamedFile()
 {
     const char *const value = valueOf("VEL_TRACE", "");
     if (*value == '\0')
-        return {value, "VEL_TRACE names no file"};
+        return complain("VEL_TRACE names no file", value);
     if (std::strlen(value) >= fileName.size())
-        return {value, errorText(ENAMETOOLONG)};
+        return complain(errorText(ENAMETOOLONG), value);
     stpcpy(fileName.data(), value);
     if (!openFile())
-        return {value, errorText(errno)};
+        return complain(errorText(errno), value);
     std::array<char, PATH_MAX> whole;
     if (realpath(value, whole.data()) != nullptr)
         fileName = whole;
     stpcpy(stpcpy(previousName.data(), fileName.data()), ".1");
-    return {};
-}
-
-void complain(Setting setting)
-{
-    std::array<char, PATH_MAX + 200> text;
-    const int size
-        = std::snprintf(text.data(), text.size(), "libvel-trace: nothing is traced: %s: %.*s\n",
-                        setting.problem, PATH_MAX, setting.value);
-    writeQuietly(STDERR_FILENO, text.data(), static_cast<std::size_t>(size));
+    return true;
 }
 
 [[gnu::constructor]] void begin()
 {
     static Ports ports;
     const int errorNumber = errno;
-    Setting setting = readSize();
-    if (setting.problem == nullptr)
-        setting = readPorts(&ports);
-    if (setting.problem == nullptr)
-        setting = openNamedFile();
-    if (setting.problem == nullptr)
+    if (readSize() && readPorts(&ports) && openNamedFile())
         trace(ports, writeEvent);
-    else
-        complain(setting);
     errno = errorNumber;
 }
 
