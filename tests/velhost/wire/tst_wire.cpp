@@ -55,7 +55,7 @@ QStringList shownLines(const QString &output)
 QByteArray line(const QByteArray &process, const QByteArray &members)
 {
     return R"({"time":"2026-11-22T09:14:35.123456Z","process":)" + process
-           + R"(,"connection":1,"peer":"10.0.0.1:8501",)" + members + "}\n";
+           + R"(,"thread":2,"connection":1,"peer":"10.0.0.1:8501",)" + members + "}\n";
 }
 
 } // namespace
@@ -181,13 +181,12 @@ void tst_Wire::json()
     const ProgramRun run = wire(file, {text("--format"), text("json")});
     QCOMPARE(run.errors, QString());
     QCOMPARE(run.output,
-             text(R"({"type":"event","time":"2026-11-22T09:14:35.123456Z","connection":1,)"
-                  R"("peer":"10.0.0.1:8501","event":"sent","outcome":"","waited_us":null,)"
-                  R"("bytes":"RD D7\r","verdict":"","suspect":false})"
+             text(R"({"type":"wire","time":"2026-11-22T09:14:35.123456Z","process":1,"thread":2,)"
+                  R"("connection":1,"peer":"10.0.0.1:8501","event":"sent","bytes":"RD D7\r"})"
                   "\n"
-                  R"({"type":"event","time":"2026-11-22T09:14:35.123456Z","connection":1,)"
-                  R"("peer":"10.0.0.1:8501","event":"received","outcome":"","waited_us":1502,)"
-                  R"("bytes":"\r\n","verdict":"0 instead of 1 words","suspect":true})"
+                  R"({"type":"wire","time":"2026-11-22T09:14:35.123456Z","process":1,"thread":2,)"
+                  R"("connection":1,"peer":"10.0.0.1:8501","event":"received","waited_us":1502,)"
+                  R"("bytes":"\r\n","suspect":"0 instead of 1 words"})"
                   "\n"));
     QCOMPARE(run.exitCode, 1);
 }

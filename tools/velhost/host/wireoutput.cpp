@@ -48,7 +48,7 @@ void WireOutput::show(const WireEvent &wireEvent, const Verdict &verdict, const 
 {
     const auto &[event, item] = wireEvent;
     QString place = visible(list.name.isEmpty() ? event.peer : list.name);
-    QList<JsonMember> members = wireMembers(event);
+    QList<JsonMember> members = wireMembers(event, verdict);
     if (!list.name.isEmpty())
         members += {{"cycle", cycle}, {"device", list.name}};
     if (item >= 0) {
@@ -56,8 +56,6 @@ void WireOutput::show(const WireEvent &wireEvent, const Verdict &verdict, const 
         members.append({"item", name});
         place += u'/' + visible(name);
     }
-    if (isSuspect(verdict))
-        members.append({"suspect", verdict.text});
     if (m_file.isOpen())
         m_file.write(wireLine(members));
     if (m_prints && m_format == OutputFormat::Json)

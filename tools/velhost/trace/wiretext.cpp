@@ -30,7 +30,7 @@ QString wireText(const TraceEvent &event, const Verdict &verdict)
     return text;
 }
 
-QList<JsonMember> wireMembers(const TraceEvent &event)
+QList<JsonMember> wireMembers(const TraceEvent &event, const Verdict &verdict)
 {
     QList<JsonMember> members{{"time", event.time},     {"process", event.process},
                               {"thread", event.thread}, {"connection", event.connection},
@@ -41,6 +41,8 @@ QList<JsonMember> wireMembers(const TraceEvent &event)
         members.append({"waited_us", event.waited});
     if (!event.bytes.isEmpty())
         members.append({"bytes", latin1(event.bytes)});
+    if (isSuspect(verdict))
+        members.append({"suspect", verdict.text});
     return members;
 }
 

@@ -16,8 +16,9 @@ QString latin1(const QByteArray &bytes);
 /// `< 00100\r\n  1.502 ms`, `timeout  3000.107 ms`.
 QString wireText(const TraceEvent &event, const Verdict &verdict);
 
-/// The event's members in a line of a wire trace; see docs/wire-trace.md.
-QList<JsonMember> wireMembers(const TraceEvent &event);
+/// The event's members in a line of a wire trace, see docs/wire-trace.md, and what is suspect about
+/// an answer.
+QList<JsonMember> wireMembers(const TraceEvent &event, const Verdict &verdict);
 
 /// Such a line, with its line feed. Whatever is not ASCII is escaped.
 QByteArray wireLine(const QList<JsonMember> &members);

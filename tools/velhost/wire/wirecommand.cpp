@@ -43,20 +43,6 @@ QString lineOf(const TraceEvent &event, int connection, const Verdict &verdict)
            + u' ' + wireText(event, verdict) + u'\n';
 }
 
-QString jsonOf(const TraceEvent &event, int connection, const Verdict &verdict)
-{
-    const QJsonValue waited = event.waited < 0 ? QJsonValue() : QJsonValue(event.waited);
-    return jsonLine("event", {{"time", event.time},
-                              {"connection", connection},
-                              {"peer", event.peer},
-                              {"event", event.name},
-                              {"outcome", event.outcome},
-                              {"waited_us", waited},
-                              {"bytes", latin1(event.bytes)},
-                              {"verdict", verdict.text},
-                              {"suspect", isSuspect(verdict)}});
-}
-
 void show(const TraceEvent &event, Output *output)
 {
     Connection &connection = output->connections[{event.process, event.connection}];
@@ -67,7 +53,7 @@ void show(const TraceEvent &event, Output *output)
     output->answers += event.name == u"received" ? 1 : 0;
     output->suspects += isSuspect(verdict) ? 1 : 0;
     const QString line = output->format == OutputFormat::Json
-                             ? jsonOf(event, connection.number, verdict)
+                             ? jsonLine("wire", wireMembers(event, verdict))
                              : lineOf(event, connection.number, verdict);
     if (!output->onlySuspect)
         print(stdout, line);
