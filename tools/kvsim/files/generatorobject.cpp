@@ -12,20 +12,17 @@ namespace {
 
 constexpr qint64 longestPeriod = 86400000; // a day
 
-/// The members of one generator in a file. A wrong member adds a problem and counts as 1, so that
-/// the other members are checked, too.
+/// The members of one generator in a file. A wrong member is an error and counts as 1, so that the
+/// other members are checked, too.
 struct GeneratorFields
 {
-    QJsonObject object;
+    JsonNode node;
     DeviceKind kind;
     QString folder;
-    QString place;
-    QList<Problem> *errors;
 
     qint64 number(const QString &key, qint64 minimum, qint64 maximum) const
     {
-        return readWhole(object.value(key), minimum, maximum, member(place, key), errors)
-            .value_or(1);
+        return node[key].whole(minimum, maximum).value_or(1);
     }
 
     qint64 time(const QString &key) const { return number(key, 1, longestPeriod); }
@@ -36,33 +33,12 @@ struct GeneratorFields
     qint64 lowest() const { return kind == DeviceKind::Bit ? 0 : -32768; }
     qint64 highest() const { return maximumValue(kind); }
 
-    bool has(const QString &key) const { return object.contains(key); }
-
     bool isOnce() const
     {
-        const QString name = QStringLiteral("once");
-        const QJsonValue value = object.value(name);
-        if (has(name) && !value.isBool())
-            addWrongKind(value, QStringLiteral("true or false"), member(place, name), errors);
-        return value.toBool();
-    }
-
-    QVector<qint64> levels(const QString &key) const
-    {
-        const QString listPlace = member(place, key);
-        const QJsonArray list = readList(object.value(key), listPlace, errors);
-        QVector<qint64> values;
-        for (int i = 0; i < list.size(); ++i)
-            values.append(readWhole(list.at(i), lowest(), highest(), element(listPlace, i), errors)
-                              .value_or(1));
-        if (values.isEmpty())
-            addProblem(key, QStringLiteral("must have one value at least"));
-        return values;
-    }
-
-    void addProblem(const QString &key, const QString &text) const
-    {
-        addError(member(place, key), text, errors);
+        const JsonNode once = node[QStringLiteral("once")];
+        if (once.exists() && !once.value.isBool())
+            addWrongKind(once.value, QStringLiteral("true or false"), once.place, once.errors);
+        return once.value.toBool();
     }
 };
 
@@ -94,9 +70,9 @@ Generator readRandom(const GeneratorFields &fields)
     const qint64 minimum = fields.level(QStringLiteral("min"));
     const qint64 maximum = fields.level(QStringLiteral("max"));
     if (maximum < minimum)
-        fields.addProblem(QStringLiteral("max"),
-                          QStringLiteral("is less than min; write min first"));
-    const qint64 seed = fields.has(QStringLiteral("seed"))
+        fields.node[QStringLiteral("max")].fail(
+            QStringLiteral("is less than min; write min first"));
+    const qint64 seed = fields.node[QStringLiteral("seed")].exists()
                             ? fields.number(QStringLiteral("seed"), 0, largestSeed)
                             : 1;
     return randomNumbers(minimum, std::max(minimum, maximum), fields.time(QStringLiteral("period")),
@@ -105,28 +81,34 @@ Generator readRandom(const GeneratorFields &fields)
 
 Generator readSteps(const GeneratorFields &fields)
 {
-    Timeline timeline{{}, fields.levels(QStringLiteral("values"))};
+    const JsonNode node = fields.node[QStringLiteral("values")];
+    const QList<JsonNode> list = node.elements();
+    QVector<qint64> values;
+    for (const JsonNode &value : list)
+        values.append(value.whole(fields.lowest(), fields.highest()).value_or(1));
+    if (values.isEmpty())
+        node.fail(QStringLiteral("must have one value at least"));
     const qint64 hold = fields.time(QStringLiteral("hold"));
-    for (int i = 0; i < timeline.values.size(); ++i)
-        timeline.times.append(i * hold);
-    return replay(timeline, fields.isOnce());
+    QVector<qint64> times;
+    for (int i = 0; i < values.size(); ++i)
+        times.append(i * hold);
+    return replay({times, values}, fields.isOnce());
 }
 
 Generator readCsv(const GeneratorFields &fields)
 {
-    const QString key = QStringLiteral("file");
-    const QString fileName
-        = readName(fields.object.value(key), member(fields.place, key), fields.errors);
+    const JsonNode file = fields.node[QStringLiteral("file")];
+    const QString fileName = file.name();
     const bool once = fields.isOnce();
-    const qint64 period
-        = fields.has(QStringLiteral("period")) ? fields.time(QStringLiteral("period")) : 0;
+    const QString periodKey = QStringLiteral("period");
+    const qint64 period = fields.node[periodKey].exists() ? fields.time(periodKey) : 0;
     if (fileName.isEmpty())
         return {};
     QStringList errors;
     const Timeline timeline = readValuesFile(QDir(fields.folder).filePath(fileName),
                                              fields.lowest(), fields.highest(), period, &errors);
     for (const QString &error : qAsConst(errors))
-        fields.addProblem(key, error);
+        file.fail(error);
     return replay(timeline, once);
 }
 
@@ -158,24 +140,22 @@ QString unknownKind(const QString &name)
 
 } // namespace
 
-Generator readGenerator(const QJsonValue &value, DeviceKind kind, const QString &folder,
-                        const QString &place, QList<Problem> *errors)
+Generator readGenerator(const JsonNode &node, DeviceKind kind, const QString &folder)
 {
-    const QJsonObject object = readObject(value, place, errors);
-    if (!value.isObject())
+    if (!node.expectObject())
         return {};
-    const QString key = QStringLiteral("kind");
-    const int before = errors->size();
-    const QString name = readName(object.value(key), member(place, key), errors);
-    if (errors->size() > before)
+    const JsonNode kindNode = node[QStringLiteral("kind")];
+    const int before = node.errors->size();
+    const QString name = kindNode.name();
+    if (node.errors->size() > before)
         return {};
     const auto *known
         = std::find_if(generatorKinds.cbegin(), generatorKinds.cend(),
                        [&](const GeneratorKind &k) { return name == QLatin1String(k.name); });
     if (known == generatorKinds.cend()) {
-        addError(member(place, key), unknownKind(name), errors);
+        kindNode.fail(unknownKind(name));
         return {};
     }
-    checkKeys(object, QString::fromLatin1(known->keys).split(u' '), place, errors);
-    return known->read({object, kind, folder, place, errors});
+    node.checkKeys(QString::fromLatin1(known->keys).split(u' '));
+    return known->read({node, kind, folder});
 }

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "files/jsonnode.h"
 #include "memory/devicetable.h"
 #include "memory/generator.h"
-
-#include <common/json/jsonplace.h>
 
 /// Reads a generator, for example {"kind": "ramp", "from": 0, "to": 100, "period": 1000}, for a
 /// word or a bit. A file that it names is looked for in `folder`. What it returns with an error is
 /// not to be used.
-Generator readGenerator(const QJsonValue &value, DeviceKind kind, const QString &folder,
-                        const QString &place, QList<Problem> *errors);
+Generator readGenerator(const JsonNode &node, DeviceKind kind, const QString &folder);

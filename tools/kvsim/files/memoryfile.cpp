@@ -2,51 +2,41 @@
 
 #include "files/memoryobject.h"
 
-#include <common/json/jsonfile.h>
 #include <common/outputfile.h>
 
 namespace {
 
-const QString fileOfMemory = QStringLiteral("file of memory");
 const QString controllersKey = QStringLiteral("controllers");
 const QString nameKey = QStringLiteral("name");
 const QString memoryKey = QStringLiteral("memory");
 
-void readController(const QJsonValue &value, const QString &place, Controller *controller,
-                    QList<Problem> *errors)
+void readController(const JsonNode &node, Controller *controller)
 {
-    const QJsonObject object = readObject(value, place, errors);
-    if (!value.isObject())
+    if (!node.expectObject())
         return;
-    checkKeys(object, {nameKey, memoryKey}, place, errors);
-    const QString name = readText(object.value(nameKey), member(place, nameKey), errors);
+    node.checkKeys({nameKey, memoryKey});
+    const QString name = node[nameKey].text();
     const QString expected = QString::fromUtf8(controller->place.name);
-    if (object.value(nameKey).isString() && name != expected)
-        addError(member(place, nameKey),
-                 QStringLiteral("'%1' is not the controller in this place; expected '%2'")
-                     .arg(name, expected),
-                 errors);
-    readMemory(object.value(memoryKey), member(place, memoryKey), &controller->memory, errors);
+    if (node[nameKey].value.isString() && name != expected)
+        node[nameKey].fail(QStringLiteral("'%1' is not the controller in this place; expected '%2'")
+                               .arg(name, expected));
+    readMemory(node[memoryKey], &controller->memory);
 }
 
-void readControllers(const QJsonValue &root, const Controllers &controllers, QList<Problem> *errors)
+void readControllers(const JsonNode &root, const Controllers &controllers)
 {
-    const QJsonObject object = readObject(root, {}, errors);
-    if (!root.isObject())
+    if (!root.expectObject())
         return;
-    checkKeys(object, {controllersKey}, {}, errors);
-    const QJsonArray list = readList(object.value(controllersKey), controllersKey, errors);
-    if (!object.value(controllersKey).isArray())
-        return;
-    if (list.size() != controllers.size())
-        addError(controllersKey,
-                 QStringLiteral("expected %1, as many as are simulated, found %2")
-                     .arg(controllers.size())
-                     .arg(list.size()),
-                 errors);
+    root.checkKeys({controllersKey});
+    const JsonNode node = root[controllersKey];
+    const QList<JsonNode> list = node.elements();
+    if (node.value.isArray() && list.size() != controllers.size())
+        node.fail(QStringLiteral("expected %1, as many as are simulated, found %2")
+                      .arg(controllers.size())
+                      .arg(list.size()));
     else
         for (int i = 0; i < list.size(); ++i)
-            readController(list.at(i), element(controllersKey, i), controllers.at(i).get(), errors);
+            readController(list.at(i), controllers.at(i).get());
 }
 
 QByteArray controllerText(const Controller &controller)
@@ -61,10 +51,9 @@ QByteArray controllerText(const Controller &controller)
 QList<Problem> loadMemory(const QString &fileName, const Controllers &controllers)
 {
     QList<Problem> problems;
-    const std::optional<QByteArray> json = readJsonBytes(fileName, fileOfMemory, &problems);
-    const std::optional<QJsonValue> root = json ? parseJson(*json, &problems) : std::nullopt;
-    if (root)
-        readControllers(*root, controllers, &problems);
+    const JsonNode root = readJsonFile(fileName, QStringLiteral("file of memory"), &problems);
+    if (root.exists())
+        readControllers(root, controllers);
     return problems;
 }
 

@@ -3,7 +3,6 @@
 #include "files/memoryobject.h"
 #include "memory/datatype.h"
 
-#include <common/json/jsonfile.h>
 #include <common/outputfile.h>
 #include <common/wholenumber.h>
 
@@ -17,14 +16,6 @@ constexpr int mostWords = 1000; // of one command
 const QString devicesKey = QStringLiteral("devices");
 const QString parametersKey = QStringLiteral("parameters");
 const QString portKey = QStringLiteral("port");
-
-/// An object that may be missing.
-QJsonObject readOptional(const QJsonObject &object, const QString &key, const QString &place,
-                         QList<Problem> *errors)
-{
-    const QJsonValue value = object.value(key);
-    return value.isUndefined() ? QJsonObject() : readObject(value, member(place, key), errors);
-}
 
 /// Numbers that may be negative and those with a point swing, others count, and so does the number
 /// in a text.
@@ -70,71 +61,72 @@ int wordCount(const QString &address)
     return last > first ? last - first + 1 : last;
 }
 
-void readItem(const QJsonObject &parameters, qint64 start, const QString &place, Memory *memory,
-              QList<Problem> *errors)
+void readItem(const JsonNode &parameters, qint64 start, Memory *memory)
 {
     static const QRegularExpression separator(QStringLiteral("[.-]"));
-    const QString addressPlace = member(place, QStringLiteral("memory_address"));
-    const QString text = parameters.value(QStringLiteral("memory_address")).toString();
-    const auto address = readAddress(text.section(separator, 0, 0), addressPlace, errors);
-    const QString device = parameters.value(QStringLiteral("memory_type")).toString();
-    const QString name = parameters.value(QStringLiteral("data_type")).toString();
+    const JsonNode addressNode = parameters[QStringLiteral("memory_address")];
+    const QString text = addressNode.value.toString();
+    const auto address = readAddress(text.section(separator, 0, 0), addressNode);
+    const QString device = parameters[QStringLiteral("memory_type")].value.toString();
+    const JsonNode typeNode = parameters[QStringLiteral("data_type")];
+    const QString name = typeNode.value.toString();
     const bool isBit = device == u"Bit device" || device == u"0" || name.isEmpty() || name == u"BIT"
                        || name == u"0";
     const int number = name.toInt();
     const DataType *type = number > 0 ? dataType(number) : dataType(name.toUtf8());
     if (!isBit && !type)
-        addError(member(place, QStringLiteral("data_type")),
-                 QStringLiteral("'%1' is no type of words; use one of: BIT, %2")
-                     .arg(name, QString::fromLatin1(dataTypeNames())),
-                 errors);
+        typeNode.fail(QStringLiteral("'%1' is no type of words; use one of: BIT, %2")
+                          .arg(name, QString::fromLatin1(dataTypeNames())));
     if (!address || (!isBit && !type))
         return;
     const int length = isBit ? 1 : type->words;
     const int words = length > 0 ? length : wordCount(text);
     const int most = std::min(mostWords, static_cast<int>(countToEnd(*address)));
     if (words < 1 || words > most)
-        addError(addressPlace,
-                 QStringLiteral("'%1' is for %2 words; 1 to %3 can be read from there on")
-                     .arg(text)
-                     .arg(words)
-                     .arg(most),
-                 errors);
+        addressNode.fail(QStringLiteral("'%1' is for %2 words; 1 to %3 can be read from there on")
+                             .arg(text)
+                             .arg(words)
+                             .arg(most));
     else
         moveWords(*address, isBit ? nullptr : type, words, start, memory);
 }
 
-quint16 readPort(const QJsonObject &parameters, const QString &place, QList<Problem> *errors)
+quint16 readPort(const JsonNode &node)
 {
-    const QString text = parameters.value(portKey).toString(QStringLiteral("8501"));
+    const QString text = node.value.toString(QStringLiteral("8501"));
     const std::optional<int> port = wholeNumber(text, 1, 65535);
     if (!port)
-        addError(member(place, portKey),
-                 QStringLiteral("'%1' is no port; write one from 1 to 65535, or --port").arg(text),
-                 errors);
+        node.fail(
+            QStringLiteral("'%1' is no port; write one from 1 to 65535, or --port").arg(text));
     return static_cast<quint16>(port.value_or(0));
 }
 
-std::shared_ptr<Controller> readDevice(const QJsonValue &value, const QString &place, bool hasPort,
-                                       QList<Problem> *errors)
+/// A member that may be missing, but is an object.
+QJsonObject readOptional(const JsonNode &node)
 {
-    const QJsonObject device = readObject(value, place, errors);
-    const QString itemsPlace = member(place, QStringLiteral("items"));
-    const QJsonArray items = readList(device.value(QStringLiteral("items")), itemsPlace, errors);
-    const QJsonObject parameters = readOptional(device, parametersKey, place, errors);
-    const QJsonObject defaults
-        = readOptional(device, QStringLiteral("itemDefaults"), place, errors);
+    return node.exists() && node.expectObject() ? node.value.toObject() : QJsonObject();
+}
+
+std::shared_ptr<Controller> readDevice(const JsonNode &device, bool hasPort)
+{
     auto controller = std::make_shared<Controller>();
-    if (hasPort)
-        controller->place.port = readPort(parameters, member(place, parametersKey), errors);
+    if (!device.expectObject())
+        return controller;
+    const QList<JsonNode> items = device[QStringLiteral("items")].elements();
+    const JsonNode parameters = device[parametersKey];
+    if (hasPort && (!parameters.exists() || parameters.expectObject()))
+        controller->place.port = readPort(parameters[portKey]);
+    const QJsonObject defaults = readOptional(device[QStringLiteral("itemDefaults")]);
     for (int i = 0; i < items.size(); ++i) {
-        const QString itemPlace = element(itemsPlace, i);
-        const QJsonObject item = readObject(items.at(i), itemPlace, errors);
-        QJsonObject all = defaults;
-        const QJsonObject own = readOptional(item, parametersKey, itemPlace, errors);
+        if (!items.at(i).expectObject())
+            continue;
+        JsonNode all = items.at(i)[parametersKey];
+        const QJsonObject own = readOptional(all);
+        QJsonObject merged = defaults;
         for (auto parameter = own.begin(); parameter != own.end(); ++parameter)
-            all.insert(parameter.key(), parameter.value());
-        readItem(all, i * second, member(itemPlace, parametersKey), &controller->memory, errors);
+            merged.insert(parameter.key(), parameter.value());
+        all.value = merged;
+        readItem(all, i * second, &controller->memory);
     }
     return controller;
 }
@@ -144,18 +136,17 @@ std::shared_ptr<Controller> readDevice(const QJsonValue &value, const QString &p
 Controllers readPlant(const QString &fileName, bool hasPorts, QJsonObject *plant,
                       QList<Problem> *problems)
 {
-    const auto json = readJsonBytes(fileName, QStringLiteral("plant file"), problems);
-    const auto root = json ? parseJson(*json, problems) : std::nullopt;
-    if (root)
-        *plant = readObject(*root, {}, problems);
-    if (!problems->isEmpty())
+    const JsonNode root = readJsonFile(fileName, QStringLiteral("plant file"), problems);
+    if (!root.exists() || !root.expectObject() || !problems->isEmpty())
         return {};
+    *plant = root.value.toObject();
+    const JsonNode node = root[devicesKey];
+    const QList<JsonNode> devices = node.elements();
     Controllers controllers;
-    const QJsonArray devices = readList(plant->value(devicesKey), devicesKey, problems);
-    for (int i = 0; i < devices.size(); ++i)
-        controllers.append(readDevice(devices.at(i), element(devicesKey, i), hasPorts, problems));
+    for (const JsonNode &device : devices)
+        controllers.append(readDevice(device, hasPorts));
     if (problems->isEmpty() && devices.isEmpty())
-        addError(devicesKey, QStringLiteral("must have one device at least"), problems);
+        node.fail(QStringLiteral("must have one device at least"));
     return controllers;
 }
 
