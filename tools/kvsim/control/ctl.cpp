@@ -57,28 +57,22 @@ ExitCode askSimulator(quint16 port, const QString &command)
     return answer == "ok\n" ? AllWell : printOutput(QString::fromUtf8(answer));
 }
 
-const QString helpOption = QStringLiteral("help");
-const QString portOption = QStringLiteral("port");
-
-void addCtlOptions(QCommandLineParser *parser)
-{
-    // A value may begin with a minus sign.
-    parser->setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    parser->addOptions({
-        QCommandLineOption(QStringList{QStringLiteral("h"), helpOption}),
-        {portOption, {}, QStringLiteral("value"), QStringLiteral("8502")},
-    });
-}
-
 } // namespace
 
 ExitCode runCtl(const QStringList &arguments)
 {
+    const QString help = QStringLiteral("help");
+    const QString portOption = QStringLiteral("port");
     QCommandLineParser parser;
-    addCtlOptions(&parser);
+    // A value may begin with a minus sign.
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    parser.addOptions({
+        QCommandLineOption(QStringList{QStringLiteral("h"), help}),
+        {portOption, {}, QStringLiteral("value"), QStringLiteral("8502")},
+    });
     if (!parser.parse(QStringList{QStringLiteral("kvsim")} + arguments))
         return refuse(parser.errorText());
-    if (parser.isSet(helpOption))
+    if (parser.isSet(help))
         return printHelp();
     const std::optional<int> port = wholeNumber(parser.value(portOption), 1, 65535);
     if (!port)

@@ -7,8 +7,11 @@ void LineBuffer::append(const QByteArray &bytes)
 
 std::optional<Line> LineBuffer::next()
 {
-    if (m_dropping)
-        dropRestOfLine();
+    if (m_dropping) {
+        const int end = m_bytes.indexOf('\r');
+        m_dropping = end < 0;
+        m_bytes.remove(0, m_dropping ? m_bytes.size() : end + 1);
+    }
 
     const int end = m_bytes.indexOf('\r');
     const int length = end < 0 ? m_bytes.size() : end;
@@ -22,11 +25,4 @@ std::optional<Line> LineBuffer::next()
     Line line{m_bytes.left(end)};
     m_bytes.remove(0, end + 1);
     return line;
-}
-
-void LineBuffer::dropRestOfLine()
-{
-    const int end = m_bytes.indexOf('\r');
-    m_dropping = end < 0;
-    m_bytes.remove(0, m_dropping ? m_bytes.size() : end + 1);
 }

@@ -33,8 +33,6 @@ public:
     std::optional<Line> next();
 
 private:
-    void dropRestOfLine();
-
     QByteArray m_bytes;
     bool m_dropping = false;
 };

@@ -94,29 +94,26 @@ std::shared_ptr<Controller> readController(const JsonNode &node, int index, cons
     auto controller = std::make_shared<Controller>();
     if (!node.expectObject())
         return controller;
-    node.checkKeys({QStringLiteral("name"), QStringLiteral("address"), QStringLiteral("port"),
-                    QStringLiteral("model"), QStringLiteral("memory"), QStringLiteral("readOnly"),
-                    QStringLiteral("missing"), QStringLiteral("generators"),
-                    QStringLiteral("faults")});
+    node.checkKeys("name address port model memory readOnly missing generators faults");
     const QString name = readOptionalText(
-        node[QStringLiteral("name")], QString::number(index + 1), isName,
+        node["name"], QString::number(index + 1), isName,
         QStringLiteral("'%1' is no name; write a letter and then letters, digits, - or _"));
     const QString address
-        = readOptionalText(node[QStringLiteral("address")], byDefault.address.toString(), isAddress,
+        = readOptionalText(node["address"], byDefault.address.toString(), isAddress,
                            QStringLiteral("'%1' is no IP address; write one such as 127.0.0.1"));
-    const JsonNode port = node[QStringLiteral("port")];
+    const JsonNode port = node["port"];
     const qint64 number = port.exists() ? port.whole(0, 65535).value_or(0) : byDefault.port;
     controller->place = {name.toLatin1(), QHostAddress(address), static_cast<quint16>(number), {}};
     Profile &profile = controller->profile;
     const QString model = readOptionalText(
-        node[QStringLiteral("model")], QString::fromLatin1(profile.model), isModel,
+        node["model"], QString::fromLatin1(profile.model), isModel,
         QStringLiteral("'%1' is no model code; write 1 to 5 digits, for example \"55\""));
     profile.model = model.toLatin1();
-    profile.readOnly = readRanges(node[QStringLiteral("readOnly")]);
-    profile.missing = readRanges(node[QStringLiteral("missing")]);
-    readGenerators(node[QStringLiteral("generators")], folder, &controller->memory);
-    readMemory(node[QStringLiteral("memory")], &controller->memory);
-    readFaults(node[QStringLiteral("faults")], &controller->faults);
+    profile.readOnly = readRanges(node["readOnly"]);
+    profile.missing = readRanges(node["missing"]);
+    readGenerators(node["generators"], folder, &controller->memory);
+    readMemory(node["memory"], &controller->memory);
+    readFaults(node["faults"], &controller->faults);
     return controller;
 }
 
@@ -143,9 +140,8 @@ Controllers readConfig(const QString &fileName, const Place &place, QList<Proble
     const JsonNode root = readJsonFile(fileName, QStringLiteral("configuration"), problems);
     if (!root.exists() || !root.expectObject())
         return {};
-    const QString key = QStringLiteral("controllers");
-    root.checkKeys({key});
-    const JsonNode node = root[key];
+    root.checkKeys("controllers");
+    const JsonNode node = root["controllers"];
     const QList<JsonNode> list = node.elements();
     if (node.value.isArray() && (list.isEmpty() || list.size() > maximumControllers))
         node.fail(QStringLiteral("expected 1 to %1 controllers").arg(maximumControllers));

@@ -20,22 +20,22 @@ struct GeneratorFields
     DeviceKind kind;
     QString folder;
 
-    qint64 number(const QString &key, qint64 minimum, qint64 maximum) const
+    qint64 number(const char *key, qint64 minimum, qint64 maximum) const
     {
         return node[key].whole(minimum, maximum).value_or(1);
     }
 
-    qint64 time(const QString &key) const { return number(key, 1, longestPeriod); }
+    qint64 time(const char *key) const { return number(key, 1, longestPeriod); }
 
     /// A value that the word or bit can hold.
-    qint64 level(const QString &key) const { return number(key, lowest(), highest()); }
+    qint64 level(const char *key) const { return number(key, lowest(), highest()); }
 
     qint64 lowest() const { return kind == DeviceKind::Bit ? 0 : -32768; }
     qint64 highest() const { return maximumValue(kind); }
 
     bool isOnce() const
     {
-        const JsonNode once = node[QStringLiteral("once")];
+        const JsonNode once = node["once"];
         if (once.exists() && !once.value.isBool())
             addWrongKind(once.value, QStringLiteral("true or false"), once.place, once.errors);
         return once.value.toBool();
@@ -44,51 +44,48 @@ struct GeneratorFields
 
 Generator readRamp(const GeneratorFields &fields)
 {
-    const qint64 from = fields.level(QStringLiteral("from"));
-    const qint64 to = fields.level(QStringLiteral("to"));
-    return ramp(from, to, fields.time(QStringLiteral("period")));
+    const qint64 from = fields.level("from");
+    const qint64 to = fields.level("to");
+    return ramp(from, to, fields.time("period"));
 }
 
 Generator readSine(const GeneratorFields &fields)
 {
     constexpr qint64 widest = 65535;
-    const qint64 mean = fields.level(QStringLiteral("mean"));
-    const qint64 amplitude = fields.number(QStringLiteral("amplitude"), 0, widest);
-    return sine(mean, amplitude, fields.time(QStringLiteral("period")));
+    const qint64 mean = fields.level("mean");
+    const qint64 amplitude = fields.number("amplitude", 0, widest);
+    return sine(mean, amplitude, fields.time("period"));
 }
 
 Generator readSquare(const GeneratorFields &fields)
 {
-    const qint64 low = fields.level(QStringLiteral("low"));
-    const qint64 high = fields.level(QStringLiteral("high"));
-    return square(low, high, fields.time(QStringLiteral("period")));
+    const qint64 low = fields.level("low");
+    const qint64 high = fields.level("high");
+    return square(low, high, fields.time("period"));
 }
 
 Generator readRandom(const GeneratorFields &fields)
 {
     constexpr qint64 largestSeed = std::numeric_limits<quint32>::max();
-    const qint64 minimum = fields.level(QStringLiteral("min"));
-    const qint64 maximum = fields.level(QStringLiteral("max"));
+    const qint64 minimum = fields.level("min");
+    const qint64 maximum = fields.level("max");
     if (maximum < minimum)
-        fields.node[QStringLiteral("max")].fail(
-            QStringLiteral("is less than min; write min first"));
-    const qint64 seed = fields.node[QStringLiteral("seed")].exists()
-                            ? fields.number(QStringLiteral("seed"), 0, largestSeed)
-                            : 1;
-    return randomNumbers(minimum, std::max(minimum, maximum), fields.time(QStringLiteral("period")),
+        fields.node["max"].fail(QStringLiteral("is less than min; write min first"));
+    const qint64 seed = fields.node["seed"].exists() ? fields.number("seed", 0, largestSeed) : 1;
+    return randomNumbers(minimum, std::max(minimum, maximum), fields.time("period"),
                          static_cast<quint32>(seed));
 }
 
 Generator readSteps(const GeneratorFields &fields)
 {
-    const JsonNode node = fields.node[QStringLiteral("values")];
+    const JsonNode node = fields.node["values"];
     const QList<JsonNode> list = node.elements();
     QVector<qint64> values;
     for (const JsonNode &value : list)
         values.append(value.whole(fields.lowest(), fields.highest()).value_or(1));
     if (values.isEmpty())
         node.fail(QStringLiteral("must have one value at least"));
-    const qint64 hold = fields.time(QStringLiteral("hold"));
+    const qint64 hold = fields.time("hold");
     QVector<qint64> times;
     for (int i = 0; i < values.size(); ++i)
         times.append(i * hold);
@@ -97,11 +94,10 @@ Generator readSteps(const GeneratorFields &fields)
 
 Generator readCsv(const GeneratorFields &fields)
 {
-    const JsonNode file = fields.node[QStringLiteral("file")];
+    const JsonNode file = fields.node["file"];
     const QString fileName = file.name();
     const bool once = fields.isOnce();
-    const QString periodKey = QStringLiteral("period");
-    const qint64 period = fields.node[periodKey].exists() ? fields.time(periodKey) : 0;
+    const qint64 period = fields.node["period"].exists() ? fields.time("period") : 0;
     if (fileName.isEmpty())
         return {};
     QStringList errors;
@@ -144,7 +140,7 @@ Generator readGenerator(const JsonNode &node, DeviceKind kind, const QString &fo
 {
     if (!node.expectObject())
         return {};
-    const JsonNode kindNode = node[QStringLiteral("kind")];
+    const JsonNode kindNode = node["kind"];
     const int before = node.errors->size();
     const QString name = kindNode.name();
     if (node.errors->size() > before)
@@ -156,6 +152,6 @@ Generator readGenerator(const JsonNode &node, DeviceKind kind, const QString &fo
         kindNode.fail(unknownKind(name));
         return {};
     }
-    node.checkKeys(QString::fromLatin1(known->keys).split(u' '));
+    node.checkKeys(known->keys);
     return known->read({node, kind, folder});
 }

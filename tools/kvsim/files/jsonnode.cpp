@@ -8,9 +8,9 @@ bool JsonNode::expectObject() const
     return value.isObject();
 }
 
-void JsonNode::checkKeys(const QStringList &known) const
+void JsonNode::checkKeys(const char *known) const
 {
-    ::checkKeys(value.toObject(), known, place, errors);
+    ::checkKeys(value.toObject(), QString::fromLatin1(known).split(u' '), place, errors);
 }
 
 JsonNode JsonNode::operator[](const QString &key) const

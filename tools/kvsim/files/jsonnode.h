@@ -23,8 +23,10 @@ struct JsonNode
 
     /// Whether it is an object. It is an error if it is not.
     bool expectObject() const;
-    void checkKeys(const QStringList &known) const;
+    /// Adds an error for each key that is not `known`, which has all of them with blanks between.
+    void checkKeys(const char *known) const;
     JsonNode operator[](const QString &key) const;
+    JsonNode operator[](const char *key) const { return (*this)[QString::fromLatin1(key)]; }
     /// The elements of a list.
     QList<JsonNode> elements() const;
     /// The same for a list that may be missing.

@@ -6,29 +6,25 @@
 
 namespace {
 
-const QString controllersKey = QStringLiteral("controllers");
-const QString nameKey = QStringLiteral("name");
-const QString memoryKey = QStringLiteral("memory");
-
 void readController(const JsonNode &node, Controller *controller)
 {
     if (!node.expectObject())
         return;
-    node.checkKeys({nameKey, memoryKey});
-    const QString name = node[nameKey].text();
+    node.checkKeys("name memory");
+    const QString name = node["name"].text();
     const QString expected = QString::fromUtf8(controller->place.name);
-    if (node[nameKey].value.isString() && name != expected)
-        node[nameKey].fail(QStringLiteral("'%1' is not the controller in this place; expected '%2'")
-                               .arg(name, expected));
-    readMemory(node[memoryKey], &controller->memory);
+    if (node["name"].value.isString() && name != expected)
+        node["name"].fail(QStringLiteral("'%1' is not the controller in this place; expected '%2'")
+                              .arg(name, expected));
+    readMemory(node["memory"], &controller->memory);
 }
 
 void readControllers(const JsonNode &root, const Controllers &controllers)
 {
     if (!root.expectObject())
         return;
-    root.checkKeys({controllersKey});
-    const JsonNode node = root[controllersKey];
+    root.checkKeys("controllers");
+    const JsonNode node = root["controllers"];
     const QList<JsonNode> list = node.elements();
     if (node.value.isArray() && list.size() != controllers.size())
         node.fail(QStringLiteral("expected %1, as many as are simulated, found %2")

@@ -64,11 +64,11 @@ int wordCount(const QString &address)
 void readItem(const JsonNode &parameters, qint64 start, Memory *memory)
 {
     static const QRegularExpression separator(QStringLiteral("[.-]"));
-    const JsonNode addressNode = parameters[QStringLiteral("memory_address")];
+    const JsonNode addressNode = parameters["memory_address"];
     const QString text = addressNode.value.toString();
     const auto address = readAddress(text.section(separator, 0, 0), addressNode);
-    const QString device = parameters[QStringLiteral("memory_type")].value.toString();
-    const JsonNode typeNode = parameters[QStringLiteral("data_type")];
+    const QString device = parameters["memory_type"].value.toString();
+    const JsonNode typeNode = parameters["data_type"];
     const QString name = typeNode.value.toString();
     const bool isBit = device == u"Bit device" || device == u"0" || name.isEmpty() || name == u"BIT"
                        || name == u"0";
@@ -112,11 +112,11 @@ std::shared_ptr<Controller> readDevice(const JsonNode &device, bool hasPort)
     auto controller = std::make_shared<Controller>();
     if (!device.expectObject())
         return controller;
-    const QList<JsonNode> items = device[QStringLiteral("items")].elements();
+    const QList<JsonNode> items = device["items"].elements();
     const JsonNode parameters = device[parametersKey];
     if (hasPort && (!parameters.exists() || parameters.expectObject()))
         controller->place.port = readPort(parameters[portKey]);
-    const QJsonObject defaults = readOptional(device[QStringLiteral("itemDefaults")]);
+    const QJsonObject defaults = readOptional(device["itemDefaults"]);
     for (int i = 0; i < items.size(); ++i) {
         if (!items.at(i).expectObject())
             continue;
