@@ -98,13 +98,12 @@ void check(Input input)
     oven->profile = {"53", {{*parseAddress("DM1000"), 100}}, {{*parseAddress("EM0"), 9}}};
     const ControlTarget target{{press, oven}, [] { return QString(); }};
     QByteArray previous;
-    QByteArray welcomed;
     const QList<QByteArray> lines = input.rest().split('\n').mid(0, mostLines);
     for (const QByteArray &line : lines) {
         if (line.startsWith('>'))
             checkReply(line.mid(1), press.get(), &previous);
         else if (line.startsWith('<'))
-            press->faults.welcome(line.size() - 1, &welcomed);
+            press->faults.welcome(line.size() - 1);
         else
             checkControl(line, target);
         checkCounts(*press);

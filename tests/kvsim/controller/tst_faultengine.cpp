@@ -272,33 +272,32 @@ void tst_FaultEngine::welcome_data()
 {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<int>("connected");
-    QTest::addColumn<int>("welcome");
+    QTest::addColumn<bool>("applied");
 
-    const auto row = [](const char *name, const char *fault, int connected, Welcome welcome) {
-        QTest::newRow(name) << QByteArray(fault) << connected << static_cast<int>(welcome);
+    const auto row = [](const char *name, const char *fault, int connected, bool applied) {
+        QTest::newRow(name) << QByteArray(fault) << connected << applied;
     };
-    row("a fault of commands", "silent", 0, Welcome::Serve);
-    row("refused", "refuse-connect", 0, Welcome::Reset);
-    row("ignored", "accept-then-silent", 0, Welcome::Ignore);
-    row("below the most clients", "max-clients=2", 1, Welcome::Serve);
-    row("at the most clients", "max-clients=2", 2, Welcome::Reset);
-    row("above the most clients", "max-clients=2", 3, Welcome::Reset);
-    row("no client at all", "max-clients=0", 0, Welcome::Reset);
-    row("not yet", "refuse-connect@nth=2", 0, Welcome::Serve);
+    row("a fault of commands", "silent", 0, false);
+    row("refused", "refuse-connect", 0, true);
+    row("ignored", "accept-then-silent", 0, true);
+    row("below the most clients", "max-clients=2", 1, false);
+    row("at the most clients", "max-clients=2", 2, true);
+    row("above the most clients", "max-clients=2", 3, true);
+    row("no client at all", "max-clients=0", 0, true);
+    row("not yet", "refuse-connect@nth=2", 0, false);
 }
 
 void tst_FaultEngine::welcome()
 {
     QFETCH(QByteArray, fault);
     QFETCH(int, connected);
-    QFETCH(int, welcome);
+    QFETCH(bool, applied);
 
     FaultEngine engine;
     QCOMPARE(engine.add(fault), QString());
-    QByteArray struck;
-    QCOMPARE(static_cast<int>(engine.welcome(connected, &struck)), welcome);
-    const bool applied = static_cast<Welcome>(welcome) != Welcome::Serve;
-    QCOMPARE(struck, applied ? fault : QByteArray());
+    const std::optional<Fault> struck = engine.welcome(connected);
+    QCOMPARE(struck.has_value(), applied);
+    QCOMPARE(struck.value_or(Fault()).text, applied ? fault : QByteArray());
     QCOMPARE(engine.counts().constFirst().seen, quint64(fault != "silent"));
     QCOMPARE(engine.counts().constFirst().applied, quint64(applied));
 }

@@ -90,8 +90,7 @@ void SimulatorThread::resume()
 void SimulatorThread::run()
 {
     Server server(m_controller.get());
-    if (!server.listen(m_address, m_port))
-        m_errorString = server.errorString();
+    m_errorString = server.listen(m_address, m_port);
     m_port = server.serverPort();
     m_started.release();
     exec();

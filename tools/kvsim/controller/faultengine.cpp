@@ -115,19 +115,18 @@ Reply FaultEngine::reply(const Line &line, const QByteArray &previous, const Pro
     return reply;
 }
 
-Welcome FaultEngine::welcome(int connected, QByteArray *text)
+std::optional<Fault> FaultEngine::welcome(int connected)
 {
     const QMutexLocker locker(&m_mutex);
-    Welcome welcome = Welcome::Serve;
+    std::optional<Fault> struck;
     for (Entry &entry : m_entries) {
         const Fault &fault = entry.fault;
-        if (!fault.kind->strikesClients() || !strikesNow(&entry) || welcome != Welcome::Serve)
+        if (!fault.kind->strikesClients() || !strikesNow(&entry) || struck)
             continue;
         if (connected < fault.amount)
             continue;
-        welcome = fault.kind->role == Role::IgnoreClient ? Welcome::Ignore : Welcome::Reset;
         ++entry.count.applied;
-        *text = fault.text;
+        struck = fault;
     }
-    return welcome;
+    return struck;
 }

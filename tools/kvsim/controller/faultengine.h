@@ -21,9 +21,6 @@ struct FaultCount
     quint64 applied = 0;
 };
 
-/// What happens to a new client.
-enum class Welcome { Serve, Ignore, Reset };
-
 /// The faults that are in force. It decides what happens to each command and each new client,
 /// without a socket and without a clock. Safe to use from several threads.
 class FaultEngine
@@ -49,9 +46,8 @@ public:
     Reply reply(const Line &line, const QByteArray &previous, const Profile &profile,
                 Memory *memory);
 
-    /// What happens to a new client while `connected` others are there. `text` becomes the fault
-    /// that is applied, as it was written; it stays as it is when there is none.
-    Welcome welcome(int connected, QByteArray *text);
+    /// The fault that strikes a new client while `connected` others are there.
+    std::optional<Fault> welcome(int connected);
 
 private:
     struct Entry

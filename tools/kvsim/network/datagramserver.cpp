@@ -61,18 +61,18 @@ void appendDatagrams(const QList<Action> &actions, QList<Action> *datagrams)
 
 DatagramServer::DatagramServer(Controller *controller) : m_controller(controller) {}
 
-bool DatagramServer::listen(const QHostAddress &address, quint16 port)
+QString DatagramServer::listen(const QHostAddress &address, quint16 port)
 {
     m_socket = new QUdpSocket(this);
     if (!m_socket->bind(address, port, QAbstractSocket::DontShareAddress)) {
-        m_errorString = m_socket->errorString();
+        const QString error = m_socket->errorString();
         close();
-        return false;
+        return error;
     }
     // Each signal takes one datagram, so that other sockets get their turn. The socket signals
     // again for the next one.
     connect(m_socket, &QUdpSocket::readyRead, this, &DatagramServer::receive);
-    return true;
+    return {};
 }
 
 void DatagramServer::close()

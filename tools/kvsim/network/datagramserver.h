@@ -26,13 +26,11 @@ public:
     /// `controller` must outlive the server.
     explicit DatagramServer(Controller *controller);
 
-    /// Starts to answer. False when that is not possible: `errorString()` then tells why.
-    bool listen(const QHostAddress &address, quint16 port);
+    /// Starts to answer. Returns an empty text, or why that is not possible.
+    QString listen(const QHostAddress &address, quint16 port);
 
     /// Stops answering. Answers that wait to be sent are dropped.
     void close();
-
-    QString errorString() const { return m_errorString; }
 
 Q_SIGNALS:
     /// A fault wants the controller to be away for so long.
@@ -46,7 +44,6 @@ private:
     Controller *m_controller;
     /// Null while the server does not listen. It owns the timers of the answers that wait.
     QUdpSocket *m_socket = nullptr;
-    QString m_errorString;
     /// The proper answer to the last command of any sender.
     QByteArray m_previousAnswer;
     /// Memory taken by answers that wait to be sent.

@@ -1,6 +1,7 @@
 #include "network/server.h"
 
 #include "controller/controller.h"
+#include "controller/faultkind.h"
 #include "network/connection.h"
 
 #include <QTcpSocket>
@@ -14,23 +15,20 @@ Server::Server(Controller *controller, QObject *parent)
             Qt::QueuedConnection);
 }
 
-bool Server::listen(const QHostAddress &address, quint16 port)
+QString Server::listen(const QHostAddress &address, quint16 port)
 {
     // A port that is free for TCP may be in use for UDP.
-    const int attempts = port == 0 ? 20 : 1;
-    for (int i = 0; i < attempts; ++i) {
-        if (!Listener::listen(address, port)) {
-            m_errorString = QTcpServer::errorString();
-            return false;
-        }
-        if (m_datagrams.listen(serverAddress(), serverPort())) {
-            m_controller->endpoint = endpointText(serverAddress(), serverPort());
-            return true;
-        }
-        m_errorString = m_datagrams.errorString() + u" (UDP)";
+    QString error;
+    for (int attempts = port == 0 ? 20 : 1; attempts > 0; --attempts) {
+        if (!Listener::listen(address, port))
+            return errorString();
+        m_controller->endpoint = endpointText(serverAddress(), serverPort());
+        error = m_datagrams.listen(serverAddress(), serverPort());
+        if (error.isEmpty())
+            return {};
         Listener::close();
     }
-    return false;
+    return error + u" (UDP)";
 }
 
 void Server::close()
@@ -49,11 +47,10 @@ void Server::welcome(QTcpSocket *socket)
         m_controller->traced(client, ClientEvent::Closed,
                              byClient ? "closed by the client" : "closed");
     });
-    QByteArray fault;
-    const Welcome welcome = m_controller->faults.welcome(m_connections.size(), &fault);
-    if (!fault.isEmpty())
-        m_controller->traced(client, ClientEvent::Fault, fault);
-    if (welcome == Welcome::Reset) {
+    const std::optional<Fault> fault = m_controller->faults.welcome(m_connections.size());
+    if (fault)
+        m_controller->traced(client, ClientEvent::Fault, fault->text);
+    if (fault && fault->kind->role == FaultKind::Role::RefuseClient) {
         resetConnection(socket);
         socket->deleteLater();
         return;
@@ -65,7 +62,7 @@ void Server::welcome(QTcpSocket *socket)
     connect(connection, &Connection::restartWanted, this, &Server::restart, Qt::QueuedConnection);
     connect(socket, &QTcpSocket::disconnected, this,
             [this, connection] { m_connections.removeOne(connection); });
-    if (welcome == Welcome::Ignore)
+    if (fault)
         connection->ignoreInput();
 }
 
@@ -85,8 +82,9 @@ void Server::restart(int milliseconds)
     away->setTimerType(Qt::PreciseTimer);
     connect(away, &QTimer::timeout, this, [this, away, address, port] {
         away->deleteLater();
-        if (!listen(address, port))
-            Q_EMIT restartFailed();
+        const QString error = listen(address, port);
+        if (!error.isEmpty())
+            Q_EMIT restartFailed(error);
     });
     away->start(milliseconds);
 }

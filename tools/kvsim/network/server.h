@@ -15,18 +15,16 @@ public:
     /// `controller` must outlive the server.
     explicit Server(Controller *controller, QObject *parent = nullptr);
 
-    /// Starts to accept clients; port 0 picks a free one. False when that is not possible:
-    /// `errorString()` then tells why.
-    bool listen(const QHostAddress &address, quint16 port);
+    /// Starts to accept clients; port 0 picks a free one. Returns an empty text, or why that is not
+    /// possible.
+    QString listen(const QHostAddress &address, quint16 port);
 
     /// Stops accepting clients. Those that are connected stay.
     void close();
 
-    QString errorString() const { return m_errorString; }
-
 Q_SIGNALS:
-    /// After a restart the server could not listen again, `errorString()` tells why.
-    void restartFailed();
+    /// After a restart the server could not listen again.
+    void restartFailed(const QString &error);
 
 protected:
     void welcome(QTcpSocket *socket) override;
@@ -36,6 +34,5 @@ private:
 
     Controller *m_controller;
     DatagramServer m_datagrams;
-    QString m_errorString;
     QList<Connection *> m_connections;
 };

@@ -108,10 +108,10 @@ Servers serversOf(const Controllers &controllers)
     for (const auto &controller : controllers) {
         servers.push_back(std::make_unique<Server>(controller.get()));
         const Server *server = servers.back().get();
-        QObject::connect(server, &Server::restartFailed, server, [server] {
+        QObject::connect(server, &Server::restartFailed, server, [](const QString &error) {
             printError(QStringLiteral("cannot listen again after a restart: %1. End what listens "
                                       "on that port.")
-                           .arg(server->errorString()));
+                           .arg(error));
             QCoreApplication::exit(ErrorFound);
         });
     }
@@ -127,9 +127,10 @@ QString startOnce(const Servers &servers, const Controllers &controllers)
         if (port == 0 && place.portOffset && i > 0)
             port = servers.front()->serverPort() + *place.portOffset;
         const auto number = static_cast<quint16>(port);
-        if (port > 65535 || !servers.at(i)->listen(place.address, number))
-            return QString::fromLatin1(endpointText(place.address, number)) + u": "
-                   + servers.at(i)->errorString();
+        const QString error = port > 65535 ? QStringLiteral("there is no such port")
+                                           : servers.at(i)->listen(place.address, number);
+        if (!error.isEmpty())
+            return QString::fromLatin1(endpointText(place.address, number)) + u": " + error;
     }
     return {};
 }
