@@ -77,18 +77,20 @@ void tst_WatchTerminal::redraws()
     TerminalRun watch(text(VELHOST_FILE), arguments(controller, {text("Counter=DM1")}), 24, 100,
                       terminalEnvironment());
     QVERIFY(watch.waitFor(enter + top + "velhost watch, cycle "));
-    QVERIFY(watch.waitFor("Press   Counter  5      0 s         0        0       "));
+    QVERIFY(watch.waitFor("Press   Counter  5      0 s         0        0       0        "));
     QVERIFY(watch.waitFor(end + top + "velhost watch, cycle "));
     QVERIFY(watch.waitFor(end));
     QCOMPARE(watch.output().count(enter), 1);
     const QList<QByteArray> lines = lastDrawing(watch.output());
     QCOMPARE(lines.size(), 4);
     QCOMPARE(lines.at(1).trimmed(),
-             QByteArray("Device  Item     Value  Age  Error  Changes  Errors  Last read"));
-    QVERIFY2(lines.at(2).startsWith("Press                   0 s                  0       "),
-             lines.at(2).constData());
-    QVERIFY2(lines.at(3).startsWith("Press   Counter  5      0 s         0        0       "),
-             lines.at(3).constData());
+             QByteArray("Device  Item     Value  Age  Error  Changes  Errors  Suspect  Last read"));
+    QVERIFY2(
+        lines.at(2).startsWith("Press                   0 s                  0                "),
+        lines.at(2).constData());
+    QVERIFY2(
+        lines.at(3).startsWith("Press   Counter  5      0 s         0        0       0        "),
+        lines.at(3).constData());
     QVERIFY(controller.setWord("DM1", 6));
     QVERIFY(watch.waitFor("expected \"5\"\x1b[0m  1 "));
     QVERIFY(controller.setWord("DM1", 5));

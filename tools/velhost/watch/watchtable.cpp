@@ -36,8 +36,6 @@ constexpr int minimumTextWidth = 8;
 constexpr int valueColumn = 2;
 // The error is the longest text, so it gets the width that the other columns leave.
 constexpr int errorColumn = 4;
-// Left out until an answer is suspect.
-constexpr int suspectColumn = 7;
 constexpr int minimumErrorWidth = 20;
 constexpr int gap = 2;
 
@@ -88,14 +86,6 @@ Row consequenceRow(const WatchedDevice &device)
     return {{visible(device.name), {}, {}, {}, text, {}, {}, {}, {}}, Style::Plain, Style::Problem};
 }
 
-bool anySuspect(const std::vector<WatchedDevice> &devices)
-{
-    return std::any_of(devices.begin(), devices.end(), [](const WatchedDevice &device) {
-        return std::any_of(device.items.begin(), device.items.end(),
-                           [](const WatchedItem &item) { return item.suspects > 0; });
-    });
-}
-
 /// First the errors, then all other rows. What follows from an error is one of these.
 QVector<Row> tableRows(const std::vector<WatchedDevice> &devices, qint64 nowMs, qint64 sinceCycle)
 {
@@ -113,12 +103,7 @@ QVector<Row> tableRows(const std::vector<WatchedDevice> &devices, qint64 nowMs, 
         if (device.consequences > 0)
             rows.append(consequenceRow(device));
     }
-    rows += others;
-    if (!anySuspect(devices)) {
-        for (Row &row : rows)
-            row.cells.removeAt(suspectColumn);
-    }
-    return rows;
+    return rows + others;
 }
 
 /// Leaves the header and the rows whose device or item has that text.
