@@ -1,6 +1,6 @@
 #include <text.h>
 
-#include <cycle/cycletext.h>
+#include <cycle/cycleprinter.h>
 
 #include <QTest>
 

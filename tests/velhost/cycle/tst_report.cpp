@@ -1,4 +1,5 @@
 #include <cycle/report.h>
+#include <host/timetext.h>
 
 #include <QTest>
 #include <QTimeZone>

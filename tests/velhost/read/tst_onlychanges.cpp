@@ -2,7 +2,7 @@
 #include "plantrun.h"
 #include "text.h"
 
-#include <cycle/cycletext.h>
+#include <cycle/cycleprinter.h>
 
 #include <QDateTime>
 #include <QTest>

@@ -6,7 +6,12 @@
 #include <vel/records.h>
 
 #include <QList>
+#include <QString>
 #include <QVector>
+
+/// The devices of one cycle with their items; in CSV without the header. The message of a device
+/// stands before its items. Empty when there is nothing to print.
+QString cycleText(OutputFormat format, const QList<DeviceReport> &devices);
 
 /// Prints cycles to standard output, in JSON and CSV as records.
 class CyclePrinter

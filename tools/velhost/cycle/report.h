@@ -1,7 +1,5 @@
 #pragma once
 
-#include "host/timetext.h"
-
 #include <QDateTime>
 #include <QList>
 #include <QString>

@@ -1,5 +1,7 @@
 #include "watch/outages.h"
 
+#include "host/timetext.h"
+
 #include <common/json/json.h>
 #include <common/table.h>
 #include <common/visibletext.h>

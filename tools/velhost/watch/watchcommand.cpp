@@ -8,7 +8,6 @@
 #include "watch/watchsummary.h"
 #include "watch/watchview.h"
 
-#include <QDeadlineTimer>
 #include <QElapsedTimer>
 
 #include <algorithm>

@@ -5,6 +5,7 @@
 #include "cycle/cycle.h"
 #include "cycle/cycleprinter.h"
 #include "host/stopsignals.h"
+#include "host/timetext.h"
 #include "plant/samevalue.h"
 
 #include <common/csv.h>
