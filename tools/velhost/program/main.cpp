@@ -55,7 +55,7 @@ int main(int argc, char *argv[])
         qputenv("TZ", ":/etc/localtime");
     QCoreApplication application(argc, argv);
     // The messages of the system must be English: they are shown among English ones, and
-    // loadfailure.cpp looks for their words.
+    // pluginfile.cpp looks for their words.
     std::setlocale(LC_MESSAGES, "C");
     QCoreApplication::setApplicationName(QStringLiteral("velhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELHOST_VERSION));
