@@ -57,18 +57,19 @@ QString explanationJson(const KnownError &error)
                                     {"seen_in", places}});
 }
 
-void printTable(const QList<KnownError> &errors)
+void printExplanations(const QList<KnownError> &errors, OutputFormat format)
 {
+    const bool isJson = format == OutputFormat::Json;
     QStringList parts;
-    if (errors.size() > 1)
+    if (errors.size() > 1 && !isJson)
         parts.append(
             wrappedText(QStringLiteral("The text has %1 meanings; the whole log entry tells "
                                        "which one it has.")
                             .arg(errors.size()),
                         {}));
     for (const KnownError &error : errors)
-        parts.append(explanationText(error));
-    print(stdout, parts.join(u'\n'));
+        parts.append(isJson ? explanationJson(error) : explanationText(error));
+    print(stdout, parts.join(isJson ? QString() : QStringLiteral("\n")));
 }
 
 void printUnknown(const QString &text, const QStringList &nearest, OutputFormat format)
@@ -98,12 +99,7 @@ ExitCode explainText(const QString &text, const QList<KnownError> &catalogue, Ou
         printUnknown(text, nearestTexts(text, catalogue), format);
         return ErrorFound;
     }
-    if (format != OutputFormat::Json) {
-        printTable(errors);
-        return AllWell;
-    }
-    for (const KnownError &error : errors)
-        print(stdout, explanationJson(error));
+    printExplanations(errors, format);
     return AllWell;
 }
 
