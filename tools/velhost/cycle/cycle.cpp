@@ -111,15 +111,14 @@ DeviceReport readDevice(const Session &session, LogList *list, qint64 cycle)
     const qint64 nanoseconds = sinceCall.nsecsElapsed();
     const QMap<int, QString> suspects = endCall(session, *list, cycle);
     DeviceReport result = reportOf(*list, cycle);
-    for (auto suspect = suspects.begin(); suspect != suspects.end(); ++suspect) {
-        if (suspect.key() >= 0)
-            result.values[suspect.key()].suspect = suspect.value();
-    }
     result.microseconds = nanoseconds / 1000;
     if (!done && result.error.isEmpty())
         result.error = QStringLiteral("readData() returned false");
-    // When the device does not answer, the plug-in sets no error on the items that it did not try.
-    for (ItemReport &item : result.values) {
+    for (int i = 0; i < result.values.size(); ++i) {
+        ItemReport &item = result.values[i];
+        item.suspect = suspects.value(i);
+        // When the device does not answer, the plug-in sets no error on the items that it did not
+        // try.
         const bool failed = !result.error.isEmpty() || !item.error.isEmpty();
         item.isOld = failed && !item.value.isEmpty();
     }
