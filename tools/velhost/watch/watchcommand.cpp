@@ -37,38 +37,27 @@ public:
             m_view = std::make_unique<WatchView>(&m_state, session.log);
     }
 
-    /// Runs until a signal comes, whose number it returns, or until the time is over, then 0. An
-    /// error of standard output ends it, too: nobody would see the output.
-    int run(StopSignals *stopSignals)
+    /// Runs until a signal comes or until the time is over. An error of standard output ends it,
+    /// too: nobody would see the output.
+    ExitCode run()
     {
         const QElapsedTimer &clock = m_state.clock;
         const qint64 endMs = qint64(1000) * m_arguments.number(forOption, 0);
-        for (qint64 cycle = 1;; ++cycle) {
+        int signal = 0;
+        bool isOver = false;
+        for (qint64 cycle = 1; signal == 0 && !isOver; ++cycle) {
             const qint64 startMs = clock.elapsed();
             readCycle(cycle);
             const qint64 nextMs = startMs + m_state.intervalMs;
             const qint64 untilMs = endMs > 0 ? std::min(nextMs, endMs) : nextMs;
-            const int signal = stopSignals->wait(untilMs - clock.elapsed());
-            const bool isOver = endMs > 0 && clock.elapsed() >= endMs;
-            if (signal != 0 || isOver || std::ferror(stdout) != 0)
-                return signal;
+            signal = m_stopSignals.wait(untilMs - clock.elapsed());
+            isOver = (endMs > 0 && clock.elapsed() >= endMs) || std::ferror(stdout) != 0;
         }
+        finish();
+        if (signal != 0)
+            return exitCodeOf(signal);
+        return m_isAllWell ? AllWell : ErrorFound;
     }
-
-    /// Closes the view and prints the outages and the summary.
-    void finish()
-    {
-        m_view.reset();
-        m_session.log->printPendingCounts();
-        const OutputFormat format = m_arguments.format;
-        const bool isJson = format == OutputFormat::Json;
-        QString text = outageText(format, m_state.outages);
-        if (!isJson && !text.isEmpty())
-            text += u'\n';
-        print(isJson ? stdout : stderr, text + summaryText(format, m_state.devices));
-    }
-
-    bool isAllWell() const { return m_isAllWell; }
 
 private:
     void readCycle(qint64 cycle)
@@ -98,18 +87,30 @@ private:
 
     void endCall(WatchedDevice *device, const DeviceReport &report)
     {
-        {
-            const std::lock_guard lock(m_state.mutex);
-            addReport(report, m_state.clock.elapsed(), device);
-            addRead(device->name, report.time, device->outageCause(), &m_state.outages);
-            m_state.log = m_session.log->latest();
-            m_state.cycle = report.cycle;
-            m_state.called = nullptr;
-        }
-        if (m_view)
-            m_view->update();
+        const std::lock_guard lock(m_state.mutex);
+        addReport(report, m_state.clock.elapsed(), device);
+        addRead(device->name, report.time, device->outageCause(), &m_state.outages);
+        m_state.log = m_session.log->latest();
+        m_state.cycle = report.cycle;
+        m_state.called = nullptr;
+        m_state.hasUpdate = true;
     }
 
+    /// Closes the view and prints the outages and the summary.
+    void finish()
+    {
+        m_view.reset();
+        m_session.log->printPendingCounts();
+        const OutputFormat format = m_arguments.format;
+        const bool isJson = format == OutputFormat::Json;
+        QString text = outageText(format, m_state.outages);
+        if (!isJson && !text.isEmpty())
+            text += u'\n';
+        print(isJson ? stdout : stderr, text + summaryText(format, m_state.devices));
+    }
+
+    /// Before the view, whose thread takes no signals.
+    StopSignals m_stopSignals;
     const Arguments &m_arguments;
     const Session &m_session;
     QList<LogList> m_lists;
@@ -119,17 +120,6 @@ private:
     bool m_isAllWell = true;
 };
 
-ExitCode watch(const Session &session, const Arguments &arguments)
-{
-    StopSignals stopSignals;
-    Watch watch(session, arguments);
-    const int signal = watch.run(&stopSignals);
-    watch.finish();
-    if (signal != 0)
-        return exitCodeOf(signal);
-    return watch.isAllWell() ? AllWell : ErrorFound;
-}
-
 ExitCode runWatch(const Arguments &arguments)
 {
     const std::optional<Plant> plant = readPlant(arguments);
@@ -137,7 +127,8 @@ ExitCode runWatch(const Arguments &arguments)
         return WrongUsage;
     SessionSetup setup = sessionSetup(arguments, *plant);
     setup.wire.isOn = true;
-    return runSession(setup, [&](const Session &session) { return watch(session, arguments); });
+    return runSession(setup,
+                      [&](const Session &session) { return Watch(session, arguments).run(); });
 }
 
 } // namespace

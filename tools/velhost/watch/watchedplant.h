@@ -11,6 +11,7 @@
 #include <QList>
 #include <QString>
 
+#include <atomic>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -73,6 +74,8 @@ struct WatchedDevice
 /// The watch as far as its view shows it.
 struct WatchState
 {
+    /// Whether it should be drawn soon.
+    std::atomic<bool> hasUpdate = false;
     /// Must be held to change or to show what follows.
     std::mutex mutex;
     std::vector<WatchedDevice> devices;

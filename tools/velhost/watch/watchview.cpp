@@ -74,7 +74,7 @@ WatchView::~WatchView()
 void WatchView::run()
 {
     while (!m_isEnding) {
-        const qint64 dueMs = m_drawnMs + (m_hasUpdate ? minimumRedrawMs : maximumRedrawMs);
+        const qint64 dueMs = m_drawnMs + (m_state->hasUpdate ? minimumRedrawMs : maximumRedrawMs);
         if (m_state->clock.elapsed() >= dueMs)
             draw();
         pollfd keyboard{m_screen->keyboard(), POLLIN, 0};
@@ -84,13 +84,13 @@ void WatchView::run()
         // As Ctrl+C would.
         if (applyKeys(QString::fromUtf8(m_screen->takeKeys()), &m_wish))
             ::kill(::getpid(), SIGINT);
-        m_hasUpdate = true;
+        m_state->hasUpdate = true;
     }
 }
 
 void WatchView::draw()
 {
-    m_hasUpdate = false;
+    m_state->hasUpdate = false;
     QString lines;
     {
         const std::lock_guard lock(m_state->mutex);

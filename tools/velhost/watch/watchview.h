@@ -22,9 +22,6 @@ public:
     WatchView(const WatchView &) = delete;
     WatchView &operator=(const WatchView &) = delete;
 
-    /// Tells the view that the state has changed, so that it draws soon.
-    void update() { m_hasUpdate = true; }
-
 private:
     void run();
     void draw();
@@ -36,7 +33,6 @@ private:
     bool m_hasColour;
     WatchWish m_wish;
     std::atomic<bool> m_isEnding = false;
-    std::atomic<bool> m_hasUpdate = false;
     /// The first drawing is due immediately.
     qint64 m_drawnMs;
     /// The last cycle that was drawn, and the one that was drawn before it: what has changed since
