@@ -31,20 +31,15 @@ QList<JsonMember> optionMembers(const PluginInitOptions &options)
             {"unused11", QJsonObject::fromVariantMap(options.unused11)}};
 }
 
-struct ScopedColumn
-{
-    QString scope;
-    Column column;
-};
-
-QList<ScopedColumn> allColumns(const PluginRegistration &registration)
+/// Each with its scope.
+QList<std::pair<QString, Column>> allColumns(const PluginRegistration &registration)
 {
     const QList<std::pair<QString, QList<Column>>> scopes{
         {QStringLiteral("plugin"), registration.pluginColumns},
         {QStringLiteral("item"), registration.itemColumns},
         {QStringLiteral("device"), registration.deviceColumns},
         {QStringLiteral("file"), registration.fileColumns}};
-    QList<ScopedColumn> all;
+    QList<std::pair<QString, Column>> all;
     for (const auto &[scope, columns] : scopes) {
         for (const Column &column : columns)
             all.append({scope, column});
@@ -61,13 +56,12 @@ QString pluginJson(const LoadedPlugin &plugin, const PluginRegistration &registr
                                {"identifier", QStringLiteral(VELInterface_iid)}});
 }
 
-QString columnJson(const ScopedColumn &scoped)
+QString columnJson(const QString &scope, const Column &column)
 {
-    const Column &column = scoped.column;
     QJsonArray selection;
     for (const Column::SelectionValue &entry : column.selectionValues)
         selection.append(QJsonArray{entry.text, entry.value});
-    return jsonLine("column", {{"scope", scoped.scope},
+    return jsonLine("column", {{"scope", scope},
                                {"name", column.name},
                                {"type_code", column.type},
                                {"int", column.intValue},
@@ -98,7 +92,7 @@ QString columnsTable(const PluginRegistration &registration)
 {
     QList<QStringList> rows{
         QStringLiteral("Scope Name Type Int Default Selection Description").split(u' ')};
-    const QList<ScopedColumn> all = allColumns(registration);
+    const auto all = allColumns(registration);
     for (const auto &[scope, column] : all) {
         QStringList selection;
         for (const Column::SelectionValue &entry : column.selectionValues)
@@ -120,9 +114,9 @@ QString columnsText(OutputFormat format, const LoadedPlugin &plugin,
     if (format == OutputFormat::Table)
         return pluginTable(plugin, registration) + u'\n' + columnsTable(registration);
     QString lines = pluginJson(plugin, registration);
-    const QList<ScopedColumn> all = allColumns(registration);
-    for (const ScopedColumn &column : all)
-        lines += columnJson(column);
+    const auto all = allColumns(registration);
+    for (const auto &[scope, column] : all)
+        lines += columnJson(scope, column);
     return lines;
 }
 
