@@ -29,16 +29,6 @@ QString controllerJson(const Finding &finding)
                                    {"answer", finding.identity.text}});
 }
 
-QString deviceJson(int id, const Finding &finding)
-{
-    const QJsonObject parameters{{QStringLiteral("port"), QString::number(finding.port)}};
-    return jsonObject({{"id", id},
-                       {"name", finding.place()},
-                       {"ip", QHostAddress(finding.address).toString()},
-                       {"parameters", parameters},
-                       {"items", QJsonArray()}});
-}
-
 } // namespace
 
 QString controllersText(OutputFormat format, const Findings &findings)
@@ -104,7 +94,12 @@ QByteArray plantJson(const SearchArea &area, const Findings &findings)
         if (!finding.isController() || names.contains(finding.place()))
             continue;
         names.append(finding.place());
-        devices.append(deviceJson(names.size(), finding));
+        const QJsonObject parameters{{QStringLiteral("port"), QString::number(finding.port)}};
+        devices.append(jsonObject({{"id", names.size()},
+                                   {"name", finding.place()},
+                                   {"ip", QHostAddress(finding.address).toString()},
+                                   {"parameters", parameters},
+                                   {"items", QJsonArray()}}));
     }
     const QString interfaces = jsonText(QJsonArray::fromStringList(area.interfaces));
     const QString text = u"{\n  \"networkInterfaces\": " + interfaces + u",\n  \"devices\": [\n    "

@@ -172,18 +172,15 @@ QString planJson(const Plan &plan, int rttMs)
     return text;
 }
 
-/// A row for each command line, the error in the first one.
+/// A row for each command line, at least one; the error in the first one.
 void appendItemRows(const PlannedItem &item, QList<QStringList> *rows)
 {
-    const QStringList names{visible(item.device), visible(item.item), item.operation};
-    if (item.lines.isEmpty())
-        rows->append(names + QStringList{{}, {}, visible(item.error)});
-    for (int i = 0; i < item.lines.size(); ++i) {
-        const QByteArray &line = item.lines.at(i);
-        rows->append(names
-                     + QStringList{QString::number(wordCount(line)),
-                                   visible(QString::fromLocal8Bit(line)),
-                                   i == 0 ? visible(item.error) : QString()});
+    for (int i = 0; i == 0 || i < item.lines.size(); ++i) {
+        const QByteArray line = item.lines.value(i);
+        rows->append({visible(item.device), visible(item.item), item.operation,
+                      line.isEmpty() ? QString() : QString::number(wordCount(line)),
+                      visible(QString::fromLocal8Bit(line)),
+                      i == 0 ? visible(item.error) : QString()});
     }
 }
 

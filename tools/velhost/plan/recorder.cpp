@@ -101,11 +101,8 @@ DeviceInstancePlugin redirectedWhereValid(const DeviceInstancePlugin &device, qu
     DeviceInstancePlugin result = redirected(device, port);
     if (!isDottedQuad(device.ipAddress))
         result.ipAddress = device.ipAddress;
-    const auto original = device.parameters.constFind(portKey);
-    if (original == device.parameters.constEnd())
-        result.parameters.remove(portKey);
-    else if (!digit.match(*original).hasMatch())
-        result.parameters.insert(portKey, *original);
+    if (!device.parameters.value(portKey).contains(digit))
+        result.parameters = device.parameters;
     return result;
 }
 

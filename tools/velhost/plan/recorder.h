@@ -43,8 +43,8 @@ private:
 /// becomes 10 seconds.
 DeviceInstancePlugin redirected(DeviceInstancePlugin device, quint16 port);
 
-/// The same, but keeps an address that is not four numbers from 0 to 255 and a port that holds no
-/// digit. So the plug-in can refuse these without any connection to the plant.
+/// The same, but keeps an address that is not four numbers from 0 to 255, and the parameters with a
+/// port that holds no digit. So the plug-in can refuse these without any connection to the plant.
 DeviceInstancePlugin redirectedWhereValid(const DeviceInstancePlugin &device, quint16 port);
 
 /// How many words or bits a command line reads or writes; 0 when it does neither.
