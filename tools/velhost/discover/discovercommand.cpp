@@ -24,6 +24,23 @@ QString plantFileError(const Arguments &arguments)
     return outputFileError(arguments.plantFile);
 }
 
+QString searchText(const SearchPlan &plan)
+{
+    return QStringLiteral("asking %1 addresses by UDP at %2 ports, then %3 by TCP at %4, for at "
+                          "most %5 ms")
+        .arg(QString::number(addressCount(plan.area.udp)), QString::number(plan.udpPorts.size()),
+             QString::number(addressCount(plan.area.tcp)), QString::number(plan.tcpPorts.size()),
+             QString::number(plan.timeoutMs));
+}
+
+QString progressText(const Search &search)
+{
+    return QStringLiteral("%1 of %2 asked by TCP, %3 controllers found")
+        .arg(search.tcp().asked)
+        .arg(search.tcp().count())
+        .arg(search.findings().controllerCount());
+}
+
 /// Runs the search until its end or a signal. Returns the signal's number, or 0. On a terminal it
 /// shows the progress in one line.
 int runToEnd(Search *search)

@@ -68,23 +68,6 @@ QStringList nonControllerTexts(const Findings &findings)
     return texts;
 }
 
-QString searchText(const SearchPlan &plan)
-{
-    return QStringLiteral("asking %1 addresses by UDP at %2 ports, then %3 by TCP at %4, for at "
-                          "most %5 ms")
-        .arg(QString::number(addressCount(plan.area.udp)), QString::number(plan.udpPorts.size()),
-             QString::number(addressCount(plan.area.tcp)), QString::number(plan.tcpPorts.size()),
-             QString::number(plan.timeoutMs));
-}
-
-QString progressText(const Search &search)
-{
-    return QStringLiteral("%1 of %2 asked by TCP, %3 controllers found")
-        .arg(search.tcp().asked)
-        .arg(search.tcp().count())
-        .arg(search.findings().controllerCount());
-}
-
 QByteArray plantJson(const SearchArea &area, const Findings &findings)
 {
     QStringList devices;

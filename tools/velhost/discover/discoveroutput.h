@@ -14,12 +14,6 @@ QString controllersText(OutputFormat format, const Findings &findings);
 /// protocol or kvsim takes its control commands there.
 QStringList nonControllerTexts(const Findings &findings);
 
-/// What the search will ask, printed before it starts.
-QString searchText(const SearchPlan &plan);
-
-/// The progress of the search in one line.
-QString progressText(const Search &search);
-
 /// A plant file with the controllers as devices without items, each named after its address and
 /// port.
 QByteArray plantJson(const SearchArea &area, const Findings &findings);
