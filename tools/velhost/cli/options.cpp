@@ -8,8 +8,6 @@ constexpr int maximumIntervalMs = 24 * 60 * 60 * 1000;
 constexpr int defaultIntervalMs = 1000;
 const QString plantName = QStringLiteral("plant");
 const QString onlyChangesName = QStringLiteral("only-changes");
-const QString traceName = QStringLiteral("trace");
-const QString traceFileName = QStringLiteral("trace-file");
 const QString intervalName = QStringLiteral("interval");
 
 /// The help of `--format`; names all formats when the list is empty.
@@ -88,18 +86,12 @@ Option onlyChangesOption(const QString &addition)
 
 QList<Option> traceOptions()
 {
-    return {{traceName,
+    return {{traceOption,
              {},
              QStringLiteral("print what is sent and received, and which answers cannot be what was "
                             "asked for")},
-            {traceFileName, QStringLiteral("FILE"),
+            {traceFileOption, QStringLiteral("FILE"),
              QStringLiteral("write the same to a file, for velhost wire and kvsim --replay")}};
-}
-
-WireSetup wireSetup(const Arguments &arguments)
-{
-    return {arguments.has(traceName) || arguments.has(traceFileName), arguments.has(traceName),
-            arguments.value(traceFileName)};
 }
 
 bool printsOnlyChanges(const Arguments &arguments)

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "cli/command.h"
-#include "host/wireoutput.h"
 
 // The options of plantOptions().
 inline const QString ipOption = QStringLiteral("ip");
 inline const QString deviceOption = QStringLiteral("device");
 inline const QString itemOption = QStringLiteral("item");
+// Those of traceOptions().
+inline const QString traceOption = QStringLiteral("trace");
+inline const QString traceFileOption = QStringLiteral("trace-file");
 
 /// What every command with a plant takes, to name a part of one or something in its place.
 QList<Option> plantOptions();
@@ -25,9 +27,6 @@ Option onlyChangesOption(const QString &addition = {});
 
 /// `--trace` and `--trace-file`, for the commands that exchange something with controllers.
 QList<Option> traceOptions();
-
-/// What they ask for.
-WireSetup wireSetup(const Arguments &arguments);
 
 /// Whether `--only-changes` was given.
 bool printsOnlyChanges(const Arguments &arguments);

@@ -103,6 +103,7 @@ SessionSetup sessionSetup(const Arguments &arguments, const Plant &plant)
 {
     SessionSetup setup{arguments.value(QStringLiteral("plugin")), arguments.format, plant,
                        arguments.plantFile};
-    setup.wire = wireSetup(arguments);
+    setup.wire = {arguments.has(traceOption) || arguments.has(traceFileOption),
+                  arguments.has(traceOption), arguments.value(traceFileOption)};
     return setup;
 }
