@@ -35,14 +35,6 @@ QString choice(const QStringList &words)
     return words.mid(0, words.size() - 1).join(QStringLiteral(", ")) + u" or " + words.last();
 }
 
-QStringList namesOf(const QList<Command> &commands)
-{
-    QStringList names;
-    for (const Command &command : commands)
-        names.append(command.name);
-    return names;
-}
-
 /// Returns what is wrong with an option that was given; empty when nothing is.
 QString optionError(const Option &option, const QCommandLineParser &parser)
 {
@@ -163,7 +155,9 @@ std::optional<Request> parseCommandLine(const QStringList &arguments,
         words.removeFirst();
     if (words.isEmpty() && asksForHelp)
         return Request{Request::Action::Help, nullptr, {}};
-    const QStringList names = namesOf(commands);
+    QStringList names;
+    for (const Command &command : commands)
+        names.append(command.name);
     const int index = words.isEmpty() ? -1 : names.indexOf(words.first());
     if (index < 0) {
         const QString fault = words.isEmpty() ? QStringLiteral("no command given")

@@ -10,8 +10,7 @@
 
 #include <limits>
 
-// A function that takes a `place` adds what is wrong there to `errors` and returns an empty value,
-// so that one run finds all errors of a file. With any error the caller must not use the plant.
+// The functions with a `place` are as those of jsonplace.h.
 
 namespace {
 
