@@ -10,7 +10,8 @@
 
 #include <limits>
 
-// The functions with a `place` are as those of jsonplace.h.
+// The functions with a `place` are as those of jsonplace.h. With any error the caller must not use
+// the plant.
 
 namespace {
 
