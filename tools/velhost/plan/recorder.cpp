@@ -11,7 +11,7 @@
 namespace {
 
 // The connection of a plug-in that sends a longer line is closed.
-constexpr qint64 maximumLine = 65'536;
+constexpr qint64 maximumCommand = 65'536;
 constexpr int maximumWords = 65536;
 // More than any controller gives in one answer, and few enough to arrive in one piece: what arrives
 // later, a plug-in may take for the answer to its next command.
@@ -66,10 +66,10 @@ void Recorder::setWords(const QByteArray &words)
 void Recorder::answer(QTcpSocket *socket)
 {
     for (;;) {
-        const QByteArray waiting = socket->peek(maximumLine);
+        const QByteArray waiting = socket->peek(maximumCommand);
         const int end = waiting.indexOf('\r');
         if (end < 0) {
-            if (waiting.size() == maximumLine)
+            if (waiting.size() == maximumCommand)
                 socket->abort();
             return;
         }
