@@ -57,22 +57,18 @@ void setParameters(const ParameterTexts &parameters, const QList<Column> &column
                    const QString &scope, const QString &place, QList<Problem> *errors,
                    QMap<QString, QString> *record)
 {
-    for (const Column &column : columns) {
-        const auto text = parameters.constFind(column.name);
-        if (text == parameters.constEnd())
-            continue;
-        record->remove(column.name);
-        if (!*text)
-            continue;
-        if (const std::optional<QString> value = valueFor(**text, column))
-            record->insert(column.name, *value);
-        else
-            errors->append({{}, place + u'.' + column.name, notOfferedError(**text, column)});
-    }
     for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter) {
         const QString &name = parameter.key();
-        if (columnNamed(name, columns) == nullptr)
-            errors->append({{}, place + u'.' + name, unknownParameterError(columns, scope)});
+        const std::optional<QString> &text = parameter.value();
+        const QString parameterPlace = place + u'.' + name;
+        record->remove(name);
+        const Column *const column = columnNamed(name, columns);
+        if (column == nullptr)
+            errors->append({{}, parameterPlace, unknownParameterError(columns, scope)});
+        else if (const auto value = text ? valueFor(*text, *column) : std::nullopt)
+            record->insert(name, *value);
+        else if (text)
+            errors->append({{}, parameterPlace, notOfferedError(*text, *column)});
     }
 }
 
