@@ -76,7 +76,7 @@ QString plainKey(const QByteArray &string)
 {
     return string.contains('\\')
                ? QJsonDocument::fromJson('[' + string + ']').array().at(0).toString()
-               : QString::fromUtf8(string.mid(1, string.size() - 2));
+               : QString::fromUtf8(string.constData() + 1, string.size() - 2);
 }
 
 /// Adds a problem for each key that its object already has: QJsonDocument silently keeps one of
