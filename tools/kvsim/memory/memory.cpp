@@ -17,9 +17,8 @@ quint16 freshValue(Address address)
 /// The number as the controller holds it.
 quint16 limited(DeviceKind kind, qint64 number)
 {
-    if (kind == DeviceKind::Bit)
-        return static_cast<quint16>(qBound<qint64>(0, number, 1));
-    return static_cast<quint16>(qBound<qint64>(-32768, number, 65535));
+    const qint64 lowest = kind == DeviceKind::Bit ? 0 : -32768;
+    return static_cast<quint16>(qBound<qint64>(lowest, number, maximumValue(kind)));
 }
 
 } // namespace

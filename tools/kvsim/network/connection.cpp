@@ -46,13 +46,6 @@ void Connection::ignoreInput()
     connect(m_socket, &QTcpSocket::readyRead, m_socket, [this] { m_socket->skip(receiveLimit); });
 }
 
-void Connection::abort()
-{
-    m_pendingActions.clear();
-    m_nextActionTimer.stop();
-    m_socket->abort();
-}
-
 void Connection::serve()
 {
     performPending();

@@ -26,9 +26,6 @@ public:
     /// Throws away everything that the client sends from now on.
     void ignoreInput();
 
-    /// Closes the connection at once. Answers that wait are not sent.
-    void abort();
-
 Q_SIGNALS:
     /// A fault wants the controller to be away for so long.
     void restartWanted(int milliseconds);

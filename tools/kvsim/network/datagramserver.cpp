@@ -18,11 +18,6 @@ QByteArray clientOf(const QNetworkDatagram &question)
            + "/udp";
 }
 
-bool wantsRestart(const Reply &reply)
-{
-    return !reply.actions.isEmpty() && reply.actions.constFirst().kind == Action::Kind::Restart;
-}
-
 /// Cuts a datagram into command lines, as LineBuffer does with a stream, but the end of the
 /// datagram ends a line too. More than DatagramServer::maximumCommands are no commands: they are
 /// one line that is too long.
@@ -91,8 +86,9 @@ void DatagramServer::receive()
     QList<Action> datagrams;
     for (const Line &line : lines) {
         const Reply answer = replyTo(client, line, m_controller, &m_previousAnswer);
-        if (wantsRestart(answer)) {
-            Q_EMIT restartWanted(answer.actions.constFirst().milliseconds);
+        const Action first = answer.actions.value(0);
+        if (first.kind == Action::Kind::Restart) {
+            Q_EMIT restartWanted(first.milliseconds);
             break;
         }
         if (answer.detached)

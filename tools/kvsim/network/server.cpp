@@ -46,8 +46,9 @@ void Server::welcome(QTcpSocket *socket)
         const bool byClient = socket->error() == QAbstractSocket::RemoteHostClosedError;
         m_controller->traced(client, ClientEvent::Closed,
                              byClient ? "closed by the client" : "closed");
+        m_clients.removeOne(socket);
     });
-    const std::optional<Fault> fault = m_controller->faults.welcome(m_connections.size());
+    const std::optional<Fault> fault = m_controller->faults.welcome(m_clients.size());
     if (fault)
         m_controller->traced(client, ClientEvent::Fault, fault->text);
     if (fault && fault->kind->role == FaultKind::Role::RefuseClient) {
@@ -56,12 +57,10 @@ void Server::welcome(QTcpSocket *socket)
         return;
     }
 
+    m_clients.append(socket);
     auto *connection = new Connection(socket, m_controller, this);
-    m_connections.append(connection);
     // Queued: the connection is still busy with the command.
     connect(connection, &Connection::restartWanted, this, &Server::restart, Qt::QueuedConnection);
-    connect(socket, &QTcpSocket::disconnected, this,
-            [this, connection] { m_connections.removeOne(connection); });
     if (fault)
         connection->ignoreInput();
 }
@@ -74,9 +73,9 @@ void Server::restart(int milliseconds)
     const QHostAddress address = serverAddress();
     const quint16 port = serverPort();
     close();
-    const QList<Connection *> connections = m_connections;
-    for (Connection *connection : connections)
-        connection->abort();
+    const QList<QTcpSocket *> clients = m_clients;
+    for (QTcpSocket *client : clients)
+        client->abort();
     auto *away = new QTimer(this);
     away->setSingleShot(true);
     away->setTimerType(Qt::PreciseTimer);

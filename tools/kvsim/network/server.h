@@ -3,7 +3,6 @@
 #include "network/datagramserver.h"
 #include "network/listener.h"
 
-class Connection;
 struct Controller;
 
 /// Serves one controller to any number of TCP clients, and over UDP on the same port.
@@ -34,5 +33,5 @@ private:
 
     Controller *m_controller;
     DatagramServer m_datagrams;
-    QList<Connection *> m_connections;
+    QList<QTcpSocket *> m_clients;
 };

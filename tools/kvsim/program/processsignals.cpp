@@ -29,12 +29,12 @@ void interrupt(int signal)
 
 } // namespace
 
-bool handleSignals(QCoreApplication *application, const std::function<void()> &report)
+bool handleSignals(const std::function<void()> &report)
 {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int signal : {SIGTERM, SIGUSR1})
-        sigaddset(&signals, signal);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGUSR1);
     if (!isIgnored(SIGHUP))
         sigaddset(&signals, SIGHUP);
     struct sigaction action = {};
@@ -48,8 +48,9 @@ bool handleSignals(QCoreApplication *application, const std::function<void()> &r
     if (descriptor < 0)
         return false;
 
-    auto *notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, application);
-    QObject::connect(notifier, &QSocketNotifier::activated, application, [descriptor, report] {
+    auto *notifier
+        = new QSocketNotifier(descriptor, QSocketNotifier::Read, QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [descriptor, report] {
         signalfd_siginfo signal{};
         if (::read(descriptor, &signal, sizeof signal) != sizeof signal)
             return;

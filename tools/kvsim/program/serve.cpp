@@ -226,7 +226,7 @@ ExitCode serve(const Options &options)
         return WrongUsage;
     const auto report
         = [&controllers] { std::fputs(countersText(controllers).constData(), stderr); };
-    if (!handleSignals(QCoreApplication::instance(), report)) {
+    if (!handleSignals(report)) {
         printError(u"cannot catch signals: " + qt_error_string(errno));
         return ErrorFound;
     }
