@@ -17,15 +17,11 @@ using Role = FaultKind::Role;
 std::optional<Range> rangeOf(const QByteArray &line)
 {
     const QList<QByteArray> fields = line.simplified().split(' ');
-    if (fields.size() < 2)
-        return std::nullopt;
-    const std::optional<Address> first = parseAddress(fields.at(1));
+    const std::optional<Address> first = parseAddress(fields.value(1));
     if (!first)
         return std::nullopt;
-    const bool counted = fields.first().endsWith('S') && fields.size() > 2;
-    const std::optional<quint32> count
-        = counted ? parseNumber(fields.at(2), 10) : std::make_optional(1U);
-    return Range{*first, count.value_or(1)};
+    const QByteArray count = fields.first().endsWith('S') ? fields.value(2) : QByteArray();
+    return Range{*first, parseNumber(count, 10).value_or(1)};
 }
 
 bool fits(const Fault &fault, const std::optional<Range> &range)

@@ -53,10 +53,8 @@ void beginCommands(const QByteArray &bytes, Course *course)
 
 void take(const TraceEvent &event, bool withDelays, Courses *courses, Controllers *controllers)
 {
-    static const QStringList known{QStringLiteral("connect"),  QStringLiteral("sent"),
-                                   QStringLiteral("received"), QStringLiteral("timeout"),
-                                   QStringLiteral("closed"),   QStringLiteral("reset"),
-                                   QStringLiteral("shutdown"), QStringLiteral("close")};
+    static const QStringList known
+        = QStringLiteral("connect sent received timeout closed reset shutdown close").split(u' ');
     if (!known.contains(event.name))
         return;
     const QPair<qint64, qint64> key(event.process, event.connection);

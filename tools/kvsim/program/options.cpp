@@ -108,7 +108,7 @@ QString readListening(const QCommandLineParser &parser, Options *options)
     if (parser.isSet(QStringLiteral("plant"))
         && place.address.protocol() != QAbstractSocket::IPv4Protocol)
         return QStringLiteral("'%1' is no address for a plant; write --bind with an IPv4 address.")
-            .arg(bind);
+            .arg(place.address.toString());
     options->hasPort = parser.isSet(QStringLiteral("port"));
     const QString error = readPort(parser, QStringLiteral("port"), &place.port);
     if (!error.isEmpty() || !parser.isSet(QStringLiteral("control")))
