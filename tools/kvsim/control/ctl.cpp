@@ -38,11 +38,11 @@ ExitCode askSimulator(quint16 port, const QString &command)
 {
     QTcpSocket socket;
     socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-    const bool connected = socket.waitForConnected(timeout);
-    if (connected)
+    QByteArray answer;
+    if (socket.waitForConnected(timeout)) {
         socket.write(command.toUtf8() + '\n');
-    const QByteArray answer
-        = connected ? readAnswer(&socket, command.endsWith(u"counters")) : QByteArray();
+        answer = readAnswer(&socket, command.endsWith(u"counters"));
+    }
     if (answer.isEmpty()) {
         printError(QStringLiteral("no answer from 127.0.0.1:%1: %2. Start the simulator with "
                                   "--control %1, or choose another --port.")

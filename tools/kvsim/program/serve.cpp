@@ -25,6 +25,12 @@ namespace {
 
 using Servers = std::vector<std::unique_ptr<Server>>;
 
+ExitCode failed(const QString &error)
+{
+    printError(error);
+    return ErrorFound;
+}
+
 /// Writes what happens to clients to standard error. Where there are several controllers, the name
 /// of the one that it concerns stands before the client.
 void traceClients(const Controllers &controllers)
@@ -161,22 +167,16 @@ ExitCode listen(const Options &options, const QJsonObject &plant, const Controll
         lines += "listening " + controller->endpoint + '\n';
     if (options.control) {
         const QHostAddress loopback(QHostAddress::LocalHost);
-        if (!control->listen(loopback, *options.control)) {
-            printError(QStringLiteral("cannot listen on %1: %2. Choose another --control.")
-                           .arg(QString::fromLatin1(endpointText(loopback, *options.control)),
-                                control->errorString()));
-            return ErrorFound;
-        }
+        if (!control->listen(loopback, *options.control))
+            return failed(QStringLiteral("cannot listen on %1: %2. Choose another --control.")
+                              .arg(QString::fromLatin1(endpointText(loopback, *options.control)),
+                                   control->errorString()));
         lines += "control " + endpointText(loopback, control->serverPort()) + '\n';
     }
     const QString error = options.writePlant.isEmpty()
                               ? QString()
                               : writePlant(options.writePlant, plant, controllers);
-    if (!error.isEmpty()) {
-        printError(error);
-        return ErrorFound;
-    }
-    return printOutput(QString::fromLatin1(lines));
+    return error.isEmpty() ? printOutput(QString::fromLatin1(lines)) : failed(error);
 }
 
 /// Whether no client has asked what is not in the trace.
@@ -195,13 +195,11 @@ ExitCode run(const Options &options, const QJsonObject &plant, const Controllers
         traceClients(controllers);
     const Servers servers = serversOf(controllers);
     const QString failure = start(servers, controllers);
-    if (!failure.isEmpty()) {
-        printError(QStringLiteral("cannot listen on %1. Choose another %2.")
-                       .arg(failure, options.config.isEmpty()
-                                         ? QStringLiteral("--bind or --port")
-                                         : QStringLiteral("address or port in the file")));
-        return ErrorFound;
-    }
+    if (!failure.isEmpty())
+        return failed(QStringLiteral("cannot listen on %1. Choose another %2.")
+                          .arg(failure, options.config.isEmpty()
+                                            ? QStringLiteral("--bind or --port")
+                                            : QStringLiteral("address or port in the file")));
 
     const DumpFunction dump = [&] { return saveMemory(options.dump, controllers); };
     ControlServer control({controllers, options.dump.isEmpty() ? DumpFunction() : dump});
@@ -226,10 +224,8 @@ ExitCode serve(const Options &options)
         return WrongUsage;
     const auto report
         = [&controllers] { std::fputs(countersText(controllers).constData(), stderr); };
-    if (!handleSignals(report)) {
-        printError(u"cannot catch signals: " + qt_error_string(errno));
-        return ErrorFound;
-    }
+    if (!handleSignals(report))
+        return failed(u"cannot catch signals: " + qt_error_string(errno));
     for (const QString &file : {options.writePlant, options.dump}) {
         const QString error = file.isEmpty() ? QString() : outputFileError(file);
         if (!error.isEmpty()) {
