@@ -23,7 +23,10 @@ QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
     QMap<int, QString> suspects;
     const QList<WireEvent> events = m_tap.takeEvents();
     for (const WireEvent &wireEvent : events) {
-        const Verdict verdict = judge(wireEvent.event);
+        const TraceEvent &event = wireEvent.event;
+        const Verdict verdict = m_conversations[event.connection].take(event, false);
+        if (event.name == QLatin1String("close"))
+            m_conversations.remove(event.connection);
         if (isSuspect(verdict)) {
             suspects.insert(wireEvent.item, verdict.text);
             m_wasSuspect = true;
@@ -32,15 +35,6 @@ QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
             show(wireEvent, verdict, list, cycle);
     }
     return suspects;
-}
-
-Verdict WireOutput::judge(const TraceEvent &event)
-{
-    if (event.name == QLatin1String("close")) {
-        m_conversations.remove(event.connection);
-        return {};
-    }
-    return m_conversations[event.connection].take(event, false);
 }
 
 void WireOutput::show(const WireEvent &wireEvent, const Verdict &verdict, const LogList &list,

@@ -39,7 +39,6 @@ public:
     bool wasSuspect() const { return m_wasSuspect; }
 
 private:
-    Verdict judge(const TraceEvent &event);
     void show(const WireEvent &wireEvent, const Verdict &verdict, const LogList &list,
               qint64 cycle);
 
