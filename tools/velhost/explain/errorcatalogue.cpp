@@ -96,13 +96,6 @@ QSet<QString> trigrams(const QString &text)
     return result;
 }
 
-/// From 0 to 1: the part of the smaller set that is in the other set, too.
-double similarity(const QSet<QString> &one, const QSet<QString> &other)
-{
-    const int smaller = std::min(one.size(), other.size());
-    return smaller == 0 ? 0.0 : static_cast<double>((QSet<QString>(one) & other).size()) / smaller;
-}
-
 } // namespace
 
 QList<KnownError> errorCatalogue(const QByteArray &json)
@@ -151,9 +144,12 @@ QStringList nearestTexts(const QString &text, const QList<KnownError> &catalogue
     std::multimap<double, QString, std::greater<>> candidates;
     for (const KnownError &error : catalogue) {
         const QString fixed = partsOf(error.text).join(QString()).toLower();
-        const double value = similarity(trigrams(fixed), wanted);
-        if (value >= least)
-            candidates.emplace(value, error.text);
+        QSet<QString> common = trigrams(partsOf(error.text).join(QString()).toLower());
+        const int smaller = std::min(common.size(), wanted.size());
+        // The part of the smaller set that is in the other one, too.
+        const double similarity = common.intersect(wanted).size() / std::max<double>(smaller, 1);
+        if (similarity >= least)
+            candidates.emplace(similarity, error.text);
     }
     QStringList result;
     for (const auto &candidate : candidates)
