@@ -34,9 +34,8 @@ ExitCode readCycles(const Session &session, const Arguments &arguments)
         // Nobody would see what the other cycles read.
         if (std::ferror(stdout) != 0)
             return result;
-        const bool isLast = cycle == cycles;
-        const int signal
-            = stopSignals.wait(isLast ? 0 : intervalMs(arguments) - sinceStart.elapsed());
+        const int pauseMs = cycle < cycles ? intervalMs(arguments) : 0;
+        const int signal = stopSignals.wait(pauseMs - sinceStart.elapsed());
         if (signal != 0)
             return exitCodeOf(signal);
     }
