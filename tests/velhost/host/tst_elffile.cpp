@@ -1,7 +1,7 @@
 #include <host/elffile.h>
 
-#include <QBuffer>
 #include <QDataStream>
+#include <QTemporaryFile>
 #include <QTest>
 
 // The header of programs and libraries, written byte by byte.
@@ -42,11 +42,12 @@ QByteArray headerBytes(const Fields &fields)
     return bytes;
 }
 
-std::optional<ElfHeader> parsed(QByteArray bytes)
+std::optional<ElfHeader> parsed(const QByteArray &bytes)
 {
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    return readElfHeader(&buffer);
+    QTemporaryFile file;
+    if (!file.open() || file.write(bytes) != bytes.size() || !file.flush())
+        qFatal("%s", qPrintable(file.errorString()));
+    return readElfHeader(file.fileName());
 }
 
 const Fields hardFloat{false, false, 40, 0x05000400};

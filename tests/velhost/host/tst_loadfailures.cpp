@@ -45,10 +45,7 @@ QByteArray contentOf(const QString &fileName)
 
 QString processorOf(const QString &fileName)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const std::optional<ElfHeader> header = readElfHeader(&file);
+    const std::optional<ElfHeader> header = readElfHeader(fileName);
     return header ? processorText(*header) : QString();
 }
 

@@ -1,5 +1,6 @@
 #include "host/elffile.h"
 
+#include <QFile>
 #include <QHash>
 #include <QtEndian>
 
@@ -23,11 +24,13 @@ QString machineName(quint16 machine)
 
 } // namespace
 
-std::optional<ElfHeader> readElfHeader(QIODevice *device)
+std::optional<ElfHeader> readElfHeader(const QString &fileName)
 {
+    QFile file(fileName);
     // The start of the header is the same for 64 bits, and flags are needed of 32-bit ARM only.
     Elf32_Ehdr raw{};
-    if (device->read(reinterpret_cast<char *>(&raw), sizeof raw) < qint64(sizeof raw)
+    if (!file.open(QIODevice::ReadOnly)
+        || file.read(reinterpret_cast<char *>(&raw), sizeof raw) < qint64(sizeof raw)
         || std::memcmp(&raw, ELFMAG, SELFMAG) != 0)
         return {};
     const bool isBigEndian = raw.e_ident[EI_DATA] == ELFDATA2MSB;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QIODevice>
 #include <QString>
 
 #include <optional>
@@ -16,8 +15,8 @@ struct ElfHeader
     quint32 floatAbi = 0;
 };
 
-/// Reads the header at the start of the device. Returns nothing when there is none.
-std::optional<ElfHeader> readElfHeader(QIODevice *device);
+/// Reads the header of the file. Returns nothing when there is none.
+std::optional<ElfHeader> readElfHeader(const QString &fileName);
 
 /// Whether code of both can run in one process. The kind of floating point is compared only if both
 /// headers have it.

@@ -18,19 +18,13 @@ namespace {
 
 // Functions that are called failures give the fault and what to do.
 
-std::optional<ElfHeader> headerOf(const QString &fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? readElfHeader(&file) : std::nullopt;
-}
-
 QString headerFailure(const QFileInfo &file, const QString &loaderText)
 {
-    const std::optional<ElfHeader> header = headerOf(file.filePath());
+    const std::optional<ElfHeader> header = readElfHeader(file.filePath());
     if (!header)
         return QStringLiteral(
             "it is no shared library; name the libkeyence.so that the build made");
-    const std::optional<ElfHeader> own = headerOf(QStringLiteral("/proc/self/exe"));
+    const std::optional<ElfHeader> own = readElfHeader(QStringLiteral("/proc/self/exe"));
     if (own && !haveSameProcessor(*header, *own))
         return QStringLiteral("it is built for another processor: %1, this program for %2; take or "
                               "build the one for this processor")
