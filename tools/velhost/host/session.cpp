@@ -70,15 +70,6 @@ ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, H
     return work({loaded, *host, *registration, setup.plant, devices, log, wire});
 }
 
-/// Prints why the trace cannot be written. Returns whether it can.
-bool canWrite(const WireOutput &wire)
-{
-    const QString error = wire.fileError();
-    if (!error.isEmpty())
-        printError(error);
-    return error.isEmpty();
-}
-
 } // namespace
 
 ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(const Session &)> &work)
@@ -93,7 +84,7 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
         return WrongUsage;
     }
     std::optional<WireOutput> wire;
-    if (setup.wire.isOn && !canWrite(wire.emplace(setup.format, setup.wire)))
+    if (setup.wire.isOn && !wire.emplace(setup.format, setup.wire).canWrite())
         return WrongUsage;
     ProgressLine line(0);
     LogOutput log(setup.format, setup.progress == nullptr ? &line : setup.progress);
@@ -108,7 +99,7 @@ ExitCode runSession(const SessionSetup &setup, const std::function<ExitCode(cons
     log.printPendingCounts();
     if (wire)
         wire->endCall({}, 0);
-    bool isWell = !wire || (canWrite(*wire) && !wire->wasSuspect());
+    bool isWell = !wire || (wire->canWrite() && !wire->wasSuspect());
     if (!isStopped) {
         printError(QStringLiteral("the plug-in %1 returned false from stopPlugin()")
                        .arg(loaded->fileName));

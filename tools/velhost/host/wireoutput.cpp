@@ -10,12 +10,13 @@ WireOutput::WireOutput(OutputFormat format, const WireSetup &setup)
         m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
 }
 
-QString WireOutput::fileError() const
+bool WireOutput::canWrite() const
 {
     if (m_file.error() == QFileDevice::NoError)
-        return {};
-    return QStringLiteral("the trace %1 cannot be written: %2")
-        .arg(m_file.fileName(), m_file.errorString());
+        return true;
+    printError(QStringLiteral("the trace %1 cannot be written: %2")
+                   .arg(m_file.fileName(), m_file.errorString()));
+    return false;
 }
 
 QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)

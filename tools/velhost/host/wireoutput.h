@@ -27,8 +27,8 @@ class WireOutput
 public:
     WireOutput(OutputFormat format, const WireSetup &setup);
 
-    /// That the file of the trace cannot be written; empty when it can, or when there is none.
-    QString fileError() const;
+    /// Whether the file of the trace, if there is one, can be written. Prints why it cannot.
+    bool canWrite() const;
 
     /// To be called around each call of the plug-in; see WireTap. Returns by the index of the item
     /// what is suspect about its answers; -1 stands for an unknown item.
