@@ -50,23 +50,21 @@ ExitCode runInitialised(const SessionSetup &setup, const LoadedPlugin &loaded, H
                         bool initDone, LogOutput *log, WireOutput *wire,
                         const std::function<ExitCode(const Session &)> &work)
 {
-    const std::optional<PluginRegistration> &registration = host->registration();
-    if (!registration) {
-        printError(
-            QStringLiteral("the plug-in %1 did not register during init()").arg(loaded.fileName));
+    const auto refuse = [&loaded](const QString &reason) {
+        printError(QStringLiteral("the plug-in %1 %2").arg(loaded.fileName, reason));
         return NotLoaded;
-    }
+    };
+    const std::optional<PluginRegistration> &registration = host->registration();
+    if (!registration)
+        return refuse(QStringLiteral("did not register during init()"));
     QList<Problem> problems;
     const QList<DeviceInstancePlugin> devices
         = deviceRecords(setup.plant, *registration, &problems);
     printError(problemLines(setup.plantFile, problems));
     if (!problems.isEmpty())
         return WrongUsage;
-    if (!initDone) {
-        printError(
-            QStringLiteral("the plug-in %1 returned false from init()").arg(loaded.fileName));
-        return NotLoaded;
-    }
+    if (!initDone)
+        return refuse(QStringLiteral("returned false from init()"));
     return work({loaded, *host, *registration, setup.plant, devices, log, wire});
 }
 
