@@ -22,10 +22,7 @@ bool DeviceReport::hasError() const
 
 QString valueText(const ItemReport &item)
 {
-    QString text = visible(item.value);
-    if (item.isOld)
-        text += u" (old)";
-    return text;
+    return visible(item.value) + (item.isOld ? QStringLiteral(" (old)") : QString());
 }
 
 QString itemProblem(const ItemReport &item)

@@ -45,9 +45,8 @@ void addRead(const QString &device, const QDateTime &time, const ItemReport &cau
 
 QList<QStringList> outageRows(const QList<Outage> &outages)
 {
-    QList<QStringList> rows{{QStringLiteral("Device"), QStringLiteral("Out from"),
-                             QStringLiteral("To"), QStringLiteral("Cycles"), QStringLiteral("Item"),
-                             QStringLiteral("First cause")}};
+    QList<QStringList> rows{
+        QStringLiteral("Device,Out from,To,Cycles,Item,First cause").split(u',')};
     for (const Outage &outage : outages)
         rows.append({visible(outage.device), shortTime(outage.from), shortTime(outage.to),
                      QString::number(outage.cycles), visible(outage.cause.item),
