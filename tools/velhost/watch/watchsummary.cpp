@@ -14,39 +14,6 @@ qint64 sumOf(const WatchedDevice &device, qint64 WatchedItem::*count)
     return sum;
 }
 
-/// One device, for both formats.
-struct SummaryLine
-{
-    QList<JsonMember> members;
-    QStringList row;
-};
-
-SummaryLine summaryLine(const WatchedDevice &device)
-{
-    SummaryLine line{{{"device", device.name}}, {visible(device.name)}};
-    const auto addCount = [&line](const char *key, qint64 count) {
-        line.members.append({key, count});
-        line.row.append(QString::number(count));
-    };
-    const auto addTime = [&line](const char *key, qint64 microseconds) {
-        const double milliseconds = static_cast<double>(microseconds) / 1000;
-        line.members.append({key, milliseconds});
-        line.row.append(QString::number(milliseconds, 'f', 2));
-    };
-    const Latencies &latencies = device.latencies;
-    addCount("cycles", latencies.count());
-    addCount("failed", device.failedCycles);
-    // Each cycle reads every item.
-    addCount("reads", latencies.count() * static_cast<qint64>(device.items.size()));
-    addCount("errors", sumOf(device, &WatchedItem::errors));
-    addCount("wrong", sumOf(device, &WatchedItem::wrong));
-    addCount("suspect", sumOf(device, &WatchedItem::suspects));
-    addTime("p50_ms", latencies.percentile(50));
-    addTime("p99_ms", latencies.percentile(99));
-    addTime("max_ms", latencies.longest());
-    return line;
-}
-
 } // namespace
 
 QString summaryText(OutputFormat format, const std::vector<WatchedDevice> &devices)
@@ -56,9 +23,30 @@ QString summaryText(OutputFormat format, const std::vector<WatchedDevice> &devic
     QString lines;
     QList<QStringList> rows{header.split(u',')};
     for (const WatchedDevice &device : devices) {
-        const SummaryLine line = summaryLine(device);
-        lines += jsonLine("summary", line.members);
-        rows.append(line.row);
+        QList<JsonMember> members{{"device", device.name}};
+        QStringList row{visible(device.name)};
+        const auto addCount = [&](const char *key, qint64 count) {
+            members.append({key, count});
+            row.append(QString::number(count));
+        };
+        const auto addTime = [&](const char *key, qint64 microseconds) {
+            const double milliseconds = static_cast<double>(microseconds) / 1000;
+            members.append({key, milliseconds});
+            row.append(QString::number(milliseconds, 'f', 2));
+        };
+        const Latencies &latencies = device.latencies;
+        addCount("cycles", latencies.count());
+        addCount("failed", device.failedCycles);
+        // Each cycle reads every item.
+        addCount("reads", latencies.count() * static_cast<qint64>(device.items.size()));
+        addCount("errors", sumOf(device, &WatchedItem::errors));
+        addCount("wrong", sumOf(device, &WatchedItem::wrong));
+        addCount("suspect", sumOf(device, &WatchedItem::suspects));
+        addTime("p50_ms", latencies.percentile(50));
+        addTime("p99_ms", latencies.percentile(99));
+        addTime("max_ms", latencies.longest());
+        lines += jsonLine("summary", members);
+        rows.append(row);
     }
     return format == OutputFormat::Json ? lines : tableText(rows);
 }
