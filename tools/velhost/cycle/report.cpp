@@ -4,15 +4,6 @@
 
 #include <algorithm>
 
-namespace {
-
-bool isUnchanged(const ItemReport &before, const ItemReport &now)
-{
-    return before.value == now.value && before.error == now.error && (now.isOld || !before.isOld);
-}
-
-} // namespace
-
 bool DeviceReport::hasError() const
 {
     return !error.isEmpty()
@@ -42,6 +33,9 @@ QString reasonOf(const ItemReport &item)
 
 QList<DeviceReport> changesOf(const QList<DeviceReport> &before, const QList<DeviceReport> &devices)
 {
+    const auto isSame = [](const ItemReport &last, const ItemReport &now) {
+        return last.value == now.value && last.error == now.error && (now.isOld || !last.isOld);
+    };
     QList<DeviceReport> changes;
     for (int i = 0; i < devices.size(); ++i) {
         const DeviceReport last = before.value(i);
@@ -52,7 +46,7 @@ QList<DeviceReport> changesOf(const QList<DeviceReport> &before, const QList<Dev
         change.values.clear();
         for (int item = 0; item < devices.at(i).values.size(); ++item) {
             const ItemReport &now = devices.at(i).values.at(item);
-            if (item >= last.values.size() || !isUnchanged(last.values.at(item), now))
+            if (item >= last.values.size() || !isSame(last.values.at(item), now))
                 change.values.append(now);
         }
         changes.append(change);
