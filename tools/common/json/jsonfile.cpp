@@ -112,25 +112,27 @@ void checkDuplicates(const QByteArray &json, QList<Problem> *problems)
 
 } // namespace
 
-std::optional<QByteArray> readJsonBytes(const QString &fileName, const QString &kind,
-                                        QList<Problem> *problems)
-{
-    QString error;
-    std::optional<QByteArray> json
-        = readInputFile(fileName, u"larger than 16 MiB, so it is no " + kind, &error);
-    if (!json)
-        problems->append({{}, {}, error});
-    return json;
-}
-
-std::optional<QJsonValue> parseJson(const QByteArray &json, QList<Problem> *problems)
+JsonNode parseJson(const QByteArray &json, QList<Problem> *problems)
 {
     QJsonParseError syntax{};
     const QJsonDocument document = QJsonDocument::fromJson(json, &syntax);
     if (syntax.error != QJsonParseError::NoError) {
         problems->append(syntaxProblem(json, syntax));
-        return {};
+        return {QJsonValue::Undefined, {}, problems};
     }
     checkDuplicates(json, problems);
-    return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+    return {document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object()),
+            {},
+            problems};
+}
+
+JsonNode readJsonFile(const QString &fileName, const QString &kind, QList<Problem> *problems)
+{
+    QString error;
+    const std::optional<QByteArray> json
+        = readInputFile(fileName, u"larger than 16 MiB, so it is no " + kind, &error);
+    if (json)
+        return parseJson(*json, problems);
+    addError({}, error, problems);
+    return {QJsonValue::Undefined, {}, problems};
 }

@@ -1,17 +1,13 @@
 #pragma once
 
-#include <common/json/problem.h>
+#include <common/json/jsonnode.h>
 
 #include <QByteArray>
-#include <QJsonValue>
 
-#include <optional>
+/// The object or list in `json`; one that does not exist when it is not valid JSON. A key that an
+/// object has twice is a problem too.
+JsonNode parseJson(const QByteArray &json, QList<Problem> *problems);
 
-/// Reads a file of at most 16 MiB. Returns nothing and adds a problem when it cannot be read or is
-/// larger. `kind` is what the file should be, for example "plant file".
-std::optional<QByteArray> readJsonBytes(const QString &fileName, const QString &kind,
-                                        QList<Problem> *problems);
-
-/// The object or list in `json`; nothing when it is not valid JSON. A key that an object has twice
-/// is a problem too.
-std::optional<QJsonValue> parseJson(const QByteArray &json, QList<Problem> *problems);
+/// The same for a file of at most 16 MiB. `kind` is what the file should be, for example "plant
+/// file".
+JsonNode readJsonFile(const QString &fileName, const QString &kind, QList<Problem> *problems);

@@ -4,6 +4,16 @@
 
 #include <algorithm>
 
+void addError(const QString &place, const QString &text, QList<Problem> *errors)
+{
+    errors->append({{}, place, text});
+}
+
+void addWarning(const QString &place, const QString &text, QList<Problem> *problems)
+{
+    problems->append({{}, place, text, true});
+}
+
 bool hasError(const QList<Problem> &problems)
 {
     return std::any_of(problems.begin(), problems.end(),

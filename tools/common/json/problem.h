@@ -16,6 +16,9 @@ struct Problem
     bool isWarning = false;
 };
 
+void addError(const QString &place, const QString &text, QList<Problem> *errors);
+void addWarning(const QString &place, const QString &text, QList<Problem> *problems);
+
 /// Whether one of the problems is no mere warning.
 bool hasError(const QList<Problem> &problems);
 

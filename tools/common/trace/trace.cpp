@@ -1,10 +1,8 @@
 #include <common/trace/trace.h>
 
 #include <common/json/jsonfile.h>
-#include <common/json/jsonplace.h>
 
 #include <QFile>
-#include <QJsonObject>
 
 #include <algorithm>
 
@@ -14,39 +12,32 @@ namespace {
 constexpr qint64 longestLine = 500000;
 constexpr qint64 largestNumber = 1LL << 53;
 
-QByteArray readBytes(const QJsonValue &value, QList<Problem> *errors)
+QByteArray readBytes(const JsonNode &node)
 {
-    const QString text = readText(value, QStringLiteral("bytes"), errors);
+    const QString text = node.exists() ? node.text() : QString();
     const bool areBytes = std::all_of(text.begin(), text.end(),
                                       [](QChar character) { return character.unicode() <= 0xff; });
     if (!areBytes)
-        addError(QStringLiteral("bytes"),
-                 QStringLiteral("has a character above U+00FF, which is no byte"), errors);
+        node.fail(QStringLiteral("has a character above U+00FF, which is no byte"));
     return text.toLatin1();
 }
 
-TraceEvent eventOf(const QJsonObject &line, QList<Problem> *errors)
+TraceEvent eventOf(const JsonNode &line)
 {
-    const auto number = [&](const char *key, qint64 minimum, qint64 otherwise) {
-        const QJsonValue value = line.value(QLatin1String(key));
-        if (value.isUndefined() && otherwise != minimum)
-            return otherwise;
-        return readWhole(value, minimum, largestNumber, QLatin1String(key), errors).value_or(0);
+    const auto number = [](const JsonNode &node) {
+        return node.exists() ? node.whole(0, largestNumber).value_or(0) : -1;
     };
-    const auto optionalText = [&](const QString &key) {
-        return line.contains(key) ? readText(line.value(key), key, errors) : QString();
-    };
+    const auto text = [](const JsonNode &node) { return node.exists() ? node.text() : QString(); };
     TraceEvent event;
-    event.time = readText(line.value(QStringLiteral("time")), QStringLiteral("time"), errors);
-    event.process = number("process", 0, -1);
-    event.thread = number("thread", 0, -1);
-    event.connection = number("connection", 1, 1);
-    event.peer = optionalText(QStringLiteral("peer"));
-    event.name = readName(line.value(QStringLiteral("event")), QStringLiteral("event"), errors);
-    event.outcome = optionalText(QStringLiteral("outcome"));
-    event.waited = number("waited_us", 0, -1);
-    if (line.contains(QStringLiteral("bytes")))
-        event.bytes = readBytes(line.value(QStringLiteral("bytes")), errors);
+    event.time = line["time"].text();
+    event.process = number(line["process"]);
+    event.thread = number(line["thread"]);
+    event.connection = line["connection"].whole(1, largestNumber).value_or(0);
+    event.peer = text(line["peer"]);
+    event.name = line["event"].name();
+    event.outcome = text(line["outcome"]);
+    event.waited = number(line["waited_us"]);
+    event.bytes = readBytes(line["bytes"]);
     return event;
 }
 
@@ -55,11 +46,9 @@ std::optional<TraceEvent> parseLine(const QByteArray &line, int number, QList<Pr
 {
     QList<Problem> errors;
     TraceEvent event;
-    const std::optional<QJsonValue> json = parseJson(line, &errors);
-    if (json && json->isObject())
-        event = eventOf(json->toObject(), &errors);
-    else if (json)
-        addError({}, QStringLiteral("expected an object, found a list"), &errors);
+    const JsonNode node = parseJson(line, &errors);
+    if (node.exists() && node.expectObject())
+        event = eventOf(node);
     for (Problem &error : errors)
         error.position = QString::number(number);
     *problems += errors;

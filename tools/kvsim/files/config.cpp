@@ -3,6 +3,8 @@
 #include "files/generatorobject.h"
 #include "files/memoryobject.h"
 
+#include <common/json/jsonfile.h>
+
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -129,8 +131,8 @@ void checkPlaces(const Controllers &controllers, const JsonNode &node)
         endpoints.append(known ? QString::fromLatin1(endpointText(place.address, place.port))
                                : QString());
     }
-    checkUnique(names, QStringLiteral("name"), node.place, node.errors);
-    checkUnique(endpoints, QStringLiteral("port"), node.place, node.errors);
+    node.checkUnique(names, QStringLiteral("name"));
+    node.checkUnique(endpoints, QStringLiteral("port"));
 }
 
 } // namespace

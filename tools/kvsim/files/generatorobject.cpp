@@ -37,7 +37,7 @@ struct GeneratorFields
     {
         const JsonNode once = node["once"];
         if (once.exists() && !once.value.isBool())
-            addWrongKind(once.value, QStringLiteral("true or false"), once.place, once.errors);
+            once.failAs(QStringLiteral("true or false"));
         return once.value.toBool();
     }
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/jsonnode.h"
+#include <common/json/jsonnode.h>
 #include "memory/devicetable.h"
 #include "memory/generator.h"
 

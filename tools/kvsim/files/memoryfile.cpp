@@ -2,6 +2,7 @@
 
 #include "files/memoryobject.h"
 
+#include <common/json/jsonfile.h>
 #include <common/outputfile.h>
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/jsonnode.h"
+#include <common/json/jsonnode.h>
 #include "memory/memory.h"
 
 /// The address that a text of a file names; nothing, and an error of the node, when there is none.

@@ -3,9 +3,11 @@
 #include "files/memoryobject.h"
 #include "memory/datatype.h"
 
+#include <common/json/jsonfile.h>
 #include <common/outputfile.h>
 #include <common/wholenumber.h>
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
 

@@ -1,6 +1,6 @@
 #include "files/replayfile.h"
 
-#include <common/json/jsonplace.h>
+#include <common/json/problem.h>
 #include <common/trace/trace.h>
 
 #include <QMap>

@@ -11,7 +11,7 @@
 #include "program/places.h"
 #include "program/processsignals.h"
 
-#include <common/json/jsonplace.h>
+#include <common/json/problem.h>
 #include <common/outputfile.h>
 
 #include <QCoreApplication>

@@ -5,7 +5,7 @@
 #include "plan/recorder.h"
 #include "plant/plantcheck.h"
 
-#include <common/json/jsonplace.h>
+#include <common/json/problem.h>
 
 namespace {
 

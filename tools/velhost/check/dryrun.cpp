@@ -5,7 +5,7 @@
 #include "plant/records.h"
 #include "plant/samevalue.h"
 
-#include <common/json/jsonplace.h>
+#include <common/json/jsonnode.h>
 
 #include <QLocale>
 #include <QSet>

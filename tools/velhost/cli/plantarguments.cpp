@@ -3,7 +3,7 @@
 #include "cli/options.h"
 #include "plant/addressitems.h"
 
-#include <common/json/jsonplace.h>
+#include <common/json/problem.h>
 
 namespace {
 

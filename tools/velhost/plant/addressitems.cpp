@@ -3,7 +3,7 @@
 #include "plant/rules.h"
 
 #include <common/ipv4address.h>
-#include <common/json/jsonplace.h>
+#include <common/json/problem.h>
 
 #include <QRegularExpression>
 #include <QSet>

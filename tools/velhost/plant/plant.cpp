@@ -2,51 +2,38 @@
 
 #include <common/json/json.h>
 #include <common/json/jsonfile.h>
-#include <common/json/jsonplace.h>
 
-#include <QJsonArray>
-#include <QJsonObject>
 #include <QRegularExpression>
 
 #include <limits>
 
-// The functions with a `place` are as those of jsonplace.h. With any error the caller must not use
-// the plant.
+// With any error the caller must not use the plant.
 
 namespace {
 
-int readId(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+ParameterTexts readParameters(const JsonNode &node)
 {
-    const qint64 most = std::numeric_limits<int>::max();
-    return static_cast<int>(readWhole(value, 0, most, place, errors).value_or(-1));
-}
-
-ParameterTexts readParameters(const QJsonValue &value, const QString &place, QList<Problem> *errors)
-{
-    if (value.isUndefined())
-        return {};
     ParameterTexts result;
-    const QJsonObject object = readObject(value, place, errors);
-    for (auto entry = object.begin(); entry != object.end(); ++entry) {
-        const QJsonValue parameter = entry.value();
-        if (parameter.isString())
-            result.insert(entry.key(), parameter.toString());
-        else if (parameter.isNull())
-            result.insert(entry.key(), std::nullopt);
-        else if (parameter.isDouble())
-            addError(member(place, entry.key()),
-                     QStringLiteral("expected a text or null, found a number; write \"%1\"")
-                         .arg(jsonText(parameter)),
-                     errors);
+    if (!node.exists() || !node.expectObject())
+        return result;
+    const QStringList keys = node.value.toObject().keys();
+    for (const QString &key : keys) {
+        const JsonNode parameter = node[key];
+        if (parameter.value.isString())
+            result.insert(key, parameter.value.toString());
+        else if (parameter.value.isNull())
+            result.insert(key, std::nullopt);
+        else if (parameter.value.isDouble())
+            parameter.fail(QStringLiteral("expected a text or null, found a number; write \"%1\"")
+                               .arg(jsonText(parameter.value)));
         else
-            addWrongKind(parameter, QStringLiteral("a text or null"), member(place, entry.key()),
-                         errors);
+            parameter.failAs(QStringLiteral("a text or null"));
     }
     return result;
 }
 
 /// The text with the environment variable NAME in place of each `${NAME}`.
-QString withEnvironment(QString text, const QString &place, QList<Problem> *errors)
+QString withEnvironment(QString text, const JsonNode &node)
 {
     static const QRegularExpression reference(QStringLiteral("\\$\\{([^}]*)\\}"));
     QRegularExpressionMatchIterator matches = reference.globalMatch(QString(text));
@@ -54,152 +41,120 @@ QString withEnvironment(QString text, const QString &place, QList<Problem> *erro
         const QRegularExpressionMatch match = matches.next();
         const QString value = qEnvironmentVariable(match.captured(1).toUtf8().constData());
         if (value.isEmpty())
-            addError(place,
-                     QStringLiteral("the environment variable \"%1\" is not set or empty; set it "
-                                    "before the program starts")
-                         .arg(match.captured(1)),
-                     errors);
+            node.fail(QStringLiteral("the environment variable \"%1\" is not set or empty; set it "
+                                     "before the program starts")
+                          .arg(match.captured(1)));
         text.replace(match.captured(), value);
     }
     return text;
 }
 
-ParameterTexts readDeviceParameters(const QJsonValue &value, const QString &place,
-                                    QList<Problem> *errors)
+ParameterTexts readDeviceParameters(const JsonNode &node)
 {
-    ParameterTexts result = readParameters(value, place, errors);
+    ParameterTexts result = readParameters(node);
     const auto port = result.find(QStringLiteral("port"));
     if (port != result.end() && *port)
-        *port = withEnvironment(**port, member(place, port.key()), errors);
+        *port = withEnvironment(**port, node[port.key()]);
     return result;
 }
 
 /// The distance from an expected value that there must be.
-double readTolerance(const QJsonObject &item, const QString &place, QList<Problem> *errors)
+double readTolerance(const JsonNode &node, bool isExpected)
 {
-    const QJsonValue tolerance = item.value(u"tolerance");
-    if (!item.contains(u"expect"))
-        addError(place, QStringLiteral("there is no \"expect\" that it belongs to"), errors);
-    else if (!tolerance.isDouble())
-        addWrongKind(tolerance, QStringLiteral("a number"), place, errors);
-    else if (tolerance.toDouble() < 0)
-        addError(place, QStringLiteral("expected 0 or more, found %1").arg(jsonText(tolerance)),
-                 errors);
-    return tolerance.toDouble();
+    const double tolerance = node.value.toDouble();
+    if (node.exists() && !isExpected)
+        node.fail(QStringLiteral("there is no \"expect\" that it belongs to"));
+    else if (node.exists() && !node.value.isDouble())
+        node.failAs(QStringLiteral("a number"));
+    else if (tolerance < 0)
+        node.fail(QStringLiteral("expected 0 or more, found %1").arg(jsonText(node.value)));
+    return tolerance;
 }
 
-PlantItem readItem(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+PlantItem readItem(const JsonNode &node)
 {
-    const QJsonObject object = readObject(value, place, errors);
-    if (!value.isObject())
-        return {{}, {}, {}, place};
-    const QString name = QStringLiteral("name");
-    const QString parameters = QStringLiteral("parameters");
-    const QString expect = QStringLiteral("expect");
-    const QString tolerance = QStringLiteral("tolerance");
-    checkKeys(object, {name, parameters, expect, tolerance}, place, errors);
-    PlantItem item{readName(object.value(name), member(place, name), errors),
-                   readParameters(object.value(parameters), member(place, parameters), errors),
-                   {},
-                   place};
-    if (object.contains(expect))
-        item.expect = readText(object.value(expect), member(place, expect), errors);
-    if (object.contains(tolerance))
-        item.tolerance = readTolerance(object, member(place, tolerance), errors);
+    if (!node.expectObject())
+        return {{}, {}, {}, node.place};
+    node.checkKeys("name parameters expect tolerance");
+    PlantItem item{node["name"].name(), readParameters(node["parameters"]), {}, node.place};
+    const JsonNode expect = node["expect"];
+    if (expect.exists())
+        item.expect = expect.text();
+    item.tolerance = readTolerance(node["tolerance"], expect.exists());
     return item;
 }
 
-QList<PlantItem> readItems(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+QList<PlantItem> readItems(const JsonNode &node)
 {
-    const QJsonArray array = readList(value, place, errors);
     QList<PlantItem> items;
     QStringList names;
-    for (int i = 0; i < array.size(); ++i) {
-        items.append(readItem(array.at(i), element(place, i), errors));
+    const QList<JsonNode> elements = node.elements();
+    for (const JsonNode &element : elements) {
+        items.append(readItem(element));
         names.append(items.last().name);
     }
-    checkUnique(names, QStringLiteral("name"), place, errors);
+    node.checkUnique(names, QStringLiteral("name"));
     return items;
 }
 
-PlantDevice readDevice(const QJsonValue &value, const QString &place, QList<Problem> *errors)
+PlantDevice readDevice(const JsonNode &node)
 {
-    const QJsonObject object = readObject(value, place, errors);
-    if (!value.isObject())
-        return {-1, {}, {}, {}, {}, {}, place};
-    const QString id = QStringLiteral("id");
-    const QString name = QStringLiteral("name");
-    const QString ip = QStringLiteral("ip");
-    const QString parameters = QStringLiteral("parameters");
-    const QString itemDefaults = QStringLiteral("itemDefaults");
-    const QString items = QStringLiteral("items");
-    checkKeys(object, {id, name, ip, parameters, itemDefaults, items}, place, errors);
-    return {readId(object.value(id), member(place, id), errors),
-            readName(object.value(name), member(place, name), errors),
-            withEnvironment(readText(object.value(ip), member(place, ip), errors),
-                            member(place, ip), errors),
-            readDeviceParameters(object.value(parameters), member(place, parameters), errors),
-            readItems(object.value(items), member(place, items), errors),
-            readParameters(object.value(itemDefaults), member(place, itemDefaults), errors),
-            place};
+    if (!node.expectObject())
+        return {-1, {}, {}, {}, {}, {}, node.place};
+    node.checkKeys("id name ip parameters itemDefaults items");
+    const qint64 mostId = std::numeric_limits<int>::max();
+    return {static_cast<int>(node["id"].whole(0, mostId).value_or(-1)),
+            node["name"].name(),
+            withEnvironment(node["ip"].text(), node["ip"]),
+            readDeviceParameters(node["parameters"]),
+            readItems(node["items"]),
+            readParameters(node["itemDefaults"]),
+            node.place};
 }
 
-QList<PlantDevice> readDevices(const QJsonValue &value, const QString &place,
-                               QList<Problem> *errors)
+QList<PlantDevice> readDevices(const JsonNode &node)
 {
-    const QJsonArray array = readList(value, place, errors);
     QList<PlantDevice> devices;
     QStringList ids;
     QStringList names;
-    for (int i = 0; i < array.size(); ++i) {
-        devices.append(readDevice(array.at(i), element(place, i), errors));
+    const QList<JsonNode> elements = node.elements();
+    for (const JsonNode &element : elements) {
+        devices.append(readDevice(element));
         const int id = devices.last().id;
         ids.append(id >= 0 ? QString::number(id) : QString());
         names.append(devices.last().name);
     }
-    checkUnique(ids, QStringLiteral("id"), place, errors);
-    checkUnique(names, QStringLiteral("name"), place, errors);
+    node.checkUnique(ids, QStringLiteral("id"));
+    node.checkUnique(names, QStringLiteral("name"));
     return devices;
 }
 
-QStringList readNetworkInterfaces(const QJsonValue &value, const QString &place,
-                                  QList<Problem> *errors)
+/// Nothing of a file that is no JSON.
+std::optional<Plant> plantOf(const JsonNode &root)
 {
-    if (value.isUndefined())
+    if (!root.exists())
         return {};
-    const QJsonArray array = readList(value, place, errors);
-    QStringList names;
-    for (int i = 0; i < array.size(); ++i)
-        names.append(readName(array.at(i), element(place, i), errors));
-    return names;
-}
-
-Plant readPlant(const QJsonValue &root, QList<Problem> *errors)
-{
-    const QJsonObject object = readObject(root, {}, errors);
-    if (!root.isObject())
-        return {};
-    const QString networkInterfaces = QStringLiteral("networkInterfaces");
-    const QString devices = QStringLiteral("devices");
-    const QString schema = QStringLiteral("$schema");
-    checkKeys(object, {schema, networkInterfaces, devices}, {}, errors);
-    if (object.contains(schema))
-        readText(object.value(schema), schema, errors);
-    return {readNetworkInterfaces(object.value(networkInterfaces), networkInterfaces, errors),
-            readDevices(object.value(devices), devices, errors)};
+    if (!root.expectObject())
+        return Plant();
+    root.checkKeys("$schema networkInterfaces devices");
+    if (root["$schema"].exists())
+        root["$schema"].text();
+    Plant plant;
+    const QList<JsonNode> interfaces = root["networkInterfaces"].optionalElements();
+    for (const JsonNode &networkInterface : interfaces)
+        plant.networkInterfaces.append(networkInterface.name());
+    plant.devices = readDevices(root["devices"]);
+    return plant;
 }
 
 } // namespace
 
 std::optional<Plant> parsePlantDraft(const QByteArray &json, QList<Problem> *problems)
 {
-    const std::optional<QJsonValue> root = parseJson(json, problems);
-    return root ? std::make_optional(readPlant(*root, problems)) : std::nullopt;
+    return plantOf(parseJson(json, problems));
 }
 
 std::optional<Plant> readPlantDraft(const QString &fileName, QList<Problem> *problems)
 {
-    const std::optional<QByteArray> json
-        = readJsonBytes(fileName, QStringLiteral("plant file"), problems);
-    return json ? parsePlantDraft(*json, problems) : std::nullopt;
+    return plantOf(readJsonFile(fileName, QStringLiteral("plant file"), problems));
 }

@@ -4,7 +4,7 @@
 #include "plant/rules.h"
 
 #include <common/ipv4address.h>
-#include <common/json/jsonplace.h>
+#include <common/json/problem.h>
 
 #include <QMap>
 #include <QSet>
