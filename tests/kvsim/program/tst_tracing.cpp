@@ -102,7 +102,7 @@ void tst_Tracing::clients()
     QByteArray name;
     {
         TextClient client(simulator.port());
-        name = "127.0.0.1:" + QByteArray::number(client.socket()->localPort());
+        name = "127.0.0.1:" + QByteArray::number(client.localPort());
         client.send("?K\r");
         if (texts.constLast() == "- closed")
             client.receiveToEnd();

@@ -13,11 +13,16 @@ public:
 
     explicit TextClient(quint16 port)
     {
+        m_socket.bind(QHostAddress(QHostAddress::LocalHost));
+        m_localPort = m_socket.localPort();
         m_socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
         m_socket.waitForConnected(timeout);
     }
 
     QTcpSocket *socket() { return &m_socket; }
+
+    /// Also when the connection is gone already.
+    quint16 localPort() const { return m_localPort; }
 
     void send(const QByteArray &bytes)
     {
@@ -60,4 +65,5 @@ public:
 
 private:
     QTcpSocket m_socket;
+    quint16 m_localPort = 0;
 };
