@@ -35,11 +35,10 @@ QRegularExpression expressionOf(const QString &textTemplate)
         return QRegularExpression(QStringLiteral("(?!)"));
     for (QString &part : parts)
         part = QRegularExpression::escape(part);
-    const QString noWordGoesOn = QStringLiteral("(?!(?<=\\w)\\w)");
+    const QString noWordGoesOn = QStringLiteral("(?!(?<=[\\pL\\pN])[\\pL\\pN])");
     return QRegularExpression(
         u"(?>" + noWordGoesOn + parts.join(u")(*COMMIT)(?>.*?") + noWordGoesOn + u')',
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption
-            | QRegularExpression::UseUnicodePropertiesOption);
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
 }
 
 QList<KnownError::Place> placesOf(const QJsonValue &form, const QString &reason)
