@@ -30,7 +30,7 @@ QList<DeviceReport> twoDevices()
 
 } // namespace
 
-class tst_CycleText : public QObject
+class tst_CyclePrinter : public QObject
 {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void cycleWithoutItems();
 };
 
-void tst_CycleText::cycleAsTable()
+void tst_CyclePrinter::cycleAsTable()
 {
     QCOMPARE(
         cycleText(OutputFormat::Table, twoDevices()),
@@ -52,7 +52,7 @@ void tst_CycleText::cycleAsTable()
             "12     2024-02-29T12:34:56.007-03:30  Oven 2  Heat\n"));
 }
 
-void tst_CycleText::cycleAsJson()
+void tst_CyclePrinter::cycleAsJson()
 {
     const QString lines = text(
         R"({"type":"value","cycle":12,"time":"2024-02-29T12:34:56.007-03:30","device":"Press","item":"Counter","value":"-1","error":""})"
@@ -66,7 +66,7 @@ void tst_CycleText::cycleAsJson()
     QCOMPARE(cycleText(OutputFormat::Json, twoDevices()), lines);
 }
 
-void tst_CycleText::cycleWithoutItems()
+void tst_CyclePrinter::cycleWithoutItems()
 {
     DeviceReport device;
     device.device = QStringLiteral("Press");
@@ -74,5 +74,5 @@ void tst_CycleText::cycleWithoutItems()
     QCOMPARE(cycleText(OutputFormat::Json, {device}), QString());
 }
 
-QTEST_GUILESS_MAIN(tst_CycleText)
-#include "tst_cycletext.moc"
+QTEST_GUILESS_MAIN(tst_CyclePrinter)
+#include "tst_cycleprinter.moc"
