@@ -24,7 +24,7 @@ void writeWide(QDataStream *stream, quint64 value, bool is64Bit)
         *stream << static_cast<quint32>(value);
 }
 
-QByteArray headerBytes(const Fields &fields)
+QByteArray headerBytes(Fields fields)
 {
     QByteArray bytes("\x7f"
                      "ELF");
@@ -77,7 +77,7 @@ void tst_ElfFile::processors_data()
     QTest::addColumn<Fields>("fields");
     QTest::addColumn<QString>("text");
 
-    const auto row = [](const Fields &fields, const char *text) {
+    const auto row = [](Fields fields, const char *text) {
         QTest::newRow(text) << fields << QString::fromLatin1(text);
     };
     row({}, "x86_64 (64 bit, little endian)");

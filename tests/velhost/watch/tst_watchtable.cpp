@@ -53,7 +53,8 @@ QStringList screen(const std::vector<WatchedDevice> &devices, ScreenSize size,
                    const QList<CountedEntry> &log = {}, const WatchWish &wish = {})
 {
     static const QRegularExpression colours(text("\x1b\\[[0-9;]*m"));
-    return colouredScreen(devices, size, true, log, wish).replaceInStrings(colours, QString());
+    QStringList lines = colouredScreen(devices, size, true, log, wish);
+    return lines.replaceInStrings(colours, QString());
 }
 
 } // namespace

@@ -143,7 +143,7 @@ QStringList nearestTexts(const QString &text, const QList<KnownError> &catalogue
     std::multimap<double, QString, std::greater<>> candidates;
     for (const KnownError &error : catalogue) {
         const QString fixed = partsOf(error.text).join(QString()).toLower();
-        QSet<QString> common = trigrams(partsOf(error.text).join(QString()).toLower());
+        QSet<QString> common = trigrams(fixed);
         const int smaller = std::min(common.size(), wanted.size());
         // The part of the smaller set that is in the other one, too.
         const double similarity = common.intersect(wanted).size() / std::max<double>(smaller, 1);

@@ -42,14 +42,14 @@ std::optional<ElfHeader> readElfHeader(const QString &fileName)
     return ElfHeader{raw.e_ident[EI_CLASS] == ELFCLASS64, isBigEndian, machine, floatAbi};
 }
 
-bool haveSameProcessor(const ElfHeader &one, const ElfHeader &other)
+bool haveSameProcessor(ElfHeader one, ElfHeader other)
 {
     return one.is64Bit == other.is64Bit && one.isBigEndian == other.isBigEndian
            && one.machine == other.machine
            && (one.floatAbi == other.floatAbi || one.floatAbi == 0 || other.floatAbi == 0);
 }
 
-QString processorText(const ElfHeader &header)
+QString processorText(ElfHeader header)
 {
     QString text = QStringLiteral("%1 (%2 bit, %3 endian")
                        .arg(machineName(header.machine),

@@ -20,7 +20,7 @@ std::optional<ElfHeader> readElfHeader(const QString &fileName);
 
 /// Whether code of both can run in one process. The kind of floating point is compared only if both
 /// headers have it.
-bool haveSameProcessor(const ElfHeader &one, const ElfHeader &other);
+bool haveSameProcessor(ElfHeader one, ElfHeader other);
 
 /// For example "arm (32 bit, little endian, hard float)".
-QString processorText(const ElfHeader &header);
+QString processorText(ElfHeader header);
