@@ -81,6 +81,7 @@ private Q_SLOTS:
     void deviceErrors();
     void deviceErrorEnds();
     void oldValueEnds();
+    void suspectAnswers();
     void devicesApart();
 };
 
@@ -207,6 +208,19 @@ void tst_OnlyChanges::oldValueEnds()
     QCOMPARE(shown.changes(old), QString());
     QCOMPARE(shown.changes(fresh), text("ended A=1"));
     QCOMPARE(shown.changes(fresh), QString());
+}
+
+void tst_OnlyChanges::suspectAnswers()
+{
+    const QList<DeviceReport> good = cycleOf(1, "", "1");
+    QList<DeviceReport> suspect = good;
+    suspect[0].values[0].suspect = text("cut");
+    Shown shown;
+    QCOMPARE(shown.changes(good), text("A=1"));
+    QCOMPARE(shown.changes(suspect), text("A=1"));
+    QCOMPARE(shown.changes(suspect), QString());
+    QCOMPARE(shown.changes(good), text("A=1"));
+    QCOMPARE(shown.changes(good), QString());
 }
 
 void tst_OnlyChanges::devicesApart()

@@ -34,7 +34,8 @@ QString reasonOf(const ItemReport &item)
 QList<DeviceReport> changesOf(const QList<DeviceReport> &before, const QList<DeviceReport> &devices)
 {
     const auto isSame = [](const ItemReport &last, const ItemReport &now) {
-        return last.value == now.value && last.error == now.error && (now.isOld || !last.isOld);
+        return last.value == now.value && last.error == now.error && last.suspect == now.suspect
+               && (now.isOld || !last.isOld);
     };
     QList<DeviceReport> changes;
     for (int i = 0; i < devices.size(); ++i) {
