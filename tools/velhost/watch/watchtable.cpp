@@ -2,7 +2,6 @@
 
 #include <common/table.h>
 #include <common/textwidth.h>
-
 #include <common/visibletext.h>
 
 #include <QVector>

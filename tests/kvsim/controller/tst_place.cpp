@@ -3,7 +3,7 @@
 #include <QTest>
 
 // Where a controller or a client is, as text.
-class tst_Endpoint : public QObject
+class tst_Place : public QObject
 {
     Q_OBJECT
 
@@ -12,7 +12,7 @@ private Q_SLOTS:
     void endpoints();
 };
 
-void tst_Endpoint::endpoints_data()
+void tst_Place::endpoints_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<int>("port");
@@ -22,7 +22,7 @@ void tst_Endpoint::endpoints_data()
     QTest::newRow("IPv6") << QStringLiteral("::1") << 65535 << QByteArray("[::1]:65535");
 }
 
-void tst_Endpoint::endpoints()
+void tst_Place::endpoints()
 {
     QFETCH(QString, address);
     QFETCH(int, port);
@@ -30,5 +30,5 @@ void tst_Endpoint::endpoints()
     QCOMPARE(endpointText(QHostAddress(address), static_cast<quint16>(port)), text);
 }
 
-QTEST_GUILESS_MAIN(tst_Endpoint)
-#include "tst_endpoint.moc"
+QTEST_GUILESS_MAIN(tst_Place)
+#include "tst_place.moc"
