@@ -1,7 +1,8 @@
 #pragma once
 
-#include <common/json/jsonnode.h>
 #include "memory/memory.h"
+
+#include <common/json/jsonnode.h>
 
 /// The address that a text of a file names; nothing, and an error of the node, when there is none.
 std::optional<Address> readAddress(const QString &text, const JsonNode &node);
