@@ -3,6 +3,7 @@
 #include <array>
 #include <cinttypes>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 
 #include <sys/syscall.h>
@@ -16,6 +17,11 @@ constexpr std::size_t mostText = 6 * mostEventBytes + 1024;
 
 std::array<char, mostText> lineText;
 char *nextCharacter = lineText.data();
+
+void append(const char *text)
+{
+    nextCharacter = stpcpy(nextCharacter, text);
+}
 
 template<typename... Arguments>
 void append(const char *format, Arguments... arguments)

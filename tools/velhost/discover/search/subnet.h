@@ -13,10 +13,7 @@ struct Subnet
     /// How many bits are shared, 0 to 32.
     int prefix = 32;
 
-    bool operator==(const Subnet &other) const
-    {
-        return first == other.first && prefix == other.prefix;
-    }
+    bool operator==(Subnet other) const { return first == other.first && prefix == other.prefix; }
 };
 Q_DECLARE_TYPEINFO(Subnet, Q_MOVABLE_TYPE);
 
