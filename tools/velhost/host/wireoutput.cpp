@@ -41,7 +41,8 @@ QMap<int, QString> WireOutput::endCall(const LogList &list, qint64 cycle)
 void WireOutput::show(const WireEvent &wireEvent, const Verdict &verdict, const LogList &list,
                       qint64 cycle)
 {
-    const auto &[event, item] = wireEvent;
+    auto [event, item, time] = wireEvent;
+    event.time = wireTime(time);
     QString place = visible(list.name.isEmpty() ? event.peer : list.name);
     QList<JsonMember> members = wireMembers(event, verdict);
     if (!list.name.isEmpty())

@@ -2,8 +2,6 @@
 
 #include <veltrace/connections.h>
 
-#include <QDateTime>
-
 #include <chrono>
 #include <utility>
 
@@ -14,13 +12,10 @@ namespace {
 
 WireTap *currentTap = nullptr;
 
-QString timeNow()
+qint64 microsecondsSince1970()
 {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
-    const qint64 microseconds = std::chrono::duration_cast<std::chrono::microseconds>(now).count();
-    const QDateTime seconds = QDateTime::fromSecsSinceEpoch(microseconds / 1000000, Qt::UTC);
-    return seconds.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss."))
-           + QStringLiteral("%1Z").arg(microseconds % 1000000, 6, 10, QChar(u'0'));
+    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
 }
 
 void takeEvent(const Event &event)
@@ -28,7 +23,6 @@ void takeEvent(const Event &event)
     if (currentTap == nullptr)
         return;
     TraceEvent taken;
-    taken.time = timeNow();
     // The system is asked once, not for each event.
     static const qint64 process = getpid();
     static thread_local const qint64 thread = syscall(SYS_gettid);
@@ -91,7 +85,7 @@ void WireTap::add(const TraceEvent &event)
     passItemsDone();
     const bool isOfDevice
         = event.name == QLatin1String("connect") || event.name == QLatin1String("close");
-    m_events.append({event, isOfDevice ? -1 : m_item});
+    m_events.append({event, isOfDevice ? -1 : m_item, microsecondsSince1970()});
 }
 
 void WireTap::passItemsDone()

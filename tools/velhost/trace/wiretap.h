@@ -8,12 +8,16 @@
 #include <QMap>
 #include <QString>
 
-/// One event on a connection, and the item that the plug-in served then: its index in the list of
-/// the call, or -1 when it is not known.
+/// One event on a connection.
 struct WireEvent
 {
+    /// Without its time, which few need as a text.
     TraceEvent event;
+    /// The item that the plug-in served then: its index in the list of the call, or -1 when it is
+    /// not known.
     int item = -1;
+    /// Microseconds since 1970, UTC.
+    qint64 time = 0;
 };
 
 /// Notices what the plug-in's calls send and receive, by the means of libvel-trace.so. There is one

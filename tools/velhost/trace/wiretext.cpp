@@ -2,6 +2,8 @@
 
 #include <common/visibletext.h>
 
+#include <QDateTime>
+
 namespace {
 
 QString what(const TraceEvent &event)
@@ -18,6 +20,13 @@ QString what(const TraceEvent &event)
 QString latin1(const QByteArray &bytes)
 {
     return QString::fromLatin1(bytes.constData(), bytes.size());
+}
+
+QString wireTime(qint64 microseconds)
+{
+    const QDateTime seconds = QDateTime::fromSecsSinceEpoch(microseconds / 1000000, Qt::UTC);
+    return seconds.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss."))
+           + QStringLiteral("%1Z").arg(microseconds % 1000000, 6, 10, QChar(u'0'));
 }
 
 QString wireText(const TraceEvent &event, const Verdict &verdict)

@@ -12,6 +12,9 @@
 /// A character for each byte, zero bytes among them.
 QString latin1(const QByteArray &bytes);
 
+/// Microseconds since 1970 as a line of a wire trace has them.
+QString wireTime(qint64 microseconds);
+
 /// The event for people, with the wait and what there is to say about an answer: `> RD DM100\r`,
 /// `< 00100\r\n  1.502 ms`, `timeout  3000.107 ms`.
 QString wireText(const TraceEvent &event, const Verdict &verdict);
