@@ -11,6 +11,7 @@ class tst_Report : public QObject
 private Q_SLOTS:
     void times_data();
     void times();
+    void timesAfterOthers();
     void errors();
 };
 
@@ -36,6 +37,30 @@ void tst_Report::times()
     QFETCH(QDateTime, time);
     QFETCH(QString, expected);
     QCOMPARE(timeText(time), expected);
+}
+
+// Each text is asked for after each other one, and after itself.
+void tst_Report::timesAfterOthers()
+{
+    const QDateTime local(QDate(2024, 2, 29), QTime(1, 2, 3, 4));
+    const QList<QDateTime> times{local,
+                                 local.addMSecs(1),
+                                 local.toUTC(),
+                                 local.toOffsetFromUtc(3600),
+                                 local.toOffsetFromUtc(-3600),
+                                 local.toTimeZone(QTimeZone(7200)),
+                                 local.toTimeZone(QTimeZone(10800)),
+                                 QDateTime()};
+    const auto expected = [](const QDateTime &time) {
+        const QDateTime sameTime = time.toOffsetFromUtc(time.offsetFromUtc());
+        return sameTime.toString(Qt::ISODateWithMs).replace(u'Z', QStringLiteral("+00:00"));
+    };
+    for (const QDateTime &before : times) {
+        for (const QDateTime &time : times) {
+            QCOMPARE(timeText(before), expected(before));
+            QCOMPARE(timeText(time), expected(time));
+        }
+    }
 }
 
 void tst_Report::errors()

@@ -50,9 +50,6 @@ std::optional<QStringList> utf8Arguments(int count, char *const *values)
 int main(int argc, char *argv[])
 {
     const std::optional<QStringList> arguments = utf8Arguments(argc, argv);
-    // Without it the C library looks at this file again for each time that is printed.
-    if (!qEnvironmentVariableIsSet("TZ"))
-        qputenv("TZ", ":/etc/localtime");
     QCoreApplication application(argc, argv);
     // The messages of the system must be English: they are shown among English ones, and
     // pluginfile.cpp looks for their words.
