@@ -54,10 +54,7 @@ QByteArray fault(const Fields &fields, const ControlTarget &target)
             return okOr(
                 QStringLiteral("%1 faults are in force already; clear them first").arg(mostFaults));
     }
-    QString error;
-    for (const auto &controller : target.controllers)
-        error = controller->faults.add(fields.at(1));
-    return okOr(error);
+    return okOr(addFault(target.controllers, fields.at(1)));
 }
 
 QByteArray clear(const Fields &fields, const ControlTarget &target)

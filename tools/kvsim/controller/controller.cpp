@@ -107,6 +107,14 @@ QByteArray countersText(const Controllers &controllers)
     return text;
 }
 
+QString addFault(const Controllers &controllers, const QByteArray &text)
+{
+    QString error;
+    for (const auto &controller : controllers)
+        error = controller->faults.add(text);
+    return error;
+}
+
 QString storeText(const Controllers &controllers, const QByteArray &address, const QByteArray &text)
 {
     QVector<StoredValue> stored;

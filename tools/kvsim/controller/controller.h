@@ -67,6 +67,10 @@ Reply replyTo(const QByteArray &client, const Line &line, Controller *controller
 /// those of each.
 QByteArray countersText(const Controllers &controllers);
 
+/// Puts a fault into force in all controllers, see parseFault(). Returns an empty text, or what is
+/// wrong with it.
+QString addFault(const Controllers &controllers, const QByteArray &text);
+
 /// Stores in all controllers, or in none, what two texts say, for example "DM100" and "5", in a
 /// read-only device too. Behind the value a type of dataType() may stand: "3.14 Float" takes as
 /// many words as that type has. Returns an empty text, or what is wrong.

@@ -78,9 +78,7 @@ Controllers controllersOf(const Options &options, QJsonObject *plant)
 QString applyOptions(const Options &options, const Controllers &controllers)
 {
     for (const QString &fault : options.faults) {
-        QString error;
-        for (const auto &controller : controllers)
-            error = controller->faults.add(fault.toUtf8());
+        const QString error = addFault(controllers, fault.toUtf8());
         if (!error.isEmpty())
             return QStringLiteral("--fault: %1.").arg(error);
     }
